@@ -1,0 +1,32 @@
+# Language level, warnings, sanitizers and the compiler cache: the same for every target of the tree.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+
+find_program(VMK_CCACHE ccache)
+if(VMK_CCACHE)
+    # Precompiled headers are cached too only if time stamps and defines are not compared.
+    set(VMK_LAUNCHER
+        ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+        CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${VMK_CCACHE})
+    set(CMAKE_C_COMPILER_LAUNCHER ${VMK_LAUNCHER})
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${VMK_LAUNCHER})
+endif()
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align)
+if(VMK_WERROR)
+    add_compile_options(-Werror)
+endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    add_compile_options(-fpch-preprocess)
+endif()
+if(VMK_SANITIZE)
+    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=address,undefined)
+endif()
+if(VMK_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
+add_compile_definitions(QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING)
