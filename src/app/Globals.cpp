@@ -2,11 +2,14 @@
 
 namespace vmk {
 
-const QStringList ColorNames = {QStringLiteral("fore color"), QStringLiteral("back color"), QStringLiteral("tag color"),
-    QStringLiteral("attr. color"), QStringLiteral("value color")};
-const QStringList OutputStyles = {QStringLiteral("compact"), QStringLiteral("line ends"), QStringLiteral("tags tree")};
-const QStringList OutputEncodings = {QStringLiteral("original"), QStringLiteral("windows-1251"), QStringLiteral("windows-1252"),
-    QStringLiteral("windows-1250"), QStringLiteral("utf-8")};
+const QStringList ColorNames
+    = {QStringLiteral("fore color"), QStringLiteral("back color"), QStringLiteral("tag color"),
+       QStringLiteral("attr. color"), QStringLiteral("value color")};
+const QStringList OutputStyles
+    = {QStringLiteral("compact"), QStringLiteral("line ends"), QStringLiteral("tags tree")};
+const QStringList OutputEncodings
+    = {QStringLiteral("original"), QStringLiteral("windows-1251"), QStringLiteral("windows-1252"),
+       QStringLiteral("windows-1250"), QStringLiteral("utf-8")};
 QString AppPath;
 QString AppDrive;
 QString IniFilePath;

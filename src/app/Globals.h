@@ -114,7 +114,8 @@ extern QString CleanUpFontName;
 extern int CleanUpFontSize;
 extern bool CleanUpFontBold;
 
-// ---------------------------------------------------------------- the open book (reset by a load, never saved)
+// ---------------------------------------------------------------- the open book (reset by a load, never
+// saved)
 
 /// Full path of the open book; empty before the first load.
 extern QString CurrentBook;

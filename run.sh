@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# Installs what is missing (Debian 12), builds Vellumark and opens the editor.
+# ./run.sh [BOOK]: opens BOOK, or else a sample. Without a display the editor runs under Xvfb for a moment
+# and leaves a picture of its window in build/screenshot.png.
+set -euo pipefail
+book=${1:+$(realpath -- "$1")}
+cd "$(dirname "${BASH_SOURCE[0]}")"
+mkdir -p build
+. packaging/common.sh
+
+install_missing_packages
+build_preset release vellumark vmk
+
+bin=$PWD/build/release/bin
+if [ -z "$book" ]; then
+    book=$(find "$bin/VMK Office/Book Samples" -name '*.fb2' 2>/dev/null | sort | head -n 1)
+    [ -n "$book" ] || fail "There is no sample book in $bin/VMK Office/Book Samples."
+fi
+[ -f "$book" ] || fail "There is no such book: $book"
+
+if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+    say "Opening $book"
+    exec "$bin/vellumark" "$book"
+fi
+
+say "No display: opening $book under Xvfb"
+picture=$PWD/build/screenshot.png
+xvfb-run --auto-servernum --server-args='-screen 0 1280x800x24' \
+    packaging/picture-of-window.sh "$picture" "$bin/vellumark" "$book"
+say "The window's picture is in $picture"
