@@ -1,0 +1,187 @@
+#include "FileOperations.h"
+
+#include <algorithm>
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace vmk {
+
+namespace {
+
+bool IsSeparator(QChar c)
+{
+    return c == u'\\' || c == u'/';
+}
+
+/// Position of the last separator, or -1.
+qsizetype LastSeparator(QStringView path)
+{
+    return std::max(path.lastIndexOf(u'\\'), path.lastIndexOf(u'/'));
+}
+
+QString NameOf(const QString& path)
+{
+    return path.mid(LastSeparator(path) + 1);
+}
+
+QString FolderPartOf(const QString& path)
+{
+    return path.left(LastSeparator(path) + 1);
+}
+
+/// Only the extension of the name counts: a dot in a folder's name is no extension of the path.
+QString WithoutExtension(const QString& path)
+{
+    const qsizetype dot = path.lastIndexOf(u'.');
+    return dot > LastSeparator(path) ? path.left(dot) : path;
+}
+
+QString DriveOf(const QString& path)
+{
+    constexpr qsizetype MarkLength = 2;
+    const qsizetype mark = std::max(path.lastIndexOf(u":\\"), path.lastIndexOf(u":/"));
+    return mark < 0 ? QString() : path.left(mark + MarkLength);
+}
+
+/// Short paths keep their separator: what is left of a root would be another path.
+QString DropTrailingSeparator(QString path)
+{
+    constexpr qsizetype ShortestDropped = 4;
+    if (path.size() >= ShortestDropped && IsSeparator(path.back()))
+        path.chop(1);
+    return path;
+}
+
+bool IsPattern(const QString& path)
+{
+    return path.endsWith(u'*');
+}
+
+QStringList FilesOfPattern(const QString& pattern)
+{
+    const QString folder = FolderPartOf(pattern);
+    return FindFiles(folder.isEmpty() ? u"."_s : folder, NameOf(pattern));
+}
+
+/// Copies or moves one file or all files of a pattern; true if all of it was done.
+bool Transfer(const QString& from, const QString& to, bool (*transferOne)(const QString&, const QString&))
+{
+    if (!IsPattern(from)) {
+        if (!FileExists(from))
+            return false;
+        if (const QString folder = FolderPartOf(to); !folder.isEmpty())
+            MakeFolder(folder);
+        return transferOne(from, to);
+    }
+    MakeFolder(to);
+    const QString targetFolder = IsSeparator(to.back()) ? to : to + u'/';
+    bool allDone = true;
+    for (const QString& name : FilesOfPattern(from))
+        allDone = transferOne(FolderPartOf(from) + name, targetFolder + name) && allDone;
+    return allDone;
+}
+
+void DeleteFiles(const QString& path)
+{
+    if (!IsPattern(path)) {
+        DeleteOneFile(path);
+        return;
+    }
+    for (const QString& name : FilesOfPattern(path))
+        DeleteOneFile(FolderPartOf(path) + name);
+}
+
+} // namespace
+
+bool FileExists(const QString& path)
+{
+    const QString plain = DropTrailingSeparator(path);
+    if (NameOf(plain).trimmed().isEmpty())
+        return false;
+    return KindOfFile(plain) != FileKind::None || (IsPattern(plain) && !FilesOfPattern(plain).isEmpty());
+}
+
+bool FolderExists(const QString& path)
+{
+    const QString plain = DropTrailingSeparator(path);
+    return !NameOf(plain).trimmed().isEmpty() && KindOfFile(plain) == FileKind::Folder;
+}
+
+bool MakeFolder(const QString& path)
+{
+    const bool hasSeparator = path.size() > 1 && IsSeparator(path.back());
+    return MakeOneFolder(hasSeparator ? path.chopped(1) : path);
+}
+
+std::string ReadFileText(const QString& path)
+{
+    return ReadContent(path).bytes;
+}
+
+bool WriteFileText(const QString& path, std::string_view text)
+{
+    return ReplaceContent(path, text);
+}
+
+bool ReadFileBytes(const QString& path, std::string& bytes, int32_t& length)
+{
+    static_assert(MaxFileBytes <= std::numeric_limits<int32_t>::max());
+    FileContent content = ReadContent(path);
+    bytes = std::move(content.bytes);
+    if (content.outcome != ReadOutcome::Ok)
+        return false;
+    if (length == -1)
+        length = static_cast<int32_t>(bytes.size());
+    return true;
+}
+
+bool WriteFileBytes(const QString& path, std::string_view bytes)
+{
+    return ReplaceContent(path, bytes);
+}
+
+QDate FileDate(const QString& path)
+{
+    return LastWriteDate(path);
+}
+
+QString FileOperation(int mode, const QString& a, const QString& b)
+{
+    const bool needsTarget = mode == CopyFileMode || mode == MoveFileMode || mode == CopyFolderMode;
+    if (a.isEmpty() || (needsTarget && b.isEmpty()))
+        return QString();
+    switch (mode) {
+    case DeleteFileMode:
+        DeleteFiles(a);
+        return QString();
+    case DeleteFolderMode:
+        DeleteFolderTree(DropTrailingSeparator(a));
+        return QString();
+    case CopyFileMode:
+        Transfer(a, b, CopyOneFile);
+        return QString();
+    case MoveFileMode:
+        return Transfer(a, b, MoveOneFile) ? u"ok"_s : QString();
+    case CopyFolderMode:
+        // A failed copy leaves both folders as they were; the caller looks for `b`.
+        static_cast<void>(CopyFolderTree(DropTrailingSeparator(a), DropTrailingSeparator(b)));
+        return QString();
+    case ExtensionMode:
+        return a.mid(a.lastIndexOf(u'.') + 1);
+    case FolderOfMode:
+        return FolderPartOf(a);
+    case NameMode:
+        return NameOf(a);
+    case BaseNameMode:
+        return WithoutExtension(NameOf(a));
+    case DriveMode:
+        return DriveOf(a);
+    case WithoutExtensionMode:
+        return WithoutExtension(a);
+    default:
+        return QString();
+    }
+}
+
+} // namespace vmk
