@@ -1,0 +1,10 @@
+# PROGRAM loads neither Qt's Gui nor its Widgets library; OTHER does, which shows that the look is sharp enough.
+foreach(program ${PROGRAM} ${OTHER})
+    execute_process(COMMAND ldd ${program} OUTPUT_VARIABLE libraries COMMAND_ERROR_IS_FATAL ANY)
+    string(REGEX MATCHALL "libQt6(Gui|Widgets)[^ ]*" found "${libraries}")
+    if(program STREQUAL PROGRAM AND found)
+        message(FATAL_ERROR "${program} loads ${found}")
+    elseif(program STREQUAL OTHER AND NOT found)
+        message(FATAL_ERROR "${program} should load the window libraries; is ldd of use here?")
+    endif()
+endforeach()
