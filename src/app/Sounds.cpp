@@ -1,0 +1,47 @@
+#include "Sounds.h"
+
+#include "Desktop.h"
+#include "Globals.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QSocketNotifier>
+#include <QTimer>
+
+#include <memory>
+#include <vector>
+
+namespace vmk {
+
+void PlaySoundFile(const QString& path, bool beepInstead)
+{
+    if (SoundsOn == 1)
+        SoundSeam()(path);
+    else if (beepInstead)
+        Beep();
+}
+
+int WaitForInput(int32_t milliseconds, const int* handles, int count)
+{
+    constexpr int32_t ForEver = -1;
+    if ((milliseconds <= 0 && milliseconds != ForEver) || !QCoreApplication::instance())
+        return WaitTimeOut;
+
+    QEventLoop loop;
+    QTimer timer;
+    if (milliseconds != ForEver) {
+        timer.setSingleShot(true);
+        timer.setTimerType(Qt::PreciseTimer);
+        QObject::connect(&timer, &QTimer::timeout, &loop, [&loop] { loop.exit(WaitTimeOut); });
+        timer.start(milliseconds);
+    }
+    std::vector<std::unique_ptr<QSocketNotifier>> notifiers;
+    for (int i = 0; i < count; ++i) {
+        notifiers.push_back(std::make_unique<QSocketNotifier>(handles[i], QSocketNotifier::Read));
+        QObject::connect(notifiers.back().get(), &QSocketNotifier::activated, &loop,
+                         [&loop, i] { loop.exit(i); });
+    }
+    return loop.exec();
+}
+
+} // namespace vmk

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Seam.h"
+
+#include <QString>
+
+namespace vmk {
+
+enum class BoxKind
+{
+    Plain, ///< no icon, OK
+    Information, ///< information icon, OK
+    Stop, ///< stop (error) icon, OK
+    YesNo ///< question, Yes and No
+};
+
+/// The title of a box that is given none.
+inline constexpr QLatin1StringView ProgramTitle("Vellumark");
+
+/// Shows a modal box; true for Yes. Without a window the text goes to the standard error stream and the
+/// answer is No. Lines of the text are parted by `CrLf` or LF.
+[[nodiscard]] Seam<bool(BoxKind kind, const QString& text, const QString& title)>& BoxSeam();
+
+void PlainBox(const QString& text, const QString& title = ProgramTitle);
+void InformationBox(const QString& text, const QString& title = ProgramTitle);
+void StopBox(const QString& text, const QString& title = ProgramTitle);
+/// True for Yes; closing the box means No.
+[[nodiscard]] bool YesNoBox(const QString& text, const QString& title = ProgramTitle);
+
+} // namespace vmk

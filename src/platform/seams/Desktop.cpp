@@ -1,0 +1,65 @@
+#include "Desktop.h"
+
+namespace vmk {
+
+namespace {
+
+QString& OwnClipboard()
+{
+    static QString text;
+    return text;
+}
+
+} // namespace
+
+Seam<void(const QString&)>& SoundSeam()
+{
+    static Seam<void(const QString&)> seam([](const QString&) {});
+    return seam;
+}
+
+Seam<void()>& BeepSeam()
+{
+    static Seam<void()> seam([] {});
+    return seam;
+}
+
+void Beep()
+{
+    BeepSeam()();
+}
+
+Seam<bool(const QString&)>& OpenSeam()
+{
+    static Seam<bool(const QString&)> seam([](const QString&) { return false; });
+    return seam;
+}
+
+bool OpenWithSystem(const QString& target)
+{
+    return OpenSeam()(target);
+}
+
+Seam<QString()>& ClipboardTextSeam()
+{
+    static Seam<QString()> seam([] { return OwnClipboard(); });
+    return seam;
+}
+
+Seam<void(const QString&)>& SetClipboardTextSeam()
+{
+    static Seam<void(const QString&)> seam([](const QString& text) { OwnClipboard() = text; });
+    return seam;
+}
+
+QString ClipboardText()
+{
+    return ClipboardTextSeam()();
+}
+
+void SetClipboardText(const QString& text)
+{
+    SetClipboardTextSeam()(text);
+}
+
+} // namespace vmk

@@ -1,0 +1,54 @@
+#include "MainWindowSeams.h"
+
+#include <QCoreApplication>
+
+namespace vmk {
+
+Seam<void(const QString&)>& StatusSeam()
+{
+    static Seam<void(const QString&)> seam([](const QString&) {});
+    return seam;
+}
+
+void ShowStatus(const QString& text)
+{
+    StatusSeam()(text);
+}
+
+Seam<void(int, const QString&)>& StatusPanelSeam()
+{
+    static Seam<void(int, const QString&)> seam([](int, const QString&) {});
+    return seam;
+}
+
+void ShowStatusPanel(int panel, const QString& text)
+{
+    StatusPanelSeam()(panel, text);
+}
+
+Seam<void(Pointer)>& PointerSeam()
+{
+    static Seam<void(Pointer)> seam([](Pointer) {});
+    return seam;
+}
+
+void SetPointer(Pointer pointer)
+{
+    PointerSeam()(pointer);
+}
+
+Seam<void()>& ProcessEventsSeam()
+{
+    static Seam<void()> seam([] {
+        if (QCoreApplication::instance())
+            QCoreApplication::processEvents();
+    });
+    return seam;
+}
+
+void ProcessEvents()
+{
+    ProcessEventsSeam()();
+}
+
+} // namespace vmk
