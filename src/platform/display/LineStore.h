@@ -1,0 +1,80 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+namespace vmk {
+
+struct Line;
+using LinePtr = std::shared_ptr<const Line>;
+
+/// The lines of a document in order, as an array with a gap: replacing lines costs the lines themselves
+/// plus the way from the last edit's place, so edits that go through the book in one direction are cheap
+/// even when each of them adds or removes a line.
+class LineStore {
+public:
+    [[nodiscard]] int size() const { return int(slots.size() - gapSize); }
+
+    /// @param index 0 to `size() - 1`.
+    [[nodiscard]] const LinePtr& operator[](int index) const
+    {
+        const auto i = std::size_t(index);
+        return slots[i < gapStart ? i : i + gapSize];
+    }
+
+    /// Replaces all lines.
+    void assign(std::vector<LinePtr> newLines)
+    {
+        slots = std::move(newLines);
+        gapStart = slots.size();
+        gapSize = 0;
+    }
+
+    /// Replaces `removed` lines from `first` on by the given ones.
+    void replace(int first, int removed, const std::vector<LinePtr>& inserted)
+    {
+        if (std::size_t(removed) == inserted.size()) {
+            for (std::size_t i = 0; i < inserted.size(); ++i)
+                slot(std::size_t(first) + i) = inserted[i];
+            return;
+        }
+        moveGap(std::size_t(first));
+        for (int i = 0; i < removed; ++i)
+            slots[gapStart + gapSize++].reset();
+        if (inserted.size() > gapSize)
+            growGap(inserted.size());
+        std::copy(inserted.begin(), inserted.end(), slots.begin() + std::ptrdiff_t(gapStart));
+        gapStart += inserted.size();
+        gapSize -= inserted.size();
+    }
+
+private:
+    LinePtr& slot(std::size_t index) { return slots[index < gapStart ? index : index + gapSize]; }
+
+    void moveGap(std::size_t place)
+    {
+        const auto at = [this](std::size_t i) { return slots.begin() + std::ptrdiff_t(i); };
+        if (gapSize == 0)
+            gapStart = place;
+        else if (place < gapStart)
+            std::move_backward(at(place), at(gapStart), at(gapStart + gapSize));
+        else
+            std::move(at(gapStart + gapSize), at(place + gapSize), at(gapStart));
+        gapStart = place;
+    }
+
+    void growGap(std::size_t needed)
+    {
+        const std::size_t added = needed + slots.size() / 16 + 16;
+        slots.insert(slots.begin() + std::ptrdiff_t(gapStart), added, LinePtr());
+        gapSize += added;
+    }
+
+    std::vector<LinePtr> slots;
+    std::size_t gapStart = 0;
+    std::size_t gapSize = 0;
+};
+
+} // namespace vmk

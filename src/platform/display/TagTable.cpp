@@ -1,0 +1,134 @@
+#include "TagTable.h"
+
+#include "HtmlCharacters.h"
+
+namespace vmk {
+
+namespace {
+
+/// One attribute in a tag's attribute text: where its name and its raw value stand.
+struct AttributePlace
+{
+    qsizetype nameStart = 0;
+    qsizetype nameEnd = 0;
+    qsizetype valueStart = 0; ///< Behind the opening quote.
+    qsizetype valueEnd = 0; ///< In front of the closing quote.
+    qsizetype end = 0; ///< Behind the closing quote.
+};
+
+/// Reads the next attribute from `at` on; false at the end of the text.
+bool nextAttribute(QStringView text, qsizetype at, AttributePlace& place)
+{
+    const auto skip = [&text](qsizetype from, auto&& accept) {
+        while (from < text.size() && accept(text[from]))
+            ++from;
+        return from;
+    };
+    const auto isBlank = [](QChar c) { return isHtmlSpace(c.unicode()); };
+
+    place.nameStart = skip(at, [&](QChar c) { return isBlank(c) || c == u'/'; });
+    if (place.nameStart >= text.size())
+        return false;
+    // A name that begins with an equals sign keeps it, so that the loop always moves on.
+    place.nameEnd = skip(place.nameStart + 1, [&](QChar c) { return !isBlank(c) && c != u'='; });
+    place.valueStart = place.valueEnd = place.end = place.nameEnd;
+
+    const qsizetype equals = skip(place.nameEnd, isBlank);
+    if (equals >= text.size() || text[equals] != u'=')
+        return true;
+    place.valueStart = skip(equals + 1, isBlank);
+    if (place.valueStart < text.size() && (text[place.valueStart] == u'"' || text[place.valueStart] == u'\'')) {
+        const QChar quote = text[place.valueStart++];
+        const qsizetype close = text.indexOf(quote, place.valueStart);
+        place.valueEnd = close < 0 ? text.size() : close;
+        place.end = close < 0 ? text.size() : close + 1;
+    } else {
+        place.valueEnd = place.end = skip(place.valueStart, [&](QChar c) { return !isBlank(c); });
+    }
+    return true;
+}
+
+bool findAttribute(QStringView attributes, QStringView name, AttributePlace& place)
+{
+    for (qsizetype at = 0; nextAttribute(attributes, at, place); at = place.end) {
+        const QStringView found = attributes.sliced(place.nameStart, place.nameEnd - place.nameStart);
+        if (found.compare(name, Qt::CaseInsensitive) == 0)
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+QString Tag::value(QStringView attribute) const
+{
+    AttributePlace place;
+    if (!findAttribute(attributes, attribute, place))
+        return {};
+    const QStringView raw = QStringView(attributes).sliced(place.valueStart, place.valueEnd - place.valueStart);
+    // A present but empty attribute is empty, not null.
+    return raw.isEmpty() ? QStringLiteral("") : resolveReferences(raw);
+}
+
+QString Tag::startTag() const
+{
+    if (attributes.isEmpty())
+        return u'<' + name + u'>';
+    return u'<' + name + u' ' + attributes + u'>';
+}
+
+QString Tag::endTag() const
+{
+    return QStringLiteral("</") + name + u'>';
+}
+
+TagTable::TagTable()
+{
+    tags.push_back(std::make_unique<const Tag>());
+}
+
+TagTable::~TagTable() = default;
+
+TagId TagTable::intern(QStringView name, QStringView attributes)
+{
+    // Names never hold a blank, so the pair is unambiguous.
+    QString key;
+    key.reserve(name.size() + 1 + attributes.size());
+    key.append(name.toString().toUpper());
+    key.append(u' ');
+    key.append(attributes);
+    if (const auto known = numbers.constFind(key); known != numbers.cend())
+        return *known;
+
+    auto tag = std::make_unique<Tag>();
+    tag->name = name.toString().toUpper();
+    tag->attributes = attributes.toString();
+    tag->id = tag->value(u"id");
+    tag->className = tag->value(u"class");
+    tag->style = tag->value(u"style");
+    const auto number = TagId(tags.size());
+    tags.push_back(std::move(tag));
+    numbers.insert(key, number);
+    return number;
+}
+
+TagId TagTable::withAttribute(TagId id, QStringView attribute, const QString& value)
+{
+    const Tag& tag = *tags[id];
+    QString written;
+    if (!value.isNull()) {
+        QString quoted = value;
+        quoted.replace(u'&', QStringLiteral("&amp;")).replace(u'"', QStringLiteral("&quot;"));
+        written = attribute.toString() + QStringLiteral("=\"") + quoted + u'"';
+    }
+
+    QString attributes = tag.attributes;
+    AttributePlace place;
+    if (findAttribute(attributes, attribute, place))
+        attributes.replace(place.nameStart, place.end - place.nameStart, written);
+    else
+        attributes += u' ' + written;
+    return intern(tag.name, QStringView(attributes).trimmed());
+}
+
+} // namespace vmk
