@@ -1,0 +1,33 @@
+#pragma once
+
+#include "XmlInput.h"
+
+#include <QString>
+
+namespace vmk {
+
+/// Codes of the errors that are found here and not by libxml2, whose own codes stay below.
+enum XmlErrorCode : int
+{
+    XmlUnknownEncoding = 100001,
+    XmlBadCharacter,
+    XmlTooDeep,
+    XmlEntityTooLarge,
+    XmlExternalEntity,
+    XmlDuplicateId,
+    XmlNoParser,
+};
+
+/// The first error of a text: `parseError` of the document.
+///
+/// The place is, for a text that is not well-formed, where the parser stopped; for an error found at a
+/// start tag its "<"; for an error found at an end tag just behind its "</".
+struct XmlParseError : XmlPosition
+{
+    int errorCode = 0; ///< 0: no error
+    QString reason; ///< the message, on one line
+
+    explicit operator bool() const { return errorCode != 0; }
+};
+
+} // namespace vmk

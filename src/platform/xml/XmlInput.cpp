@@ -1,0 +1,379 @@
+#include "XmlInput.h"
+
+#include "CodePages.h"
+#include "XmlError.h"
+
+#include <iconv.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cerrno>
+#include <cstring>
+
+namespace vmk {
+
+/// Turns the bytes of one encoding into UTF-8, piece by piece.
+class XmlInput::Decoder
+{
+public:
+    enum class End
+    {
+        OfInput,
+        OfRoom,
+        BadBytes
+    };
+    struct Step
+    {
+        size_t consumed;
+        size_t produced;
+        End end;
+    };
+
+    explicit Decoder(std::string encodingName)
+        : name(std::move(encodingName))
+    {
+    }
+    virtual ~Decoder() = default;
+    /// Decodes whole characters from the front of `in` while they fit into `out`.
+    [[nodiscard]] virtual Step decode(std::string_view in, char* out, size_t room) = 0;
+    /// Goes back to the state at the start of a text.
+    virtual void reset() { }
+
+    const std::string name;
+};
+
+namespace {
+
+constexpr size_t PieceSize = 16 * 1024;
+constexpr size_t LongestCharacter = 8;
+
+/// One byte a character.
+class TableDecoder final : public XmlInput::Decoder
+{
+public:
+    explicit TableDecoder(int codePage)
+        : Decoder("windows-" + std::to_string(codePage))
+    {
+        for (int byte = 0; byte < 256; ++byte)
+            put(table[static_cast<size_t>(byte)],
+                CharacterOfByte(static_cast<unsigned char>(byte), codePage));
+    }
+
+    Step decode(std::string_view in, char* out, size_t room) override
+    {
+        size_t consumed = 0;
+        size_t produced = 0;
+        for (; consumed < in.size(); ++consumed) {
+            const Utf8& character = table[static_cast<unsigned char>(in[consumed])];
+            if (room - produced < character.length)
+                return {consumed, produced, End::OfRoom};
+            std::memcpy(out + produced, character.bytes, character.length);
+            produced += character.length;
+        }
+        return {consumed, produced, End::OfInput};
+    }
+
+private:
+    struct Utf8
+    {
+        unsigned char length;
+        char bytes[3];
+    };
+
+    static void put(Utf8& entry, char16_t character)
+    {
+        const auto bits
+            = [character](int shift) { return static_cast<char>(0x80 | ((character >> shift) & 0x3F)); };
+        if (character < 0x80)
+            entry = {1, {static_cast<char>(character), 0, 0}};
+        else if (character < 0x800)
+            entry = {2, {static_cast<char>(0xC0 | (character >> 6)), bits(0), 0}};
+        else
+            entry = {3, {static_cast<char>(0xE0 | (character >> 12)), bits(6), bits(0)}};
+    }
+
+    std::array<Utf8, 256> table{};
+};
+
+/// Any encoding that the C library knows.
+class IconvDecoder final : public XmlInput::Decoder
+{
+public:
+    explicit IconvDecoder(const std::string& encodingName)
+        : Decoder(encodingName)
+        , handle(iconv_open("UTF-8", encodingName.c_str()))
+    {
+    }
+    ~IconvDecoder() override
+    {
+        if (isOpen())
+            iconv_close(handle);
+    }
+    IconvDecoder(const IconvDecoder&) = delete;
+    IconvDecoder& operator=(const IconvDecoder&) = delete;
+
+    [[nodiscard]] bool isOpen() const { return handle != reinterpret_cast<iconv_t>(-1); }
+
+    Step decode(std::string_view in, char* out, size_t room) override
+    {
+        // iconv takes the text by a pointer to non-const, but does not write to it.
+        char* from = const_cast<char*>(in.data());
+        char* to = out;
+        size_t left = in.size();
+        size_t roomLeft = room;
+        const size_t result = iconv(handle, &from, &left, &to, &roomLeft);
+        const int problem = result == static_cast<size_t>(-1) ? errno : 0;
+        const End end = problem == 0 ? End::OfInput : problem == E2BIG ? End::OfRoom : End::BadBytes;
+        return {in.size() - left, room - roomLeft, end};
+    }
+
+    void reset() override { iconv(handle, nullptr, nullptr, nullptr, nullptr); }
+
+private:
+    iconv_t handle;
+};
+
+std::string Lower(std::string_view text)
+{
+    std::string lower(text);
+    std::ranges::transform(lower, lower.begin(), [](unsigned char c) { return std::tolower(c); });
+    return lower;
+}
+
+struct DeclaredEncoding
+{
+    std::string_view name;
+    size_t at; // of the name in the text
+};
+
+/// The encoding named by the XML declaration at the start of a text in an ASCII-like encoding.
+std::optional<DeclaredEncoding> FindDeclaredEncoding(std::string_view text)
+{
+    constexpr std::string_view Blanks = " \t\r\n";
+    if (!text.starts_with("<?xml") || text.size() < 6 || Blanks.find(text[5]) == std::string_view::npos)
+        return std::nullopt;
+    const std::string_view declaration = text.substr(0, std::min<size_t>(text.find("?>"), 4096));
+    size_t at = declaration.find("encoding");
+    if (at == std::string_view::npos)
+        return std::nullopt;
+    const auto skipBlanks = [&] { at = declaration.find_first_not_of(Blanks, at); };
+    at += 8;
+    skipBlanks();
+    if (at == std::string_view::npos || declaration[at] != '=')
+        return std::nullopt;
+    ++at;
+    skipBlanks();
+    if (at == std::string_view::npos || (declaration[at] != '"' && declaration[at] != '\''))
+        return std::nullopt;
+    const size_t end = declaration.find(declaration[at], at + 1);
+    if (end == std::string_view::npos)
+        return std::nullopt;
+    return DeclaredEncoding{declaration.substr(at + 1, end - at - 1), at + 1};
+}
+
+/// True for what the grammar calls a name of an encoding; nothing else is shown to iconv.
+bool IsEncodingName(std::string_view name)
+{
+    const auto isPart
+        = [](unsigned char c) { return std::isalnum(c) != 0 || c == '.' || c == '_' || c == '-'; };
+    return !name.empty() && name.size() <= 40 && std::isalpha(static_cast<unsigned char>(name.front())) != 0
+        && std::ranges::all_of(name, isPart);
+}
+
+/// Two or four bytes a character: what is declared in single bytes can't be in one of these.
+bool IsWide(std::string_view lowerName)
+{
+    for (const std::string_view start :
+         {"utf-16", "utf16", "utf-32", "utf32", "ucs", "iso-10646-ucs", "unicode"})
+        if (lowerName.starts_with(start))
+            return true;
+    return false;
+}
+
+} // namespace
+
+XmlInput::XmlInput(std::string_view text, XmlEncoding encoding)
+    : bytes(text)
+{
+    choose(encoding);
+}
+
+XmlInput::~XmlInput() = default;
+
+void XmlInput::choose(XmlEncoding encoding)
+{
+    const auto dropMark = [this](std::string_view mark) {
+        if (!bytes.starts_with(mark))
+            return false;
+        bytes.remove_prefix(mark.size());
+        markBytes = static_cast<qsizetype>(mark.size());
+        return true;
+    };
+
+    if (encoding.kind() == XmlEncoding::Kind::CodePage) {
+        decoder = std::make_unique<TableDecoder>(encoding.number());
+        return;
+    }
+    if (dropMark("\xEF\xBB\xBF") || encoding.kind() == XmlEncoding::Kind::Utf8)
+        return;
+    // The mark of UTF-32 begins like that of UTF-16.
+    using namespace std::string_view_literals;
+    if (dropMark("\xFF\xFE\0\0"sv))
+        decoder = std::make_unique<IconvDecoder>("UTF-32LE");
+    else if (dropMark("\0\0\xFE\xFF"sv))
+        decoder = std::make_unique<IconvDecoder>("UTF-32BE");
+    else if (dropMark("\xFF\xFE"sv) || bytes.starts_with("<\0"sv))
+        decoder = std::make_unique<IconvDecoder>("UTF-16LE");
+    else if (dropMark("\xFE\xFF"sv) || bytes.starts_with("\0<"sv))
+        decoder = std::make_unique<IconvDecoder>("UTF-16BE");
+    else
+        chooseByDeclaration();
+}
+
+void XmlInput::chooseByDeclaration()
+{
+    const std::optional<DeclaredEncoding> declared = FindDeclaredEncoding(bytes);
+    if (!declared)
+        return;
+    const std::string name = Lower(declared->name);
+    if (name == "utf-8" || name == "utf8" || name == "us-ascii" || name == "ascii")
+        return;
+    for (const int page : {1250, 1251, 1252})
+        if (name == "windows-" + std::to_string(page) || name == "cp" + std::to_string(page)) {
+            decoder = std::make_unique<TableDecoder>(page);
+            return;
+        }
+    if (IsEncodingName(name) && !IsWide(name)) {
+        auto converter = std::make_unique<IconvDecoder>(std::string(declared->name));
+        if (converter->isOpen()) {
+            decoder = std::move(converter);
+            return;
+        }
+    }
+    const bool wide = IsWide(name);
+    failed = Failure{XmlUnknownEncoding, static_cast<qsizetype>(declared->at),
+                     "The declared encoding '" + std::string(declared->name.substr(0, 80))
+                         + (wide ? "' is not that of the text" : "' is not known")};
+    stopped = true;
+}
+
+qsizetype XmlInput::read(char* out, qsizetype capacity)
+{
+    if (stopped || capacity <= 0)
+        return 0;
+    const auto room = static_cast<size_t>(capacity);
+    if (!decoder) {
+        const size_t piece = std::min(room, bytes.size() - static_cast<size_t>(consumed));
+        std::memcpy(out, bytes.data() + consumed, piece);
+        consumed += static_cast<qsizetype>(piece);
+        return static_cast<qsizetype>(piece);
+    }
+    if (pendingStart == pending.size() && !refill())
+        return 0;
+    const size_t piece = std::min(room, pending.size() - pendingStart);
+    std::memcpy(out, pending.data() + pendingStart, piece);
+    pendingStart += piece;
+    return static_cast<qsizetype>(piece);
+}
+
+bool XmlInput::refill()
+{
+    pending.resize(PieceSize);
+    pendingStart = 0;
+    const Decoder::Step step
+        = decoder->decode(bytes.substr(static_cast<size_t>(consumed)), pending.data(), pending.size());
+    pending.resize(step.produced);
+    consumed += static_cast<qsizetype>(step.consumed);
+    produced += static_cast<qsizetype>(step.produced);
+    // What was decoded before the bad bytes is handed out first.
+    if (step.produced == 0 && step.end == Decoder::End::BadBytes)
+        failed = Failure{XmlBadCharacter, produced, "The bytes here are no character of " + decoder->name};
+    return step.produced > 0;
+}
+
+namespace {
+
+/// Decodes the first `length` bytes of UTF-8 again, piece by piece, for `take`; returns the bytes consumed.
+template <typename Take>
+size_t DecodeFront(XmlInput::Decoder& decoder, std::string_view bytes, size_t length, Take take)
+{
+    std::array<char, PieceSize> piece;
+    size_t consumed = 0;
+    decoder.reset();
+    while (length > 0) {
+        const XmlInput::Decoder::Step step
+            = decoder.decode(bytes.substr(consumed), piece.data(), std::min(length, piece.size()));
+        consumed += step.consumed;
+        length -= step.produced;
+        take(std::string_view(piece.data(), step.produced));
+        if (step.end != XmlInput::Decoder::End::OfRoom || (step.produced == 0 && length < LongestCharacter))
+            break;
+    }
+    return consumed;
+}
+
+/// Counts units, lines and columns over a text in UTF-8 that comes in pieces.
+class PositionCounter
+{
+public:
+    explicit PositionCounter(XmlPosition& place)
+        : position(place)
+    {
+    }
+
+    void count(std::string_view text)
+    {
+        for (const char c : text) {
+            const auto byte = static_cast<unsigned char>(c);
+            if ((byte & 0xC0) == 0x80)
+                continue; // within a character
+            position.filepos += byte >= 0xF0 ? 2 : 1;
+            if (byte == '\n' && afterCr) {
+                afterCr = false;
+                continue; // the second half of CR LF
+            }
+            afterCr = byte == '\r';
+            if (byte == '\r' || byte == '\n') {
+                ++position.line;
+                position.linepos = 1;
+            } else {
+                ++position.linepos;
+            }
+        }
+    }
+
+private:
+    XmlPosition& position;
+    bool afterCr = false;
+};
+
+} // namespace
+
+std::string XmlInput::prefix(qsizetype length) const
+{
+    const size_t limit = static_cast<size_t>(std::max<qsizetype>(length, 0));
+    if (!decoder)
+        return std::string(bytes.substr(0, limit));
+    std::string text;
+    DecodeFront(*decoder, bytes, limit, [&text](std::string_view piece) { text += piece; });
+    return text;
+}
+
+XmlPosition XmlInput::locate(qsizetype offset) const
+{
+    XmlPosition position;
+    PositionCounter counter(position);
+    const size_t limit = static_cast<size_t>(std::max<qsizetype>(offset, 0));
+    size_t before = std::min(limit, bytes.size());
+    if (decoder)
+        before = DecodeFront(*decoder, bytes, limit,
+                             [&counter](std::string_view piece) { counter.count(piece); });
+    else
+        counter.count(bytes.substr(0, before));
+    position.fileByte = static_cast<qsizetype>(before) + markBytes;
+    position.filepos += markBytes > 0 ? 1 : 0;
+    return position;
+}
+
+} // namespace vmk

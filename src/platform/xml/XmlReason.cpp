@@ -1,0 +1,82 @@
+#include "XmlReason.h"
+
+#include <algorithm>
+
+namespace vmk {
+
+namespace {
+
+using namespace std::string_view_literals;
+
+/// Where the list that opens before `at` closes, or npos; namespaces in braces and quoted values are skipped.
+size_t FindListEnd(std::string_view text, size_t at, char close)
+{
+    for (; at < text.size(); ++at) {
+        if (text[at] == close)
+            return at;
+        if (text[at] == '\'' || text[at] == '{') {
+            at = text.find(text[at] == '{' ? '}' : '\'', at + 1);
+            if (at == std::string_view::npos)
+                return at;
+        }
+    }
+    return std::string_view::npos;
+}
+
+/// Puts "…" in place of the entries of `list` that lie behind `XmlReasonListLength` visible characters.
+std::string CutList(std::string_view list)
+{
+    int visible = 0;
+    size_t entryEnd = 0;
+    bool counted = true;
+    bool quoted = false;
+    for (size_t at = 0; at < list.size(); ++at) {
+        const char c = list[at];
+        if (c == '\'')
+            quoted = !quoted;
+        if (!quoted && c == '{')
+            counted = false;
+        if (!quoted && c == ',')
+            entryEnd = at + 1;
+        visible += counted && (static_cast<unsigned char>(c) & 0xC0) != 0x80 ? 1 : 0;
+        counted = counted || c == '}';
+        if (visible > XmlReasonListLength && entryEnd > 0)
+            return std::string(list.substr(0, entryEnd)) + " …";
+    }
+    return std::string(list);
+}
+
+} // namespace
+
+std::string TidyReason(std::string_view message)
+{
+    std::string line(message);
+    std::ranges::replace_if(
+        line, [](char c) { return c == '\n' || c == '\r' || c == '\t'; }, ' ');
+    line.erase(line.find_last_not_of(' ') + 1);
+
+    // The validator writes lists as "set {'a', 'b'}" and "( {uri}a, {uri}b )".
+    for (const auto& [opening, close] : {std::pair("{'"sv, '}'), std::pair("( "sv, ')')}) {
+        const size_t open = line.find(opening);
+        if (open == std::string::npos)
+            continue;
+        const size_t end = FindListEnd(line, open + 1, close);
+        if (end == std::string::npos)
+            continue;
+        const bool blankBeforeClose = line[end - 1] == ' ';
+        std::string list = CutList(std::string_view(line).substr(open + 1, end - open - 1));
+        if (blankBeforeClose && !list.ends_with(' '))
+            list += ' ';
+        line.replace(open + 1, end - open - 1, list);
+    }
+    return line;
+}
+
+QString WithoutNamespace(QString reason, const QString& namespaceUri)
+{
+    reason.remove(u'{' + namespaceUri + u'}', Qt::CaseInsensitive);
+    reason.remove(namespaceUri, Qt::CaseInsensitive);
+    return reason;
+}
+
+} // namespace vmk

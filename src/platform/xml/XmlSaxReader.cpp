@@ -1,0 +1,475 @@
+#include "XmlSaxReader.h"
+
+#include "LibXml.h"
+#include "XmlReason.h"
+#include "XmlSchemaCache.h"
+#include "XmlValidation.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vmk {
+
+namespace {
+
+std::string_view View(const xmlChar* text)
+{
+    return text == nullptr ? std::string_view() : std::string_view(reinterpret_cast<const char*>(text));
+}
+
+std::string_view View(const xmlChar* text, int length)
+{
+    return {reinterpret_cast<const char*>(text), static_cast<size_t>(length)};
+}
+
+std::string QName(const xmlChar* name, const xmlChar* prefix)
+{
+    return prefix == nullptr ? std::string(View(name))
+                             : std::string(View(prefix)) + ':' + std::string(View(name));
+}
+
+/// Puts the attributes of one tag into the order in which `tag` names them; what it doesn't name stays
+/// behind.
+void SortAsWritten(std::vector<XmlAttribute>& attributes, std::string_view tag)
+{
+    constexpr std::string_view Blanks = " \t\r\n";
+    auto placed = attributes.begin();
+    size_t at = tag.find_first_of(Blanks);
+    while (at != std::string_view::npos
+           && (at = tag.find_first_not_of(Blanks, at)) != std::string_view::npos) {
+        const size_t nameEnd = tag.find_first_of(" \t\r\n=", at);
+        const size_t quote = tag.find_first_of("\"'", nameEnd);
+        if (quote == std::string_view::npos)
+            return;
+        const auto named
+            = std::find_if(placed, attributes.end(),
+                           [name = tag.substr(at, nameEnd - at)](const auto& a) { return a.name == name; });
+        if (named != attributes.end()) {
+            std::rotate(placed, named, named + 1);
+            ++placed;
+        }
+        at = tag.find(tag[quote], quote + 1);
+        at = at == std::string_view::npos ? at : at + 1;
+    }
+}
+
+/// One pass over one text.
+class Pass
+{
+public:
+    Pass(std::string_view bytes, XmlEncoding encoding, XmlSaxHandler* receiver, const XmlSchemaCache* cache)
+        : input(bytes, encoding)
+        , handler(receiver)
+        , schemas(cache != nullptr && !cache->isEmpty() ? cache : nullptr)
+    {
+    }
+
+    XmlParseError run();
+
+private:
+    /// Where an error shows, seen from the parser's place at that moment.
+    enum class Place
+    {
+        Here,
+        StartTag,
+        EndTag,
+        Text,
+        Reference
+    };
+    struct Found
+    {
+        int code;
+        Place place;
+        qsizetype offset; // of the parser in the stream
+        std::string reason;
+    };
+
+    void parse();
+    void fail(int code, Place place, std::string reason);
+    [[nodiscard]] qsizetype offset() const;
+    [[nodiscard]] qsizetype placeOf(const Found& error) const;
+    [[nodiscard]] XmlParseError report() const;
+    [[nodiscard]] bool listening() const { return !found && context->inSubset == 0; }
+    [[nodiscard]] bool insideEntity() const;
+
+    void flushText();
+    void startDocument();
+    void docTypeEnd();
+    void startElement(const xmlChar* name, const xmlChar* prefix, const xmlChar* uri, int namespaceCount,
+                      const xmlChar** namespaces, int attributeCount, int defaulted,
+                      const xmlChar** attributes);
+    void endElement(const xmlChar* name, const xmlChar* prefix, const xmlChar* uri);
+    void sendStart(const xmlChar* name, const xmlChar* prefix, int namespaceCount, const xmlChar** namespaces,
+                   int attributeCount, const xmlChar** attributes);
+    [[nodiscard]] std::string_view startTagText() const;
+    void characters(const xmlChar* piece, int length);
+    [[nodiscard]] bool sendToSchema(std::string_view piece);
+    void cdata(std::string_view piece);
+    void comment(std::string_view piece);
+    void processingInstruction(std::string_view target, std::string_view data);
+    void reference(const xmlChar* name);
+    xmlEntityPtr countExpansion(xmlEntityPtr entity);
+    void parserError(const xmlError& error);
+
+    static xmlSAXHandler callbacks();
+    static Pass& of(void* data) { return *static_cast<Pass*>(data); }
+
+    XmlInput input;
+    XmlSaxHandler* handler;
+    const XmlSchemaCache* schemas;
+    xmlParserCtxtPtr context = nullptr;
+    std::unique_ptr<Validation> validation;
+    std::optional<Found> found;
+    std::string text; // characters since the last other event
+    qsizetype markupEnd = 0; // the parser's place after the last other event
+    qsizetype expanded = 0; // bytes that entities have brought
+    int depth = 0;
+};
+
+XmlParseError Pass::run()
+{
+    if (!input.failure())
+        parse();
+    // Bytes that can't be decoded end the text; what the parser says of that end is no news.
+    if (const auto& failure = input.failure(); failure && (!found || found->offset >= failure->offset))
+        found = Found{failure->errorCode, Place::Here, failure->offset, failure->reason};
+    return report();
+}
+
+void Pass::parse()
+{
+    InitLibXml();
+    const std::unique_ptr<xmlParserCtxt, LibXmlDeleter<xmlFreeParserCtxt>> owner(xmlNewParserCtxt());
+    context = owner.get();
+    const auto read = [](void* source, char* buffer, int length) {
+        return static_cast<int>(static_cast<XmlInput*>(source)->read(buffer, length));
+    };
+    xmlParserInputBufferPtr buffer
+        = xmlParserInputBufferCreateIO(read, nullptr, &input, XML_CHAR_ENCODING_NONE);
+    xmlParserInputPtr stream
+        = buffer == nullptr ? nullptr : xmlNewIOInputStream(context, buffer, XML_CHAR_ENCODING_NONE);
+    if (stream == nullptr || inputPush(context, stream) < 0) {
+        found = Found{XmlNoParser, Place::Here, 0, "The XML parser can't be set up"};
+        return;
+    }
+
+    // The stream is UTF-8 already: its declaration no longer counts, and nothing is to be guessed. The
+    // parser's own bounds on size are off; depth and entities are bounded here.
+    xmlCtxtUseOptions(context, XML_PARSE_NONET | XML_PARSE_IGNORE_ENC | XML_PARSE_HUGE);
+    context->encoding = xmlStrdup(reinterpret_cast<const xmlChar*>("UTF-8"));
+    *context->sax = callbacks();
+    context->userData = this;
+    xmlParseDocument(context);
+
+    validation.reset();
+    if (!found && !input.failure() && context->wellFormed == 0)
+        fail(context->errNo, Place::Here, "The text is not well-formed");
+    const XmlDocPtr declarations(context->myDoc);
+    context->myDoc = nullptr;
+}
+
+void Pass::fail(int code, Place place, std::string reason)
+{
+    if (found)
+        return;
+    found = Found{code, insideEntity() ? Place::Reference : place, offset(), std::move(reason)};
+    input.stop();
+}
+
+qsizetype Pass::offset() const
+{
+    const xmlParserInput& stream = *context->inputTab[0];
+    return static_cast<qsizetype>(stream.consumed) + (stream.cur - stream.base);
+}
+
+bool Pass::insideEntity() const
+{
+    return context->depth > 0;
+}
+
+qsizetype Pass::placeOf(const Found& error) const
+{
+    if (error.place == Place::Here)
+        return error.offset;
+    const std::string before = input.prefix(error.offset);
+    const auto orHere
+        = [&error](size_t at) { return at == std::string::npos ? error.offset : qsizetype(at); };
+    if (error.place == Place::Reference)
+        return orHere(before.rfind('&'));
+    if (error.place == Place::Text) {
+        // Behind a start tag the parser's place is before its ">".
+        size_t at = static_cast<size_t>(markupEnd);
+        if (at < before.size() && before[at] == '/')
+            ++at;
+        if (at < before.size() && before[at] == '>')
+            ++at;
+        return orHere(before.find_first_not_of(" \t\r\n", at));
+    }
+    // Neither kind of tag holds a "<" but its first character.
+    const size_t open = before.rfind('<');
+    const bool behindSlash = error.place == Place::EndTag && before.compare(open, 2, "</") == 0;
+    return orHere(open) + (behindSlash ? 2 : 0);
+}
+
+XmlParseError Pass::report() const
+{
+    XmlParseError error;
+    if (!found)
+        return error;
+    static_cast<XmlPosition&>(error) = input.locate(placeOf(*found));
+    error.errorCode = found->code;
+    error.reason = QString::fromUtf8(found->reason.data(), static_cast<qsizetype>(found->reason.size()));
+    return error;
+}
+
+// ---------------------------------------------------------------- the parser's events
+
+xmlSAXHandler Pass::callbacks()
+{
+    xmlSAXHandler sax = {};
+    sax.initialized = XML_SAX2_MAGIC;
+    sax.startDocument = [](void* pass) { of(pass).startDocument(); };
+    sax.serror = [](void* pass, xmlErrorPtr error) { of(pass).parserError(*error); };
+
+    // The declarations of the document type are kept by libxml2, in a document without elements.
+    sax.internalSubset = [](void* pass, const xmlChar* name, const xmlChar* id, const xmlChar* location) {
+        of(pass).markupEnd = of(pass).offset();
+        xmlSAX2InternalSubset(of(pass).context, name, id, location);
+    };
+    sax.externalSubset
+        = [](void* pass, const xmlChar*, const xmlChar*, const xmlChar*) { of(pass).docTypeEnd(); };
+    sax.entityDecl
+        = [](void* pass, const xmlChar* name, int type, const xmlChar* id, const xmlChar* location,
+             xmlChar* content) { xmlSAX2EntityDecl(of(pass).context, name, type, id, location, content); };
+    sax.unparsedEntityDecl = [](void* pass, const xmlChar* name, const xmlChar* id, const xmlChar* location,
+                                const xmlChar* notation) {
+        xmlSAX2UnparsedEntityDecl(of(pass).context, name, id, location, notation);
+    };
+    sax.getEntity = [](void* pass, const xmlChar* name) {
+        return of(pass).countExpansion(xmlSAX2GetEntity(of(pass).context, name));
+    };
+    sax.getParameterEntity = [](void* pass, const xmlChar* name) {
+        return of(pass).countExpansion(xmlSAX2GetParameterEntity(of(pass).context, name));
+    };
+    sax.reference = [](void* pass, const xmlChar* name) { of(pass).reference(name); };
+
+    sax.startElementNs
+        = [](void* pass, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri, int namespaceCount,
+             const xmlChar** namespaces, int attributeCount, int defaulted, const xmlChar** attributes) {
+              of(pass).startElement(name, prefix, uri, namespaceCount, namespaces, attributeCount, defaulted,
+                                    attributes);
+          };
+    sax.endElementNs = [](void* pass, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
+        of(pass).endElement(name, prefix, uri);
+    };
+    sax.characters = [](void* pass, const xmlChar* text, int length) { of(pass).characters(text, length); };
+    sax.ignorableWhitespace = sax.characters; // the same function: libxml2 then need not tell the two apart
+    sax.cdataBlock = [](void* pass, const xmlChar* text, int length) { of(pass).cdata(View(text, length)); };
+    sax.comment = [](void* pass, const xmlChar* text) { of(pass).comment(View(text)); };
+    sax.processingInstruction = [](void* pass, const xmlChar* target, const xmlChar* data) {
+        of(pass).processingInstruction(View(target), View(data));
+    };
+    return sax;
+}
+
+void Pass::parserError(const xmlError& error)
+{
+    if (error.level < XML_ERR_ERROR)
+        return;
+    Place place = Place::Here;
+    if (error.domain == XML_FROM_NAMESPACE)
+        place = Place::StartTag;
+    else if (error.code == XML_ERR_TAG_NAME_MISMATCH)
+        place = Place::EndTag;
+    fail(error.code, place, TidyReason(error.message == nullptr ? "" : error.message));
+}
+
+xmlEntityPtr Pass::countExpansion(xmlEntityPtr entity)
+{
+    constexpr qsizetype ReferenceCost = 16; // an empty entity is not free either
+    if (entity == nullptr)
+        return nullptr;
+    expanded += entity->length + ReferenceCost;
+    if (expanded <= XmlMaxEntityExpansion)
+        return entity;
+    fail(XmlEntityTooLarge, Place::Reference, "The entities of the document type expand to too much text");
+    return nullptr;
+}
+
+void Pass::reference(const xmlChar* name)
+{
+    // Comes behind the content of an internal entity, and alone for one that would have to be read.
+    const xmlEntity* entity = xmlSAX2GetEntity(context, name);
+    if (entity == nullptr || entity->etype == XML_EXTERNAL_GENERAL_PARSED_ENTITY)
+        fail(XmlExternalEntity, Place::Reference,
+             "Entity '" + std::string(View(name)) + "' lies outside the document and is not read");
+}
+
+void Pass::startDocument()
+{
+    xmlSAX2StartDocument(context);
+    const xmlParserInput& stream = *context->input;
+    const std::string_view start(reinterpret_cast<const char*>(stream.base),
+                                 static_cast<size_t>(stream.cur - stream.base));
+    // The parser has skipped the blanks behind it too.
+    if (handler != nullptr && listening() && start.starts_with("<?xml"))
+        handler->xmlDeclaration(start.substr(0, start.find("?>") + 2));
+    markupEnd = offset();
+}
+
+void Pass::docTypeEnd()
+{
+    if (handler != nullptr && !found) {
+        const std::string before = input.prefix(offset());
+        const size_t start = before.rfind("<!DOCTYPE", static_cast<size_t>(markupEnd));
+        if (start != std::string::npos)
+            handler->docType(std::string_view(before).substr(start));
+    }
+    markupEnd = offset();
+}
+
+void Pass::startElement(const xmlChar* name, const xmlChar* prefix, const xmlChar* uri, int namespaceCount,
+                        const xmlChar** namespaces, int attributeCount, int defaulted,
+                        const xmlChar** attributes)
+{
+    flushText();
+    if (!listening())
+        return;
+    if (++depth > XmlMaxDepth) {
+        fail(XmlTooDeep, Place::StartTag, "Elements are nested deeper than " + std::to_string(XmlMaxDepth));
+        return;
+    }
+    if (depth == 1 && schemas != nullptr)
+        validation = std::make_unique<Validation>(*schemas->find(View(uri)), context->dict);
+    if (validation) {
+        if (const auto problem = validation->startElement(name, prefix, uri, namespaceCount, namespaces,
+                                                          attributeCount, defaulted, attributes)) {
+            fail(problem->code, Place::StartTag, problem->reason);
+            return;
+        }
+    }
+    if (handler != nullptr)
+        sendStart(name, prefix, namespaceCount, namespaces, attributeCount, attributes);
+    markupEnd = offset();
+}
+
+void Pass::endElement(const xmlChar* name, const xmlChar* prefix, const xmlChar* uri)
+{
+    flushText();
+    if (!listening())
+        return;
+    --depth;
+    if (validation) {
+        if (const auto problem = validation->endElement(name, prefix, uri)) {
+            fail(problem->code, Place::EndTag, problem->reason);
+            return;
+        }
+    }
+    if (handler != nullptr)
+        handler->endElement(QName(name, prefix));
+    markupEnd = offset();
+}
+
+void Pass::sendStart(const xmlChar* name, const xmlChar* prefix, int namespaceCount,
+                     const xmlChar** namespaces, int attributeCount, const xmlChar** attributes)
+{
+    // All names first, as views into them need them in their final places.
+    const auto count = static_cast<size_t>(namespaceCount + attributeCount);
+    std::vector<std::string> names;
+    names.reserve(count);
+    std::vector<XmlAttribute> sent;
+    sent.reserve(count);
+    for (int i = 0; i < namespaceCount; ++i) {
+        const xmlChar** declaration = namespaces + 2 * i; // prefix, URI
+        names.push_back(declaration[0] == nullptr ? "xmlns" : "xmlns:" + std::string(View(declaration[0])));
+        sent.push_back({names.back(), View(declaration[1])});
+    }
+    for (int i = 0; i < attributeCount; ++i) {
+        const xmlChar** attribute = attributes + 5 * i; // name, prefix, URI, value, end of value
+        names.push_back(QName(attribute[0], attribute[1]));
+        sent.push_back({names.back(), View(attribute[3], static_cast<int>(attribute[4] - attribute[3]))});
+    }
+    // The parser gives namespaces apart; the tag tells their place among the attributes.
+    if (namespaceCount > 0 && attributeCount > 0)
+        SortAsWritten(sent, startTagText());
+    handler->startElement(QName(name, prefix), sent);
+}
+
+std::string_view Pass::startTagText() const
+{
+    if (insideEntity())
+        return {};
+    const xmlParserInput& stream = *context->input;
+    const std::string_view before(reinterpret_cast<const char*>(stream.base),
+                                  static_cast<size_t>(stream.cur - stream.base));
+    const size_t open = before.rfind('<');
+    return open == std::string_view::npos ? std::string_view() : before.substr(open);
+}
+
+void Pass::characters(const xmlChar* piece, int length)
+{
+    if (!found && (validation || handler != nullptr))
+        text.append(View(piece, length));
+}
+
+void Pass::flushText()
+{
+    if (text.empty())
+        return;
+    if (listening() && sendToSchema(text) && handler != nullptr)
+        handler->characters(text);
+    text.clear();
+    // A picture's text is not worth keeping room for.
+    if (text.capacity() > 1'000'000)
+        text.shrink_to_fit();
+}
+
+bool Pass::sendToSchema(std::string_view piece)
+{
+    if (!validation)
+        return true;
+    const auto problem = validation->characters(piece);
+    if (problem)
+        fail(problem->code, Place::Text, problem->reason);
+    return !problem;
+}
+
+void Pass::cdata(std::string_view piece)
+{
+    flushText();
+    if (listening() && sendToSchema(piece) && handler != nullptr)
+        handler->cdata(piece);
+    markupEnd = offset();
+}
+
+void Pass::comment(std::string_view piece)
+{
+    if (!listening())
+        return;
+    flushText();
+    if (handler != nullptr && !found)
+        handler->comment(piece);
+    markupEnd = offset();
+}
+
+void Pass::processingInstruction(std::string_view target, std::string_view data)
+{
+    if (!listening())
+        return;
+    flushText();
+    if (handler != nullptr && !found)
+        handler->processingInstruction(target, data);
+    markupEnd = offset();
+}
+
+} // namespace
+
+XmlParseError ReadXml(std::string_view bytes, XmlEncoding encoding, XmlSaxHandler* handler,
+                      const XmlSchemaCache* schemas)
+{
+    return Pass(bytes, encoding, handler, schemas).run();
+}
+
+} // namespace vmk

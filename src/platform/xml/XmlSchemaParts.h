@@ -1,0 +1,15 @@
+#pragma once
+
+#include "LibXml.h"
+#include "XmlSchemaCache.h"
+
+namespace vmk {
+
+/// What libxml2 made of the files. The schema points into the tree of its main file.
+struct XmlSchema::Parts
+{
+    XmlDocPtr tree;
+    std::unique_ptr<::xmlSchema, LibXmlDeleter<xmlSchemaFree>> schema;
+};
+
+} // namespace vmk

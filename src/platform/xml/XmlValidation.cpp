@@ -1,0 +1,86 @@
+#include "XmlValidation.h"
+
+#include "XmlError.h"
+#include "XmlReason.h"
+#include "XmlSchemaParts.h"
+
+#include <algorithm>
+
+namespace vmk {
+
+Validation::Validation(const XmlSchema& schema, xmlDictPtr names)
+    : context(xmlSchemaNewValidCtxt(schema.parts().schema.get()))
+{
+    const auto take = [](void* self, xmlErrorPtr error) {
+        auto& first = static_cast<Validation*>(self)->problem;
+        if (!first && error->level >= XML_ERR_ERROR)
+            first = Problem{error->code, TidyReason(error->message == nullptr ? "" : error->message)};
+    };
+    xmlSchemaSetValidStructuredErrors(context.get(), take, this);
+    plug = xmlSchemaSAXPlug(context.get(), &events, &eventData);
+    for (const std::string& name : schema.idAttributes())
+        idNames.push_back(xmlDictLookup(names, reinterpret_cast<const xmlChar*>(name.data()),
+                                        static_cast<int>(name.size())));
+}
+
+Validation::~Validation()
+{
+    xmlSchemaSAXUnplug(plug);
+}
+
+std::optional<Validation::Problem> Validation::startElement(const xmlChar* name, const xmlChar* prefix,
+                                                            const xmlChar* uri, int namespaceCount,
+                                                            const xmlChar** namespaces, int attributeCount,
+                                                            int defaulted, const xmlChar** attributes)
+{
+    events->startElementNs(eventData, name, prefix, uri, namespaceCount, namespaces, attributeCount,
+                           defaulted, attributes);
+    if (problem)
+        return takeProblem();
+    return checkIds(name, attributeCount, attributes);
+}
+
+std::optional<Validation::Problem> Validation::endElement(const xmlChar* name, const xmlChar* prefix,
+                                                          const xmlChar* uri)
+{
+    events->endElementNs(eventData, name, prefix, uri);
+    return takeProblem();
+}
+
+std::optional<Validation::Problem> Validation::characters(std::string_view text)
+{
+    events->characters(eventData, reinterpret_cast<const xmlChar*>(text.data()),
+                       static_cast<int>(text.size()));
+    return takeProblem();
+}
+
+std::optional<Validation::Problem> Validation::takeProblem()
+{
+    return std::exchange(problem, std::nullopt);
+}
+
+// libxml2 tests that identifiers are unique only where it builds a tree.
+std::optional<Validation::Problem> Validation::checkIds(const xmlChar* element, int attributeCount,
+                                                        const xmlChar** attributes)
+{
+    constexpr std::string_view Blanks = " \t\r\n";
+    for (int i = 0; i < attributeCount; ++i) {
+        const xmlChar** attribute = attributes + 5 * i; // name, prefix, URI, value, end of value
+        if (attribute[2] != nullptr || std::ranges::find(idNames, attribute[0]) == idNames.end())
+            continue;
+        std::string_view id(reinterpret_cast<const char*>(attribute[3]),
+                            static_cast<size_t>(attribute[4] - attribute[3]));
+        id.remove_prefix(std::min(id.find_first_not_of(Blanks), id.size()));
+        id = id.substr(0, id.find_last_not_of(Blanks) + 1);
+        if (seenIds.emplace(id).second)
+            continue;
+        const auto text
+            = [](const xmlChar* name) { return std::string(reinterpret_cast<const char*>(name)); };
+        return Problem{XmlDuplicateId,
+                       "Element '" + text(element) + "', attribute '" + text(attribute[0])
+                           + "': The identifier '" + std::string(id) + "' is used a second time."};
+    }
+    return std::nullopt;
+}
+
+} // namespace vmk

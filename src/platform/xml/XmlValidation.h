@@ -1,0 +1,53 @@
+#pragma once
+
+#include "LibXml.h"
+#include "XmlSchemaCache.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+namespace vmk {
+
+/// One document on its way through a schema, event by event. Keeps no tree.
+class Validation
+{
+public:
+    struct Problem
+    {
+        int code;
+        std::string reason;
+    };
+
+    /// \param names  the dictionary of the parser that gives the events
+    Validation(const XmlSchema& schema, xmlDictPtr names);
+    ~Validation();
+    Validation(const Validation&) = delete;
+    Validation& operator=(const Validation&) = delete;
+
+    // Arguments as in the parser's own events; each returns the first problem found by it.
+    [[nodiscard]] std::optional<Problem> startElement(const xmlChar* name, const xmlChar* prefix,
+                                                      const xmlChar* uri, int namespaceCount,
+                                                      const xmlChar** namespaces, int attributeCount,
+                                                      int defaulted, const xmlChar** attributes);
+    [[nodiscard]] std::optional<Problem> endElement(const xmlChar* name, const xmlChar* prefix,
+                                                    const xmlChar* uri);
+    [[nodiscard]] std::optional<Problem> characters(std::string_view text);
+
+private:
+    [[nodiscard]] std::optional<Problem> checkIds(const xmlChar* element, int attributeCount,
+                                                  const xmlChar** attributes);
+    [[nodiscard]] std::optional<Problem> takeProblem();
+
+    std::unique_ptr<xmlSchemaValidCtxt, LibXmlDeleter<xmlSchemaFreeValidCtxt>> context;
+    xmlSchemaSAXPlugPtr plug = nullptr;
+    xmlSAXHandlerPtr events = nullptr;
+    void* eventData = nullptr;
+    std::optional<Problem> problem;
+    std::vector<const xmlChar*> idNames; // of the dictionary: compared as pointers
+    std::unordered_set<std::string> seenIds;
+};
+
+} // namespace vmk
