@@ -1,1 +1,44 @@
+#include "MessageBoxes.h"
+
+#include <QApplication>
 #include <QMessageBox>
+
+using namespace Qt::StringLiterals;
+
+namespace vmk {
+
+namespace {
+
+QMessageBox::Icon IconOf(BoxKind kind)
+{
+    switch (kind) {
+    case BoxKind::Plain:
+        return QMessageBox::NoIcon;
+    case BoxKind::Information:
+        return QMessageBox::Information;
+    case BoxKind::Stop:
+        return QMessageBox::Critical;
+    case BoxKind::YesNo:
+        return QMessageBox::Question;
+    }
+    return QMessageBox::NoIcon;
+}
+
+} // namespace
+
+bool ShowMessageBox(BoxKind kind, const QString& text, const QString& title)
+{
+    QMessageBox box(QApplication::activeWindow());
+    box.setIcon(IconOf(kind));
+    box.setWindowTitle(title);
+    box.setTextFormat(Qt::PlainText);
+    box.setText(QString(text).replace(u"\r\n"_s, u"\n"_s));
+    if (kind == BoxKind::YesNo) {
+        box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+        // Closing the box or Esc means No.
+        box.setEscapeButton(QMessageBox::No);
+    }
+    return box.exec() == QMessageBox::Yes;
+}
+
+} // namespace vmk

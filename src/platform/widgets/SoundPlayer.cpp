@@ -1,0 +1,133 @@
+#include "SoundPlayer.h"
+
+#include <QAudioDevice>
+#include <QAudioSink>
+#include <QBuffer>
+#include <QDeadlineTimer>
+#include <QEventLoop>
+#include <QFile>
+#include <QMediaDevices>
+#include <QThread>
+#include <QTimer>
+#include <QtEndian>
+
+#include <algorithm>
+#include <memory>
+
+using namespace std::chrono_literals;
+
+namespace vmk {
+
+namespace {
+
+/// A device that swallows samples without ever saying that it is done must not hold the program up.
+constexpr auto Patience = 400ms;
+
+struct Block
+{
+    QByteArray name;
+    QByteArray content;
+};
+
+/// Takes the next block of a RIFF file off `rest`.
+std::optional<Block> TakeBlock(QByteArray& rest)
+{
+    constexpr qsizetype HeadSize = 8;
+    if (rest.size() < HeadSize)
+        return std::nullopt;
+    const qsizetype size = qFromLittleEndian<quint32>(rest.constData() + 4);
+    Block block{rest.first(4), rest.mid(HeadSize, size)};
+    rest = rest.mid(HeadSize + size + size % 2);
+    return block;
+}
+
+std::optional<QAudioFormat> FormatOf(const WaveSound& sound)
+{
+    QAudioFormat format;
+    format.setSampleRate(sound.sampleRate);
+    format.setChannelCount(sound.channels);
+    format.setSampleFormat(sound.bitsPerSample == 8 ? QAudioFormat::UInt8 : QAudioFormat::Int16);
+    if (!format.isValid())
+        return std::nullopt;
+    return format;
+}
+
+/// Plays on the calling thread, whose events it handles, until the device has run dry.
+void PlayHere(const WaveSound& sound, const QAudioDevice& device, const QAudioFormat& format)
+{
+    QByteArray bytes = sound.samples;
+    QBuffer samples(&bytes);
+    samples.open(QIODevice::ReadOnly);
+    QAudioSink sink(device, format);
+    QEventLoop loop;
+    QObject::connect(&sink, &QAudioSink::stateChanged, &loop, [&loop](QAudio::State state) {
+        if (state == QAudio::IdleState || state == QAudio::StoppedState)
+            loop.quit();
+    });
+    sink.start(&samples);
+    if (sink.error() != QAudio::NoError)
+        return;
+    QTimer::singleShot(sound.length() + Patience, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+} // namespace
+
+std::chrono::milliseconds WaveSound::length() const
+{
+    const qint64 bytesPerSecond = static_cast<qint64>(sampleRate) * channels * (bitsPerSample / 8);
+    return std::chrono::milliseconds(bytesPerSecond > 0 ? samples.size() * 1000 / bytesPerSecond : 0);
+}
+
+std::optional<WaveSound> ReadWaveSound(const QByteArray& file)
+{
+    constexpr qsizetype FormatSize = 16;
+    if (file.size() < 12 || !file.startsWith("RIFF") || file.mid(8, 4) != "WAVE")
+        return std::nullopt;
+
+    WaveSound sound;
+    QByteArray rest = file.mid(12);
+    while (const std::optional<Block> block = TakeBlock(rest)) {
+        if (block->name == "fmt " && block->content.size() >= FormatSize) {
+            const char* const format = block->content.constData();
+            constexpr quint16 Uncompressed = 1;
+            if (qFromLittleEndian<quint16>(format) != Uncompressed)
+                return std::nullopt;
+            sound.channels = qFromLittleEndian<quint16>(format + 2);
+            sound.sampleRate
+                = static_cast<int>(std::min<quint32>(qFromLittleEndian<quint32>(format + 4), 192000));
+            sound.bitsPerSample = qFromLittleEndian<quint16>(format + 14);
+        } else if (block->name == "data") {
+            sound.samples = block->content;
+        }
+    }
+    const bool playable = sound.channels >= 1 && sound.channels <= 2 && sound.sampleRate > 0
+        && (sound.bitsPerSample == 8 || sound.bitsPerSample == 16) && !sound.samples.isEmpty();
+    return playable ? std::optional(sound) : std::nullopt;
+}
+
+void PlayToEnd(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return;
+    const std::optional<WaveSound> sound = ReadWaveSound(file.readAll());
+    if (!sound)
+        return;
+    const QAudioDevice device = QMediaDevices::defaultAudioOutput();
+    const std::optional<QAudioFormat> format = FormatOf(*sound);
+    if (device.isNull() || !format || !device.isFormatSupported(*format))
+        return;
+
+    // A thread of its own plays, so that nothing else of the program runs meanwhile: no timer, no key.
+    std::unique_ptr<QThread> player(
+        QThread::create([sound = *sound, device, format = *format] { PlayHere(sound, device, format); }));
+    player->start();
+    if (player->wait(QDeadlineTimer(sound->length() + 2 * Patience)))
+        return;
+    // The device is stuck. The thread is left behind and frees itself, should it ever come back.
+    QObject::connect(player.get(), &QThread::finished, player.get(), &QObject::deleteLater);
+    (void)player.release();
+}
+
+} // namespace vmk

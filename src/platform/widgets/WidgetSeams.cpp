@@ -1,0 +1,54 @@
+#include "WidgetSeams.h"
+
+#include "Boxes.h"
+#include "Desktop.h"
+#include "Dialogs.h"
+#include "MainWindowSeams.h"
+#include "MessageBoxes.h"
+#include "SoundPlayer.h"
+#include "StandardDialogs.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDesktopServices>
+#include <QFileInfo>
+#include <QUrl>
+
+namespace vmk {
+
+namespace {
+
+bool OpenTarget(const QString& target)
+{
+    const QFileInfo file(target);
+    return QDesktopServices::openUrl(file.exists() ? QUrl::fromLocalFile(file.absoluteFilePath())
+                                                   : QUrl(target));
+}
+
+/// One hourglass at most, however often it is asked for: one call puts the default back.
+void ShowPointer(Pointer pointer)
+{
+    const bool shown = QGuiApplication::overrideCursor() != nullptr;
+    if (pointer == Pointer::Hourglass && !shown)
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    else if (pointer == Pointer::Default && shown)
+        QGuiApplication::restoreOverrideCursor();
+}
+
+} // namespace
+
+void FillWidgetSeams()
+{
+    BoxSeam().Fill(ShowMessageBox);
+    FileDialogSeam().Fill(ShowFileDialog);
+    FontDialogSeam().Fill(ShowFontDialog);
+    ColorDialogSeam().Fill(ShowColorDialog);
+    SoundSeam().Fill(PlayToEnd);
+    BeepSeam().Fill([] { QApplication::beep(); });
+    OpenSeam().Fill(OpenTarget);
+    ClipboardTextSeam().Fill([] { return QGuiApplication::clipboard()->text(); });
+    SetClipboardTextSeam().Fill([](const QString& text) { QGuiApplication::clipboard()->setText(text); });
+    PointerSeam().Fill(ShowPointer);
+}
+
+} // namespace vmk

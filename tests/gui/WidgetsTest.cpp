@@ -1,0 +1,313 @@
+#include "Boxes.h"
+#include "Desktop.h"
+#include "Dialogs.h"
+#include "MainWindowSeams.h"
+#include "SoundPlayer.h"
+#include "StandardDialogs.h"
+#include "Workplace.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QAudioDevice>
+#include <QColorDialog>
+#include <QDesktopServices>
+#include <QElapsedTimer>
+#include <QFileDialog>
+#include <QFontDialog>
+#include <QMediaDevices>
+#include <QMessageBox>
+#include <QTimer>
+#include <QUrl>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+using namespace vmk;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Does something to the next modal window of a kind, as a user would, as soon as it stands.
+template <typename Dialog>
+void WithNextDialog(std::function<void(Dialog&)> act)
+{
+    QTimer::singleShot(0, qApp, [act = std::move(act)] {
+        auto* const dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        act(*dialog);
+    });
+}
+
+QByteArray ProgramSound(const char* name)
+{
+    QFile file(QLatin1StringView(VMK_BIN_DIR "/sounds/") + QLatin1StringView(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// The toolkit's own dialogs, the same on every desktop, so that a test can act in them.
+class Dialogs : public testing::Test
+{
+protected:
+    void SetUp() override { QApplication::setAttribute(Qt::AA_DontUseNativeDialogs); }
+    void TearDown() override { QApplication::setAttribute(Qt::AA_DontUseNativeDialogs, false); }
+};
+
+} // namespace
+
+TEST(MessageBoxes, EachKindHasItsIconAndButtons)
+{
+    const auto iconAndButtons = [](auto show) {
+        std::pair<QMessageBox::Icon, QMessageBox::StandardButtons> seen;
+        WithNextDialog<QMessageBox>([&seen](QMessageBox& box) {
+            seen = {box.icon(), box.standardButtons()};
+            box.close();
+        });
+        show();
+        return seen;
+    };
+    using B = QMessageBox;
+    EXPECT_EQ(iconAndButtons([] { PlainBox(u"t"_s); }), std::pair(B::NoIcon, B::StandardButtons(B::Ok)));
+    EXPECT_EQ(iconAndButtons([] { InformationBox(u"t"_s); }),
+              std::pair(B::Information, B::StandardButtons(B::Ok)));
+    EXPECT_EQ(iconAndButtons([] { StopBox(u"t"_s); }), std::pair(B::Critical, B::StandardButtons(B::Ok)));
+    EXPECT_EQ(iconAndButtons([] { EXPECT_FALSE(YesNoBox(u"t"_s)); }), std::pair(B::Question, B::Yes | B::No));
+}
+
+TEST(MessageBoxes, TextIsPlainAndItsLinesArePartedByEitherLineEnd)
+{
+    QString text;
+    QString title;
+    WithNextDialog<QMessageBox>([&](QMessageBox& box) {
+        EXPECT_EQ(box.textFormat(), Qt::PlainText);
+        text = box.text();
+        title = box.windowTitle();
+        box.accept();
+    });
+    StopBox(u"<b>one</b>\r\ntwo\nthree"_s, u"VMK: a.fb2"_s);
+    EXPECT_EQ(text, u"<b>one</b>\ntwo\nthree"_s);
+    EXPECT_EQ(title, u"VMK: a.fb2"_s);
+}
+
+TEST(MessageBoxes, TheAnswerIsTheButtonPressed)
+{
+    for (const auto button : {QMessageBox::Yes, QMessageBox::No}) {
+        WithNextDialog<QMessageBox>([button](QMessageBox& box) { box.button(button)->click(); });
+        EXPECT_EQ(YesNoBox(u"Sure?"_s), button == QMessageBox::Yes);
+    }
+}
+
+TEST(FileFilters, DescriptionsKeepTheirPatternsAndGetThemIfTheyLackThem)
+{
+    EXPECT_EQ(NameFilters(u"Fiction Book Files (*.fb2)|*.fb2|"_s),
+              QStringList{u"Fiction Book Files (*.fb2)"_s});
+    EXPECT_EQ(NameFilters(u"Books|*.fb2;*.fb|All|*.*"_s),
+              (QStringList{u"Books (*.fb2 *.fb)"_s, u"All (*.*)"_s}));
+    EXPECT_EQ(NameFilters(QString()), QStringList());
+    EXPECT_EQ(NameFilters(u"no pattern"_s), QStringList());
+}
+
+TEST_F(Dialogs, AFileDialogStartsInTheFolderAskedForAndLeavesTheCurrentOne)
+{
+    const Workplace place;
+    place.Make(u"a.fb2"_s, "x");
+    const QString before = QDir::currentPath();
+    WithNextDialog<QFileDialog>([&](QFileDialog& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), u"Open it"_s);
+        EXPECT_EQ(dialog.directory().canonicalPath(), QDir(place.Folder()).canonicalPath());
+        EXPECT_EQ(dialog.nameFilters(), QStringList{u"Books (*.fb2)"_s});
+        dialog.selectFile(u"a.fb2"_s);
+        QDir::setCurrent(place.Folder());
+        static_cast<QDialog&>(dialog).accept();
+    });
+    const QString path = AskFile({.kind = FileDialogRequest::Open,
+                                  .title = u"Open it"_s,
+                                  .folder = place.Folder(),
+                                  .fileName = {},
+                                  .filter = u"Books|*.fb2"_s});
+    EXPECT_EQ(QFileInfo(path).canonicalFilePath(), QFileInfo(place.Path(u"a.fb2"_s)).canonicalFilePath());
+    EXPECT_EQ(QDir::currentPath(), before);
+}
+
+TEST_F(Dialogs, ACancelledFileDialogGivesNothing)
+{
+    WithNextDialog<QFileDialog>([](QFileDialog& dialog) { dialog.reject(); });
+    EXPECT_EQ(AskFiles({.kind = FileDialogRequest::OpenSeveral,
+                        .title = {},
+                        .folder = u"/no/such"_s,
+                        .fileName = {},
+                        .filter = {}}),
+              QStringList());
+}
+
+TEST_F(Dialogs, ASaveDialogOffersTheNameAndDoesNotAskAboutReplacing)
+{
+    const Workplace place;
+    place.Make(u"old.fb2"_s, "x");
+    WithNextDialog<QFileDialog>([](QFileDialog& dialog) {
+        EXPECT_EQ(QFileInfo(dialog.selectedFiles().value(0)).fileName(), u"old.fb2"_s);
+        static_cast<QDialog&>(dialog).accept();
+    });
+    const QString path = AskFile({.kind = FileDialogRequest::Save,
+                                  .title = {},
+                                  .folder = place.Folder(),
+                                  .fileName = u"old.fb2"_s,
+                                  .filter = {}});
+    EXPECT_EQ(QFileInfo(path).fileName(), u"old.fb2"_s);
+}
+
+TEST_F(Dialogs, AFontDialogStartsWithTheFontGivenAndReturnsTheOneChosen)
+{
+    const FontChoice current{.name = u"DejaVu Sans"_s, .size = 13, .bold = true, .italic = false};
+    WithNextDialog<QFontDialog>([](QFontDialog& dialog) {
+        EXPECT_EQ(dialog.currentFont().pointSize(), 13);
+        EXPECT_TRUE(dialog.currentFont().bold());
+        dialog.accept();
+    });
+    EXPECT_EQ(AskFont(current), current);
+    WithNextDialog<QFontDialog>([](QFontDialog& dialog) { dialog.reject(); });
+    EXPECT_EQ(AskFont(current), std::nullopt);
+}
+
+TEST_F(Dialogs, AColorDialogSpeaksInHexDigits)
+{
+    WithNextDialog<QColorDialog>([](QColorDialog& dialog) {
+        EXPECT_EQ(dialog.currentColor(), QColor(165, 42, 42));
+        dialog.setCurrentColor(QColor(10, 11, 255));
+        dialog.accept();
+    });
+    EXPECT_EQ(AskColor(u"#a52a2a"_s), u"#0A0BFF"_s);
+    WithNextDialog<QColorDialog>([](QColorDialog& dialog) { dialog.reject(); });
+    EXPECT_EQ(AskColor(u"no colour"_s), std::nullopt);
+}
+
+TEST(Sound, EverySoundOfTheProgramIsUnderstood)
+{
+    for (const char* name : {"DocComplete.wav", "FileLoadError.wav", "FileSaved.wav",
+                             "NameSpaceErrorOnSave.wav", "NoParseError.wav", "ParseError.wav", "bul'.wav"}) {
+        const std::optional<WaveSound> sound = ReadWaveSound(ProgramSound(name));
+        ASSERT_TRUE(sound) << name;
+        EXPECT_EQ(sound->channels, 1);
+        EXPECT_EQ(sound->bitsPerSample, 16);
+        EXPECT_GT(sound->length().count(), 100);
+        EXPECT_LT(sound->length().count(), 700);
+    }
+}
+
+TEST(Sound, AFileCutAnywhereIsReadAsFarAsItGoesOrRefused)
+{
+    const QByteArray whole = ProgramSound("bul'.wav").first(200);
+    for (qsizetype size = 0; size <= whole.size(); ++size) {
+        const std::optional<WaveSound> sound = ReadWaveSound(whole.first(size));
+        ASSERT_EQ(sound.has_value(), size > 44) << size;
+        if (sound) {
+            EXPECT_EQ(sound->samples.size(), size - 44);
+        }
+    }
+}
+
+TEST(Sound, WhatIsNoUncompressedWaveIsRefused)
+{
+    QByteArray compressed = ProgramSound("bul'.wav");
+    compressed[20] = 2;
+    EXPECT_FALSE(ReadWaveSound(compressed));
+    EXPECT_FALSE(ReadWaveSound("RIFF1234WAVE"));
+    EXPECT_FALSE(ReadWaveSound(QByteArray(1000, '\xff')));
+    // A block that claims to be larger than the file.
+    EXPECT_FALSE(ReadWaveSound(QByteArray("RIFF1234WAVEfmt \xff\xff\xff\xff", 20) + QByteArray(40, '\1')));
+}
+
+TEST(Sound, AMissingOrBrokenFileIsPassedOverAtOnce)
+{
+    const Workplace place;
+    place.Make(u"broken.wav"_s, "RIFF....WAVE");
+    QElapsedTimer timer;
+    timer.start();
+    PlayToEnd(place.Path(u"missing.wav"_s));
+    PlayToEnd(place.Path(u"broken.wav"_s));
+    EXPECT_LT(timer.elapsed(), 100);
+}
+
+TEST(Sound, AMachineWithoutADeviceStaysSilentAndGoesOnAtOnce)
+{
+    if (!QMediaDevices::defaultAudioOutput().isNull())
+        GTEST_SKIP() << "this machine has a sound device";
+    QElapsedTimer timer;
+    timer.start();
+    PlayToEnd(QLatin1StringView(VMK_BIN_DIR "/sounds/NoParseError.wav"));
+    EXPECT_LT(timer.elapsed(), 100);
+}
+
+TEST(Sound, TheProgramStandsStillUntilTheSoundHasEnded)
+{
+    if (QMediaDevices::defaultAudioOutput().isNull())
+        GTEST_SKIP() << "this machine has no sound device";
+    bool ranMeanwhile = false;
+    QTimer::singleShot(0, qApp, [&ranMeanwhile] { ranMeanwhile = true; });
+    QElapsedTimer timer;
+    timer.start();
+    PlayToEnd(QLatin1StringView(VMK_BIN_DIR "/sounds/NoParseError.wav"));
+    EXPECT_GT(timer.elapsed(), 400);
+    EXPECT_LT(timer.elapsed(), 1600);
+    EXPECT_FALSE(ranMeanwhile);
+    QApplication::processEvents();
+}
+
+namespace {
+
+/// Catches what would go to the system.
+class UrlCatcher : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit UrlCatcher(const QString& urlScheme)
+        : scheme(urlScheme)
+    {
+        QDesktopServices::setUrlHandler(scheme, this, "take");
+    }
+    ~UrlCatcher() override { QDesktopServices::unsetUrlHandler(scheme); }
+
+    QUrl taken;
+
+public Q_SLOTS:
+    void take(const QUrl& url) { taken = url; }
+
+private:
+    QString scheme;
+};
+
+} // namespace
+
+TEST(Opening, AFileGoesOutAsALocalUrlAndAnAddressAsItStands)
+{
+    const Workplace place;
+    place.Make(u"a picture #1.png"_s, "x");
+    const UrlCatcher files(u"file"_s);
+    EXPECT_TRUE(OpenWithSystem(place.Path(u"a picture #1.png"_s)));
+    EXPECT_EQ(files.taken.toLocalFile(), place.Path(u"a picture #1.png"_s));
+
+    const UrlCatcher web(u"https"_s);
+    EXPECT_TRUE(OpenWithSystem(u"https://example.org/a?b=c#d"_s));
+    EXPECT_EQ(web.taken, QUrl(u"https://example.org/a?b=c#d"_s));
+}
+
+TEST(Clipboard, HoldsPlainText)
+{
+    SetClipboardText(u"текст & <b>"_s);
+    EXPECT_EQ(ClipboardText(), u"текст & <b>"_s);
+}
+
+TEST(MousePointer, OneCallPutsTheDefaultBack)
+{
+    SetPointer(Pointer::Default);
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+    SetPointer(Pointer::Hourglass);
+    SetPointer(Pointer::Hourglass);
+    ASSERT_NE(QGuiApplication::overrideCursor(), nullptr);
+    EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::WaitCursor);
+    SetPointer(Pointer::Default);
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+}
+
+#include "WidgetsTest.moc"
