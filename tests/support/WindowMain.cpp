@@ -8,10 +8,13 @@
 
 int main(int argc, char* argv[])
 {
+    testing::InitGoogleTest(&argc, argv);
+    // The names of the tests can be asked for where there is no display at all.
+    if (GTEST_FLAG_GET(list_tests))
+        return RUN_ALL_TESTS();
     const QApplication application(argc, argv);
     // A test opens and closes windows; the last one closed ends nothing.
     QApplication::setQuitOnLastWindowClosed(false);
     vmk::FillWidgetSeams();
-    testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
