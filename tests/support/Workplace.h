@@ -1,5 +1,7 @@
 #pragma once
 
+#include "QtPrinting.h"
+
 #include <QDir>
 #include <QFile>
 #include <QString>

@@ -329,7 +329,7 @@ bool IsSameFile(const QString& a, const QString& b)
 bool IsFolderWritable(const QString& folder)
 {
     return KindOfFile(folder) == FileKind::Folder
-        && ::access(SystemPath(folder).constData(), W_OK | X_OK) == 0;
+        && ::faccessat(AT_FDCWD, SystemPath(folder).constData(), W_OK | X_OK, AT_EACCESS) == 0;
 }
 
 FileContent ReadContent(const QString& path)
