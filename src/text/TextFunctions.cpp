@@ -1,8 +1,10 @@
 #include "TextFunctions.h"
 
+#include "Chance.h"
 #include "RegExp.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace vmk {
 namespace {
@@ -379,6 +381,11 @@ std::string LowerCase(std::string text)
 {
     std::transform(text.begin(), text.end(), text.begin(), SmallLetter);
     return text;
+}
+
+int32_t RandomBelow(double n)
+{
+    return static_cast<int32_t>(std::lround(RandomFraction() * n));
 }
 
 QString GroupDigits(int64_t number)

@@ -66,6 +66,9 @@ namespace vmk {
 /// The text with A to Z made small.
 [[nodiscard]] std::string LowerCase(std::string text);
 
+/// A random fraction times `n`, rounded to the nearest whole number: 0 to `n`, both included.
+[[nodiscard]] int32_t RandomBelow(double n);
+
 /// The decimal digits in groups of three from the right, parted by a blank: 1234567 gives "1 234 567".
 [[nodiscard]] QString GroupDigits(int64_t number);
 

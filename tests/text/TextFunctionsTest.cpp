@@ -1,5 +1,6 @@
 #include "TextFunctions.h"
 
+#include "Chance.h"
 #include "PlainText.h"
 
 #include <gtest/gtest.h>
@@ -201,6 +202,19 @@ TEST(RegExpCount, CountsMatchesAndIgnoresBadPatterns)
     EXPECT_EQ(RegExpCount("<SECTION", "<section>", false), 1);
     EXPECT_EQ(RegExpCount("[", "[[", true), 0);
     EXPECT_EQ(RegExpCount(u"ж"_s, u"Жж"_s, false), 2);
+}
+
+TEST(RandomBelow, RoundsToTheNearest)
+{
+    double fraction = 0;
+    const SeamGuard guard(RandomSeam(), [&fraction] { return fraction; });
+    EXPECT_EQ(RandomBelow(10), 0);
+    fraction = 0.34;
+    EXPECT_EQ(RandomBelow(10), 3);
+    fraction = 0.36;
+    EXPECT_EQ(RandomBelow(10), 4);
+    fraction = 0.999;
+    EXPECT_EQ(RandomBelow(10), 10) << "the bound itself can come";
 }
 
 TEST(GroupDigits, PutsABlankBeforeEachThreeDigits)

@@ -33,10 +33,11 @@ using MatchContext = std::unique_ptr<pcre2_match_context, Freed<&pcre2_match_con
 using CompileContext = std::unique_ptr<pcre2_compile_context, Freed<&pcre2_compile_context_free>>;
 using JitStack = std::unique_ptr<pcre2_jit_stack, Freed<&pcre2_jit_stack_free>>;
 
+/// Never null, which the engine would take for a mistake.
 PCRE2_SPTR EngineUnits(QStringView text)
 {
     static_assert(sizeof(PCRE2_UCHAR) == sizeof(char16_t));
-    return reinterpret_cast<PCRE2_SPTR>(text.utf16());
+    return reinterpret_cast<PCRE2_SPTR>(text.isNull() ? u"" : text.utf16());
 }
 
 // ---------------------------------------------------------------- compiled patterns
