@@ -1,0 +1,16 @@
+// Any bytes may stand in the settings file. What is read from it must come back the same when it is written
+// and read again.
+
+#include "SettingsRecord.h"
+
+#include <cstdlib>
+#include <string_view>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
+{
+    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    const std::optional<vmk::SettingsRecord> record = vmk::DecodeSettings(bytes);
+    if (record && vmk::DecodeSettings(vmk::EncodeSettings(*record)) != record)
+        std::abort();
+    return 0;
+}
