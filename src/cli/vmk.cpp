@@ -1,7 +1,86 @@
-#include <cstdio>
+#include "Command.h"
+#include "CommandLine.h"
 
-int main()
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <array>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <langinfo.h>
+
+using namespace Qt::StringLiterals;
+using namespace vmk;
+
+namespace {
+
+constexpr std::array Commands = {&ValidateCommand};
+
+QString GeneralHelp()
 {
-    std::fputs("usage: vmk COMMAND\n", stderr);
-    return 2;
+    QString text = u"usage: vmk COMMAND [ARGUMENT...]\n\nThe command-line companion of Vellumark.\n\n"_s;
+    for (const Command* command : Commands)
+        text += u"  "_s + QString::fromLatin1(command->name).leftJustified(12)
+            + QString::fromLatin1(command->summary) + u'\n';
+    return text
+        + u"\n  vmk COMMAND --help   tells more of a command\n"
+          u"  vmk --version        shows the version"_s;
+}
+
+const Command* FindCommand(const QString& name)
+{
+    const auto found = std::ranges::find_if(
+        Commands, [&name](const Command* command) { return name == QLatin1StringView(command->name); });
+    return found == Commands.end() ? nullptr : *found;
+}
+
+int ShowHelp(const QString& commandName)
+{
+    const Command* command = FindCommand(commandName);
+    PrintLine(command == nullptr ? GeneralHelp() : QString::fromUtf8(command->help).trimmed());
+    return FlushOutput() ? ExitClean : ExitFailure;
+}
+
+int ShowVersion()
+{
+    PrintLine(u"vmk "_s + QString::fromLatin1(VMK_VERSION));
+    return FlushOutput() ? ExitClean : ExitFailure;
+}
+
+/// The toolkit wants a UTF-8 locale and says so on standard error; paths are UTF-8 here whatever the locale.
+void UseUtf8Locale()
+{
+    std::setlocale(LC_ALL, "");
+    if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0)
+        ::setenv("LC_ALL", "C.UTF-8", 1);
+}
+
+} // namespace
+
+int main(int count, char** values)
+{
+    UseUtf8Locale();
+    const QCoreApplication application(count, values);
+    QStringList arguments = QCoreApplication::arguments().mid(1);
+    if (arguments.isEmpty()) {
+        PrintErrorLine(GeneralHelp());
+        return ExitFailure;
+    }
+
+    const QString name = arguments.takeFirst();
+    if (name == u"--version")
+        return ShowVersion();
+    if (name == u"--help" || name == u"-h" || name == u"help")
+        return ShowHelp(arguments.value(0));
+    const Command* command = FindCommand(name);
+    if (command == nullptr) {
+        PrintErrorLine(u"vmk: unknown command \""_s + name + u"\"; try vmk --help"_s);
+        return ExitFailure;
+    }
+    const auto operands = arguments.indexOf(u"--"_s);
+    if (arguments.mid(0, operands).contains(u"--help"_s))
+        return ShowHelp(name);
+    return command->run(arguments);
 }

@@ -1,0 +1,93 @@
+#include "BookCheck.h"
+
+#include "FictionBookNamespace.h"
+#include "Files.h"
+#include "XmlDocument.h"
+#include "XmlReason.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace vmk {
+
+namespace {
+
+FileContent ReadStandardInput()
+{
+    FileContent content;
+    char piece[1 << 16];
+    while (const size_t length = std::fread(piece, 1, sizeof piece, stdin)) {
+        if (content.bytes.size() + length > MaxFileBytes) {
+            content.outcome = ReadOutcome::TooLarge;
+            return content;
+        }
+        content.bytes.append(piece, length);
+    }
+    if (std::ferror(stdin) != 0) {
+        content.outcome = ReadOutcome::Unreadable;
+        content.systemReason = u"standard input failed"_s;
+    }
+    return content;
+}
+
+QString Against(bool schema)
+{
+    return schema ? u"schema"_s : u"namespace"_s;
+}
+
+QString ShownReason(const XmlParseError& error)
+{
+    return WithoutNamespace(error.reason, FictionBookNamespace());
+}
+
+} // namespace
+
+BookCheck CheckBook(const QString& book, std::shared_ptr<const XmlSchemaCache> schemas)
+{
+    BookCheck check;
+    check.book = book;
+    const FileContent content = book == u"-" ? ReadStandardInput() : ReadContent(book);
+    if (content.outcome != ReadOutcome::Ok) {
+        check.failure = ReadFailureText(content);
+        return check;
+    }
+    XmlDocument document;
+    document.schemas = std::move(schemas);
+    document.loadXML(content.bytes, XmlEncoding::byDeclaration());
+    check.error = document.parseError();
+    return check;
+}
+
+QString ResultLine(const BookCheck& check, bool againstSchema)
+{
+    if (!check.failure.isEmpty())
+        return check.book + u": "_s + check.failure;
+    if (!check.error)
+        return check.book + u": No errors (against "_s + Against(againstSchema) + u')';
+    return check.book + u':' + QString::number(check.error.line) + u':' + QString::number(check.error.linepos)
+        + u": Error against "_s + Against(againstSchema) + u". "_s + ShownReason(check.error);
+}
+
+QString ResultJson(const BookCheck& check, bool againstSchema)
+{
+    QJsonObject object{{u"book"_s, check.book}};
+    if (!check.failure.isEmpty()) {
+        object[u"failure"_s] = check.failure;
+    } else {
+        object[u"against"_s] = Against(againstSchema);
+        object[u"valid"_s] = !check.error;
+    }
+    if (check.error)
+        object[u"error"_s]
+            = QJsonObject{{u"line"_s, check.error.line},      {u"column"_s, check.error.linepos},
+                          {u"byte"_s, check.error.fileByte},  {u"position"_s, check.error.filepos},
+                          {u"code"_s, check.error.errorCode}, {u"reason"_s, ShownReason(check.error)}};
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+}
+
+} // namespace vmk

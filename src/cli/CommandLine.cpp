@@ -1,0 +1,100 @@
+#include "CommandLine.h"
+
+#include <QFile>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+using namespace Qt::StringLiterals;
+
+namespace vmk {
+
+CommandLine::CommandLine(QStringList commandArguments)
+    : arguments(std::move(commandArguments))
+{
+}
+
+bool CommandLine::next()
+{
+    if (attached)
+        fail(currentOption + u" takes no value"_s);
+    if (!firstError.isEmpty() || at == arguments.size())
+        return false;
+    currentOption.clear();
+    currentOperand.clear();
+    const QString& argument = arguments[at++];
+    if (!onlyOperands && argument == u"--") {
+        onlyOperands = true;
+        return next();
+    }
+    if (onlyOperands || argument == u"-" || !argument.startsWith(u'-')) {
+        currentOperand = argument;
+        return true;
+    }
+    const qsizetype equals = argument.indexOf(u'=');
+    currentOption = argument.left(equals);
+    if (equals >= 0)
+        attached = argument.mid(equals + 1);
+    return true;
+}
+
+QString CommandLine::value()
+{
+    if (attached)
+        return *std::exchange(attached, std::nullopt);
+    if (at < arguments.size())
+        return arguments[at++];
+    fail(currentOption + u" needs a value"_s);
+    return {};
+}
+
+int CommandLine::number(int low, int high)
+{
+    const QString text = value();
+    bool isNumber = false;
+    const int result = text.toInt(&isNumber);
+    if (isNumber && low <= result && result <= high)
+        return result;
+    fail(currentOption + u" needs a number from "_s + QString::number(low) + u" to "_s
+         + QString::number(high));
+    return low;
+}
+
+void CommandLine::fail(const QString& problem)
+{
+    if (firstError.isEmpty())
+        firstError = problem;
+}
+
+void CommandLine::failUnknownOption()
+{
+    fail(u"unknown option "_s + currentOption);
+}
+
+QString CommandLine::error() const
+{
+    return firstError;
+}
+
+void PrintLine(const QString& line)
+{
+    const QByteArray bytes = QFile::encodeName(line) + '\n';
+    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
+}
+
+void PrintErrorLine(const QString& line)
+{
+    const QByteArray bytes = QFile::encodeName(line) + '\n';
+    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stderr);
+}
+
+bool FlushOutput()
+{
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
+        return true;
+    PrintErrorLine(u"vmk: cannot write the results: "_s + QString::fromLocal8Bit(std::strerror(errno)));
+    return false;
+}
+
+} // namespace vmk

@@ -1,0 +1,185 @@
+#include "BookCheck.h"
+#include "Command.h"
+#include "CommandLine.h"
+#include "FictionBookNamespace.h"
+#include "InitGlobals.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace vmk {
+
+namespace {
+
+constexpr int MostJobs = 256;
+
+struct ValidateOptions
+{
+    bool againstSchema = true;
+    QString schemaFile; // empty: that of the workspace
+    bool json = false;
+    int jobs = 1;
+    QStringList books;
+};
+
+/// The checks of several books on several threads, handed out in the order of the books.
+class BookChecks
+{
+public:
+    BookChecks(const QStringList& bookNames, std::shared_ptr<const XmlSchemaCache> schemaCache, int jobs)
+        : books(bookNames)
+        , schemas(std::move(schemaCache))
+        , results(static_cast<size_t>(bookNames.size()))
+    {
+        const auto threads = std::min<qsizetype>(jobs, books.size());
+        for (qsizetype i = 0; i < threads; ++i)
+            workers.emplace_back([this] { work(); });
+    }
+
+    /// Waits for the check of book number `index`, from 0; to be asked once for each.
+    [[nodiscard]] BookCheck take(size_t index)
+    {
+        std::unique_lock lock(guard);
+        ready.wait(lock, [&] { return results[index].has_value(); });
+        return *std::exchange(results[index], std::nullopt);
+    }
+
+private:
+    void work()
+    {
+        std::unique_lock lock(guard);
+        while (nextBook < books.size()) {
+            const qsizetype index = nextBook++;
+            lock.unlock();
+            BookCheck check = CheckBook(books[index], schemas);
+            lock.lock();
+            results[static_cast<size_t>(index)] = std::move(check);
+            ready.notify_one();
+        }
+    }
+
+    const QStringList& books;
+    std::shared_ptr<const XmlSchemaCache> schemas;
+    std::mutex guard; // for all that follows
+    std::condition_variable ready;
+    qsizetype nextBook = 0;
+    std::vector<std::optional<BookCheck>> results;
+    std::vector<std::jthread> workers; // last: they are waited for before the rest goes
+};
+
+void TakeOption(CommandLine& line, ValidateOptions& options)
+{
+    const QString& option = line.option();
+    if (option == u"--json") {
+        options.json = true;
+    } else if (option == u"--schema") {
+        options.schemaFile = line.value();
+    } else if (option == u"--jobs") {
+        options.jobs = line.number(1, MostJobs);
+    } else if (option == u"--against") {
+        const QString value = line.value();
+        options.againstSchema = value == u"schema";
+        if (value != u"schema" && value != u"namespace")
+            line.fail(u"--against needs \"schema\" or \"namespace\""_s);
+    } else {
+        line.failUnknownOption();
+    }
+}
+
+/// The options, or nothing with the reason in `problem`.
+std::optional<ValidateOptions> ReadOptions(const QStringList& arguments, QString* problem)
+{
+    ValidateOptions options;
+    CommandLine line(arguments);
+    while (line.next()) {
+        if (line.option().isEmpty())
+            options.books.append(line.operand());
+        else
+            TakeOption(line, options);
+    }
+    if (options.books.isEmpty())
+        line.fail(u"no book given"_s);
+    if (options.books.count(u"-"_s) > 1)
+        line.fail(u"standard input can be checked only once"_s);
+    if (!options.againstSchema && !options.schemaFile.isEmpty())
+        line.fail(u"--schema has no use with --against namespace"_s);
+    *problem = line.error();
+    return problem->isEmpty() ? std::optional(options) : std::nullopt;
+}
+
+QString WorkspaceSchema()
+{
+    // The workspace as it came with the program: nothing is made or written here.
+    return InstalledDataFolder(QCoreApplication::applicationFilePath())
+        + u"/VMK Office/Schemas/FictionBook.xsd"_s;
+}
+
+int Validate(const ValidateOptions& options)
+{
+    std::shared_ptr<XmlSchemaCache> schemas;
+    if (options.againstSchema) {
+        schemas = std::make_shared<XmlSchemaCache>();
+        const QString file = options.schemaFile.isEmpty() ? WorkspaceSchema() : options.schemaFile;
+        if (!schemas->add(FictionBookNamespace(), file)) {
+            PrintErrorLine(u"vmk: schema "_s + schemas->problem());
+            return ExitFailure;
+        }
+    }
+
+    int code = ExitClean;
+    BookChecks checks(options.books, schemas, options.jobs);
+    for (size_t i = 0; i < static_cast<size_t>(options.books.size()); ++i) {
+        const BookCheck check = checks.take(i);
+        const bool unread = !check.failure.isEmpty();
+        if (options.json)
+            PrintLine(ResultJson(check, options.againstSchema));
+        else if (unread)
+            PrintErrorLine(u"vmk: "_s + ResultLine(check, options.againstSchema));
+        else
+            PrintLine(ResultLine(check, options.againstSchema));
+        code = std::max<int>(code, unread ? ExitFailure : check.error ? ExitFaults : ExitClean);
+    }
+    return FlushOutput() ? code : ExitFailure;
+}
+
+int RunValidate(const QStringList& arguments)
+{
+    QString problem;
+    const std::optional<ValidateOptions> options = ReadOptions(arguments, &problem);
+    if (options)
+        return Validate(*options);
+    PrintErrorLine(u"vmk validate: "_s + problem + u"; try vmk validate --help"_s);
+    return ExitFailure;
+}
+
+} // namespace
+
+const Command ValidateCommand
+    = {"validate", "check books against the schema, or for well-formedness and namespaces",
+       R"(usage: vmk validate [--against schema|namespace] [--schema FILE] [--json] [--jobs N] BOOK...
+
+Checks each BOOK ("-": standard input) and writes one line for it:
+
+  BOOK: No errors (against schema)
+  BOOK:LINE:COLUMN: Error against schema. REASON
+
+  --against schema      check against the schema (default)
+  --against namespace   check only that the book is well-formed and declares its prefixes
+  --schema FILE         the schema, in place of FictionBook.xsd of the workspace
+  --json                write one JSON object for each book
+  --jobs N              check N books at a time; results stay in order
+  --help                show this text
+
+Exit status: 0 no errors, 1 errors in a book, 2 wrong use or a file that cannot be read.
+)",
+       RunValidate};
+
+} // namespace vmk
