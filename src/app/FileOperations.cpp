@@ -150,23 +150,23 @@ QString FileOperation(int mode, const QString& a, const QString& b)
 {
     const bool needsTarget = mode == CopyFileMode || mode == MoveFileMode || mode == CopyFolderMode;
     if (a.isEmpty() || (needsTarget && b.isEmpty()))
-        return QString();
+        return {};
     switch (mode) {
     case DeleteFileMode:
         DeleteFiles(a);
-        return QString();
+        break;
     case DeleteFolderMode:
         DeleteFolderTree(DropTrailingSeparator(a));
-        return QString();
+        break;
     case CopyFileMode:
         Transfer(a, b, CopyOneFile);
-        return QString();
+        break;
     case MoveFileMode:
         return Transfer(a, b, MoveOneFile) ? u"ok"_s : QString();
     case CopyFolderMode:
         // A failed copy leaves both folders as they were; the caller looks for `b`.
         static_cast<void>(CopyFolderTree(DropTrailingSeparator(a), DropTrailingSeparator(b)));
-        return QString();
+        break;
     case ExtensionMode:
         return a.mid(a.lastIndexOf(u'.') + 1);
     case FolderOfMode:
@@ -180,8 +180,9 @@ QString FileOperation(int mode, const QString& a, const QString& b)
     case WithoutExtensionMode:
         return WithoutExtension(a);
     default:
-        return QString();
+        break;
     }
+    return {};
 }
 
 } // namespace vmk

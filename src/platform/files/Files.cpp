@@ -278,15 +278,13 @@ QStringList EntriesOf(const QString& folder)
 /// Copies into a folder that is not there yet; one level of listing a call.
 bool CopyTreeInto(const QString& from, const QString& to)
 {
-    if (!MakeOneFolder(to))
-        return false;
-    for (const QString& name : EntriesOf(from)) {
+    const auto copyEntry = [&](const QString& name) {
         const QString source = Join(from, name);
+        const QString target = Join(to, name);
         const bool isFolder = KindOfFile(source) == FileKind::Folder;
-        if (!(isFolder ? CopyTreeInto(source, Join(to, name)) : CopyOneFile(source, Join(to, name))))
-            return false;
-    }
-    return true;
+        return isFolder ? CopyTreeInto(source, target) : CopyOneFile(source, target);
+    };
+    return MakeOneFolder(to) && std::ranges::all_of(EntriesOf(from), copyEntry);
 }
 
 /// Whether `inner` lies in the folder `outer`, at any depth; neither need exist.
@@ -377,7 +375,7 @@ QString ReadFailureText(const FileContent& content)
 {
     switch (content.outcome) {
     case ReadOutcome::Ok:
-        return QString();
+        break;
     case ReadOutcome::Missing:
         return u"file not found"_s;
     case ReadOutcome::IsFolder:
@@ -387,7 +385,7 @@ QString ReadFailureText(const FileContent& content)
     case ReadOutcome::TooLarge:
         return u"file too large"_s;
     }
-    return QString();
+    return {};
 }
 
 bool ReplaceContent(const QString& path, std::string_view bytes)

@@ -2,6 +2,7 @@
 
 #include "Boxes.h"
 #include "Desktop.h"
+#include "DesktopMeasures.h"
 #include "Dialogs.h"
 #include "MainWindowSeams.h"
 #include "MessageBoxes.h"
@@ -49,6 +50,7 @@ void FillWidgetSeams()
     ClipboardTextSeam().Fill([] { return QGuiApplication::clipboard()->text(); });
     SetClipboardTextSeam().Fill([](const QString& text) { QGuiApplication::clipboard()->setText(text); });
     PointerSeam().Fill(ShowPointer);
+    ScreenMeasuresSeam().Fill(ReadDesktopMeasures);
 }
 
 } // namespace vmk
