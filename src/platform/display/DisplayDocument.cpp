@@ -1,12 +1,61 @@
 #include "DisplayDocument.h"
 
+#include "HtmlReader.h"
+#include "HtmlWriter.h"
+#include "LineEdit.h"
+#include "TextRange.h"
+
 #include <algorithm>
 
 namespace vmk {
 
+namespace {
+
+/// Text cut at its CrLf, CR and LF, each piece as a line without block and marks.
+std::vector<Line> piecesOf(const QString& text)
+{
+    std::vector<Line> pieces;
+    qsizetype from = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] != u'\r' && text[i] != u'\n')
+            continue;
+        pieces.push_back({NoTag, text.mid(from, i - from), {}});
+        if (text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n')
+            ++i;
+        from = i + 1;
+    }
+    pieces.push_back({NoTag, text.mid(from), {}});
+    return pieces;
+}
+
+bool hasContent(const Line& line)
+{
+    return !line.text.isEmpty() || !line.marks.empty();
+}
+
+/// Where content ends that was put in at a place.
+Position endOfContent(Position from, const std::vector<Line>& content)
+{
+    const int lineBreaks = int(content.size()) - 1;
+    const int length = int(content.back().text.size());
+    return {from.line + lineBreaks, lineBreaks == 0 ? from.offset + length : length};
+}
+
+Cut startCut(const TagTable& tags, const Line& line, Position from, Position to)
+{
+    return from == to ? insertionCut(tags, line, from.offset) : rangeStartCut(line, from.offset);
+}
+
+Cut endCut(const TagTable& tags, const Line& line, Position from, Position to)
+{
+    return from == to ? insertionCut(tags, line, to.offset) : rangeEndCut(line, to.offset);
+}
+
+} // namespace
+
 Position EditMap::operator()(Position place) const
 {
-    if (place <= from)
+    if (place < from || (place == from && !inFront))
         return place;
     if (place < oldEnd)
         return from;
@@ -38,16 +87,59 @@ DisplayDocument::DisplayDocument()
     reset({});
 }
 
-DisplayDocument::~DisplayDocument() = default;
+DisplayDocument::~DisplayDocument()
+{
+    for (TextRange* range : liveRanges)
+        range->document = nullptr;
+}
+
+// ---------------------------------------------------------------- pages
+
+void DisplayDocument::loadPage(const QByteArray& html)
+{
+    HtmlContent content = readPage(tagTable, html);
+    pageHead = content.head;
+    pageBody = content.body == NoTag ? tagTable.intern(u"BODY", {}) : content.body;
+    const TagId div = tagTable.intern(u"DIV", {});
+    for (LinePtr& line : content.lines) {
+        if (line->block == NoTag)
+            line = std::make_shared<const Line>(Line{div, line->text, line->marks});
+    }
+    reset(std::move(content.lines));
+}
+
+QByteArray DisplayDocument::savePage() const
+{
+    constexpr qsizetype TypicalLine = 200;
+    QByteArray page;
+    page.reserve(pageHead.size() + lineCount() * TypicalLine);
+    page += pageHead.isEmpty() ? QByteArrayLiteral("<HTML>") : pageHead.toUtf8();
+    page += (pageBody == NoTag ? QStringLiteral("<BODY>") : tagTable[pageBody].startTag()).toUtf8();
+    page += "\r\n";
+    QString html;
+    for (int i = 0; i < lineCount(); ++i) {
+        if (line(i).block == NoTag)
+            continue;
+        html.resize(0);
+        writeLine(html, tagTable, line(i), Blanks::Protected);
+        html += u"\r\n";
+        page += html.toUtf8();
+    }
+    page += "</BODY></HTML>";
+    return page;
+}
 
 void DisplayDocument::reset(std::vector<LinePtr> newLines)
 {
     if (newLines.empty())
         newLines.push_back(std::make_shared<const Line>());
     lines.assign(std::move(newLines));
+    knownLineStarts = 0;
     steps.clear();
     undoSteps = 0;
     currentSelection = {};
+    for (TextRange* range : liveRanges)
+        range->first = range->last = {};
     if (listener)
         listener->documentReset();
 }
@@ -73,6 +165,36 @@ Position DisplayDocument::valid(Position place) const
     return place;
 }
 
+void DisplayDocument::knowLineStarts(int count) const
+{
+    if (count <= knownLineStarts)
+        return;
+    lineStarts.resize(std::max(lineStarts.size(), std::size_t(lineCount())));
+    for (int i = knownLineStarts; i < count; ++i)
+        lineStarts[std::size_t(i)]
+            = i == 0 ? 0 : lineStarts[std::size_t(i) - 1] + line(i - 1).text.size() + 1;
+    knownLineStarts = count;
+}
+
+qint64 DisplayDocument::characterIndex(Position place) const
+{
+    place = valid(place);
+    knowLineStarts(place.line + 1);
+    return lineStarts[std::size_t(place.line)] + place.offset;
+}
+
+Position DisplayDocument::positionAt(qint64 characterIndex) const
+{
+    if (characterIndex <= 0)
+        return {};
+    knowLineStarts(lineCount());
+    const auto begin = lineStarts.begin();
+    const auto behind = std::upper_bound(begin, begin + lineCount(), characterIndex);
+    const auto index = int(behind - begin) - 1;
+    const qint64 offset = characterIndex - lineStarts[std::size_t(index)];
+    return valid({index, int(std::min<qint64>(offset, line(index).text.size()))});
+}
+
 void DisplayDocument::setSelection(Position anchor, Position focus)
 {
     const Selection wanted{valid(anchor), valid(focus)};
@@ -92,6 +214,11 @@ void DisplayDocument::splice(int first, int removed, std::vector<LinePtr> insert
     const EditGroup group(*this);
     if (removed == lineCount() && inserted.empty())
         inserted.push_back(std::make_shared<const Line>());
+    const bool isBare = removed == lineCount() && inserted.size() == 1 && !hasContent(*inserted[0]);
+    for (LinePtr& line : inserted) {
+        if (line->block == NoTag && !isBare)
+            line = std::make_shared<const Line>(Line{tagTable.intern(u"DIV", {}), line->text, line->marks});
+    }
 
     Change change{first, {}, std::move(inserted), map};
     change.before.reserve(std::size_t(removed));
@@ -108,9 +235,15 @@ void DisplayDocument::splice(int first, int removed, std::vector<LinePtr> insert
     exchange(first, removed, steps.back().changes.back().after, map);
 }
 
-void DisplayDocument::exchange(int first, int removed, const std::vector<LinePtr>& inserted, const EditMap& map)
+void DisplayDocument::exchange(int first, int removed, const std::vector<LinePtr>& inserted,
+                               const EditMap& map)
 {
     lines.replace(first, removed, inserted);
+    knownLineStarts = std::min(knownLineStarts, first + 1);
+    for (TextRange* range : liveRanges) {
+        range->first = valid(map(range->first));
+        range->last = valid(map(range->last));
+    }
     const Selection moved{valid(map(currentSelection.anchor)), valid(map(currentSelection.focus))};
     const bool selectionMoved = moved != currentSelection;
     currentSelection = moved;
@@ -126,6 +259,253 @@ void DisplayDocument::endTypingRun()
     if (undoSteps > 0)
         steps[undoSteps - 1].typing = false;
 }
+
+// ---------------------------------------------------------------- editing anywhere
+
+/// The block tag for a line that comes from splitting another: an identifier stays with the first.
+TagId DisplayDocument::blockWithoutId(TagId block)
+{
+    return tagTable[block].id.isEmpty() ? block : tagTable.withAttribute(block, u"id", QString());
+}
+
+Position DisplayDocument::replaceContent(Position from, Position to, const std::vector<Line>& content,
+                                         bool dropEmptyElements)
+{
+    const LinePtr first = lines[from.line];
+    const LinePtr last = lines[to.line];
+    std::vector<Line> made = vmk::replaceContent(
+        *first, startCut(tagTable, *first, from, to), *last, endCut(tagTable, *last, from, to), content,
+        blockWithoutId(first->block), dropEmptyElements ? EmptyElements::Remove : EmptyElements::Keep);
+
+    // A line that moves up to the start of an emptied one keeps its own block, but not the identifier.
+    const bool movesUp
+        = from.line != to.line && from.offset == 0 && content.size() == 1 && !hasContent(content[0]);
+    if (movesUp) {
+        const QString& id = tagTable[first->block].id;
+        made[0].block = tagTable[last->block].id == id
+            ? last->block
+            : tagTable.withAttribute(last->block, u"id", id.isEmpty() ? QString() : id);
+    }
+
+    const Position newEnd = endOfContent(from, content);
+    spliceMade(from, to, std::move(made), newEnd);
+    return newEnd;
+}
+
+void DisplayDocument::spliceMade(Position from, Position to, std::vector<Line> made, Position newEnd)
+{
+    std::vector<LinePtr> inserted;
+    inserted.reserve(made.size());
+    for (Line& line : made)
+        inserted.push_back(std::make_shared<const Line>(std::move(line)));
+    splice(from.line, to.line - from.line + 1, std::move(inserted), {from, to, newEnd});
+}
+
+Position DisplayDocument::replaceText(Position from, Position to, const QString& text)
+{
+    if (from == to && text.isEmpty())
+        return from;
+    return replaceContent(from, to, piecesOf(text), false);
+}
+
+Position DisplayDocument::deleteRange(Position from, Position to)
+{
+    if (from == to)
+        return from;
+    const bool wholeLines = from.line < to.line && from.offset == 0 && to.offset == line(to.line).text.size();
+    if (!wholeLines)
+        return replaceContent(from, to, {Line()}, true);
+    splice(from.line, to.line - from.line + 1, {}, {from, to, from});
+    return valid(from);
+}
+
+Position DisplayDocument::replaceHtml(Position from, Position to, QStringView html)
+{
+    if (from.line == to.line) {
+        const Line& line = *lines[from.line];
+        return replaceHtml(from.line, startCut(tagTable, line, from, to), endCut(tagTable, line, from, to),
+                           html);
+    }
+    const HtmlContent read = readFragment(tagTable, html);
+    std::vector<Line> content;
+    for (const LinePtr& line : read.lines)
+        content.push_back(*line);
+    if (content.empty())
+        content.emplace_back();
+
+    const TagId firstBlock = content[0].block;
+    const EditGroup group(*this);
+    const Position end = replaceContent(from, to, content, false);
+    if (from.offset == 0 && firstBlock != NoTag)
+        setBlock(from.line, firstBlock);
+    return end;
+}
+
+Position DisplayDocument::replaceHtml(int line, Cut from, Cut to, QStringView html)
+{
+    const HtmlContent read = readFragment(tagTable, html);
+    std::vector<Line> content;
+    for (const LinePtr& piece : read.lines)
+        content.push_back(*piece);
+    if (!content.empty())
+        return replaceBlocks(line, from, to, std::move(content), read.openEnded);
+    if (from.offset == to.offset && from.mark == to.mark)
+        return {line, from.offset};
+    return replaceBlocks(line, from, to, {Line()}, true);
+}
+
+/// Puts content into one line: text outside blocks joins what stands beside it, blocks stand alone, and
+/// where nothing of the line is left beside them no empty line stays.
+Position DisplayDocument::replaceBlocks(int line, Cut from, Cut to, std::vector<Line> content, bool openEnded)
+{
+    const bool standsAlone = content.front().block != NoTag;
+    if (standsAlone)
+        content.insert(content.begin(), Line());
+    if (!openEnded)
+        content.emplace_back();
+
+    const LinePtr old = lines[line];
+    std::vector<Line> made
+        = vmk::replaceContent(*old, from, *old, to, content, blockWithoutId(old->block), EmptyElements::Keep);
+    const Position start{line, from.offset};
+    Position end = endOfContent(start, content);
+    const bool restIsEmpty = !openEnded && made.size() > 1 && !hasContent(made.back());
+    if (restIsEmpty) {
+        made.pop_back();
+        end = {end.line - 1, int(made.back().text.size())};
+    }
+    if (standsAlone && made.size() > 1 && !hasContent(made.front())) {
+        made.erase(made.begin());
+        --end.line;
+        // What is left of the line is all of it, moved down: it keeps its identifier.
+        if (!openEnded && !restIsEmpty)
+            made.back().block = old->block;
+    }
+    spliceMade(start, {line, to.offset}, std::move(made), end);
+    return end;
+}
+
+void DisplayDocument::insertLines(int line, QStringView html)
+{
+    line = std::clamp(line, 0, lineCount());
+    const bool isBare = lineCount() == 1 && lines[0]->block == NoTag;
+    replaceLines(isBare ? 0 : line, isBare ? 1 : 0, html);
+}
+
+void DisplayDocument::replaceLines(int first, int count, QStringView html)
+{
+    std::vector<LinePtr> made = readFragment(tagTable, html).lines;
+    if (count == 0 && made.empty())
+        return;
+    const auto inserted = int(made.size());
+    // Places in the lines replaced go to their start; those behind move along.
+    splice(first, count, std::move(made),
+           {{first, 0}, {first + count, 0}, {first + inserted, 0}, count == 0});
+}
+
+void DisplayDocument::wrapRange(Position from, Position to, TagId tag)
+{
+    std::vector<LinePtr> made;
+    for (int i = from.line; i <= to.line; ++i) {
+        const Line& old = line(i);
+        const int begin = i == from.line ? from.offset : 0;
+        const int end = i == to.line ? to.offset : int(old.text.size());
+        made.push_back(begin < end ? std::make_shared<const Line>(wrapContent(old, begin, end, tag))
+                                   : lines[i]);
+    }
+    splice(from.line, int(made.size()), std::move(made), {from, from, from});
+}
+
+void DisplayDocument::setBlock(int line, TagId block)
+{
+    const Line& old = *lines[line];
+    const Position start{line, 0};
+    splice(line, 1, {std::make_shared<const Line>(Line{block, old.text, old.marks})}, {start, start, start});
+}
+
+// ---------------------------------------------------------------- editing by key
+
+void DisplayDocument::typeText(const QString& text)
+{
+    if (text.isEmpty())
+        return;
+    const bool joins
+        = groupDepth == 0 && canUndo() && !canRedo() && steps.back().typing && currentSelection.isEmpty();
+    const EditGroup group(*this);
+    // The last step stays open for one more change.
+    stepOpen = stepOpen || joins;
+    const Position caret = replaceText(currentSelection.start(), currentSelection.end(), text);
+    setSelection(caret, caret);
+    steps.back().typing = groupDepth == 1;
+    if (joins)
+        mergeTyping();
+}
+
+/// Makes one change of the last two, where the second one typed on at the end of the first.
+void DisplayDocument::mergeTyping()
+{
+    std::vector<Change>& changes = steps.back().changes;
+    Change& earlier = changes[changes.size() - 2];
+    Change& later = changes.back();
+    const bool typedOn = earlier.after.size() == 1 && later.before.size() == 1 && later.after.size() == 1
+        && earlier.first == later.first && later.map.from == earlier.map.newEnd
+        && later.map.from == later.map.oldEnd;
+    if (!typedOn)
+        return;
+    earlier.after = std::move(later.after);
+    earlier.map.newEnd = later.map.newEnd;
+    changes.pop_back();
+}
+
+void DisplayDocument::insertLineBreak()
+{
+    const EditGroup group(*this);
+    const Position caret
+        = replaceText(currentSelection.start(), currentSelection.end(), QStringLiteral("\n"));
+    setSelection(caret, caret);
+}
+
+void DisplayDocument::deleteBackward()
+{
+    if (!currentSelection.isEmpty())
+        return deleteSelection();
+    const Position to = currentSelection.focus;
+    if (to == Position())
+        return;
+    const Position from = to.offset > 0 ? valid({to.line, to.offset - 1})
+                                        : Position{to.line - 1, int(line(to.line - 1).text.size())};
+    const EditGroup group(*this);
+    const Position caret = replaceContent(from, to, {Line()}, true);
+    setSelection(caret, caret);
+}
+
+void DisplayDocument::deleteForward()
+{
+    if (!currentSelection.isEmpty())
+        return deleteSelection();
+    const Position from = currentSelection.focus;
+    if (from == end())
+        return;
+    const QString& text = line(from.line).text;
+    const bool isPair = from.offset + 1 < text.size() && text[from.offset].isHighSurrogate()
+        && text[from.offset + 1].isLowSurrogate();
+    const Position to = from.offset == text.size() ? Position{from.line + 1, 0}
+                                                   : Position{from.line, from.offset + (isPair ? 2 : 1)};
+    const EditGroup group(*this);
+    const Position caret = replaceContent(from, to, {Line()}, true);
+    setSelection(caret, caret);
+}
+
+void DisplayDocument::deleteSelection()
+{
+    if (currentSelection.isEmpty())
+        return;
+    const EditGroup group(*this);
+    const Position caret = deleteRange(currentSelection.start(), currentSelection.end());
+    setSelection(caret, caret);
+}
+
+// ---------------------------------------------------------------- undo and redo
 
 bool DisplayDocument::undo()
 {

@@ -37,6 +37,9 @@ struct Mark
     std::uint32_t open : 1 = 0; ///< 1 for a start tag, 0 for an end tag.
     std::uint32_t tag : 31 = 0; ///< `TagId`; an end tag carries the number of its start tag.
 
+    [[nodiscard]] static Mark opening(int pos, TagId tag) { return {pos, 1, tag & 0x7FFFFFFF}; }
+    [[nodiscard]] static Mark closing(int pos, TagId tag) { return {pos, 0, tag & 0x7FFFFFFF}; }
+
     friend bool operator==(const Mark& a, const Mark& b)
     {
         return a.pos == b.pos && a.open == b.open && a.tag == b.tag;
@@ -62,6 +65,14 @@ struct Position
     friend auto operator<=>(const Position&, const Position&) = default;
 };
 
+/// A place in a line between two marks, or between a mark and a character: in front of the character at
+/// `offset` and of the mark with index `mark`, behind all earlier ones.
+struct Cut
+{
+    int offset = 0;
+    std::size_t mark = 0;
+};
+
 /// What is selected. The caret stands at `focus`; equal ends are a bare caret.
 struct Selection
 {
@@ -82,14 +93,16 @@ struct EditMap
     Position from;
     Position oldEnd;
     Position newEnd;
+    bool inFront = false; ///< Whole lines were put in front of `from`, whose place moves along with its line.
 
     [[nodiscard]] Position operator()(Position place) const;
-    [[nodiscard]] EditMap inverse() const { return {from, newEnd, oldEnd}; }
+    [[nodiscard]] EditMap inverse() const { return {from, newEnd, oldEnd, false}; }
 };
 
 /// The view's ear at the document. Calls come after the fact, in the order of the changes; a listener must
 /// not change the document from within.
-class DisplayListener {
+class DisplayListener
+{
 public:
     /// Lines `first` to `first + removed - 1` gave way to `inserted` new ones in the same place.
     virtual void linesChanged(int first, int removed, int inserted) = 0;
@@ -102,7 +115,8 @@ protected:
     ~DisplayListener() = default;
 };
 
-class DisplayDocument {
+class DisplayDocument
+{
 public:
     /// An empty page: one empty line without a block.
     DisplayDocument();
@@ -119,7 +133,7 @@ public:
     [[nodiscard]] QByteArray savePage() const;
     /// All of the page in front of its body's start tag, as loaded: style rules stand here.
     [[nodiscard]] const QString& head() const { return pageHead; }
-    /// The body's start tag; `NoTag` when the page has none.
+    /// The body's start tag; a bare `BODY` when the page has none.
     [[nodiscard]] TagId bodyTag() const { return pageBody; }
 
     // ---- lines
@@ -133,6 +147,10 @@ public:
     [[nodiscard]] Position end() const;
     /// The nearest place that exists: inside the document, not inside a surrogate pair.
     [[nodiscard]] Position valid(Position place) const;
+    /// How many characters stand in front of a place, a line break counting as one.
+    [[nodiscard]] qint64 characterIndex(Position place) const;
+    /// The place with that many characters in front of it; too small or large goes to the start or the end.
+    [[nodiscard]] Position positionAt(qint64 characterIndex) const;
 
     // ---- selection
 
@@ -151,8 +169,36 @@ public:
     void deleteBackward();
     /// Delete: the selection, else the character or line break behind the caret.
     void deleteForward();
-    /// Takes the selected text out; nothing happens at a bare caret.
+    /// Takes the selected text out as `deleteRange` does; nothing happens at a bare caret.
     void deleteSelection();
+
+    // ---- editing anywhere; each call is one undo step
+
+    /// Replaces text. CrLf, CR and LF in the new text are line breaks; new lines take the block tag of the
+    /// line that they split. Elements around all of the old text go on around the new one.
+    /// @return the place behind the new text.
+    Position replaceText(Position from, Position to, const QString& text);
+    /// Takes text out, with the in-line elements that it leaves empty. Several whole lines go as lines.
+    /// @return the place where the text was.
+    Position deleteRange(Position from, Position to);
+    /// Puts HTML in the place of a range. Text outside blocks joins what stands beside the range. Blocks
+    /// become lines of their own; but when the range reaches over a line break, its ends were parts of
+    /// lines, and the first and last block join what is left of these: a range's own HTML put in its place
+    /// changes nothing.
+    /// @return the place behind what was put in.
+    Position replaceHtml(Position from, Position to, QStringView html);
+    /// The same between two cuts of one line, for what is addressed by its tags: an in-line element.
+    Position replaceHtml(int line, Cut from, Cut to, QStringView html);
+    /// Puts the lines of some HTML between two lines.
+    /// @param line they go in front of this line, 0 to `lineCount()`; the one empty line of an empty
+    ///     document gives way to them.
+    void insertLines(int line, QStringView html);
+    /// Replaces lines by those of some HTML; empty HTML takes the lines out.
+    void replaceLines(int first, int count, QStringView html);
+    /// Puts an element around the text between two places, line by line.
+    void wrapRange(Position from, Position to, TagId tag);
+    /// Gives a line another block tag.
+    void setBlock(int line, TagId block);
 
     // ---- undo
 
@@ -170,10 +216,12 @@ public:
     /// @param removed how many lines go, 0 and up.
     /// @param inserted the lines that take their place; an empty document keeps one empty line.
     /// @param map how places move, in document positions before and after.
+    /// Lines whose block is `NoTag` become `DIV` lines.
     void splice(int first, int removed, std::vector<LinePtr> inserted, const EditMap& map);
 
     /// Splices made while one of these lives are one undo step.
-    class EditGroup {
+    class EditGroup
+    {
     public:
         explicit EditGroup(DisplayDocument& groupedDocument);
         ~EditGroup();
@@ -207,7 +255,16 @@ private:
         bool typing = false; ///< A run of typing that the next typed character may join.
     };
 
+    friend class TextRange;
+
     void reset(std::vector<LinePtr> newLines);
+    Position replaceContent(Position from, Position to, const std::vector<Line>& content,
+                            bool dropEmptyElements);
+    Position replaceBlocks(int line, Cut from, Cut to, std::vector<Line> content, bool openEnded);
+    void spliceMade(Position from, Position to, std::vector<Line> made, Position newEnd);
+    [[nodiscard]] TagId blockWithoutId(TagId block);
+    void mergeTyping();
+    void knowLineStarts(int count) const;
     void exchange(int first, int removed, const std::vector<LinePtr>& inserted, const EditMap& map);
     void endTypingRun();
 
@@ -220,6 +277,9 @@ private:
     LayoutQuery* pageLayout = nullptr;
     std::vector<UndoStep> steps;
     std::size_t undoSteps = 0; ///< Steps that are done; those behind can be redone.
+    std::vector<TextRange*> liveRanges;
+    mutable std::vector<qint64> lineStarts; ///< Character index of each line's start, as far as known.
+    mutable int knownLineStarts = 0;
     int groupDepth = 0;
     bool stepOpen = false; ///< The group running has its undo step already.
 };

@@ -12,7 +12,8 @@ namespace vmk {
 /// What only a laid-out page can tell. The view implements it and hands itself to its document; without a
 /// view ranges and elements answer such questions with nothing.
 /// Client coordinates are pixels from the top left of the visible part; they change with scrolling.
-class LayoutQuery {
+class LayoutQuery
+{
 public:
     /// One rectangle for each line box that the text from `from` to `to` touches, top down, in client
     /// coordinates; a bare place gives one of width 0. Empty lines give none.

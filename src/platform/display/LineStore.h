@@ -13,7 +13,8 @@ using LinePtr = std::shared_ptr<const Line>;
 /// The lines of a document in order, as an array with a gap: replacing lines costs the lines themselves
 /// plus the way from the last edit's place, so edits that go through the book in one direction are cheap
 /// even when each of them adds or removes a line.
-class LineStore {
+class LineStore
+{
 public:
     [[nodiscard]] int size() const { return int(slots.size() - gapSize); }
 

@@ -37,7 +37,8 @@ bool nextAttribute(QStringView text, qsizetype at, AttributePlace& place)
     if (equals >= text.size() || text[equals] != u'=')
         return true;
     place.valueStart = skip(equals + 1, isBlank);
-    if (place.valueStart < text.size() && (text[place.valueStart] == u'"' || text[place.valueStart] == u'\'')) {
+    if (place.valueStart < text.size()
+        && (text[place.valueStart] == u'"' || text[place.valueStart] == u'\'')) {
         const QChar quote = text[place.valueStart++];
         const qsizetype close = text.indexOf(quote, place.valueStart);
         place.valueEnd = close < 0 ? text.size() : close;
@@ -65,21 +66,42 @@ QString Tag::value(QStringView attribute) const
     AttributePlace place;
     if (!findAttribute(attributes, attribute, place))
         return {};
-    const QStringView raw = QStringView(attributes).sliced(place.valueStart, place.valueEnd - place.valueStart);
+    const QStringView raw
+        = QStringView(attributes).sliced(place.valueStart, place.valueEnd - place.valueStart);
     // A present but empty attribute is empty, not null.
     return raw.isEmpty() ? QStringLiteral("") : resolveReferences(raw);
 }
 
 QString Tag::startTag() const
 {
-    if (attributes.isEmpty())
-        return u'<' + name + u'>';
-    return u'<' + name + u' ' + attributes + u'>';
+    QString html;
+    writeStart(html);
+    return html;
 }
 
 QString Tag::endTag() const
 {
-    return QStringLiteral("</") + name + u'>';
+    QString html;
+    writeEnd(html);
+    return html;
+}
+
+void Tag::writeStart(QString& html) const
+{
+    html += u'<';
+    html += name;
+    if (!attributes.isEmpty()) {
+        html += u' ';
+        html += attributes;
+    }
+    html += u'>';
+}
+
+void Tag::writeEnd(QString& html) const
+{
+    html += u"</";
+    html += name;
+    html += u'>';
 }
 
 TagTable::TagTable()
@@ -119,6 +141,7 @@ TagId TagTable::withAttribute(TagId id, QStringView attribute, const QString& va
     if (!value.isNull()) {
         QString quoted = value;
         quoted.replace(u'&', QStringLiteral("&amp;")).replace(u'"', QStringLiteral("&quot;"));
+        quoted.replace(u'<', QStringLiteral("&lt;")).replace(u'>', QStringLiteral("&gt;"));
         written = attribute.toString() + QStringLiteral("=\"") + quoted + u'"';
     }
 

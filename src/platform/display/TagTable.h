@@ -29,12 +29,16 @@ struct Tag
     /// The start tag with its angle brackets: `<DIV id=FirstDiv>`.
     [[nodiscard]] QString startTag() const;
     [[nodiscard]] QString endTag() const;
+    /// Appends the start tag, or the end tag, to a text.
+    void writeStart(QString& html) const;
+    void writeEnd(QString& html) const;
 };
 
 /// Every different start tag of a document, once. A book of a million tags has some dozens of different
 /// ones; lines and marks hold numbers only. Tags are never taken out, so a number stays good as long as
 /// the table lives, undo steps included.
-class TagTable {
+class TagTable
+{
 public:
     TagTable();
     TagTable(const TagTable&) = delete;

@@ -1,0 +1,738 @@
+#include "HtmlReader.h"
+
+#include "HtmlCharacters.h"
+#include "HtmlElements.h"
+
+#include <QStringDecoder>
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+namespace vmk {
+
+namespace {
+
+/// Deeper nesting is flattened: no page needs it, and hostile input must not cost more than its size.
+constexpr std::size_t MaxBlockDepth = 256;
+constexpr std::size_t MaxInlineDepth = 24;
+/// How far a quoted attribute value that holds `>` is followed before its quote counts as a stray one.
+constexpr std::size_t LongestQuotedValue = 4096;
+
+enum class Spacing
+{
+    Collapse,
+    Keep
+};
+
+constexpr bool isLetter(char32_t c)
+{
+    return (c >= U'a' && c <= U'z') || (c >= U'A' && c <= U'Z');
+}
+
+/// Closes a quote that the attribute text leaves open, so that it cannot swallow what follows the tag.
+void closeLastQuote(QString& attributes)
+{
+    qsizetype i = 0;
+    while ((i = attributes.indexOf(u'=', i)) >= 0) {
+        for (++i; i < attributes.size() && isHtmlSpace(attributes[i].unicode());)
+            ++i;
+        if (i >= attributes.size() || (attributes[i] != u'"' && attributes[i] != u'\''))
+            continue;
+        const qsizetype close = attributes.indexOf(attributes[i], i + 1);
+        if (close < 0)
+            attributes += attributes[i];
+        i = (close < 0 ? attributes.size() - 1 : close) + 1;
+    }
+}
+
+/// A tag as the reader needs it.
+struct TagFacts
+{
+    TagId tag = NoTag; ///< The interned start tag; for an end tag the one without attributes.
+    TagId name = NoTag; ///< The interned tag of that name without attributes: equal for equal names.
+    ElementKind kind = ElementKind::Inline;
+    bool isEnd = false;
+};
+
+/// @tparam Char `char` for UTF-8, `char16_t` for UTF-16.
+template <class Char>
+class Reader
+{
+public:
+    using View = std::basic_string_view<Char>;
+
+    Reader(TagTable& tagTable, View html, Spacing spacingRule)
+        : tags(tagTable)
+        , input(html)
+        , spacing(spacingRule)
+    {
+    }
+
+    HtmlContent read();
+
+private:
+    struct OpenBlock
+    {
+        TagId tag = NoTag;
+        TagId name = NoTag;
+        ElementKind kind = ElementKind::Block;
+        bool filled = false; ///< Has had a line or a block of its own.
+        std::size_t inlineDepth = 0; ///< In-line elements open around it.
+    };
+    struct OpenInline
+    {
+        TagId tag = NoTag;
+        TagId name = NoTag;
+        bool everMarked = false; ///< Its start tag stands in some line already.
+    };
+
+    // Tokens.
+    std::size_t find(Char c, std::size_t from) const;
+    std::size_t findTagEnd(std::size_t start);
+    bool readMarkup();
+    bool readDeclaration();
+    const TagFacts& tagFacts(View inner);
+    TagFacts makeTagFacts(View inner);
+    bool skipElement(TagId name);
+    std::size_t findEndTag(QStringView name) const;
+
+    // Text.
+    void readText(std::size_t stop);
+    void readSpace();
+    void readReferenceAt();
+    void readCharacter();
+    void put(char32_t c);
+    void putSpace(QStringView run, bool collapsible);
+    QString toText(View piece) const;
+
+    // Structure.
+    void startTag(const TagFacts& facts);
+    void endTag(const TagFacts& facts);
+    void startBlock(const TagFacts& facts);
+    void closeBlock();
+    void startInline(const TagFacts& facts);
+    void endInline(TagId name);
+    void lineBreak();
+    void beginLine();
+    void markOpenElements();
+    void endLine();
+    void takeHead(std::size_t end);
+    TagId plainBlock(TagId container);
+    [[nodiscard]] bool inPre() const { return !blocks.empty() && blocks.back().name == preName; }
+
+    TagTable& tags;
+    View input;
+    Spacing spacing;
+    std::size_t at = 0;
+
+    HtmlContent content;
+    std::vector<OpenBlock> blocks;
+    std::vector<OpenInline> inlines;
+    std::size_t markedInlines = 0; ///< Of `inlines`, how many from the bottom stand in the line at hand.
+
+    bool lineOpen = false;
+    bool endsCollapsible = false; ///< The text ends in a blank that collapses with what follows.
+    std::u16string text;
+    std::vector<Mark> marks;
+    std::u16string heldSpace; ///< White space that belongs to the line that may begin.
+    bool heldCollapsible = false;
+
+    // What a search to the end of the input has shown not to come any more.
+    bool noBracket = false;
+    bool noCommentEnd = false;
+    std::vector<TagId> neverEnded;
+
+    const TagId preName = tags.intern(u"PRE", {});
+
+    struct CacheEntry
+    {
+        View inner;
+        TagFacts facts;
+    };
+    std::array<CacheEntry, 512> cache;
+};
+
+// ---------------------------------------------------------------- the main loop
+
+template <class Char>
+HtmlContent Reader<Char>::read()
+{
+    while (at < input.size()) {
+        const std::size_t next = find(Char('<'), at);
+        readText(next);
+        if (at < input.size() && !readMarkup())
+            readCharacter();
+    }
+
+    const bool insideBlock = !blocks.empty();
+    const bool onlySpace = content.lines.empty() && !lineOpen && !insideBlock && !heldSpace.empty();
+    if (onlySpace && !heldCollapsible && spacing == Spacing::Keep)
+        beginLine();
+    // An empty element in front of nothing still is content.
+    if (!insideBlock && !lineOpen && std::any_of(inlines.begin(), inlines.end(), [](const OpenInline& open) {
+            return !open.everMarked;
+        }))
+        markOpenElements();
+    content.openEnded = lineOpen && !insideBlock;
+    endLine();
+    while (!blocks.empty())
+        closeBlock();
+    return std::move(content);
+}
+
+template <class Char>
+std::size_t Reader<Char>::find(Char c, std::size_t from) const
+{
+    return std::min(input.find(c, from), input.size());
+}
+
+// ---------------------------------------------------------------- tags
+
+/// The place of the `>` that ends the tag begun at `start`, or `npos`. A `>` inside a quoted value does not
+/// count, unless the quote is never closed.
+template <class Char>
+std::size_t Reader<Char>::findTagEnd(std::size_t start)
+{
+    const std::size_t first = noBracket ? View::npos : input.find(Char('>'), start);
+    noBracket = first == View::npos;
+    if (noBracket)
+        return first;
+    const std::size_t limit = std::min(input.size(), first + LongestQuotedValue);
+    std::size_t i = start;
+    while (i < limit) {
+        if (input[i] == Char('>'))
+            return i;
+        if (input[i] != Char('=')) {
+            ++i;
+            continue;
+        }
+        for (++i; i < limit && isHtmlSpace(char32_t(input[i]));)
+            ++i;
+        if (i < limit && (input[i] == Char('"') || input[i] == Char('\''))) {
+            const std::size_t close = input.substr(0, limit).find(input[i], i + 1);
+            if (close == View::npos)
+                return first;
+            i = close + 1;
+        }
+    }
+    return first;
+}
+
+/// Reads the tag, comment or declaration at `at`; false when its `<` is a plain character.
+template <class Char>
+bool Reader<Char>::readMarkup()
+{
+    if (at + 1 >= input.size())
+        return false;
+    const Char next = input[at + 1];
+    if (next == Char('!') || next == Char('?'))
+        return readDeclaration();
+    const bool isEnd = next == Char('/');
+    if (isEnd && (at + 2 >= input.size() || !isLetter(char32_t(input[at + 2]))))
+        return false;
+    if (!isEnd && !isLetter(char32_t(next)))
+        return false;
+    const std::size_t end = findTagEnd(at + 1);
+    if (end == View::npos)
+        return false;
+
+    const TagFacts facts = tagFacts(input.substr(at + 1, end - at - 1));
+    if (facts.kind == ElementKind::Body && !facts.isEnd && content.lines.empty() && !lineOpen) {
+        takeHead(at);
+        content.body = facts.tag;
+    }
+    at = end + 1;
+    if (facts.isEnd)
+        endTag(facts);
+    else
+        startTag(facts);
+    return true;
+}
+
+/// Comments and declarations go; one that never ends is text.
+template <class Char>
+bool Reader<Char>::readDeclaration()
+{
+    constexpr std::array<Char, 4> CommentStart = {Char('<'), Char('!'), Char('-'), Char('-')};
+    constexpr std::array<Char, 3> CommentEnd = {Char('-'), Char('-'), Char('>')};
+    if (input.substr(at, 4) == View(CommentStart.data(), 4)) {
+        const std::size_t end = noCommentEnd ? View::npos : input.find(View(CommentEnd.data(), 3), at + 4);
+        noCommentEnd = end == View::npos;
+        if (noCommentEnd)
+            return false;
+        at = end + 3;
+        return true;
+    }
+    const std::size_t end = noBracket ? View::npos : input.find(Char('>'), at);
+    noBracket = end == View::npos;
+    if (noBracket)
+        return false;
+    at = end + 1;
+    return true;
+}
+
+/// The facts of a tag, from the cache if the same characters came by before.
+template <class Char>
+const TagFacts& Reader<Char>::tagFacts(View inner)
+{
+    std::size_t hash = inner.size();
+    const std::size_t step = 1 + inner.size() / 16;
+    for (std::size_t i = 0; i < inner.size(); i += step)
+        hash = hash * 31 + std::size_t(inner[i]);
+    CacheEntry& entry = cache[(hash ^ hash >> 9) % cache.size()];
+    if (entry.inner != inner || inner.empty()) {
+        entry.facts = makeTagFacts(inner);
+        entry.inner = inner;
+    }
+    return entry.facts;
+}
+
+template <class Char>
+TagFacts Reader<Char>::makeTagFacts(View inner)
+{
+    TagFacts facts;
+    QString tagText = toText(inner);
+    facts.isEnd = tagText.startsWith(u'/');
+    if (facts.isEnd)
+        tagText.remove(0, 1);
+    // Angle brackets may not stand open in a tag: programs that strip tags by them would trip.
+    tagText.replace(u'<', QStringLiteral("&lt;")).replace(u'>', QStringLiteral("&gt;"));
+
+    qsizetype nameEnd = 0;
+    while (nameEnd < tagText.size() && !isHtmlSpace(tagText[nameEnd].unicode()) && tagText[nameEnd] != u'/')
+        ++nameEnd;
+    const QString name = tagText.first(nameEnd).toUpper();
+    QString attributes = tagText.sliced(nameEnd);
+    attributes.replace(u'\r', u' ').replace(u'\n', u' ');
+    attributes = attributes.trimmed();
+    closeLastQuote(attributes);
+    // The slash of `<BR/>`, but not the one that ends an unquoted address.
+    if (attributes == u"/" || attributes.endsWith(QStringLiteral(" /"))
+        || attributes.endsWith(QStringLiteral("\"/")))
+        attributes = attributes.chopped(1).trimmed();
+
+    facts.name = tags.intern(name, {});
+    facts.tag = facts.isEnd ? facts.name : tags.intern(name, attributes);
+    facts.kind = elementKind(name);
+    return facts;
+}
+
+/// Where the end tag of that name begins, behind `at`, or `npos`.
+template <class Char>
+std::size_t Reader<Char>::findEndTag(QStringView name) const
+{
+    for (std::size_t i = find(Char('<'), at); i + 2 < input.size(); i = find(Char('<'), i + 1)) {
+        if (input[i + 1] != Char('/') || input.size() - i - 2 < std::size_t(name.size()))
+            continue;
+        const auto matches = [&](qsizetype k) {
+            const auto c = char32_t(input[i + 2 + std::size_t(k)]);
+            return isLetter(c) && (c & ~0x20U) == name[k].unicode();
+        };
+        qsizetype k = 0;
+        while (k < name.size() && matches(k))
+            ++k;
+        if (k == name.size())
+            return i;
+    }
+    return View::npos;
+}
+
+/// Skips the content of an element that shows nothing; false when it never ends and so must be text.
+template <class Char>
+bool Reader<Char>::skipElement(TagId name)
+{
+    if (std::find(neverEnded.begin(), neverEnded.end(), name) != neverEnded.end())
+        return false;
+    const std::size_t end = findEndTag(tags[name].name);
+    const std::size_t close = end == View::npos ? end : input.find(Char('>'), end);
+    if (close == View::npos) {
+        neverEnded.push_back(name);
+        return false;
+    }
+    at = close + 1;
+    return true;
+}
+
+template <class Char>
+QString Reader<Char>::toText(View piece) const
+{
+    if constexpr (std::is_same_v<Char, char>)
+        return QString::fromUtf8(piece.data(), qsizetype(piece.size()));
+    else
+        return QString(reinterpret_cast<const QChar*>(piece.data()), qsizetype(piece.size()));
+}
+
+// ---------------------------------------------------------------- text
+
+template <class Char>
+void Reader<Char>::readText(std::size_t stop)
+{
+    while (at < stop) {
+        const auto c = char32_t(std::make_unsigned_t<Char>(input[at]));
+        if (isHtmlSpace(c)) {
+            readSpace();
+        } else if (c == U'&') {
+            readReferenceAt();
+        } else if (c < 0x80) {
+            if (!lineOpen || markedInlines < inlines.size())
+                markOpenElements();
+            endsCollapsible = false;
+            // A run of plain characters, the common case.
+            do {
+                text.push_back(char16_t(input[at++]));
+            } while (at < stop && std::make_unsigned_t<Char>(input[at]) > ' '
+                     && std::make_unsigned_t<Char>(input[at]) < 0x80 && input[at] != Char('&'));
+        } else {
+            readCharacter();
+        }
+    }
+}
+
+/// A run of white space, to its end or to the end of the text.
+template <class Char>
+void Reader<Char>::readSpace()
+{
+    // One blank between two words, the common case.
+    if (lineOpen && !endsCollapsible && input[at] == Char(' ') && markedInlines == inlines.size()
+        && at + 1 < input.size() && !isHtmlSpace(char32_t(std::make_unsigned_t<Char>(input[at + 1])))) {
+        ++at;
+        text.push_back(u' ');
+        endsCollapsible = spacing == Spacing::Collapse && !inPre();
+        return;
+    }
+    std::u16string run;
+    bool hasLineEnd = false;
+    for (; at < input.size() && isHtmlSpace(char32_t(std::make_unsigned_t<Char>(input[at]))); ++at) {
+        const auto c = char16_t(input[at]);
+        if (inPre() && c == u'\n') {
+            putSpace(QStringView(run), false);
+            run.clear();
+            lineBreak();
+            continue;
+        }
+        hasLineEnd = hasLineEnd || c == u'\n' || c == u'\r';
+        if (c != u'\n' && c != u'\r')
+            run.push_back(c);
+    }
+    putSpace(QStringView(run), !inPre() && (hasLineEnd || spacing == Spacing::Collapse));
+}
+
+template <class Char>
+void Reader<Char>::putSpace(QStringView run, bool collapsible)
+{
+    if (collapsible)
+        run = u" ";
+    if (run.isEmpty())
+        return;
+    if (!lineOpen) {
+        // It counts only if text follows in the same line.
+        heldCollapsible = heldCollapsible || collapsible;
+        heldSpace.append(run.utf16(), std::size_t(run.size()));
+        return;
+    }
+    if (collapsible && (endsCollapsible || text.empty()))
+        return;
+    markOpenElements();
+    text.append(run.utf16(), std::size_t(run.size()));
+    endsCollapsible = collapsible;
+}
+
+template <class Char>
+void Reader<Char>::readReferenceAt()
+{
+    constexpr std::size_t LongestReference = 64;
+    std::array<char16_t, LongestReference> characters;
+    const std::size_t length = std::min(LongestReference, input.size() - at);
+    for (std::size_t i = 0; i < length; ++i)
+        characters[i] = char16_t(std::make_unsigned_t<Char>(input[at + i]));
+
+    qsizetype referenceLength = 0;
+    const char32_t c = readReference(QStringView(characters.data(), qsizetype(length)), referenceLength);
+    at += c == 0 ? 1 : std::size_t(referenceLength);
+    if (c == U'\r' || c == U'\n')
+        putSpace(u" ", true);
+    else
+        put(c == 0 ? U'&' : c);
+}
+
+/// One character of text, decoded; it is text whatever it is.
+template <class Char>
+void Reader<Char>::readCharacter()
+{
+    if constexpr (std::is_same_v<Char, char16_t>) {
+        markOpenElements();
+        endsCollapsible = false;
+        text.push_back(input[at++]);
+    } else {
+        const auto byte = [this](std::size_t i) {
+            return at + i < input.size() ? char32_t(static_cast<unsigned char>(input[at + i])) : 0;
+        };
+        const auto follows = [&byte](std::size_t i) { return (byte(i) & 0xC0) == 0x80; };
+        const char32_t lead = byte(0);
+        char32_t c = U'\uFFFD';
+        std::size_t length = 1;
+        if (lead < 0x80) {
+            c = lead;
+        } else if (lead >= 0xC2 && lead < 0xE0 && follows(1)) {
+            c = (lead & 0x1F) << 6 | (byte(1) & 0x3F);
+            length = 2;
+        } else if (lead >= 0xE0 && lead < 0xF0 && follows(1) && follows(2)) {
+            const char32_t value = (lead & 0x0F) << 12 | (byte(1) & 0x3F) << 6 | (byte(2) & 0x3F);
+            if (value >= 0x800 && (value < 0xD800 || value > 0xDFFF)) {
+                c = value;
+                length = 3;
+            }
+        } else if (lead >= 0xF0 && lead < 0xF5 && follows(1) && follows(2) && follows(3)) {
+            const char32_t value
+                = (lead & 0x07) << 18 | (byte(1) & 0x3F) << 12 | (byte(2) & 0x3F) << 6 | (byte(3) & 0x3F);
+            if (value >= 0x10000 && value < 0x110000) {
+                c = value;
+                length = 4;
+            }
+        }
+        at += length;
+        put(c);
+    }
+}
+
+template <class Char>
+void Reader<Char>::put(char32_t c)
+{
+    if (!lineOpen || markedInlines < inlines.size())
+        markOpenElements();
+    endsCollapsible = false;
+    if (c < 0x10000) {
+        text.push_back(char16_t(c));
+    } else {
+        text.push_back(QChar::highSurrogate(c));
+        text.push_back(QChar::lowSurrogate(c));
+    }
+}
+
+// ---------------------------------------------------------------- elements
+
+template <class Char>
+void Reader<Char>::startTag(const TagFacts& facts)
+{
+    switch (facts.kind) {
+    case ElementKind::Inline:
+        return startInline(facts);
+    case ElementKind::Void:
+        startInline(facts);
+        return endInline(facts.name);
+    case ElementKind::Block:
+    case ElementKind::Container:
+        return startBlock(facts);
+    case ElementKind::Break:
+        return lineBreak();
+    case ElementKind::Rule:
+        startBlock(facts);
+        return closeBlock();
+    case ElementKind::Head:
+        if (skipElement(facts.name))
+            takeHead(at);
+        return;
+    case ElementKind::Dropped:
+        static_cast<void>(skipElement(facts.name));
+        return;
+    case ElementKind::Body:
+    case ElementKind::Ignored:
+        return;
+    }
+}
+
+template <class Char>
+void Reader<Char>::endTag(const TagFacts& facts)
+{
+    if (facts.kind == ElementKind::Inline)
+        return endInline(facts.name);
+    if (facts.kind != ElementKind::Block && facts.kind != ElementKind::Container)
+        return;
+    const auto open = std::find_if(blocks.rbegin(), blocks.rend(),
+                                   [&facts](const OpenBlock& block) { return block.name == facts.name; });
+    if (open == blocks.rend())
+        return;
+    const auto depth = std::size_t(blocks.rend() - open);
+    while (blocks.size() >= depth)
+        closeBlock();
+}
+
+template <class Char>
+void Reader<Char>::startBlock(const TagFacts& facts)
+{
+    endLine();
+    const QString& name = tags[facts.name].name;
+    while (!blocks.empty()
+           && (blocks.size() >= MaxBlockDepth || endsImplicitly(tags[blocks.back().name].name, name)))
+        closeBlock();
+
+    OpenBlock block{facts.tag, facts.name, facts.kind, false, inlines.size()};
+    if (!blocks.empty()) {
+        blocks.back().filled = true;
+        const QString align = tags[blocks.back().tag].value(u"align");
+        if (!align.isEmpty() && tags[facts.tag].value(u"align").isEmpty())
+            block.tag = tags.withAttribute(facts.tag, u"align", align);
+    }
+    blocks.push_back(block);
+}
+
+/// Ends the innermost block and the in-line elements that were opened in it.
+template <class Char>
+void Reader<Char>::closeBlock()
+{
+    const OpenBlock& block = blocks.back();
+    const bool emptyInline
+        = std::any_of(inlines.begin() + std::ptrdiff_t(std::min(block.inlineDepth, inlines.size())),
+                      inlines.end(), [](const OpenInline& open) { return !open.everMarked; });
+    if (emptyInline)
+        markOpenElements();
+    if (!lineOpen && !block.filled && block.kind != ElementKind::Container)
+        beginLine();
+    endLine();
+    if (inlines.size() > block.inlineDepth)
+        inlines.resize(block.inlineDepth);
+    markedInlines = std::min(markedInlines, inlines.size());
+    blocks.pop_back();
+}
+
+template <class Char>
+void Reader<Char>::startInline(const TagFacts& facts)
+{
+    if (inlines.size() < MaxInlineDepth)
+        inlines.push_back({facts.tag, facts.name, false});
+}
+
+template <class Char>
+void Reader<Char>::endInline(TagId name)
+{
+    std::size_t i = inlines.size();
+    while (i > 0 && inlines[i - 1].name != name)
+        --i;
+    if (i == 0)
+        return;
+    const std::size_t index = i - 1;
+    // An element without any text in it is kept as well: it may be a field or an anchor.
+    if (!inlines[index].everMarked)
+        markOpenElements();
+    // What was opened inside and still is open goes on behind the end tag.
+    while (markedInlines > index)
+        marks.push_back(Mark::closing(int(text.size()), inlines[--markedInlines].tag));
+    inlines.erase(inlines.begin() + std::ptrdiff_t(index));
+    for (auto block = blocks.rbegin(); block != blocks.rend() && block->inlineDepth > index; ++block)
+        --block->inlineDepth;
+}
+
+/// `BR`, or a line end in preformatted text.
+template <class Char>
+void Reader<Char>::lineBreak()
+{
+    if (!lineOpen)
+        beginLine();
+    endLine();
+}
+
+template <class Char>
+void Reader<Char>::beginLine()
+{
+    lineOpen = true;
+    if (!heldCollapsible && (spacing == Spacing::Keep || inPre()))
+        text.append(heldSpace);
+    heldSpace.clear();
+    heldCollapsible = false;
+}
+
+/// Opens, in the line at hand or a new one, all elements that are open and not yet in it.
+template <class Char>
+void Reader<Char>::markOpenElements()
+{
+    if (!lineOpen)
+        beginLine();
+    for (; markedInlines < inlines.size(); ++markedInlines) {
+        OpenInline& open = inlines[markedInlines];
+        open.everMarked = true;
+        marks.push_back(Mark::opening(int(text.size()), open.tag));
+    }
+}
+
+template <class Char>
+void Reader<Char>::endLine()
+{
+    heldSpace.clear();
+    heldCollapsible = false;
+    if (!lineOpen)
+        return;
+    while (markedInlines > 0)
+        marks.push_back(Mark::closing(int(text.size()), inlines[--markedInlines].tag));
+    if (endsCollapsible)
+        text.pop_back();
+    const auto length = std::int32_t(text.size());
+    for (auto mark = marks.rbegin(); mark != marks.rend() && mark->pos > length; ++mark)
+        mark->pos = length;
+
+    TagId block = NoTag;
+    if (!blocks.empty()) {
+        OpenBlock& around = blocks.back();
+        // An identifier names one line only.
+        if (around.filled)
+            around.tag = tags.withAttribute(around.tag, u"id", QString());
+        block = around.kind == ElementKind::Container ? plainBlock(around.tag) : around.tag;
+        around.filled = true;
+    }
+    content.lines.push_back(std::make_shared<const Line>(
+        Line{block, QString(reinterpret_cast<const QChar*>(text.data()), qsizetype(text.size())),
+             std::vector<Mark>(marks.begin(), marks.end())}));
+    text.clear();
+    marks.clear();
+    endsCollapsible = false;
+    lineOpen = false;
+}
+
+/// The block of a line that stands in a list or table itself, in none of its items or cells.
+template <class Char>
+TagId Reader<Char>::plainBlock(TagId container)
+{
+    const QString align = tags[container].value(u"align");
+    const TagId div = tags.intern(u"DIV", {});
+    return align.isEmpty() ? div : tags.withAttribute(div, u"align", align);
+}
+
+/// All up to here is the page's head, if nothing of the page has been shown yet.
+template <class Char>
+void Reader<Char>::takeHead(std::size_t end)
+{
+    if (content.lines.empty() && !lineOpen && content.body == NoTag)
+        content.head = toText(input.substr(0, end));
+}
+
+HtmlContent readUtf16(TagTable& tags, QStringView html, Spacing spacing)
+{
+    return Reader<char16_t>(tags, std::u16string_view(html.utf16(), std::size_t(html.size())), spacing)
+        .read();
+}
+
+} // namespace
+
+HtmlContent readPage(TagTable& tags, const QByteArray& html)
+{
+    // Only a byte order mark tells of UTF-16: pages are written in UTF-8.
+    const auto encoding = QStringConverter::encodingForData(html.first(std::min<qsizetype>(html.size(), 4)));
+    const bool marked = html.startsWith("\xff\xfe") || html.startsWith("\xfe\xff");
+    if (encoding && marked) {
+        const QString text = QStringDecoder(*encoding)(html);
+        return readUtf16(tags, text, Spacing::Collapse);
+    }
+    std::string_view bytes(html.constData(), std::size_t(html.size()));
+    if (bytes.starts_with("\xef\xbb\xbf"))
+        bytes.remove_prefix(3);
+    return Reader<char>(tags, bytes, Spacing::Collapse).read();
+}
+
+HtmlContent readFragment(TagTable& tags, QStringView html)
+{
+    return readUtf16(tags, html, Spacing::Keep);
+}
+
+} // namespace vmk

@@ -1,0 +1,270 @@
+#include "LineEdit.h"
+
+#include "HtmlElements.h"
+
+#include <algorithm>
+
+namespace vmk {
+
+namespace {
+
+/// A start tag that stands open at a place, and which of the line's marks it is.
+struct OpenMark
+{
+    TagId tag = NoTag;
+    std::size_t index = 0;
+    int pos = 0;
+};
+
+std::vector<OpenMark> openMarks(const Line& line, std::size_t end)
+{
+    std::vector<OpenMark> open;
+    for (std::size_t i = 0; i < end; ++i) {
+        const Mark& mark = line.marks[i];
+        if (mark.open)
+            open.push_back({mark.tag, i, mark.pos});
+        else
+            open.pop_back();
+    }
+    return open;
+}
+
+/// How many elements, from the outermost, are open all the way from one mark to another.
+std::size_t sharedDepth(const Line& line, std::size_t firstMark, std::size_t lastMark, std::size_t depth)
+{
+    std::size_t lowest = depth;
+    for (std::size_t i = firstMark; i < lastMark; ++i) {
+        depth = line.marks[i].open ? depth + 1 : depth - 1;
+        lowest = std::min(lowest, depth);
+    }
+    return lowest;
+}
+
+/// How many of the elements open at a cut, from the innermost, end right there.
+std::size_t endingAt(const Line& line, Cut cut)
+{
+    std::size_t next = cut.mark;
+    while (next < line.marks.size() && line.marks[next].pos == cut.offset && !line.marks[next].open)
+        ++next;
+    return next - cut.mark;
+}
+
+/// Writes one new line, mark by mark.
+class LineComposer
+{
+public:
+    explicit LineComposer(TagId block) { line.block = block; }
+
+    /// The line up to a cut. Of the elements open there, those deeper than `shared` end; if they had begun
+    /// right at the cut they leave nothing behind.
+    void appendLeft(const Line& source, Cut cut, const std::vector<OpenMark>& open, std::size_t shared)
+    {
+        const auto beginsAtCut = [&](std::size_t index) {
+            return std::any_of(open.begin() + std::ptrdiff_t(shared), open.end(), [&](const OpenMark& mark) {
+                return mark.index == index && mark.pos == cut.offset;
+            });
+        };
+        line.text = source.text.first(cut.offset);
+        line.marks.reserve(cut.mark);
+        for (std::size_t i = 0; i < cut.mark; ++i) {
+            if (source.marks[i].pos < cut.offset || !beginsAtCut(i))
+                line.marks.push_back(source.marks[i]);
+        }
+        for (std::size_t i = open.size(); i > shared; --i) {
+            if (open[i - 1].pos < cut.offset)
+                close(open[i - 1].tag);
+        }
+    }
+
+    /// The line from a cut on. Elements open there and deeper than `shared` begin again, unless they end
+    /// right at the cut.
+    void appendRight(const Line& source, Cut cut, const std::vector<OpenMark>& open, std::size_t shared)
+    {
+        const std::size_t ended = std::min(endingAt(source, cut), open.size() - shared);
+        const std::size_t depth = open.size() - ended;
+        std::size_t next = cut.mark + ended;
+        for (std::size_t i = shared; i < depth; ++i)
+            this->open(open[i].tag);
+        const int shift = length() - cut.offset;
+        line.text += QStringView(source.text).sliced(cut.offset);
+        for (; next < source.marks.size(); ++next) {
+            line.marks.push_back(source.marks[next]);
+            line.marks.back().pos += shift;
+        }
+    }
+
+    void append(const Line& piece)
+    {
+        const int shift = length();
+        line.text += piece.text;
+        for (Mark mark : piece.marks) {
+            mark.pos += shift;
+            line.marks.push_back(mark);
+        }
+    }
+
+    void open(TagId tag) { line.marks.push_back(Mark::opening(length(), tag)); }
+    void close(TagId tag) { line.marks.push_back(Mark::closing(length(), tag)); }
+
+    [[nodiscard]] int length() const { return int(line.text.size()); }
+    [[nodiscard]] Line take()
+    {
+        line.marks.shrink_to_fit();
+        return std::move(line);
+    }
+
+private:
+    Line line;
+};
+
+bool isEmpty(const Line& line)
+{
+    return line.text.isEmpty() && line.marks.empty();
+}
+
+bool takesText(const Tag& tag)
+{
+    return tag.name != u"A" && elementKind(tag.name) != ElementKind::Void;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------- cuts
+
+Cut insertionCut(const TagTable& tags, const Line& line, int offset)
+{
+    const auto& marks = line.marks;
+    const auto firstHere = std::lower_bound(marks.begin(), marks.end(), offset,
+                                            [](const Mark& mark, int pos) { return mark.pos < pos; });
+    const auto begin = std::size_t(firstHere - marks.begin());
+    std::size_t end = begin;
+    while (end < marks.size() && marks[end].pos == offset)
+        ++end;
+
+    for (std::size_t i = begin; i + 1 < end; ++i) {
+        if (marks[i].open && !marks[i + 1].open && takesText(tags[marks[i].tag]))
+            return {offset, i + 1};
+    }
+    // Text in front goes on; at the start of a line there is none, and the first element takes it.
+    return {offset, offset > 0 ? begin : end};
+}
+
+Cut rangeStartCut(const Line& line, int offset)
+{
+    const auto behind = std::upper_bound(line.marks.begin(), line.marks.end(), offset,
+                                         [](int pos, const Mark& mark) { return pos < mark.pos; });
+    return {offset, std::size_t(behind - line.marks.begin())};
+}
+
+Cut rangeEndCut(const Line& line, int offset)
+{
+    const auto here = std::lower_bound(line.marks.begin(), line.marks.end(), offset,
+                                       [](const Mark& mark, int pos) { return mark.pos < pos; });
+    return {offset, std::size_t(here - line.marks.begin())};
+}
+
+std::vector<TagId> elementsAt(const Line& line, Cut cut)
+{
+    std::vector<TagId> tags;
+    for (const OpenMark& mark : openMarks(line, cut.mark))
+        tags.push_back(mark.tag);
+    return tags;
+}
+
+// ---------------------------------------------------------------- edits
+
+std::vector<Line> replaceContent(const Line& first, Cut a, const Line& last, Cut b,
+                                 const std::vector<Line>& content, TagId nextBlock,
+                                 EmptyElements emptyElements)
+{
+    const auto openBefore = openMarks(first, a.mark);
+    const auto openBehind = openMarks(last, b.mark);
+    std::size_t shared = &first == &last ? sharedDepth(first, a.mark, b.mark, openBefore.size()) : 0;
+    if (content.size() == 1 && isEmpty(content[0]) && emptyElements == EmptyElements::Remove) {
+        // An element that would be left without text counts as one that ends on both sides.
+        const std::size_t lasting = openBehind.size() - std::min(endingAt(last, b), openBehind.size());
+        while (shared > lasting && openBefore[shared - 1].pos == a.offset)
+            --shared;
+    }
+
+    std::vector<Line> result;
+    result.reserve(content.size());
+    for (std::size_t i = 0; i < content.size(); ++i) {
+        const bool isFirst = i == 0;
+        const bool isLast = i + 1 == content.size();
+        const TagId block = content[i].block == NoTag ? nextBlock : content[i].block;
+        // In several lines the shared elements go on only where there is something for them to hold.
+        const std::size_t around = content.size() > 1 && isEmpty(content[i]) ? 0 : shared;
+
+        LineComposer composer(isFirst ? first.block : block);
+        if (isFirst) {
+            composer.appendLeft(first, a, openBefore, around);
+        } else {
+            for (std::size_t k = 0; k < around; ++k)
+                composer.open(openBefore[k].tag);
+        }
+        composer.append(content[i]);
+        if (isLast) {
+            composer.appendRight(last, b, openBehind, around);
+        } else {
+            for (std::size_t k = around; k > 0; --k)
+                composer.close(openBefore[k - 1].tag);
+        }
+        result.push_back(composer.take());
+    }
+    return result;
+}
+
+Line contentBetween(const Line& line, Cut a, Cut b)
+{
+    const auto openBefore = openMarks(line, a.mark);
+    const auto openBehind = openMarks(line, b.mark);
+    const std::size_t shared = sharedDepth(line, a.mark, b.mark, openBefore.size());
+
+    LineComposer composer(line.block);
+    for (std::size_t i = shared; i < openBefore.size(); ++i)
+        composer.open(openBefore[i].tag);
+    Line middle{line.block, line.text.mid(a.offset, b.offset - a.offset), {}};
+    for (std::size_t i = a.mark; i < b.mark; ++i) {
+        middle.marks.push_back(line.marks[i]);
+        middle.marks.back().pos -= a.offset;
+    }
+    composer.append(middle);
+    for (std::size_t i = openBehind.size(); i > shared; --i)
+        composer.close(openBehind[i - 1].tag);
+    return composer.take();
+}
+
+Line wrapContent(const Line& line, int from, int to, TagId tag)
+{
+    const Cut a = rangeStartCut(line, from);
+    const Cut b = rangeEndCut(line, to);
+    Line result{line.block, line.text, {}};
+    result.marks.reserve(line.marks.size() + 2);
+    const auto openBefore = openMarks(line, a.mark).size();
+    const auto openBehind = openMarks(line, b.mark).size();
+    const bool whole
+        = openBefore == openBehind && sharedDepth(line, a.mark, b.mark, openBefore) == openBefore;
+
+    result.marks.assign(line.marks.begin(), line.marks.begin() + std::ptrdiff_t(a.mark));
+    result.marks.push_back(Mark::opening(from, tag));
+    bool pieceOpen = true;
+    for (std::size_t i = a.mark; i < b.mark; ++i) {
+        const Mark& mark = line.marks[i];
+        if (!whole && pieceOpen) {
+            result.marks.push_back(Mark::closing(mark.pos, tag));
+            pieceOpen = false;
+        }
+        result.marks.push_back(mark);
+        const bool pieceBegins = i + 1 == b.mark || line.marks[i + 1].pos > mark.pos;
+        if (!whole && pieceBegins) {
+            result.marks.push_back(Mark::opening(mark.pos, tag));
+            pieceOpen = true;
+        }
+    }
+    result.marks.push_back(Mark::closing(to, tag));
+    result.marks.insert(result.marks.end(), line.marks.begin() + std::ptrdiff_t(b.mark), line.marks.end());
+    return result;
+}
+
+} // namespace vmk

@@ -1,0 +1,172 @@
+#include "TextSearch.h"
+
+#include "WordBreaks.h"
+
+#include <algorithm>
+#include <array>
+
+namespace vmk {
+
+namespace {
+
+/// The other case's common form, one code unit for one.
+char16_t folded(char16_t c)
+{
+    if (c < 0x80)
+        return c >= u'A' && c <= u'Z' ? char16_t(c + 32) : c;
+    return char16_t(QChar::toCaseFolded(char32_t(c)));
+}
+
+/// Splits at CrLf, CR and LF.
+std::vector<QString> splitAtBreaks(const QString& text)
+{
+    std::vector<QString> pieces(1);
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] != u'\r' && text[i] != u'\n') {
+            pieces.back() += text[i];
+            continue;
+        }
+        if (text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n')
+            ++i;
+        pieces.emplace_back();
+    }
+    return pieces;
+}
+
+bool splitsPair(const QString& text, int offset)
+{
+    return offset > 0 && offset < text.size() && text[offset].isLowSurrogate()
+        && text[offset - 1].isHighSurrogate();
+}
+
+} // namespace
+
+TextSearch::TextSearch(const QString& sought, bool caseMatters, bool wholeWordsOnly)
+    : pieces(splitAtBreaks(sought))
+    , matchCase(caseMatters)
+    , wholeWord(wholeWordsOnly)
+{
+    if (matchCase)
+        return;
+    for (QString& piece : pieces) {
+        for (QChar& c : piece)
+            c = QChar(folded(c.unicode()));
+    }
+}
+
+bool TextSearch::equalAt(const QString& text, int offset, const QString& piece) const
+{
+    const QStringView part = QStringView(text).sliced(offset, piece.size());
+    if (matchCase)
+        return part == piece;
+    return std::equal(part.utf16(), part.utf16() + part.size(), piece.utf16(),
+                      [](char16_t a, char16_t b) { return a == b || folded(a) == b; });
+}
+
+/// The first place from `from` on where the one piece stands, or -1.
+int TextSearch::indexIn(const QString& text, int from) const
+{
+    const QString& piece = pieces.front();
+    if (matchCase)
+        return int(text.indexOf(piece, from));
+    const char16_t* const data = QStringView(text).utf16();
+    const char16_t wanted = piece[0].unicode();
+    const auto lastStart = int(text.size() - piece.size());
+    for (int i = from; i <= lastStart; ++i) {
+        if (folded(data[i]) == wanted && equalAt(text, i, piece))
+            return i;
+    }
+    return -1;
+}
+
+/// The last place up to `from` where the one piece stands, or -1.
+int TextSearch::lastIndexIn(const QString& text, int from) const
+{
+    const QString& piece = pieces.front();
+    const char16_t* const data = QStringView(text).utf16();
+    const char16_t wanted = piece[0].unicode();
+    for (int i = std::min(from, int(text.size() - piece.size())); i >= 0; --i) {
+        if ((matchCase ? data[i] : folded(data[i])) == wanted && equalAt(text, i, piece))
+            return i;
+    }
+    return -1;
+}
+
+/// The hit whose first piece ends a line, all middle ones are whole lines, and the last begins one.
+std::optional<TextSearch::Hit> TextSearch::acrossBreaks(const DisplayDocument& document, int line) const
+{
+    const int breaks = int(pieces.size()) - 1;
+    if (line + breaks >= document.lineCount())
+        return {};
+    const QString& firstText = document.line(line).text;
+    const auto start = int(firstText.size() - pieces.front().size());
+    if (start < 0 || !equalAt(firstText, start, pieces.front()))
+        return {};
+    for (int i = 1; i < breaks; ++i) {
+        const QString& text = document.line(line + i).text;
+        if (text.size() != pieces[std::size_t(i)].size() || !equalAt(text, 0, pieces[std::size_t(i)]))
+            return {};
+    }
+    const QString& lastText = document.line(line + breaks).text;
+    if (lastText.size() < pieces.back().size() || !equalAt(lastText, 0, pieces.back()))
+        return {};
+    return Hit{{line, start}, {line + breaks, int(pieces.back().size())}};
+}
+
+/// True when a hit does not cut a surrogate pair, nor a word where only whole ones count.
+bool TextSearch::standsAlone(const DisplayDocument& document, const Hit& hit) const
+{
+    const auto& [from, to] = hit;
+    const QString& before = document.line(from.line).text;
+    const QString& behind = document.line(to.line).text;
+    if (splitsPair(before, from.offset) || splitsPair(behind, to.offset))
+        return false;
+    if (!wholeWord)
+        return true;
+    const bool wordBefore = from.offset > 0 && isWordCharacter(before[from.offset - 1]);
+    const bool wordBehind = to.offset < behind.size() && isWordCharacter(behind[to.offset]);
+    return !wordBefore && !wordBehind;
+}
+
+std::optional<TextSearch::Hit> TextSearch::findForward(const DisplayDocument& document, Position from) const
+{
+    for (int line = from.line; line < document.lineCount(); ++line) {
+        const int begin = line == from.line ? from.offset : 0;
+        if (pieces.size() > 1) {
+            const auto hit = acrossBreaks(document, line);
+            if (hit && hit->first.offset >= begin && standsAlone(document, *hit))
+                return hit;
+            continue;
+        }
+        const QString& text = document.line(line).text;
+        for (int at = indexIn(text, begin); at >= 0; at = indexIn(text, at + 1)) {
+            const Hit hit{{line, at}, {line, at + int(pieces.front().size())}};
+            if (standsAlone(document, hit))
+                return hit;
+        }
+    }
+    return {};
+}
+
+std::optional<TextSearch::Hit> TextSearch::findBackward(const DisplayDocument& document, Position from) const
+{
+    for (int line = from.line; line >= 0; --line) {
+        if (pieces.size() > 1) {
+            const auto hit = acrossBreaks(document, line);
+            if (hit && hit->second <= from && standsAlone(document, *hit))
+                return hit;
+            continue;
+        }
+        const QString& text = document.line(line).text;
+        const int limit = line == from.line ? from.offset : int(text.size());
+        for (int at = lastIndexIn(text, limit - int(pieces.front().size())); at >= 0;
+             at = lastIndexIn(text, at - 1)) {
+            const Hit hit{{line, at}, {line, at + int(pieces.front().size())}};
+            if (standsAlone(document, hit))
+                return hit;
+        }
+    }
+    return {};
+}
+
+} // namespace vmk

@@ -1,0 +1,3 @@
+#include "DisplayPage.h"
+
+#include <gtest/gtest.h>
