@@ -1,0 +1,27 @@
+#include "DroppedFiles.h"
+
+#include <QDropEvent>
+#include <QMimeData>
+#include <QUrl>
+
+namespace vmk {
+
+void AcceptFileDrag(QDropEvent& event)
+{
+    if (DroppedFiles(event).isEmpty())
+        return;
+    event.setDropAction(Qt::CopyAction);
+    event.accept();
+}
+
+QStringList DroppedFiles(const QDropEvent& event)
+{
+    QStringList files;
+    for (const QUrl& url : event.mimeData()->urls()) {
+        if (url.isLocalFile())
+            files.append(url.toLocalFile());
+    }
+    return files;
+}
+
+} // namespace vmk

@@ -1,0 +1,113 @@
+#include "PanelBar.h"
+
+#include "DroppedFiles.h"
+#include "Globals.h"
+
+#include <QDragEnterEvent>
+#include <QPainter>
+#include <QStyle>
+
+namespace vmk {
+namespace {
+
+constexpr int TextMargin = 4;
+
+/// Draws its text cut short with an ellipsis; its `text()` stays whole for screen readers.
+class PanelLabel : public QLabel
+{
+public:
+    using QLabel::QLabel;
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        const QRect place = rect().adjusted(TextMargin, 0, -TextMargin, 0);
+        const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, place.width());
+        setToolTip(shown == text() ? QString() : text());
+        style()->drawItemText(&painter, place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                              palette(), true, shown, QPalette::WindowText);
+    }
+};
+
+} // namespace
+
+PanelBar::PanelBar(const QStringList& names, QWidget* parent)
+    : QWidget(parent)
+{
+    for (const QString& name : names) {
+        auto* label = new PanelLabel(this);
+        label->setTextFormat(Qt::PlainText);
+        label->setAccessibleName(name);
+        panels.push_back({label, 0});
+    }
+    setAutoFillBackground(true);
+    setAcceptDrops(true);
+}
+
+void PanelBar::setPanelText(int panel, const QString& text)
+{
+    panels.at(size_t(panel) - 1).label->setText(text);
+}
+
+QString PanelBar::panelText(int panel) const
+{
+    return panels.at(size_t(panel) - 1).label->text();
+}
+
+void PanelBar::setPanelWidth(int panel, float twips)
+{
+    panels.at(size_t(panel) - 1).twips = twips;
+    placePanels();
+}
+
+float PanelBar::panelWidth(int panel) const
+{
+    return panels.at(size_t(panel) - 1).twips;
+}
+
+void PanelBar::clear()
+{
+    for (const Panel& panel : panels)
+        panel.label->clear();
+}
+
+void PanelBar::placePanels()
+{
+    float left = 0;
+    for (const Panel& panel : panels) {
+        const int begin = qRound(left / TwipsPerPixelX);
+        left += panel.twips;
+        panel.label->setGeometry(begin + 1, 1, qRound(left / TwipsPerPixelX) - begin - 1, height() - 1);
+    }
+    update();
+}
+
+void PanelBar::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    placePanels();
+}
+
+void PanelBar::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawLine(0, 0, width(), 0);
+    for (size_t i = 1; i < panels.size(); ++i) {
+        const int x = panels[i].label->x() - 1;
+        painter.drawLine(x, 4, x, height() - 4);
+    }
+}
+
+void PanelBar::dragEnterEvent(QDragEnterEvent* event)
+{
+    AcceptFileDrag(*event);
+}
+
+void PanelBar::dropEvent(QDropEvent* event)
+{
+    Q_EMIT filesDropped(DroppedFiles(*event));
+}
+
+} // namespace vmk
