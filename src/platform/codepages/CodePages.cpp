@@ -355,27 +355,6 @@ std::string Utf8ToPage(std::string_view utf8, const Page& page)
     return result;
 }
 
-/// Length of the longest beginning that is UTF-8.
-size_t ValidUtf8Prefix(std::string_view bytes)
-{
-    const char* from = bytes.data();
-    const char* const end = from + bytes.size();
-    while (from != end) {
-        from += AsciiRun(from, end);
-        if (from == end)
-            break;
-        if (static_cast<unsigned char>(*from) < 0x80) {
-            ++from;
-            continue;
-        }
-        const size_t length = ReadUtf8(from, end).length;
-        if (length == 0)
-            break;
-        from += length;
-    }
-    return static_cast<size_t>(from - bytes.data());
-}
-
 std::string RepairUtf8(std::string_view bytes)
 {
     std::string result;
@@ -488,6 +467,26 @@ std::string Utf8ToBytes(std::string_view utf8, int codePage)
     if (KnownCodePage(codePage) == CodePageUtf8)
         return RepairUtf8(utf8);
     return EncodeText(DecodeBytes(utf8, CodePageUtf8), codePage);
+}
+
+size_t ValidUtf8Prefix(std::string_view bytes)
+{
+    const char* from = bytes.data();
+    const char* const end = from + bytes.size();
+    while (from != end) {
+        from += AsciiRun(from, end);
+        if (from == end)
+            break;
+        if (static_cast<unsigned char>(*from) < 0x80) {
+            ++from;
+            continue;
+        }
+        const size_t length = ReadUtf8(from, end).length;
+        if (length == 0)
+            break;
+        from += length;
+    }
+    return static_cast<size_t>(from - bytes.data());
 }
 
 bool IsValidUtf8(std::string_view bytes)

@@ -54,6 +54,9 @@ inline constexpr int CodePageSystem = 0;
 /// As `EncodeText(DecodeBytes(utf8, CodePageUtf8), codePage)`, without the detour.
 [[nodiscard]] std::string Utf8ToBytes(std::string_view utf8, int codePage);
 
+/// Length of the longest beginning of the bytes that is UTF-8.
+[[nodiscard]] size_t ValidUtf8Prefix(std::string_view bytes);
+
 /// True if the bytes are UTF-8 throughout (plain ASCII and the empty string are).
 [[nodiscard]] bool IsValidUtf8(std::string_view bytes);
 

@@ -263,18 +263,30 @@ qsizetype XmlInput::read(char* out, qsizetype capacity)
     if (stopped || capacity <= 0)
         return 0;
     const auto room = static_cast<size_t>(capacity);
-    if (!decoder) {
-        const size_t piece = std::min(room, bytes.size() - static_cast<size_t>(consumed));
-        std::memcpy(out, bytes.data() + consumed, piece);
-        consumed += static_cast<qsizetype>(piece);
-        return static_cast<qsizetype>(piece);
-    }
+    if (!decoder)
+        return readUtf8(out, room);
     if (pendingStart == pending.size() && !refill())
         return 0;
     const size_t piece = std::min(room, pending.size() - pendingStart);
     std::memcpy(out, pending.data() + pendingStart, piece);
     pendingStart += piece;
     return static_cast<qsizetype>(piece);
+}
+
+qsizetype XmlInput::readUtf8(char* out, size_t room)
+{
+    if (consumed == produced) {
+        // The next piece is tested as a whole; a character cut by its end waits for the next test.
+        const std::string_view piece = bytes.substr(static_cast<size_t>(produced), PieceSize);
+        const size_t valid = ValidUtf8Prefix(piece);
+        produced += static_cast<qsizetype>(valid);
+        if (valid == 0 && !piece.empty())
+            failed = Failure{XmlBadCharacter, produced, "The bytes here are no character of UTF-8"};
+    }
+    const size_t length = std::min(room, static_cast<size_t>(produced - consumed));
+    std::memcpy(out, bytes.data() + consumed, length);
+    consumed += static_cast<qsizetype>(length);
+    return static_cast<qsizetype>(length);
 }
 
 bool XmlInput::refill()

@@ -88,13 +88,14 @@ public:
 private:
     void choose(XmlEncoding encoding);
     void chooseByDeclaration();
+    [[nodiscard]] qsizetype readUtf8(char* out, size_t room);
     [[nodiscard]] bool refill();
 
     std::string_view bytes; // without the byte order mark
     qsizetype markBytes = 0; // length of the byte order mark
     std::unique_ptr<Decoder> decoder; // none: the bytes are UTF-8
     qsizetype consumed = 0; // of `bytes`
-    qsizetype produced = 0; // of the stream, `pending` included
+    qsizetype produced = 0; // of the stream, `pending` included; without a decoder, tested and not yet read too
     std::string pending; // decoded, from `pendingStart` on not yet handed out
     size_t pendingStart = 0;
     bool stopped = false;

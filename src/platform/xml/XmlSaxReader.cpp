@@ -89,6 +89,7 @@ private:
     void parse();
     void fail(int code, Place place, std::string reason);
     [[nodiscard]] qsizetype offset() const;
+    void noteMarkupEnd();
     [[nodiscard]] qsizetype placeOf(const Found& error) const;
     [[nodiscard]] XmlParseError report() const;
     [[nodiscard]] bool listening() const { return !found && context->inSubset == 0; }
@@ -184,6 +185,12 @@ qsizetype Pass::offset() const
     return static_cast<qsizetype>(stream.consumed) + (stream.cur - stream.base);
 }
 
+void Pass::noteMarkupEnd()
+{
+    if (!found)
+        markupEnd = offset();
+}
+
 bool Pass::insideEntity() const
 {
     return context->depth > 0;
@@ -235,7 +242,7 @@ xmlSAXHandler Pass::callbacks()
 
     // The declarations of the document type are kept by libxml2, in a document without elements.
     sax.internalSubset = [](void* pass, const xmlChar* name, const xmlChar* id, const xmlChar* location) {
-        of(pass).markupEnd = of(pass).offset();
+        of(pass).noteMarkupEnd();
         xmlSAX2InternalSubset(of(pass).context, name, id, location);
     };
     sax.externalSubset
@@ -316,7 +323,7 @@ void Pass::startDocument()
     // The parser has skipped the blanks behind it too.
     if (handler != nullptr && listening() && start.starts_with("<?xml"))
         handler->xmlDeclaration(start.substr(0, start.find("?>") + 2));
-    markupEnd = offset();
+    noteMarkupEnd();
 }
 
 void Pass::docTypeEnd()
@@ -327,7 +334,7 @@ void Pass::docTypeEnd()
         if (start != std::string::npos)
             handler->docType(std::string_view(before).substr(start));
     }
-    markupEnd = offset();
+    noteMarkupEnd();
 }
 
 void Pass::startElement(const xmlChar* name, const xmlChar* prefix, const xmlChar* uri, int namespaceCount,
@@ -352,7 +359,7 @@ void Pass::startElement(const xmlChar* name, const xmlChar* prefix, const xmlCha
     }
     if (handler != nullptr)
         sendStart(name, prefix, namespaceCount, namespaces, attributeCount, attributes);
-    markupEnd = offset();
+    noteMarkupEnd();
 }
 
 void Pass::endElement(const xmlChar* name, const xmlChar* prefix, const xmlChar* uri)
@@ -369,7 +376,7 @@ void Pass::endElement(const xmlChar* name, const xmlChar* prefix, const xmlChar*
     }
     if (handler != nullptr)
         handler->endElement(QName(name, prefix));
-    markupEnd = offset();
+    noteMarkupEnd();
 }
 
 void Pass::sendStart(const xmlChar* name, const xmlChar* prefix, int namespaceCount,
@@ -441,7 +448,7 @@ void Pass::cdata(std::string_view piece)
     flushText();
     if (listening() && sendToSchema(piece) && handler != nullptr)
         handler->cdata(piece);
-    markupEnd = offset();
+    noteMarkupEnd();
 }
 
 void Pass::comment(std::string_view piece)
@@ -451,7 +458,7 @@ void Pass::comment(std::string_view piece)
     flushText();
     if (handler != nullptr && !found)
         handler->comment(piece);
-    markupEnd = offset();
+    noteMarkupEnd();
 }
 
 void Pass::processingInstruction(std::string_view target, std::string_view data)
@@ -461,7 +468,7 @@ void Pass::processingInstruction(std::string_view target, std::string_view data)
     flushText();
     if (handler != nullptr && !found)
         handler->processingInstruction(target, data);
-    markupEnd = offset();
+    noteMarkupEnd();
 }
 
 } // namespace
