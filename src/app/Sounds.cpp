@@ -27,21 +27,26 @@ int WaitForInput(int32_t milliseconds, const int* handles, int count)
     if ((milliseconds <= 0 && milliseconds != ForEver) || !QCoreApplication::instance())
         return WaitTimeOut;
 
+    // Stays so when the program is ended meanwhile.
+    int result = WaitTimeOut;
     QEventLoop loop;
     QTimer timer;
     if (milliseconds != ForEver) {
         timer.setSingleShot(true);
         timer.setTimerType(Qt::PreciseTimer);
-        QObject::connect(&timer, &QTimer::timeout, &loop, [&loop] { loop.exit(WaitTimeOut); });
+        QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
         timer.start(milliseconds);
     }
     std::vector<std::unique_ptr<QSocketNotifier>> notifiers;
     for (int i = 0; i < count; ++i) {
         notifiers.push_back(std::make_unique<QSocketNotifier>(handles[i], QSocketNotifier::Read));
-        QObject::connect(notifiers.back().get(), &QSocketNotifier::activated, &loop,
-                         [&loop, i] { loop.exit(i); });
+        QObject::connect(notifiers.back().get(), &QSocketNotifier::activated, &loop, [&loop, &result, i] {
+            result = i;
+            loop.quit();
+        });
     }
-    return loop.exec();
+    loop.exec();
+    return result;
 }
 
 } // namespace vmk

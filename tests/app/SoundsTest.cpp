@@ -88,3 +88,9 @@ TEST_F(WaitForInputTest, ASignalledHandleEndsTheWait)
     for (const int handle : {quiet[0], quiet[1], signalled[0], signalled[1]})
         ::close(handle);
 }
+
+TEST_F(WaitForInputTest, EndsWithTheProgram)
+{
+    QTimer::singleShot(5, [] { QCoreApplication::exit(); });
+    EXPECT_EQ(WaitForInput(-1, nullptr, 0), WaitTimeOut);
+}

@@ -172,9 +172,9 @@ public:
     /// The rename takes place only when every byte is on the disk.
     bool Commit(std::optional<mode_t> permissions = {})
     {
-        const std::optional<mode_t> mode = permissions ? permissions : oldMode;
-        if (mode && ::fchmod(handle.Get(), *mode) != 0)
-            return false;
+        // A file system without permissions may refuse; the content matters more.
+        if (const std::optional<mode_t> mode = permissions ? permissions : oldMode)
+            static_cast<void>(::fchmod(handle.Get(), *mode));
         if (::fsync(handle.Get()) != 0 || !handle.Close())
             return false;
         if (::rename(name.constData(), target.constData()) != 0)
