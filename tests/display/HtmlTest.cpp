@@ -137,7 +137,7 @@ TEST(HtmlIn, EmptyBlocksAreLinesButContainersAreNot)
 TEST(HtmlIn, NestedBlocksAreFlatButKeepTheirAlignment)
 {
     EXPECT_EQ(loaded("<DIV align=center><H2>Title</H2><FONT color=red>a</FONT><BR>b</DIV>"),
-              "<H2 align=\"center\">Title</H2>|<DIV align=center><FONT color=red>a</FONT></DIV>|"
+              "<H2 align=center>Title</H2>|<DIV align=center><FONT color=red>a</FONT></DIV>|"
               "<DIV align=center>b</DIV>");
 }
 

@@ -315,7 +315,7 @@ Position DisplayDocument::deleteRange(Position from, Position to)
     const bool wholeLines = from.line < to.line && from.offset == 0 && to.offset == line(to.line).text.size();
     if (!wholeLines)
         return replaceContent(from, to, {Line()}, true);
-    splice(from.line, to.line - from.line + 1, {}, {from, to, from});
+    splice(from.line, to.line - from.line + 1, {}, {from, {to.line + 1, 0}, from});
     return valid(from);
 }
 
@@ -413,7 +413,7 @@ void DisplayDocument::wrapRange(Position from, Position to, TagId tag)
         made.push_back(begin < end ? std::make_shared<const Line>(wrapContent(old, begin, end, tag))
                                    : lines[i]);
     }
-    splice(from.line, int(made.size()), std::move(made), {from, from, from});
+    splice(from.line, to.line - from.line + 1, std::move(made), {from, from, from});
 }
 
 void DisplayDocument::setBlock(int line, TagId block)

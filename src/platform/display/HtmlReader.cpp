@@ -427,7 +427,7 @@ void Reader<Char>::putSpace(QStringView run, bool collapsible)
         run = u" ";
     if (run.isEmpty())
         return;
-    if (!lineOpen) {
+    if (!lineOpen && (collapsible || inlines.empty())) {
         // It counts only if text follows in the same line.
         heldCollapsible = heldCollapsible || collapsible;
         heldSpace.append(run.utf16(), std::size_t(run.size()));
@@ -435,6 +435,7 @@ void Reader<Char>::putSpace(QStringView run, bool collapsible)
     }
     if (collapsible && (endsCollapsible || text.empty()))
         return;
+    // A blank kept inside an element is text of it.
     markOpenElements();
     text.append(run.utf16(), std::size_t(run.size()));
     endsCollapsible = collapsible;

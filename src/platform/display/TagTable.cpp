@@ -2,6 +2,8 @@
 
 #include "HtmlCharacters.h"
 
+#include <algorithm>
+
 namespace vmk {
 
 namespace {
@@ -47,6 +49,21 @@ bool nextAttribute(QStringView text, qsizetype at, AttributePlace& place)
         place.valueEnd = place.end = skip(place.valueStart, [&](QChar c) { return !isBlank(c); });
     }
     return true;
+}
+
+/// A value as browsers write it: in quotes unless it is one plain word.
+QString quotedValue(const QString& value)
+{
+    const auto isPlain = [](QChar c) {
+        return c.unicode() < 0x80
+            && (c.isLetterOrNumber() || c == u'#' || c == u'-' || c == u'_' || c == u'.');
+    };
+    if (!value.isEmpty() && std::all_of(value.begin(), value.end(), isPlain))
+        return value;
+    QString escaped = value;
+    escaped.replace(u'&', QStringLiteral("&amp;")).replace(u'"', QStringLiteral("&quot;"));
+    escaped.replace(u'<', QStringLiteral("&lt;")).replace(u'>', QStringLiteral("&gt;"));
+    return u'"' + escaped + u'"';
 }
 
 bool findAttribute(QStringView attributes, QStringView name, AttributePlace& place)
@@ -138,12 +155,8 @@ TagId TagTable::withAttribute(TagId id, QStringView attribute, const QString& va
 {
     const Tag& tag = *tags[id];
     QString written;
-    if (!value.isNull()) {
-        QString quoted = value;
-        quoted.replace(u'&', QStringLiteral("&amp;")).replace(u'"', QStringLiteral("&quot;"));
-        quoted.replace(u'<', QStringLiteral("&lt;")).replace(u'>', QStringLiteral("&gt;"));
-        written = attribute.toString() + QStringLiteral("=\"") + quoted + u'"';
-    }
+    if (!value.isNull())
+        written = attribute.toString() + u'=' + quotedValue(value);
 
     QString attributes = tag.attributes;
     AttributePlace place;

@@ -1,0 +1,111 @@
+// Growth of the display document's costs: the same work on pages of 1, 4, 16 and 64 MB side by side, and a
+// replace-all of 50 000 hits with its undo. Prints a table; the columns must grow with the size.
+
+#include "DisplayPage.h"
+#include "PageMaker.h"
+
+#include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <functional>
+#include <string>
+
+namespace {
+
+using namespace vmk;
+
+double milliseconds(const std::function<void()>& work)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+}
+
+/// Resident memory of this process, in MB.
+double residentMegabytes()
+{
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with("VmRSS:"))
+            return std::stod(line.substr(6)) / 1024;
+    }
+    return 0;
+}
+
+void measureSize(int megabytes)
+{
+    const QByteArray page = reference::makeBookPage(qsizetype(megabytes) << 20);
+    const double before = residentMegabytes();
+    DisplayDocument document;
+    const double load = milliseconds([&] { document.loadPage(page); });
+    const double memory = residentMegabytes() - before;
+
+    TextRange range = createTextRange(document);
+    const QString missing = QStringLiteral("nowhere in the book");
+    const double forward = milliseconds([&] { static_cast<void>(range.findText(missing, 1, 0)); });
+    const double exact
+        = milliseconds([&] { static_cast<void>(range.findText(missing, 1, TextRange::MatchCase)); });
+    const double backward = milliseconds([&] { static_cast<void>(range.findText(missing, -1, 0)); });
+    qsizetype length = 0;
+    const double all = milliseconds([&] {
+        range.expand(u"textedit");
+        range.select();
+        length = range.text().size();
+    });
+    const double html = milliseconds([&] { length += range.htmlText().size(); });
+    const double save = milliseconds([&] { length += document.savePage().size(); });
+    const double erase = milliseconds([&] { clear(document); });
+    const double undo = milliseconds([&] { document.undo(); });
+    std::printf("%5d %8d %8.1f %8.1f %8.1f %8.1f %8.1f %8.1f %8.1f %8.1f %8.1f %8.2f\n", megabytes,
+                document.lineCount(), memory, load, forward, exact, backward, all, html, save, erase, undo);
+}
+
+void measureReplace()
+{
+    constexpr int Hits = 50000;
+    DisplayDocument document;
+    document.loadPage(reference::makeBookPage(qsizetype(30) << 20));
+    std::vector<TextRange> others(300, createTextRange(document));
+    TextRange range = createTextRange(document);
+    int replaced = 0;
+    const double replace = milliseconds([&] {
+        while (replaced < Hits && range.findText(QStringLiteral("night"), 1, 0)) {
+            range.setText(QStringLiteral("morning"));
+            ++replaced;
+        }
+    });
+    int undone = 0;
+    const double undo = milliseconds([&] {
+        while (document.undo())
+            ++undone;
+    });
+    std::printf("\n%d replacements with 300 other live ranges: %.0f ms; %d undone: %.0f ms\n", replaced,
+                replace, undone, undo);
+
+    range = createTextRange(document);
+    replaced = 0;
+    const double breaks = milliseconds([&] {
+        while (replaced < Hits && range.findText(QStringLiteral("night"), 1, 0)) {
+            range.setText(QStringLiteral("mor\r\nning"));
+            ++replaced;
+        }
+    });
+    const double undoBreaks = milliseconds([&] {
+        while (document.undo())
+            ++undone;
+    });
+    std::printf("%d replacements that each break the line: %.0f ms; undone: %.0f ms\n", replaced, breaks,
+                undoBreaks);
+}
+
+} // namespace
+
+int main()
+{
+    std::printf("%5s %8s %8s %8s %8s %8s %8s %8s %8s %8s %8s %8s\n", "MB", "lines", "mem MB", "load ms",
+                "find", "exact", "back", "sel+text", "html", "save", "delete", "undo");
+    for (const int megabytes : {1, 4, 16, 64})
+        measureSize(megabytes);
+    measureReplace();
+    return 0;
+}
