@@ -187,9 +187,13 @@ Position DisplayDocument::positionAt(qint64 characterIndex) const
 {
     if (characterIndex <= 0)
         return {};
-    knowLineStarts(lineCount());
+    // Only as far as the place lies: what an edit has made unknown further on stays so.
+    constexpr int Stride = 256;
+    while (knownLineStarts == 0
+        || (knownLineStarts < lineCount() && lineStarts[std::size_t(knownLineStarts) - 1] <= characterIndex))
+        knowLineStarts(std::min(knownLineStarts + Stride, lineCount()));
     const auto begin = lineStarts.begin();
-    const auto behind = std::upper_bound(begin, begin + lineCount(), characterIndex);
+    const auto behind = std::upper_bound(begin, begin + knownLineStarts, characterIndex);
     const auto index = int(behind - begin) - 1;
     const qint64 offset = characterIndex - lineStarts[std::size_t(index)];
     return valid({index, int(std::min<qint64>(offset, line(index).text.size()))});

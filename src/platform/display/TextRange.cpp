@@ -65,6 +65,20 @@ Position movedByCharacters(const DisplayDocument& document, Position place, int 
     return whole != target && count > 0 ? Position{whole.line, whole.offset + 2} : whole;
 }
 
+/// How many characters lie between two places, negative when the second comes first.
+int distance(const DisplayDocument& document, Position from, Position to)
+{
+    constexpr int NearbyLines = 64;
+    if (to < from)
+        return -distance(document, to, from);
+    if (to.line - from.line > NearbyLines)
+        return int(document.characterIndex(to) - document.characterIndex(from));
+    qsizetype length = to.offset - from.offset;
+    for (int i = from.line; i < to.line; ++i)
+        length += document.line(i).text.size() + 1;
+    return int(length);
+}
+
 } // namespace
 
 // ---------------------------------------------------------------- life
@@ -210,7 +224,7 @@ Position TextRange::movedBy(QStringView unit, Position place, int count, int& mo
     if (isName(unit, u"character")) {
         target = movedByCharacters(*document, place, count);
         if (target != place)
-            moved = int(document->characterIndex(target) - document->characterIndex(place));
+            moved = distance(*document, place, target);
     } else if (isName(unit, u"textedit")) {
         target = count == 0 ? place : count < 0 ? Position() : document->end();
         moved = target == place ? 0 : count < 0 ? -1 : 1;
