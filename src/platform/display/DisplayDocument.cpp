@@ -243,7 +243,7 @@ void DisplayDocument::exchange(int first, int removed, const std::vector<LinePtr
                                const EditMap& map)
 {
     lines.replace(first, removed, inserted);
-    knownLineStarts = std::min(knownLineStarts, first + 1);
+    knownLineStarts = std::min({knownLineStarts, first + 1, lineCount()});
     for (TextRange* range : liveRanges) {
         range->first = valid(map(range->first));
         range->last = valid(map(range->last));
