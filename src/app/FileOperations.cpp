@@ -124,6 +124,11 @@ bool WriteFileText(const QString& path, std::string_view text)
     return ReplaceContent(path, text);
 }
 
+bool WriteScratchFile(const QString& path, std::string_view text)
+{
+    return ReplaceContent(path, text, Durability::Scratch);
+}
+
 bool ReadFileBytes(const QString& path, std::string& bytes, int32_t& length)
 {
     static_assert(MaxFileBytes <= std::numeric_limits<int32_t>::max());

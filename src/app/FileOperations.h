@@ -30,6 +30,10 @@ bool MakeFolder(const QString& path);
 /// whole. False if the old one does.
 [[nodiscard]] bool WriteFileText(const QString& path, std::string_view text);
 
+/// As `WriteFileText`, without waiting for the disk: for large files that only this run needs, such as the
+/// display file.
+[[nodiscard]] bool WriteScratchFile(const QString& path, std::string_view text);
+
 /// Reads the whole file into `bytes`. A `length` of -1 comes back as the file's length in bytes, any other
 /// stays. False, with `bytes` empty, if the file cannot be read.
 [[nodiscard]] bool ReadFileBytes(const QString& path, std::string& bytes, int32_t& length);

@@ -106,6 +106,15 @@ TEST_F(FileOperations, BytesComeBackAsWritten)
     EXPECT_EQ(Text(u"a"_s), "");
 }
 
+TEST_F(FileOperations, AScratchFileIsReplacedLikeAnyOther)
+{
+    Make(u"page.htm"_s, "old");
+    EXPECT_TRUE(WriteScratchFile(Path(u"page.htm"_s), "new"));
+    EXPECT_EQ(Text(u"page.htm"_s), "new");
+    EXPECT_FALSE(WriteScratchFile(Path(u"missing/page.htm"_s), "new"));
+    EXPECT_EQ(place.Names(), QStringList{u"page.htm"_s});
+}
+
 TEST_F(FileOperations, AMissingFileReadsEmpty)
 {
     EXPECT_EQ(Text(u"missing"_s), "");

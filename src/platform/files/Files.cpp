@@ -169,18 +169,20 @@ public:
     explicit operator bool() const { return bool(handle); }
     [[nodiscard]] int Get() const { return handle.Get(); }
 
-    /// The rename takes place only when every byte is on the disk.
-    bool Commit(std::optional<mode_t> permissions = {})
+    /// The rename takes place only when every byte is written, and on the disk if flushed.
+    bool Commit(Durability durability = Durability::Flushed, std::optional<mode_t> permissions = {})
     {
         // A file system without permissions may refuse; the content matters more.
         if (const std::optional<mode_t> mode = permissions ? permissions : oldMode)
             static_cast<void>(::fchmod(handle.Get(), *mode));
-        if (::fsync(handle.Get()) != 0 || !handle.Close())
+        const bool isFlushed = durability == Durability::Flushed;
+        if ((isFlushed && ::fsync(handle.Get()) != 0) || !handle.Close())
             return false;
         if (::rename(name.constData(), target.constData()) != 0)
             return false;
         name.clear();
-        FlushFolder(FolderOf(target));
+        if (isFlushed)
+            FlushFolder(FolderOf(target));
         return true;
     }
 
@@ -388,7 +390,7 @@ QString ReadFailureText(const FileContent& content)
     return {};
 }
 
-bool ReplaceContent(const QString& path, std::string_view bytes)
+bool ReplaceContent(const QString& path, std::string_view bytes, Durability durability)
 {
     const QByteArray target = FollowLinks(SystemPath(path));
     switch (KindOfFile(path)) {
@@ -405,7 +407,7 @@ bool ReplaceContent(const QString& path, std::string_view bytes)
     if (target.isEmpty())
         return false;
     PendingFile pending(target);
-    return pending && WriteAll(pending.Get(), bytes) && pending.Commit();
+    return pending && WriteAll(pending.Get(), bytes) && pending.Commit(durability);
 }
 
 bool CopyOneFile(const QString& from, const QString& to)
@@ -421,7 +423,7 @@ bool CopyOneFile(const QString& from, const QString& to)
     PendingFile pending(target);
     constexpr mode_t PlainPermissions = 0777;
     return pending && CopyBytes(source.Get(), pending.Get())
-        && pending.Commit((status.st_mode & PlainPermissions) | S_IRUSR | S_IWUSR);
+        && pending.Commit(Durability::Flushed, (status.st_mode & PlainPermissions) | S_IRUSR | S_IWUSR);
 }
 
 bool MoveOneFile(const QString& from, const QString& to)

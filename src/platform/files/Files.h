@@ -59,13 +59,21 @@ inline constexpr std::size_t MaxFileBytes = 0x7fffffff;
 /// One plain line for the user: "file not found", "is a folder", "cannot be read: ..."; empty for `Ok`.
 [[nodiscard]] QString ReadFailureText(const FileContent& content);
 
+/// Whether a write must outlast a failure of the machine.
+enum class Durability
+{
+    Flushed, ///< on the disk before the call returns
+    Scratch ///< left to the system to write out; for files of one run
+};
+
 /// Puts the bytes in place of the file's content, or makes the file.
 /// The bytes go to a temporary file beside the target, are flushed to the disk, and take the target's name
 /// by a rename: whatever fails, the old or the new content stands, whole. The target's permissions stay as
 /// they are, so a read-only file is replaced too and stays read-only. A link is written through to what it
 /// leads to; of a file with several names only this one is replaced; a device or pipe is written straight.
 /// False when the old content stands.
-[[nodiscard]] bool ReplaceContent(const QString& path, std::string_view bytes);
+[[nodiscard]] bool ReplaceContent(const QString& path, std::string_view bytes,
+                                  Durability durability = Durability::Flushed);
 
 /// Copies one ordinary file over `to`, with the guarantees of `ReplaceContent`; the copy takes the
 /// permissions of `from` and is writable by its owner. False if nothing was changed.
