@@ -95,7 +95,8 @@ private:
     qsizetype markBytes = 0; // length of the byte order mark
     std::unique_ptr<Decoder> decoder; // none: the bytes are UTF-8
     qsizetype consumed = 0; // of `bytes`
-    qsizetype produced = 0; // of the stream, `pending` included; without a decoder, tested and not yet read too
+    qsizetype produced
+        = 0; // of the stream, `pending` included; without a decoder, tested and not yet read too
     std::string pending; // decoded, from `pendingStart` on not yet handed out
     size_t pendingStart = 0;
     bool stopped = false;

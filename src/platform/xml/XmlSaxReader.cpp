@@ -126,6 +126,7 @@ private:
     std::string text; // characters since the last other event
     qsizetype markupEnd = 0; // the parser's place after the last other event
     qsizetype expanded = 0; // bytes that entities have brought
+    qsizetype references = 0; // to entities, those within entities included
     int depth = 0;
 };
 
@@ -295,11 +296,14 @@ void Pass::parserError(const xmlError& error)
 
 xmlEntityPtr Pass::countExpansion(xmlEntityPtr entity)
 {
-    constexpr qsizetype ReferenceCost = 16; // an empty entity is not free either
+    // References take time even to nothing; those that the text itself writes out are not the danger.
+    constexpr qsizetype FreeReferences = 50'000;
+    constexpr qsizetype ShortestReference = 3;
     if (entity == nullptr)
         return nullptr;
-    expanded += entity->length + ReferenceCost;
-    if (expanded <= XmlMaxEntityExpansion)
+    expanded += entity->length;
+    ++references;
+    if (expanded <= XmlMaxEntityExpansion && references <= FreeReferences + offset() / ShortestReference)
         return entity;
     fail(XmlEntityTooLarge, Place::Reference, "The entities of the document type expand to too much text");
     return nullptr;

@@ -25,7 +25,8 @@ constexpr qint64 LargestSchemaFile = 64 * 1024 * 1024;
 class Compilation
 {
 public:
-    Compilation()
+    explicit Compilation(QString mainFile)
+        : main(std::move(mainFile))
     {
         current = this;
         xmlSetStructuredErrorFunc(this, takeError);
@@ -73,6 +74,7 @@ public:
     std::vector<QByteArray> files;
 
 private:
+    QString main; // path of the schema's first file
     static thread_local Compilation* current;
 };
 
@@ -213,7 +215,7 @@ std::shared_ptr<const XmlSchema> XmlSchema::compile(const QString& location, QSt
     problem->clear();
     const QString path = QFileInfo(location).absoluteFilePath();
     const QByteArray url = QUrl::fromLocalFile(path).toEncoded();
-    Compilation compilation;
+    Compilation compilation(path);
     const std::shared_ptr<XmlSchema> result(new XmlSchema);
     if (const std::optional<QByteArray> bytes = compilation.read(path))
         result->compiled->tree = ReadTree(*bytes, url);
@@ -222,9 +224,9 @@ std::shared_ptr<const XmlSchema> XmlSchema::compile(const QString& location, QSt
             xmlSchemaNewDocParserCtxt(result->compiled->tree.get()));
         xmlSchemaSetParserStructuredErrors(parser.get(), Compilation::takeError, &compilation);
         result->compiled->schema.reset(xmlSchemaParse(parser.get()));
-        if (!result->compiled->schema)
-            compilation.note(path, 0, u"not an XML schema"_s);
     }
+    if (!result->compiled->schema)
+        compilation.note(path, 0, u"not an XML schema"_s);
     if (!compilation.problem.isEmpty()) {
         *problem = compilation.problem;
         return nullptr;
