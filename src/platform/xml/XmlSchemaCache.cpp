@@ -116,8 +116,10 @@ void Compilation::takeError(void* self, xmlErrorPtr error)
     if (error->level < XML_ERR_ERROR && !missingPart)
         return;
     const std::string reason = TidyReason(error->message == nullptr ? "" : error->message);
-    static_cast<Compilation*>(self)->note(error->file == nullptr ? QString() : PathOfUrl(error->file),
-                                          error->line, QString::fromStdString(reason));
+    auto& compilation = *static_cast<Compilation*>(self);
+    const bool isNamed = error->file != nullptr && *error->file != '\0';
+    compilation.note(isNamed ? PathOfUrl(error->file) : compilation.main, error->line,
+                     QString::fromStdString(reason));
 }
 
 XmlDocPtr ReadTree(const QByteArray& bytes, const QByteArray& url)
