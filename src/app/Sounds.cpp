@@ -4,6 +4,7 @@
 #include "Globals.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QEventLoop>
 #include <QSocketNotifier>
 #include <QTimer>
@@ -19,6 +20,12 @@ void PlaySoundFile(const QString& path, bool beepInstead)
         SoundSeam()(path);
     else if (beepInstead)
         Beep();
+}
+
+void PlayProgramSound(QLatin1StringView name, bool beepInstead)
+{
+    PlaySoundFile(AppPath + QDir::separator() + QLatin1StringView("sounds") + QDir::separator() + name,
+                  beepInstead);
 }
 
 int WaitForInput(int32_t milliseconds, const int* handles, int count)

@@ -10,6 +10,9 @@ namespace vmk {
 /// gives the system beep if `beepInstead`, so that errors are heard and successes are not.
 void PlaySoundFile(const QString& path, bool beepInstead);
 
+/// The same for one of the program's own sounds, by its file name in the folder `sounds`.
+void PlayProgramSound(QLatin1StringView name, bool beepInstead);
+
 /// Result of `WaitForInput` when the time has passed.
 inline constexpr int WaitTimeOut = 258;
 

@@ -18,12 +18,17 @@ public:
     /// One rectangle for each line box that the text from `from` to `to` touches, top down, in client
     /// coordinates; a bare place gives one of width 0. Empty lines give none.
     [[nodiscard]] virtual std::vector<QRect> clientRects(Position from, Position to) = 0;
+    /// The rectangle around all of `clientRects`. A view need not lay out a long text for it: lines between
+    /// the first and the last may count with the whole width of their blocks.
+    [[nodiscard]] virtual QRect boundingRect(Position from, Position to);
     /// The place nearest to a client point.
     [[nodiscard]] virtual Position positionAt(QPoint clientPoint) = 0;
     /// The line (from 0) whose block covers a client point, or -1 where only the body is.
     [[nodiscard]] virtual int lineAt(QPoint clientPoint) = 0;
     /// `scrollLeft` and `scrollTop` of the page, pixels.
     [[nodiscard]] virtual QPoint scrollOffset() = 0;
+    /// Scrolls the page to that offset, as far as its length allows.
+    virtual void scrollTo(QPoint offset) = 0;
     /// Scrolls so that this place is seen, at the top where the page's length allows it.
     virtual void scrollIntoView(Position place) = 0;
 

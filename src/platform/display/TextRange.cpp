@@ -376,10 +376,10 @@ std::vector<QRect> TextRange::getClientRects() const
     return document->layout()->clientRects(first, last);
 }
 
-QRect TextRange::boundingRect() const
+QRect LayoutQuery::boundingRect(Position from, Position to)
 {
     QRect bounds;
-    for (const QRect& rect : getClientRects()) {
+    for (const QRect& rect : clientRects(from, to)) {
         // Not `united`, which passes over the rectangles of bare places: they are 0 wide.
         if (bounds.isNull())
             bounds = rect;
@@ -390,6 +390,11 @@ QRect TextRange::boundingRect() const
         bounds = QRect(left, top, right - left, bottom - top);
     }
     return bounds;
+}
+
+QRect TextRange::boundingRect() const
+{
+    return document && document->layout() ? document->layout()->boundingRect(first, last) : QRect();
 }
 
 int TextRange::boundingLeft() const
@@ -416,12 +421,12 @@ int TextRange::boundingHeight() const
 
 int TextRange::offsetLeft() const
 {
-    return document && document->layout() ? boundingRect().x() + document->layout()->scrollOffset().x() : 0;
+    return boundingRect().x();
 }
 
 int TextRange::offsetTop() const
 {
-    return document && document->layout() ? boundingRect().y() + document->layout()->scrollOffset().y() : 0;
+    return boundingRect().y();
 }
 
 void TextRange::scrollIntoView() const

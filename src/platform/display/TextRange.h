@@ -107,7 +107,7 @@ public:
     /// Without a view an empty range is 0 wide and any other 1, so that "is something selected" can be told.
     [[nodiscard]] int boundingWidth() const;
     [[nodiscard]] int boundingHeight() const;
-    /// Relative to the page, not to its visible part.
+    /// Client coordinates too, so that they can be handed to `moveToPoint`.
     [[nodiscard]] int offsetLeft() const;
     [[nodiscard]] int offsetTop() const;
     void scrollIntoView() const;
