@@ -104,6 +104,8 @@ private:
     void endElement(const xmlChar* name, const xmlChar* prefix, const xmlChar* uri);
     void sendStart(const xmlChar* name, const xmlChar* prefix, int namespaceCount, const xmlChar** namespaces,
                    int attributeCount, const xmlChar** attributes);
+    [[nodiscard]] std::string_view resolved(const xmlChar* value, std::string_view view,
+                                            std::vector<std::string>& values);
     [[nodiscard]] std::string_view startTagText() const;
     void characters(const xmlChar* piece, int length);
     [[nodiscard]] bool sendToSchema(std::string_view piece);
@@ -390,22 +392,38 @@ void Pass::sendStart(const xmlChar* name, const xmlChar* prefix, int namespaceCo
     const auto count = static_cast<size_t>(namespaceCount + attributeCount);
     std::vector<std::string> names;
     names.reserve(count);
+    std::vector<std::string> values;
+    values.reserve(count);
     std::vector<XmlAttribute> sent;
     sent.reserve(count);
     for (int i = 0; i < namespaceCount; ++i) {
         const xmlChar** declaration = namespaces + 2 * i; // prefix, URI
         names.push_back(declaration[0] == nullptr ? "xmlns" : "xmlns:" + std::string(View(declaration[0])));
-        sent.push_back({names.back(), View(declaration[1])});
+        sent.push_back({names.back(), resolved(declaration[1], View(declaration[1]), values)});
     }
     for (int i = 0; i < attributeCount; ++i) {
         const xmlChar** attribute = attributes + 5 * i; // name, prefix, URI, value, end of value
         names.push_back(QName(attribute[0], attribute[1]));
-        sent.push_back({names.back(), View(attribute[3], static_cast<int>(attribute[4] - attribute[3]))});
+        const auto length = static_cast<int>(attribute[4] - attribute[3]);
+        sent.push_back({names.back(), resolved(attribute[3], View(attribute[3], length), values)});
     }
     // The parser gives namespaces apart; the tag tells their place among the attributes.
     if (namespaceCount > 0 && attributeCount > 0)
         SortAsWritten(sent, startTagText());
     handler->startElement(QName(name, prefix), sent);
+}
+
+/// A value as it is, or kept in `values` with the references that the parser leaves in it ("&#38;" for an
+/// ampersand, entities of the document type by name).
+std::string_view Pass::resolved(const xmlChar* value, std::string_view view, std::vector<std::string>& values)
+{
+    if (view.find('&') == std::string_view::npos)
+        return view;
+    xmlChar* plain = xmlStringLenDecodeEntities(context, value, static_cast<int>(view.size()),
+                                                XML_SUBSTITUTE_REF, 0, 0, 0);
+    values.emplace_back(View(plain));
+    xmlFree(plain);
+    return values.back();
 }
 
 std::string_view Pass::startTagText() const

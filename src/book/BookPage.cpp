@@ -1,0 +1,119 @@
+#include "BookPage.h"
+
+#include "Globals.h"
+#include "MainWindowSeams.h"
+#include "PageLines.h"
+#include "XmlDocument.h"
+
+using namespace Qt::StringLiterals;
+
+namespace vmk {
+
+namespace {
+
+/// The page up to its first line.
+std::string PageStart(const DisplayValues& values)
+{
+    return R"(<HTML><meta content="text/html; charset=utf-8" http-equiv="Content-Type">)" + HeadBlock(values)
+        + R"(<BODY STYLE="font-family:)" + values.fontName + "; font-size:" + values.fontSize
+        + "; font-weight:" + values.fontWeight + "; text-align:" + values.textAlign
+        + "; margin-top:2px; margin-left:" + values.leftMargin + "; margin-right:" + values.rightMargin
+        + "\" text=\"" + values.foreColor + "\" bgColor=\"" + values.backColor + "\">" + CrLf;
+}
+
+constexpr std::string_view PageEnd = "</BODY></HTML>";
+
+/// A rule of six lines for a `SPAN`.
+std::string SpanRule(std::string_view selector, const DisplayValues& values, std::string_view weight,
+                     std::string_view align, std::string_view color)
+{
+    std::string rule(selector);
+    const auto add = [&rule](std::string_view name, std::string_view value) {
+        rule.append(name).append(value).append(";").append(CrLf);
+    };
+    rule += CrLf;
+    add("\t{font-family:", values.fontName);
+    add("\tfont-size:", values.fontSize);
+    add("\tfont-weight:", weight);
+    add("\ttext-align:", align);
+    add("\tcolor:", color);
+    return rule + "\tpage-break-after:avoid;}" + CrLf;
+}
+
+/// A rule for a `FONT`; `middle` are the lines between its first and its last.
+std::string FontRule(std::string_view selector, const std::string& color, const std::string& middle = {})
+{
+    return std::string(selector) + CrLf + "\t{color:" + color + ";" + CrLf + middle + "\tpage-break-after:avoid;}"
+        + CrLf;
+}
+
+/// Tells of the steps that painting stands for.
+void ShowPaintingSteps(const DisplayValues& values)
+{
+    if (values.tagHighlighting) {
+        ShowStatus(u"...converting xml to html: painting tags: main color..."_s);
+        ShowStatus(u"...converting xml to html: painting tag attributes..."_s);
+        ShowStatus(u"...converting xml to html: painting tag attribute values..."_s);
+    }
+    if (values.showNbsp)
+        ShowStatus(u"...converting xml to html: non-broken spaces..."_s);
+}
+
+} // namespace
+
+std::string HeadBlock(const DisplayValues& values)
+{
+    if (!values.tagHighlighting)
+        return {};
+    const auto tagRule = [&values](std::string_view selector) {
+        return SpanRule(selector, values, values.tagFontWeight, "left", values.tagColor);
+    };
+    // A piece repainted alone stands outside its tag and has to carry the tag's weight itself.
+    const std::string weight = "\tfont-weight:" + values.tagFontWeight + ";" + CrLf + "\ttext-align:left;" + CrLf;
+    return std::string("<HEAD>") + CrLf + "<STYLE>" + CrLf
+        + SpanRule("span.b", values, values.fontWeight, values.textAlign, values.foreColor) + tagRule("span.t")
+        + FontRule("font.n", values.attrNameColor) + FontRule("font.v", values.attrValColor)
+        + SpanRule("span.c", values, "bold", "left", "red") + tagRule("span.et")
+        + FontRule("font.en", values.attrNameColor, weight)
+        + FontRule("font.ev", values.attrValColor, weight) + "</STYLE>" + CrLf + "</HEAD>";
+}
+
+std::optional<XmlTreeText> TreeOfBook(const std::string& text, const PageRequest& request)
+{
+    if (HasParseError(text, request.encoding))
+        return std::nullopt;
+    ShowStatus(u"...converting xml to html: preparing tree view..."_s);
+    const std::string lines = TreeLines(text, "\r", request.inLineTags);
+
+    // Joining lines can break a text: a line end alone may part a tag's name from its attribute.
+    XmlSerializer serializer(request.inLineTags.elementNames(), request.xmlDeclaration);
+    XmlDocument document;
+    document.validateOnParse = false;
+    if (!document.loadXML(lines, request.encoding, &serializer))
+        return std::nullopt;
+    return serializer.take();
+}
+
+std::string PageWithTree(const XmlTreeText& tree, const PageRequest& request)
+{
+    ShowStatus(u"...converting xml to html: looking for nodes..."_s);
+    ShowStatus(u"...converting xml to html: replacing Fiction Book tags..."_s);
+    ShowStatus(u"...converting xml to html: shifting nodes..."_s);
+    ShowPaintingSteps(request.values);
+    std::string page = PageStart(request.values);
+    AppendTreeLines(tree, request.xmlDeclaration, request.values, page);
+    return page.append(PageEnd);
+}
+
+std::string PageWithoutTree(std::string text, const PageRequest& request)
+{
+    std::erase(text, '\t');
+    ShowStatus(u"...converting xml to html: preparing tree view..."_s);
+    text = TreeLines(std::move(text), "\r", request.inLineTags);
+    ShowPaintingSteps(request.values);
+    std::string page = PageStart(request.values);
+    AppendPlainLines(text, request.values, page);
+    return page.append(PageEnd);
+}
+
+} // namespace vmk

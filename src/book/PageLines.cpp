@@ -1,0 +1,486 @@
+#include "PageLines.h"
+
+#include "Globals.h"
+#include "TextFunctions.h"
+#include "XmlSerializer.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <optional>
+
+namespace vmk {
+
+namespace {
+
+constexpr std::array<std::string_view, 10> PaintedNames
+    = {" id=", " href=", ":href=", " type=", " version=", " encoding=", " match=", " value=", " name=", " number="};
+/// Painted as names only: their values stay in the tag's colour.
+constexpr std::array<std::string_view, 2> NamespaceNames = {" xmlns=", " xmlns:l="};
+
+constexpr std::string_view NameStart = "<FONT class=n>";
+constexpr std::string_view ValueStart = "<FONT class=v>";
+constexpr std::string_view FontEnd = "</FONT>";
+constexpr std::string_view CommentStart = "<SPAN class=c>&lt;";
+constexpr std::string_view CommentEnd = "&gt;</SPAN>";
+constexpr std::string_view XmlStart = "<?xml version";
+/// Stand for the brackets of a comment when they come in with the text; then they are painted as such.
+constexpr char CommentStartMark = 3;
+constexpr char CommentEndMark = 4;
+
+struct PaintedName
+{
+    std::string_view name;
+    bool withValue;
+};
+
+/// The listed name that `text`, which ends before a double quote, ends with.
+std::optional<PaintedName> PaintedNameAtEnd(std::string_view text)
+{
+    if (!text.ends_with('='))
+        return std::nullopt;
+    for (const std::string_view name : PaintedNames)
+        if (text.ends_with(name))
+            return PaintedName {name, true};
+    for (const std::string_view name : NamespaceNames)
+        if (text.ends_with(name))
+            return PaintedName {name, false};
+    return std::nullopt;
+}
+
+/// How tags are written in the display.
+struct TagPaint
+{
+    std::string_view start;
+    std::string_view end;
+    bool attributes;
+};
+
+TagPaint PaintFor(const DisplayValues& values)
+{
+    if (values.tagHighlighting)
+        return {"<SPAN class=t>&lt;", "&gt;</SPAN>", true};
+    if (values.tagFontWeight == "bold" && values.fontWeight != "bold")
+        return {"<B>&lt;", "&gt;</B>", false};
+    return {"&lt;", "&gt;", false};
+}
+
+enum class LineEnds
+{
+    CrLfAndTabs, ///< the parser's layout: CrLf and a tab for each level
+    Cr, ///< a text without a tree; comments stand on lines of their own
+};
+
+/// Bytes at which copying stops.
+struct SpecialBytes
+{
+    bool set[256] {};
+
+    SpecialBytes(bool quotes, bool nbsp)
+    {
+        for (const char c : {'<', '>', '&', '\r', ' ', CommentStartMark, CommentEndMark})
+            set[static_cast<unsigned char>(c)] = true;
+        set[static_cast<unsigned char>('"')] = quotes;
+        set[0xc2] = nbsp;
+    }
+};
+
+/// Writes the lines in one pass. The steps that it stands for follow one another over the whole text: angle
+/// brackets escaped, lines made `DIV`s, tags painted, then attributes, then comments, lines left empty taken
+/// out, non-breaking spaces marked, runs of blanks shortened.
+class LineWriter
+{
+public:
+    LineWriter(const DisplayValues& displayValues, LineEnds ends, size_t maxDepth, std::string& page)
+        : values(displayValues)
+        , lineEnds(ends)
+        , levels(maxDepth)
+        , paint(PaintFor(displayValues))
+        , special(paint.attributes, displayValues.showNbsp)
+        , out(page)
+        , lineStart(page.size())
+    {
+    }
+
+    /// Writes a piece of the text, whole tags and comments only; a line ends behind it.
+    void write(std::string_view piece);
+    /// Begins the next line, at this depth.
+    void beginLine(size_t lineDepth) { endLine(text.size(), text.size(), lineDepth); }
+    void finish();
+
+private:
+    size_t writeSpecial(size_t at);
+    size_t writeLineEnd(size_t at);
+    size_t writeStart(size_t at);
+    size_t writeEnd(size_t at);
+    size_t writeBlanks(size_t at);
+    size_t writeQuote(size_t at);
+    size_t replace(size_t at, size_t length, std::string_view with);
+    [[nodiscard]] bool startsComment(size_t at);
+    void plainQuote();
+    void copy(size_t end);
+    void openLine();
+    void endLine(size_t end, size_t next, size_t nextDepth);
+    [[nodiscard]] bool closeLine(std::string_view lineText, bool last);
+
+    const DisplayValues& values;
+    const LineEnds lineEnds;
+    const size_t levels;
+    const TagPaint paint;
+    const SpecialBytes special;
+    std::string& out;
+
+    std::string_view text; // the piece at hand
+    size_t copied = 0; // how far it has been written
+    size_t commentEnd = 0; // behind the ">" of the last comment
+    bool noAngleLeft = false; // no ">" behind the place of the last search
+
+    // The line at hand.
+    size_t depth = 0;
+    size_t lineStart; // of its DIV in `out`
+    size_t lineTextStart = 0; // in `text`
+    bool opened = false; // its DIV has been written
+    bool isFirst = false; // its DIV carries the identifier
+    bool firstNamed = false; // some DIV does
+
+    // The value at hand.
+    bool inValue = false;
+    size_t valueStart = 0; // of its FONT in `out`
+};
+
+void LineWriter::write(std::string_view piece)
+{
+    text = piece;
+    copied = lineTextStart = commentEnd = 0;
+    noAngleLeft = false;
+    for (size_t at = 0; at < text.size();)
+        at = special.set[static_cast<unsigned char>(text[at])] ? writeSpecial(at) : at + 1;
+    copy(text.size());
+}
+
+/// Writes what stands at a special byte; gives the place to go on from.
+size_t LineWriter::writeSpecial(size_t at)
+{
+    const std::string_view rest = text.substr(at);
+    switch (text[at]) {
+    case ' ':
+        return writeBlanks(at);
+    case '<':
+        return writeStart(at);
+    case '>':
+        return writeEnd(at);
+    case '"':
+        return writeQuote(at);
+    case '\r':
+        return writeLineEnd(at);
+    case '&':
+        if (rest.starts_with("&lt;"))
+            return replace(at, 4, paint.start);
+        return rest.starts_with("&gt;") ? replace(at, 4, paint.end) : at + 1;
+    case CommentStartMark:
+        return replace(at, 1, CommentStart);
+    case CommentEndMark:
+        return replace(at, 1, CommentEnd);
+    default:
+        return rest.starts_with(Utf8Nbsp) ? replace(at, 2, {&NbspMarker, 1}) : at + 1;
+    }
+}
+
+size_t LineWriter::writeBlanks(size_t at)
+{
+    const size_t end = std::min(text.find_first_not_of(' ', at), text.size());
+    if (end > at + 1) {
+        copy(at + 1);
+        copied = end;
+    }
+    return end;
+}
+
+size_t LineWriter::writeStart(size_t at)
+{
+    if (at < commentEnd || !startsComment(at))
+        return replace(at, 1, paint.start);
+    if (lineEnds == LineEnds::Cr)
+        endLine(at, at, 0);
+    return replace(at, 1, CommentStart);
+}
+
+size_t LineWriter::writeEnd(size_t at)
+{
+    if (at + 1 != commentEnd)
+        return replace(at, 1, paint.end);
+    replace(at, 1, CommentEnd);
+    if (lineEnds == LineEnds::Cr)
+        endLine(at + 1, at + 1, 0);
+    return at + 1;
+}
+
+/// A comment reaches to the next ">", whether that is its own end or not.
+bool LineWriter::startsComment(size_t at)
+{
+    if (noAngleLeft || !text.substr(at).starts_with("<!--"))
+        return false;
+    const size_t angle = text.find('>', at + 4);
+    noAngleLeft = angle == std::string_view::npos;
+    if (noAngleLeft)
+        return false;
+    commentEnd = angle + 1;
+    return true;
+}
+
+size_t LineWriter::writeLineEnd(size_t at)
+{
+    if (lineEnds == LineEnds::Cr) {
+        endLine(at, at + 1, 0);
+        return at + 1;
+    }
+    if (!text.substr(at).starts_with(CrLf))
+        return at + 1;
+    const size_t firstTab = at + 2;
+    const size_t tabs = std::min(text.find_first_not_of('\t', firstTab), text.size()) - firstTab;
+    const size_t lineDepth = std::min(tabs, levels);
+    endLine(at, firstTab + lineDepth, lineDepth);
+    return firstTab + lineDepth;
+}
+
+size_t LineWriter::writeQuote(size_t at)
+{
+    copy(at);
+    openLine();
+    copied = at + 1;
+    const std::optional<PaintedName> painted = PaintedNameAtEnd(text.substr(0, at));
+    if (!painted) {
+        plainQuote();
+        return at + 1;
+    }
+
+    // The name has been written; it is taken back, and a blank that had merged with its own stays.
+    const std::string_view name = painted->name;
+    out.resize(out.size() - name.size());
+    if (name.front() == ' ' && text.substr(0, at - name.size()).ends_with(' '))
+        out += ' ';
+    out += NameStart;
+    out += name;
+    out += FontEnd;
+    if (painted->withValue && !inValue) {
+        valueStart = out.size();
+        out += ValueStart;
+        out += '"';
+        inValue = true;
+    } else {
+        plainQuote();
+    }
+    return at + 1;
+}
+
+/// A value ends at the next double quote, wherever that stands.
+void LineWriter::plainQuote()
+{
+    out += '"';
+    if (inValue)
+        out += FontEnd;
+    inValue = false;
+}
+
+size_t LineWriter::replace(size_t at, size_t length, std::string_view with)
+{
+    copy(at);
+    openLine();
+    out += with;
+    copied = at + length;
+    return copied;
+}
+
+void LineWriter::copy(size_t end)
+{
+    if (end == copied)
+        return;
+    openLine();
+    out.append(text, copied, end - copied);
+    copied = end;
+}
+
+void LineWriter::openLine()
+{
+    if (opened)
+        return;
+    opened = true;
+    if (depth > 0) {
+        out += "<DIV style=";
+        plainQuote();
+        out += "MARGIN-LEFT: ";
+        out += std::to_string(static_cast<long long>(depth) * values.nodeShift);
+        out += "px";
+        plainQuote();
+        out += '>';
+        return;
+    }
+    isFirst = !firstNamed;
+    firstNamed = true;
+    out += isFirst ? "<DIV id=FirstDiv>" : "<DIV>";
+}
+
+/// Ends the line at `end` of the piece and begins one at `next`.
+void LineWriter::endLine(size_t end, size_t next, size_t nextDepth)
+{
+    copy(end);
+    if (closeLine(text.substr(lineTextStart, end - lineTextStart), false))
+        out += '\r';
+    copied = lineTextStart = next;
+    depth = nextDepth;
+    lineStart = out.size();
+    opened = isFirst = false;
+}
+
+/// Closes the line's DIV, or takes it out if nothing stands in it. False if no line end belongs behind it.
+bool LineWriter::closeLine(std::string_view lineText, bool last)
+{
+    if (depth == 0 && lineText.empty() && (!last || firstNamed))
+        return false;
+    openLine();
+    if (depth == 0 && lineText == " " && !isFirst)
+        out.resize(lineStart);
+    else
+        out += "</DIV>";
+    return true;
+}
+
+void LineWriter::finish()
+{
+    (void)closeLine(text.substr(lineTextStart), true);
+    // A value that no quote ends is none.
+    if (inValue)
+        out.erase(valueStart, ValueStart.size());
+}
+
+/// Makes room for the lines of `text`, generously.
+void ReserveLines(std::string_view text, size_t lines, std::string& page)
+{
+    constexpr size_t PerTag = 20;
+    constexpr size_t PerQuote = 22;
+    constexpr size_t PerLine = 48;
+    const auto tags = static_cast<size_t>(std::count(text.begin(), text.end(), '<'));
+    const auto quotes = static_cast<size_t>(std::count(text.begin(), text.end(), '"'));
+    page.reserve(page.size() + text.size() + 2 * tags * PerTag + quotes * PerQuote + lines * PerLine);
+}
+
+size_t LongestTabRun(std::string_view text)
+{
+    size_t longest = 0;
+    for (size_t at = text.find('\t'); at != std::string_view::npos; at = text.find('\t', at)) {
+        const size_t end = std::min(text.find_first_not_of('\t', at), text.size());
+        longest = std::max(longest, end - at);
+        at = end;
+    }
+    return longest;
+}
+
+/// Where a declaration stands at or behind `from`, ignoring case; npos if nowhere.
+size_t FindDeclaration(std::string_view text, size_t from)
+{
+    for (size_t at = text.find("<?", from); at != std::string_view::npos; at = text.find("<?", at + 2))
+        if (FindText(text.substr(at, XmlStart.size()), XmlStart, 0, true) == 0)
+            return at;
+    return std::string_view::npos;
+}
+
+/// Replaces every declaration at or behind `from`, up to the next ">".
+std::string ReplaceDeclarations(std::string_view text, size_t from, std::string_view declaration)
+{
+    std::string result;
+    size_t copied = 0;
+    for (size_t at = FindDeclaration(text, from); at != std::string_view::npos; at = FindDeclaration(text, copied)) {
+        const size_t end = text.find('>', at);
+        if (end == std::string_view::npos)
+            break;
+        result.append(text, copied, at - copied);
+        result += declaration;
+        copied = end + 1;
+    }
+    return result.append(text, copied);
+}
+
+} // namespace
+
+void PaintAttributes(std::string& text)
+{
+    std::string painted;
+    size_t copied = 0;
+    size_t valueStart = std::string::npos; // of its FONT, while a value is open
+    for (size_t at = text.find('"'); at != std::string::npos; at = text.find('"', at + 1)) {
+        const std::string_view before = std::string_view(text).substr(0, at);
+        const std::optional<PaintedName> name = PaintedNameAtEnd(before);
+        // What was painted before opens a value too.
+        const bool opensValue = name ? name->withValue : before.ends_with(FontEnd);
+        if (name) {
+            painted.append(text, copied, at - name->name.size() - copied);
+            // The two blanks are a fixed part of the mark-up.
+            painted += name->withValue ? "<FONT  class=n>" : NameStart;
+            painted += name->name;
+            painted += FontEnd;
+            copied = at;
+        }
+        if (valueStart != std::string::npos) {
+            painted.append(text, copied, at + 1 - copied);
+            copied = at + 1;
+            painted += FontEnd;
+            valueStart = std::string::npos;
+        } else if (opensValue) {
+            painted.append(text, copied, at - copied);
+            copied = at;
+            valueStart = painted.size();
+            painted += ValueStart;
+        }
+    }
+    painted.append(text, copied);
+    if (valueStart != std::string::npos)
+        painted.erase(valueStart, ValueStart.size());
+    text = std::move(painted);
+}
+
+void AppendTreeLines(const XmlTreeText& tree, std::string_view declaration, const DisplayValues& values,
+                     std::string& page)
+{
+    const size_t behindDeclaration = tree.text.starts_with(declaration) ? declaration.size() : 0;
+
+    // Declarations elsewhere, as in a comment, take the long way.
+    if (FindDeclaration(tree.text, behindDeclaration) != std::string_view::npos) {
+        const std::string text = tree.laidOut();
+        const size_t levels = LongestTabRun(std::string_view(text).substr(behindDeclaration));
+        LineWriter writer(values, LineEnds::CrLfAndTabs, levels, page);
+        const std::string replaced = ReplaceDeclarations(text, behindDeclaration, declaration);
+        writer.write(replaced);
+        writer.finish();
+        return;
+    }
+
+    // The tree's depth bounds what counts as tabs of the layout; only a declaration may hold more.
+    size_t levels = std::numeric_limits<size_t>::max();
+    if (declaration.find("\r\n\t") != std::string_view::npos) {
+        levels = LongestTabRun(std::string_view(tree.text).substr(behindDeclaration));
+        for (const XmlTreeText::Break& place : tree.breaks)
+            levels = std::max<size_t>(levels, place.depth);
+    }
+
+    ReserveLines(tree.text, tree.breaks.size(), page);
+    LineWriter writer(values, LineEnds::CrLfAndTabs, levels, page);
+    const std::string_view text = tree.text;
+    size_t from = 0;
+    for (const XmlTreeText::Break& place : tree.breaks) {
+        writer.write(text.substr(from, place.position - from));
+        writer.beginLine(place.depth);
+        from = place.position + place.length;
+    }
+    writer.write(text.substr(from));
+    writer.finish();
+}
+
+void AppendPlainLines(std::string_view text, const DisplayValues& values, std::string& page)
+{
+    ReserveLines(text, static_cast<size_t>(std::count(text.begin(), text.end(), '\r')), page);
+    LineWriter writer(values, LineEnds::Cr, 0, page);
+    writer.write(text);
+    writer.finish();
+}
+
+} // namespace vmk

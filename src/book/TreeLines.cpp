@@ -1,0 +1,185 @@
+#include "TreeLines.h"
+
+#include "Globals.h"
+#include "TextFunctions.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace vmk {
+
+namespace {
+
+/// The format's own in-line elements.
+constexpr std::array<std::string_view, 7> InLineElements
+    = {"a", "strong", "emphasis", "style", "strikethrough", "sub", "sup"};
+
+/// Start tags that keep their text beside them.
+constexpr std::array<std::string_view, 9> FieldTags = {"<first-name>", "<middle-name>", "<last-name>", "<date>", "<id>",
+                                                       "<lang>", "<version>", "<src-ocr>", "<src-url>"};
+
+/// One tag: "<", no further angle bracket, ">", and no line end.
+bool IsPlainTag(std::string_view entry)
+{
+    return entry.size() >= 2 && entry.front() == '<' && entry.back() == '>'
+        && entry.substr(1, entry.size() - 2).find_first_of("<>\r\n") == std::string_view::npos;
+}
+
+/// Takes out all line ends and all but one of a run of blanks, and the blanks at both ends.
+void JoinLines(std::string& text)
+{
+    char* to = text.data();
+    char before = ' '; // so that leading blanks go too
+    for (const char c : text) {
+        if (c == '\r' || c == '\n' || (c == ' ' && before == ' '))
+            continue;
+        *to++ = before = c;
+    }
+    if (to != text.data() && to[-1] == ' ')
+        --to;
+    text.resize(static_cast<size_t>(to - text.data()));
+}
+
+/// Breaks a joined text into lines. Every line end stands behind a ">", so each place is decided alone: what
+/// the tag before it and the tag behind it say, in whatever order.
+class LineBreaker
+{
+public:
+    LineBreaker(std::string_view joined, std::string_view lineEndText, const InLineTagSet& tags)
+        : text(joined)
+        , lineEnd(lineEndText)
+        , inLineTags(tags)
+    {
+    }
+
+    [[nodiscard]] std::string run();
+
+private:
+    [[nodiscard]] bool breaksBehind(std::string_view piece, size_t next) const;
+    [[nodiscard]] std::string_view tagAt(size_t position) const;
+
+    std::string_view text;
+    std::string_view lineEnd;
+    const InLineTagSet& inLineTags;
+};
+
+std::string LineBreaker::run()
+{
+    std::string result;
+    result.reserve(text.size() + text.size() / 16);
+    size_t from = 0;
+    for (size_t angle = text.find('>'); angle != std::string_view::npos; angle = text.find('>', from)) {
+        const std::string_view piece = text.substr(from, angle + 1 - from);
+        from = angle + 1;
+        result += piece;
+        if (breaksBehind(piece, from))
+            result += lineEnd;
+    }
+    return result.append(text, from);
+}
+
+/// Whether a line ends behind `piece`, which reaches from the last ">" to this one; `next` is what follows.
+bool LineBreaker::breaksBehind(std::string_view piece, size_t next) const
+{
+    bool endTag = false;
+    size_t tagStart = std::string_view::npos;
+    for (size_t at = piece.find('<'); at != std::string_view::npos; at = piece.find('<', at + 1)) {
+        endTag = endTag || piece[at + 1] == '/';
+        tagStart = at;
+    }
+
+    // An end tag and an empty element's tag each put one line end; without either a tag that follows does.
+    int breaks = (endTag ? 1 : 0) + (piece.ends_with("/>") ? 1 : 0);
+    const bool tagFollows = next < text.size() && text[next] == '<';
+    if (breaks == 0)
+        breaks = tagFollows || text.substr(next).starts_with(" <") ? 1 : 0;
+    if (breaks == 0)
+        return false;
+
+    // Each in-line tag beside the place takes one away, once for each time that it is listed.
+    if (tagStart != std::string_view::npos) {
+        const std::string_view tag = piece.substr(tagStart);
+        breaks -= inLineTags.count(tag);
+        breaks -= static_cast<int>(std::count(FieldTags.begin(), FieldTags.end(), tag));
+    }
+    if (breaks > 0 && tagFollows)
+        breaks -= inLineTags.count(tagAt(next));
+    return breaks > 0;
+}
+
+/// The text from `position`, which holds a "<", to the next ">".
+std::string_view LineBreaker::tagAt(size_t position) const
+{
+    const size_t end = text.find('>', position);
+    return end == std::string_view::npos ? std::string_view() : text.substr(position, end + 1 - position);
+}
+
+/// The same for a list with entries that are no tags: these may meet a line end in ways that only the steps
+/// themselves tell.
+std::string BreakStepByStep(std::string text, std::string_view lineEnd, const InLineTagSet& inLineTags)
+{
+    const std::string end(lineEnd);
+    text = RegExpReplace(text, "(</[^>]*>)", "$1" + end, true);
+    text = ReplaceAll(std::move(text), "/>", "/>" + end);
+    text = ReplaceAll(std::move(text), "><", ">" + end + "<");
+    text = ReplaceAll(std::move(text), "> <", ">" + end + " <");
+    for (const std::string& tag : inLineTags.entries()) {
+        text = ReplaceAll(std::move(text), tag + end, tag);
+        text = ReplaceAll(std::move(text), end + tag, tag);
+    }
+    for (const std::string_view tag : FieldTags)
+        text = ReplaceAll(std::move(text), std::string(tag) + end, tag);
+    return CollapseRepeats(std::move(text), end);
+}
+
+} // namespace
+
+InLineTagSet::InLineTagSet(const QStringList& entries)
+{
+    for (const QString& entry : entries) {
+        const std::string text = entry.toStdString();
+        texts.emplace_back(TrimBlanks(text));
+        emptyEntry = emptyEntry || texts.back().empty();
+        plain = plain && IsPlainTag(texts.back());
+    }
+}
+
+std::vector<std::string> InLineTagSet::elementNames() const
+{
+    std::vector<std::string> names(InLineElements.begin(), InLineElements.end());
+    for (std::string name : texts) {
+        std::erase_if(name, [](char c) { return c == '<' || c == '>' || c == '/'; });
+        if (std::find(names.begin(), names.end(), name) == names.end())
+            names.push_back(std::move(name));
+    }
+    return names;
+}
+
+int InLineTagSet::count(std::string_view tag) const
+{
+    return static_cast<int>(std::count(texts.begin(), texts.end(), tag));
+}
+
+std::string TreeLines(std::string text, std::string_view lineEnd, const InLineTagSet& inLineTags)
+{
+    JoinLines(text);
+    // An empty entry takes out all that has been put in; it is meant so.
+    if (inLineTags.hasEmptyEntry())
+        return text;
+    if (!inLineTags.isPlain())
+        return BreakStepByStep(std::move(text), lineEnd, inLineTags);
+    return LineBreaker(text, lineEnd, inLineTags).run();
+}
+
+void PrepareTreeLines(std::string& text)
+{
+    text = TreeLines(std::move(text), "\r", InLineTagSet(InLineTags));
+}
+
+void PrepareTreeLinesCrLf(std::string& text)
+{
+    text = TreeLines(std::move(text), CrLf, InLineTagSet(InLineTags));
+}
+
+} // namespace vmk

@@ -1,0 +1,266 @@
+#include "XmlSerializer.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace vmk {
+
+namespace {
+
+using ByteSet = bool[256];
+
+struct SpecialBytes
+{
+    ByteSet inText {};
+    ByteSet inValue {};
+    ByteSet inRawText {}; // comments and the like: nothing is escaped there
+
+    constexpr SpecialBytes()
+    {
+        for (const char c : {'&', '<', '>', '\n'})
+            inText[static_cast<unsigned char>(c)] = inValue[static_cast<unsigned char>(c)] = true;
+        inValue[static_cast<unsigned char>('"')] = true;
+        inRawText[static_cast<unsigned char>('\n')] = true;
+    }
+};
+
+constexpr SpecialBytes Special;
+
+bool IsWhite(std::string_view text)
+{
+    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
+
+bool HasLineEnd(std::string_view text)
+{
+    return text.find_first_of("\r\n") != std::string_view::npos;
+}
+
+} // namespace
+
+size_t XmlTreeText::laidOutSize() const
+{
+    size_t size = text.size();
+    for (const Break& place : breaks)
+        size += 2 + place.depth - place.length;
+    return size;
+}
+
+std::string XmlTreeText::laidOut() const
+{
+    std::string result;
+    result.reserve(laidOutSize());
+    size_t from = 0;
+    for (const Break& place : breaks) {
+        result.append(text, from, place.position - from);
+        result += "\r\n";
+        result.append(place.depth, '\t');
+        from = place.position + place.length;
+    }
+    return result.append(text, from);
+}
+
+XmlSerializer::XmlSerializer(std::vector<std::string> names, std::string newDeclaration)
+    : inLineNames(std::move(names))
+    , declaration(std::move(newDeclaration))
+{
+}
+
+XmlTreeText XmlSerializer::take()
+{
+    return std::move(out);
+}
+
+void XmlSerializer::xmlDeclaration(std::string_view)
+{
+    out.text += declaration;
+}
+
+void XmlSerializer::docType(std::string_view asWritten)
+{
+    beginChild(Next::Other);
+    // As written, so its line ends have not been brought to one form yet.
+    for (size_t i = 0; i < asWritten.size(); ++i) {
+        const char c = asWritten[i];
+        if (c == '\r' && i + 1 < asWritten.size() && asWritten[i + 1] == '\n')
+            continue;
+        if (c == '\r' || c == '\n')
+            out.text += "\r\n";
+        else
+            out.text += c;
+    }
+}
+
+void XmlSerializer::startElement(std::string_view name, std::span<const XmlAttribute> attributes)
+{
+    const bool inLine = isInLine(name);
+    beginChild(inLine ? Next::InLineElement : Next::Other);
+    const bool mixed = !open.empty() && open.back().mixed;
+
+    out.text += '<';
+    out.text += name;
+    for (const XmlAttribute& attribute : attributes) {
+        out.text += ' ';
+        out.text += attribute.name;
+        out.text += "=\"";
+        writeEscaped(attribute.value, Special.inValue);
+        out.text += '"';
+    }
+    open.push_back({out.breaks.size(), inLine, mixed});
+}
+
+void XmlSerializer::endElement(std::string_view name)
+{
+    Element& element = open.back();
+    settleWhite(element, Next::EndTag);
+    if (!element.hasContent) {
+        out.text += "/>";
+    } else {
+        if (!element.mixed)
+            addBreak(writtenWhite, open.size() - 1);
+        out.text += "</";
+        out.text += name;
+        out.text += '>';
+    }
+    open.pop_back();
+}
+
+void XmlSerializer::characters(std::string_view text)
+{
+    // Whether white space alone is to stay shows with what comes next.
+    if (IsWhite(text)) {
+        white = text;
+        return;
+    }
+    beginText();
+    writeEscaped(text, Special.inText);
+}
+
+void XmlSerializer::cdata(std::string_view text)
+{
+    beginText();
+    out.text += "<![CDATA[";
+    writeEscaped(text, Special.inRawText);
+    out.text += "]]>";
+}
+
+void XmlSerializer::comment(std::string_view text)
+{
+    beginChild(Next::Other);
+    out.text += "<!--";
+    writeEscaped(text, Special.inRawText);
+    out.text += "-->";
+}
+
+void XmlSerializer::processingInstruction(std::string_view target, std::string_view data)
+{
+    beginChild(Next::Other);
+    out.text += "<?";
+    out.text += target;
+    if (!data.empty()) {
+        out.text += ' ';
+        writeEscaped(data, Special.inRawText);
+    }
+    out.text += "?>";
+}
+
+void XmlSerializer::beginChild(Next kind)
+{
+    if (open.empty()) {
+        if (!out.text.empty())
+            addBreak(0, 0);
+        return;
+    }
+    Element& parent = open.back();
+    settleWhite(parent, kind);
+    openContent(parent);
+    if (!parent.mixed)
+        addBreak(writtenWhite, open.size());
+    parent.afterInLine = kind == Next::InLineElement;
+}
+
+void XmlSerializer::beginText()
+{
+    Element& parent = open.back();
+    makeMixed(parent);
+    settleWhite(parent, Next::Other);
+    openContent(parent);
+    parent.afterInLine = false;
+}
+
+/// Decides over the white space alone that stands before `next`.
+void XmlSerializer::settleWhite(Element& parent, Next next)
+{
+    writtenWhite = 0;
+    if (white.empty())
+        return;
+    const bool betweenInLine = parent.afterInLine && next == Next::InLineElement;
+    if (!HasLineEnd(white) && (parent.inLine || betweenInLine))
+        makeMixed(parent);
+
+    // It is written even where a break will take its place: text may follow, and then it has to be there.
+    // Line ends in it are the layout's own and go.
+    std::erase_if(white, [](char c) { return c == '\r' || c == '\n'; });
+    const bool nothingElse = next == Next::EndTag && !parent.hasContent;
+    if (!white.empty() && (parent.mixed || !nothingElse)) {
+        openContent(parent);
+        out.text += white;
+        writtenWhite = static_cast<uint32_t>(white.size());
+    }
+    white.clear();
+}
+
+void XmlSerializer::openContent(Element& parent)
+{
+    if (!parent.hasContent)
+        out.text += '>';
+    parent.hasContent = true;
+}
+
+void XmlSerializer::addBreak(uint32_t whiteLength, size_t depth)
+{
+    out.breaks.push_back({out.text.size() - whiteLength, whiteLength, static_cast<uint32_t>(depth)});
+}
+
+void XmlSerializer::makeMixed(Element& element)
+{
+    if (element.mixed)
+        return;
+    element.mixed = true;
+    out.breaks.resize(element.firstBreak);
+}
+
+void XmlSerializer::writeEscaped(std::string_view text, const bool (&special)[256])
+{
+    size_t from = 0;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (!special[static_cast<unsigned char>(text[i])])
+            continue;
+        out.text.append(text, from, i - from);
+        from = i + 1;
+        switch (text[i]) {
+        case '&':
+            out.text += "&amp;";
+            break;
+        case '<':
+            out.text += "&lt;";
+            break;
+        case '>':
+            out.text += "&gt;";
+            break;
+        case '"':
+            out.text += "&quot;";
+            break;
+        default:
+            out.text += i > 0 && text[i - 1] == '\r' ? "\n" : "\r\n";
+        }
+    }
+    out.text.append(text, from);
+}
+
+bool XmlSerializer::isInLine(std::string_view name) const
+{
+    return std::find(inLineNames.begin(), inLineNames.end(), name) != inLineNames.end();
+}
+
+} // namespace vmk

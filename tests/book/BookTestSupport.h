@@ -1,0 +1,63 @@
+#pragma once
+
+#include "BookReference.h"
+#include "DisplayValues.h"
+
+#include <QStringList>
+
+#include <cstdint>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace vmk::test {
+
+struct CorpusBook
+{
+    std::string name;
+    std::string bytes;
+};
+
+/// The books of the corpus; none when the folder is missing.
+const std::vector<CorpusBook>& CorpusBooks();
+
+/// The display values of the default settings.
+DisplayValues DefaultValues();
+
+/// The list of in-line tags that a new workspace has.
+QStringList DefaultInLineTags();
+
+QStringList ToList(const std::vector<std::string>& strings);
+std::vector<std::string> ToStrings(const QStringList& list);
+reference::DisplayValues ToReference(const DisplayValues& values);
+
+/// Random texts from the pieces that the conversions look at.
+class TextMaker
+{
+public:
+    explicit TextMaker(uint32_t seed)
+        : random(seed)
+    {
+    }
+
+    /// Anything, mostly not well-formed.
+    std::string soup();
+    /// A well-formed text, with a declaration in most cases.
+    std::string book();
+    /// A page as a user's edits may leave it.
+    std::string page();
+    size_t below(size_t count) { return random() % count; }
+
+private:
+    std::string piece(const std::vector<std::string>& pieces) { return pieces[below(pieces.size())]; }
+    std::string element(int depth);
+    std::string text();
+    std::string value();
+
+    std::mt19937 random;
+};
+
+/// The first place where two texts differ, with some text round it.
+std::string Difference(const std::string& got, const std::string& expected);
+
+} // namespace vmk::test

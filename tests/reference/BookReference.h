@@ -1,0 +1,74 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// The plain oracles of the book's conversions: every step on its own, one whole-string replace after the
+/// other, in the order in which the steps are told. Written for reading, not for speed.
+namespace vmk::reference {
+
+struct DisplayValues
+{
+    std::string fontName, fontSize, fontWeight, textAlign, leftMargin, rightMargin, foreColor, backColor;
+    int nodeShift = 5;
+    std::string tagColor, attrNameColor, attrValColor, tagFontWeight;
+    bool tagHighlighting = true;
+    bool showNbsp = true;
+};
+
+struct PageRequest
+{
+    DisplayValues values;
+    std::vector<std::string> inLineTags;
+    /// Written in place of the parser's declaration.
+    std::string xmlDeclaration;
+    /// The text's code page while its references are not resolved; 65001 for UTF-8.
+    int codePage = 65001;
+    /// The text takes the branch with a tree.
+    bool wellFormed = true;
+};
+
+std::string ReplaceAll(std::string text, std::string_view sought, std::string_view replacement);
+/// Replaces as `ReplaceAll` does until the length no longer changes.
+std::string CollapseRepeats(std::string text, std::string_view unit);
+std::string TrimBlanks(std::string_view text);
+/// Replaces every match of `start`, `[^>]*` and ">" by `before`, what `[^>]*` and `kept` matched, and `after`.
+/// `kept` is the end of `start` that stays.
+std::string ReplaceUpToAngle(const std::string& text, std::string_view start, std::string_view before,
+                             std::string_view kept, std::string_view after, bool ignoreCase);
+
+/// Replaces every match of `start`, `[^>]*` and ">" by `replacement`.
+std::string ReplaceWholeTags(const std::string& text, std::string_view start, std::string_view replacement,
+                             bool ignoreCase);
+
+std::string PrepareTreeLines(std::string text, std::string_view lineEnd,
+                             const std::vector<std::string>& inLineTags);
+std::string PaintAttributes(std::string text);
+/// The parser's `xml`: a libxml2 tree and a recursive writer. Empty if the text is not well-formed.
+std::string ParserPass(const std::string& text, int codePage, const std::vector<std::string>& inLineTags);
+bool HasParseError(const std::string& text, int codePage);
+
+/// From the text with its description brought up to date (`&lt;` and `&gt;` protected) to the whole page.
+std::string Page(std::string text, const PageRequest& request);
+/// Steps 1 to 10 of the conversion back, for validation (U+00A0 for the marker).
+std::string ExtractText(std::string page);
+
+struct SaveRequest
+{
+    std::string style;
+    /// Written at the head of the file.
+    std::string declaration;
+    std::vector<std::string> inLineTags;
+    std::string binaryPart;
+    /// The non-breaking space in the encoding of the file.
+    std::string nbsp;
+};
+/// The file's text in UTF-8 before the encoding; sets `treeSkipped` when the parser refused it.
+std::string SaveText(std::string page, const SaveRequest& request, bool& treeSkipped);
+/// The binary part and the tidy line ends, on the encoded text.
+std::string FinishFile(std::string text, const SaveRequest& request, bool treeSkipped);
+
+std::string UpdateDescription(std::string text, std::string_view nbsp);
+
+} // namespace vmk::reference
