@@ -43,8 +43,8 @@ std::string SpanRule(std::string_view selector, const DisplayValues& values, std
 /// A rule for a `FONT`; `middle` are the lines between its first and its last.
 std::string FontRule(std::string_view selector, const std::string& color, const std::string& middle = {})
 {
-    return std::string(selector) + CrLf + "\t{color:" + color + ";" + CrLf + middle + "\tpage-break-after:avoid;}"
-        + CrLf;
+    return std::string(selector) + CrLf + "\t{color:" + color + ";" + CrLf + middle
+        + "\tpage-break-after:avoid;}" + CrLf;
 }
 
 /// Tells of the steps that painting stands for.
@@ -69,12 +69,13 @@ std::string HeadBlock(const DisplayValues& values)
         return SpanRule(selector, values, values.tagFontWeight, "left", values.tagColor);
     };
     // A piece repainted alone stands outside its tag and has to carry the tag's weight itself.
-    const std::string weight = "\tfont-weight:" + values.tagFontWeight + ";" + CrLf + "\ttext-align:left;" + CrLf;
+    const std::string weight
+        = "\tfont-weight:" + values.tagFontWeight + ";" + CrLf + "\ttext-align:left;" + CrLf;
     return std::string("<HEAD>") + CrLf + "<STYLE>" + CrLf
-        + SpanRule("span.b", values, values.fontWeight, values.textAlign, values.foreColor) + tagRule("span.t")
-        + FontRule("font.n", values.attrNameColor) + FontRule("font.v", values.attrValColor)
-        + SpanRule("span.c", values, "bold", "left", "red") + tagRule("span.et")
-        + FontRule("font.en", values.attrNameColor, weight)
+        + SpanRule("span.b", values, values.fontWeight, values.textAlign, values.foreColor)
+        + tagRule("span.t") + FontRule("font.n", values.attrNameColor)
+        + FontRule("font.v", values.attrValColor) + SpanRule("span.c", values, "bold", "left", "red")
+        + tagRule("span.et") + FontRule("font.en", values.attrNameColor, weight)
         + FontRule("font.ev", values.attrValColor, weight) + "</STYLE>" + CrLf + "</HEAD>";
 }
 

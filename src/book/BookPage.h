@@ -23,9 +23,8 @@ struct PageRequest
     XmlEncoding encoding = XmlEncoding::utf8();
 };
 
-/// The text laid out as a tree, in UTF-8, by one pass of the parser. Nothing if the text, as it is or with its
-/// lines prepared, is not well-formed.
-/// \param text  with protected angle brackets
+/// The text laid out as a tree, in UTF-8, by one pass of the parser. Nothing if the text, as it is or with
+/// its lines prepared, is not well-formed. \param text  with protected angle brackets
 [[nodiscard]] std::optional<XmlTreeText> TreeOfBook(const std::string& text, const PageRequest& request);
 
 /// The page of a text with a tree.

@@ -3,10 +3,10 @@
 #include "Boxes.h"
 #include "EmptyPage.h"
 #include "Globals.h"
+#include "TagFunctions.h"
 #include "TextFunctions.h"
 
 #include <algorithm>
-#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -20,46 +20,12 @@ constexpr std::string_view ProgramUsed = "<program-used>Vellumark</program-used>
 constexpr std::string_view AuthorStub = "<author><first-name></first-name><last-name></last-name></author>";
 constexpr std::string_view DateStub = "<date></date><id></id><version>1.0</version>";
 
-/// Position of `sought`, a tag in small letters, ignoring case.
-size_t FindTag(std::string_view text, std::string_view sought, size_t from)
+/// The element of this name, written without attributes, with its plain text.
+Extraction FindElement(std::string_view text, const std::string& name)
 {
-    constexpr char ToSmall = 0x20; // most tags are told apart by their first letter
-    for (size_t at = text.find('<', from); at != std::string_view::npos; at = text.find('<', at + 1))
-        if (at + 1 < text.size() && (text[at + 1] | ToSmall) == (sought[1] | ToSmall)
-            && FindText(text.substr(at, sought.size()), sought, 0, true) == 0)
-            return at;
-    return std::string_view::npos;
-}
-
-struct Place
-{
-    size_t start;
-    size_t size;
-};
-
-/// The first element of this name, written without attributes, from its start tag to the end tag that leaves
-/// its own name balanced within.
-std::optional<Place> FindElement(std::string_view text, std::string_view name)
-{
-    const std::string startTag = "<" + std::string(name) + ">";
-    const std::string startOfTag = "<" + std::string(name);
-    const std::string endTag = "</" + std::string(name) + ">";
-    const size_t start = FindTag(text, startTag, 0);
-    if (start == std::string_view::npos)
-        return std::nullopt;
-
-    size_t starts = 0;
-    size_t ends = 0;
-    size_t nextStart = start;
-    for (size_t end = FindTag(text, endTag, start); end != std::string_view::npos; end = FindTag(text, endTag, end)) {
-        ++ends;
-        end += endTag.size();
-        for (; nextStart < end; nextStart = FindTag(text, startOfTag, nextStart + startOfTag.size()))
-            ++starts;
-        if (starts == ends)
-            return Place {start, end - start};
-    }
-    return std::nullopt;
+    ExtractOptions options;
+    options.makePlain = options.tidy = options.ignoreCase = options.balance = true;
+    return ExtractBetween(text, "<" + name + ">", "</" + name + ">", 0, options);
 }
 
 void ReplaceFirst(std::string& text, std::string_view sought, const std::string& replacement)
@@ -68,32 +34,24 @@ void ReplaceFirst(std::string& text, std::string_view sought, const std::string&
         text.replace(at, sought.size(), replacement);
 }
 
-/// The text of an element without its tags, with single blanks.
-std::string PlainText(std::string_view element, std::string_view nbsp)
-{
-    std::string plain = RegExpReplace(element, "<[^>]*>", " ", false);
-    plain = ReplaceAll(std::move(plain), "&nbsp;", " ");
-    plain = ReplaceAll(std::move(plain), nbsp, " ");
-    return std::string(TrimBlanks(CollapseRepeats(std::move(plain), " ")));
-}
-
 /// Adds the program to those that the element names.
-void NameProgram(std::string& text, Place place, std::string_view nbsp)
+void NameProgram(std::string& text, const Extraction& used)
 {
-    std::string names = PlainText(std::string_view(text).substr(place.start, place.size), nbsp);
-    if (FindText(names, ProgramName, 0, true) != std::string::npos)
+    if (FindText(used.plain, ProgramName, 0, true) != std::string::npos)
         return;
-    names = CollapseRepeats(names + ", " + std::string(ProgramName), ",");
-    text.replace(place.start, place.size, "<program-used>" + std::string(TrimBlanks(names)) + "</program-used>");
+    const std::string names = CollapseRepeats(used.plain + ", " + std::string(ProgramName), ",");
+    text.replace(used.startPos, used.found.size(),
+                 "<program-used>" + std::string(TrimBlanks(names)) + "</program-used>");
 }
 
-void AddToDocumentInfo(std::string& text, Place place)
+void AddToDocumentInfo(std::string& text, size_t start)
 {
     constexpr std::string_view AuthorEnd = "</author>";
-    if (const size_t author = text.find(AuthorEnd, place.start); author != std::string::npos)
+    if (const size_t author = text.find(AuthorEnd, start); author != std::string::npos)
         text.insert(author + AuthorEnd.size(), ProgramUsed);
     else
-        ReplaceFirst(text, "<document-info>", "<document-info>" + std::string(AuthorStub) + std::string(ProgramUsed));
+        ReplaceFirst(text, "<document-info>",
+                     "<document-info>" + std::string(AuthorStub) + std::string(ProgramUsed));
 }
 
 } // namespace
@@ -160,14 +118,14 @@ void ProtectAngleBrackets(std::string& text)
         text.resize(to);
 }
 
-void UpdateDescription(std::string& text, std::string_view nbsp)
+void UpdateDescription(std::string& text)
 {
-    if (const std::optional<Place> used = FindElement(text, "program-used")) {
-        NameProgram(text, *used, nbsp);
+    if (const Extraction used = FindElement(text, "program-used"); !used.found.empty()) {
+        NameProgram(text, used);
         return;
     }
-    if (const std::optional<Place> info = FindElement(text, "document-info")) {
-        AddToDocumentInfo(text, *info);
+    if (const Extraction info = FindElement(text, "document-info"); !info.found.empty()) {
+        AddToDocumentInfo(text, info.startPos);
         return;
     }
 

@@ -21,8 +21,6 @@ void ProtectAngleBrackets(std::string& text);
 
 /// Sees to it that `program-used` of the description names the program. A book that does so already is
 /// unchanged; one without a `description` too.
-/// \param nbsp  the non-breaking space in the text's encoding. (The byte 160 alone would be half of a letter
-///              in UTF-8.)
-void UpdateDescription(std::string& text, std::string_view nbsp);
+void UpdateDescription(std::string& text);
 
 } // namespace vmk

@@ -11,17 +11,18 @@ namespace vmk {
 
 Seam<void(const QString&, bool)>& CaptionSeam()
 {
-    static Seam<void(const QString&, bool)> seam([](const QString&, bool) { });
+    static Seam<void(const QString&, bool)> seam([](const QString&, bool) {});
     return seam;
 }
 
 Seam<void(const QString&, bool)>& NavigateSeam()
 {
-    static Seam<void(const QString&, bool)> seam([](const QString&, bool) { });
+    static Seam<void(const QString&, bool)> seam([](const QString&, bool) {});
     return seam;
 }
 
-void ShowEmptyPage(const QString& caption, const QString& status, const QString& sound, bool preview, bool skipStatus)
+void ShowEmptyPage(const QString& caption, const QString& status, const QString& sound, bool preview,
+                   bool skipStatus)
 {
     constexpr int StatusPanels = 5;
     if (!skipStatus) {
@@ -33,7 +34,8 @@ void ShowEmptyPage(const QString& caption, const QString& status, const QString&
     if (!caption.isEmpty() && (preview || !skipStatus))
         CaptionSeam()(caption, preview);
     if (!sound.isEmpty())
-        PlaySoundFile(AppPath + QDir::separator() + QStringLiteral("sounds") + QDir::separator() + sound, true);
+        PlaySoundFile(AppPath + QDir::separator() + QStringLiteral("sounds") + QDir::separator() + sound,
+                      true);
 
     // Without a workspace there is no page to show.
     const QString& page = preview ? SampleEmptyPageFile : EmptyPageFile;

@@ -14,7 +14,8 @@ namespace vmk {
 namespace {
 
 constexpr std::array<std::string_view, 10> PaintedNames
-    = {" id=", " href=", ":href=", " type=", " version=", " encoding=", " match=", " value=", " name=", " number="};
+    = {" id=",       " href=",  ":href=",  " type=", " version=",
+       " encoding=", " match=", " value=", " name=", " number="};
 /// Painted as names only: their values stay in the tag's colour.
 constexpr std::array<std::string_view, 2> NamespaceNames = {" xmlns=", " xmlns:l="};
 
@@ -41,10 +42,10 @@ std::optional<PaintedName> PaintedNameAtEnd(std::string_view text)
         return std::nullopt;
     for (const std::string_view name : PaintedNames)
         if (text.ends_with(name))
-            return PaintedName {name, true};
+            return PaintedName{name, true};
     for (const std::string_view name : NamespaceNames)
         if (text.ends_with(name))
-            return PaintedName {name, false};
+            return PaintedName{name, false};
     return std::nullopt;
 }
 
@@ -74,7 +75,7 @@ enum class LineEnds
 /// Bytes at which copying stops.
 struct SpecialBytes
 {
-    bool set[256] {};
+    bool set[256]{};
 
     SpecialBytes(bool quotes, bool nbsp)
     {
@@ -389,7 +390,8 @@ std::string ReplaceDeclarations(std::string_view text, size_t from, std::string_
 {
     std::string result;
     size_t copied = 0;
-    for (size_t at = FindDeclaration(text, from); at != std::string_view::npos; at = FindDeclaration(text, copied)) {
+    for (size_t at = FindDeclaration(text, from); at != std::string_view::npos;
+         at = FindDeclaration(text, copied)) {
         const size_t end = text.find('>', at);
         if (end == std::string_view::npos)
             break;

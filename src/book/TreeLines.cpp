@@ -16,8 +16,9 @@ constexpr std::array<std::string_view, 7> InLineElements
     = {"a", "strong", "emphasis", "style", "strikethrough", "sub", "sup"};
 
 /// Start tags that keep their text beside them.
-constexpr std::array<std::string_view, 9> FieldTags = {"<first-name>", "<middle-name>", "<last-name>", "<date>", "<id>",
-                                                       "<lang>", "<version>", "<src-ocr>", "<src-url>"};
+constexpr std::array<std::string_view, 9> FieldTags
+    = {"<first-name>", "<middle-name>", "<last-name>", "<date>",   "<id>",
+       "<lang>",       "<version>",     "<src-ocr>",   "<src-url>"};
 
 /// One tag: "<", no further angle bracket, ">", and no line end.
 bool IsPlainTag(std::string_view entry)

@@ -40,7 +40,8 @@ private:
 /// Line ends of the text vanish, and nothing is put in their place: two words that only a line end parts are
 /// joined. Runs of blanks shrink to one.
 /// \param lineEnd  what is put between lines: CR or `CrLf`
-[[nodiscard]] std::string TreeLines(std::string text, std::string_view lineEnd, const InLineTagSet& inLineTags);
+[[nodiscard]] std::string TreeLines(std::string text, std::string_view lineEnd,
+                                    const InLineTagSet& inLineTags);
 
 /// `TreeLines` with CR and the list `InLineTags`.
 void PrepareTreeLines(std::string& text);

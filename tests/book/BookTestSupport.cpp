@@ -16,7 +16,8 @@ const std::vector<CorpusBook>& CorpusBooks()
             if (entry.path().extension() != ".fb2")
                 continue;
             std::ifstream file(entry.path(), std::ios::binary);
-            found.push_back({entry.path().filename().string(), std::string(std::istreambuf_iterator<char>(file), {})});
+            found.push_back(
+                {entry.path().filename().string(), std::string(std::istreambuf_iterator<char>(file), {})});
         }
         std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
         return found;
@@ -48,7 +49,7 @@ DisplayValues DefaultValues()
 QStringList DefaultInLineTags()
 {
     return ToList({"</a>", "</strong>", "</emphasis>", "</style>", "</strikethrough>", "</sub>", "</sup>",
-                   "<a>",  "<strong>",  "<emphasis>",  "<style>",  "<strikethrough>",  "<sub>",  "<sup>"});
+                   "<a>", "<strong>", "<emphasis>", "<style>", "<strikethrough>", "<sub>", "<sup>"});
 }
 
 QStringList ToList(const std::vector<std::string>& strings)
@@ -69,24 +70,103 @@ std::vector<std::string> ToStrings(const QStringList& list)
 
 reference::DisplayValues ToReference(const DisplayValues& values)
 {
-    return {values.fontName,  values.fontSize,        values.fontWeight,   values.textAlign,
-            values.leftMargin, values.rightMargin,    values.foreColor,    values.backColor,
-            values.nodeShift,  values.tagColor,       values.attrNameColor, values.attrValColor,
+    return {values.fontName,      values.fontSize,        values.fontWeight,    values.textAlign,
+            values.leftMargin,    values.rightMargin,     values.foreColor,     values.backColor,
+            values.nodeShift,     values.tagColor,        values.attrNameColor, values.attrValColor,
             values.tagFontWeight, values.tagHighlighting, values.showNbsp};
 }
 
 std::string TextMaker::soup()
 {
-    static const std::vector<std::string> pieces = {
-        "<p>", "</p>", "<strong>", "</strong>", "<emphasis>", "</emphasis>", "<a l:href=\"#n1\">", "</a>", "<image/>",
-        "<image l:href=\"#i.jpg\"/>", "<section id=\"a\">", "</section>", "<date value=\"1\">", "</date>", "<id>",
-        "<lang>", "<first-name>", "</first-name>", "</>", "</x/>", "<!--", "-->", "<!-- c -->", "<!-- a > b -->",
-        "<?xml version=\"1.0\"?>", "<?XML VERSION='1'?>", "<![CDATA[", "]]>", "<?pi x?>", "<!DOCTYPE b>", " ", "  ",
-        "\t", "\t\t", "\r", "\n", "\r\n", "\r\n\t\t", "&lt;", "&gt;", "&amp;", "&nbsp;", "&#1090;", "&#x442;", "&",
-        ";", "&l", "t;", "\"", "'", "=", " id=\"x\"", " id=\"", ":href=\"y\"", " xmlns=\"u\"", " xmlns:l=\"", " title=\"t\"",
-        " name=\"", " number=\"1\"", "  id=\"x\"", "<", ">", "/", "/>", "><", "> <", "\x01", "\x02", "\x03", "\x04",
-        "\x7f", "\xc2\xa0", "\xe2\x80\xb9", "\xe2\x80\xba", "\xe2\x80", "\xb9", "\xd0\xa0", "\xd1\x82", "word", "a", "0",
-        "<binary id=\"b\">", "</binary>", "</FictionBook>", "<DIV>", "</DIV>", "<DIV></DIV>", "<FONT>", "</FONT>"};
+    static const std::vector<std::string> pieces = {"<p>",
+                                                    "</p>",
+                                                    "<strong>",
+                                                    "</strong>",
+                                                    "<emphasis>",
+                                                    "</emphasis>",
+                                                    "<a l:href=\"#n1\">",
+                                                    "</a>",
+                                                    "<image/>",
+                                                    "<image l:href=\"#i.jpg\"/>",
+                                                    "<section id=\"a\">",
+                                                    "</section>",
+                                                    "<date value=\"1\">",
+                                                    "</date>",
+                                                    "<id>",
+                                                    "<lang>",
+                                                    "<first-name>",
+                                                    "</first-name>",
+                                                    "</>",
+                                                    "</x/>",
+                                                    "<!--",
+                                                    "-->",
+                                                    "<!-- c -->",
+                                                    "<!-- a > b -->",
+                                                    "<?xml version=\"1.0\"?>",
+                                                    "<?XML VERSION='1'?>",
+                                                    "<![CDATA[",
+                                                    "]]>",
+                                                    "<?pi x?>",
+                                                    "<!DOCTYPE b>",
+                                                    " ",
+                                                    "  ",
+                                                    "\t",
+                                                    "\t\t",
+                                                    "\r",
+                                                    "\n",
+                                                    "\r\n",
+                                                    "\r\n\t\t",
+                                                    "&lt;",
+                                                    "&gt;",
+                                                    "&amp;",
+                                                    "&nbsp;",
+                                                    "&#1090;",
+                                                    "&#x442;",
+                                                    "&",
+                                                    ";",
+                                                    "&l",
+                                                    "t;",
+                                                    "\"",
+                                                    "'",
+                                                    "=",
+                                                    " id=\"x\"",
+                                                    " id=\"",
+                                                    ":href=\"y\"",
+                                                    " xmlns=\"u\"",
+                                                    " xmlns:l=\"",
+                                                    " title=\"t\"",
+                                                    " name=\"",
+                                                    " number=\"1\"",
+                                                    "  id=\"x\"",
+                                                    "<",
+                                                    ">",
+                                                    "/",
+                                                    "/>",
+                                                    "><",
+                                                    "> <",
+                                                    "\x01",
+                                                    "\x02",
+                                                    "\x03",
+                                                    "\x04",
+                                                    "\x7f",
+                                                    "\xc2\xa0",
+                                                    "\xe2\x80\xb9",
+                                                    "\xe2\x80\xba",
+                                                    "\xe2\x80",
+                                                    "\xb9",
+                                                    "\xd0\xa0",
+                                                    "\xd1\x82",
+                                                    "word",
+                                                    "a",
+                                                    "0",
+                                                    "<binary id=\"b\">",
+                                                    "</binary>",
+                                                    "</FictionBook>",
+                                                    "<DIV>",
+                                                    "</DIV>",
+                                                    "<DIV></DIV>",
+                                                    "<FONT>",
+                                                    "</FONT>"};
     std::string result;
     const size_t count = 1 + below(40);
     for (size_t i = 0; i < count; ++i)
@@ -96,9 +176,9 @@ std::string TextMaker::soup()
 
 std::string TextMaker::value()
 {
-    static const std::vector<std::string> pieces
-        = {"x", " ", "  ", "\t", "\n", "\r\n", "/>", ">", "'", "&quot;", "&lt;", "&amp;", "&#9;", "&#10;", "&#160;",
-           "&#x2014;", "\xd1\x82", "#n1", " id=", "&gt;", "\xc2\xa0"};
+    static const std::vector<std::string> pieces = {
+        "x",     " ",    "  ",    "\t",     "\n",       "\r\n",     "/>",  ">",    "'",    "&quot;",  "&lt;",
+        "&amp;", "&#9;", "&#10;", "&#160;", "&#x2014;", "\xd1\x82", "#n1", " id=", "&gt;", "\xc2\xa0"};
     std::string result;
     for (size_t i = below(4); i > 0; --i)
         result += piece(pieces);
@@ -107,10 +187,37 @@ std::string TextMaker::value()
 
 std::string TextMaker::text()
 {
-    static const std::vector<std::string> pieces
-        = {"word", " ", " ", "  ", "\t", "\n", "\r\n", "\n\n", "&lt;", "&gt;", "&amp;", "&#1090;", "&#x5d0;", "&#160;",
-           "&#32;", "&#13;", "&#10;", "&#9;", "&#62;", "&#60;", "\xd1\x82\xd0\xa0", "\xc2\xa0", "\xe2\x80\xb9", "\"",
-           " id=\"x\"", " name=\"", ">", "/>", "\x7f", "'", "&#13;&#10;&#9;"};
+    static const std::vector<std::string> pieces = {"word",
+                                                    " ",
+                                                    " ",
+                                                    "  ",
+                                                    "\t",
+                                                    "\n",
+                                                    "\r\n",
+                                                    "\n\n",
+                                                    "&lt;",
+                                                    "&gt;",
+                                                    "&amp;",
+                                                    "&#1090;",
+                                                    "&#x5d0;",
+                                                    "&#160;",
+                                                    "&#32;",
+                                                    "&#13;",
+                                                    "&#10;",
+                                                    "&#9;",
+                                                    "&#62;",
+                                                    "&#60;",
+                                                    "\xd1\x82\xd0\xa0",
+                                                    "\xc2\xa0",
+                                                    "\xe2\x80\xb9",
+                                                    "\"",
+                                                    " id=\"x\"",
+                                                    " name=\"",
+                                                    ">",
+                                                    "/>",
+                                                    "\x7f",
+                                                    "'",
+                                                    "&#13;&#10;&#9;"};
     std::string result;
     for (size_t i = below(5); i > 0; --i)
         result += piece(pieces);
@@ -119,8 +226,8 @@ std::string TextMaker::text()
 
 std::string TextMaker::element(int depth)
 {
-    static const std::vector<std::string> names
-        = {"p", "p", "section", "title", "strong", "emphasis", "a", "sup", "code", "image", "date", "id", "x:y"};
+    static const std::vector<std::string> names = {
+        "p", "p", "section", "title", "strong", "emphasis", "a", "sup", "code", "image", "date", "id", "x:y"};
     static const std::vector<std::string> attributes
         = {"id", "l:href", "type", "version", "value", "name", "number", "title", "xml:lang"};
     static const std::vector<std::string> gaps = {"", "", " ", "\n", "\r\n  ", "\t", " \n "};
@@ -145,7 +252,8 @@ std::string TextMaker::element(int depth)
             result += "<!-- c" + piece({"", " > ", "\n", " <p> ", " id=\"", "  "}) + " -->";
             break;
         case 1:
-            result += "<![CDATA[" + piece({"", "x", "<p>", " &lt; ", "\n", "<!--", "<?xml version=\"1.0\"?>"}) + "]]>";
+            result += "<![CDATA[" + piece({"", "x", "<p>", " &lt; ", "\n", "<!--", "<?xml version=\"1.0\"?>"})
+                + "]]>" + piece({"x", "x ", "<p/>"}); // a tree joins sections that touch
             break;
         case 2:
             result += "<?pi" + piece({"", " data", " id=\"x\"", " <!-- "}) + "?>";
@@ -163,8 +271,9 @@ std::string TextMaker::element(int depth)
 
 std::string TextMaker::book()
 {
-    std::string result = piece({"<?xml version=\"1.0\"?>", "<?xml version=\"1.0\" encoding=\"utf-8\"?>",
-                                "<?xml version='1.0' standalone='yes'?>", "", "\xef\xbb\xbf<?xml version=\"1.0\"?>"});
+    std::string result
+        = piece({"<?xml version=\"1.0\"?>", "<?xml version=\"1.0\" encoding=\"utf-8\"?>",
+                 "<?xml version='1.0' standalone='yes'?>", "", "\xef\xbb\xbf<?xml version=\"1.0\"?>"});
     result += piece({"\n", "", "\r\n"});
     result += piece({"", "", "<!-- top -->", "<?xml-stylesheet href=\"a\"?>\n", "<!DOCTYPE FictionBook>\n",
                      "<!DOCTYPE FictionBook [<!ENTITY e \"<p>x</p>\">\n]>"});
@@ -176,14 +285,61 @@ std::string TextMaker::book()
 
 std::string TextMaker::page()
 {
-    static const std::vector<std::string> pieces = {
-        "<DIV>", "</DIV>\r\n", "</DIV>\r", "<DIV style=\"MARGIN-LEFT: 5px\">", "<SPAN class=t>&lt;p&gt;</SPAN>",
-        "<SPAN class=t>&lt;/p&gt;</SPAN>", "&lt;section&gt;", "&lt;/section&gt;", "&lt;image/&gt;", "<B>&lt;", "&gt;</B>",
-        "&lt;strong&gt;", "&lt;/strong&gt;", "&lt;", "&gt;", "&amp;", "&nbsp;", "&n", "bsp;", "&l", "t;", "&g", "<B>",
-        "</B>", "<FONT class=n> id=</FONT>", "\"x\"", " ", "  ", "\r\n", " \r\n", "\t", "\x7f", "\xc2\xa0", "\xa0",
-        "\xe2\x80\xb9", "\xe2\x80\xba", "\xe2", "\x80", "\xb9", "\xba", "\xd0\xa0", "word", "&lt;?xml version=\"1.0\"?&gt;",
-        "<?xml version=\"1.0\"?>", "&lt;!-- c --&gt;", "</HEAD>", "</head>", "&lt;/FictionBook&gt;", "&lt;FictionBook&gt;",
-        "<", ">", "x", "\xe2\x80<B>", "\r", "\n"};
+    static const std::vector<std::string> pieces = {"<DIV>",
+                                                    "</DIV>\r\n",
+                                                    "</DIV>\r",
+                                                    "<DIV style=\"MARGIN-LEFT: 5px\">",
+                                                    "<SPAN class=t>&lt;p&gt;</SPAN>",
+                                                    "<SPAN class=t>&lt;/p&gt;</SPAN>",
+                                                    "&lt;section&gt;",
+                                                    "&lt;/section&gt;",
+                                                    "&lt;image/&gt;",
+                                                    "<B>&lt;",
+                                                    "&gt;</B>",
+                                                    "&lt;strong&gt;",
+                                                    "&lt;/strong&gt;",
+                                                    "&lt;",
+                                                    "&gt;",
+                                                    "&amp;",
+                                                    "&nbsp;",
+                                                    "&n",
+                                                    "bsp;",
+                                                    "&l",
+                                                    "t;",
+                                                    "&g",
+                                                    "<B>",
+                                                    "</B>",
+                                                    "<FONT class=n> id=</FONT>",
+                                                    "\"x\"",
+                                                    " ",
+                                                    "  ",
+                                                    "\r\n",
+                                                    " \r\n",
+                                                    "\t",
+                                                    "\x7f",
+                                                    "\xc2\xa0",
+                                                    "\xa0",
+                                                    "\xe2\x80\xb9",
+                                                    "\xe2\x80\xba",
+                                                    "\xe2",
+                                                    "\x80",
+                                                    "\xb9",
+                                                    "\xba",
+                                                    "\xd0\xa0",
+                                                    "word",
+                                                    "&lt;?xml version=\"1.0\"?&gt;",
+                                                    "<?xml version=\"1.0\"?>",
+                                                    "&lt;!-- c --&gt;",
+                                                    "</HEAD>",
+                                                    "</head>",
+                                                    "&lt;/FictionBook&gt;",
+                                                    "&lt;FictionBook&gt;",
+                                                    "<",
+                                                    ">",
+                                                    "x",
+                                                    "\xe2\x80<B>",
+                                                    "\r",
+                                                    "\n"};
     std::string result = piece({"<HTML><HEAD>x</HEAD><BODY>\r\n", "<HTML><BODY>", ""});
     const size_t count = 1 + below(40);
     for (size_t i = 0; i < count; ++i)

@@ -5,6 +5,7 @@
 #include <libxml/tree.h>
 
 #include <algorithm>
+#include <map>
 #include <memory>
 
 namespace vmk::reference {
@@ -45,7 +46,8 @@ std::string ReplaceFirst(std::string text, std::string_view sought, std::string_
 size_t Count(std::string_view text, std::string_view sought)
 {
     size_t count = 0;
-    for (size_t at = text.find(sought); at != std::string_view::npos; at = text.find(sought, at + sought.size()))
+    for (size_t at = text.find(sought); at != std::string_view::npos;
+         at = text.find(sought, at + sought.size()))
         ++count;
     return count;
 }
@@ -72,8 +74,9 @@ std::string ToUtf8(const std::string& text, int codePage)
 {
     if (codePage == 65001)
         return text;
-    std::vector<std::string> table;
-    for (int byte = 0; byte < 256; ++byte)
+    static std::map<int, std::vector<std::string>> tables;
+    std::vector<std::string>& table = tables[codePage];
+    for (int byte = static_cast<int>(table.size()); byte < 256; ++byte)
         table.push_back(Utf8OfByte(static_cast<char>(byte), codePage));
     std::string result;
     for (const char c : text)
@@ -85,18 +88,23 @@ std::string ToUtf8(const std::string& text, int codePage)
 
 struct Document
 {
-    std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)> context {xmlNewParserCtxt(), xmlFreeParserCtxt};
-    std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> tree {nullptr, xmlFreeDoc};
+    std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)> context{xmlNewParserCtxt(),
+                                                                         xmlFreeParserCtxt};
+    std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> tree{nullptr, xmlFreeDoc};
     std::string source;
 
     Document(const std::string& text, int codePage)
         : source(ToUtf8(text, codePage))
     {
-        tree.reset(xmlCtxtReadMemory(context.get(), source.data(), static_cast<int>(source.size()), nullptr, "UTF-8",
+        tree.reset(xmlCtxtReadMemory(context.get(), source.data(), static_cast<int>(source.size()), nullptr,
+                                     "UTF-8",
                                      XML_PARSE_HUGE | XML_PARSE_NOENT | XML_PARSE_NONET | XML_PARSE_NOERROR
                                          | XML_PARSE_NOWARNING | XML_PARSE_IGNORE_ENC));
     }
-    [[nodiscard]] bool isGood() const { return tree && context->wellFormed != 0 && context->nsWellFormed != 0; }
+    [[nodiscard]] bool isGood() const
+    {
+        return tree && context->wellFormed != 0 && context->nsWellFormed != 0;
+    }
 };
 
 bool IsWhite(std::string_view text)
@@ -104,9 +112,10 @@ bool IsWhite(std::string_view text)
     return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
 }
 
-bool HasLineEnd(std::string_view text)
+// Tabs and line ends alone are layout.
+bool HasBlank(std::string_view white)
 {
-    return text.find_first_of("\r\n") != std::string_view::npos;
+    return white.find(' ') != std::string_view::npos;
 }
 
 std::string View(const xmlChar* text)
@@ -133,7 +142,7 @@ class Writer
 {
 public:
     explicit Writer(const std::vector<std::string>& tags)
-        : inLineNames {"a", "strong", "emphasis", "style", "strikethrough", "sub", "sup"}
+        : inLineNames{"a", "strong", "emphasis", "style", "strikethrough", "sub", "sup"}
     {
         for (const std::string& tag : tags) {
             std::string name = TrimBlanks(tag);
@@ -182,7 +191,8 @@ private:
             else if (c == '>' && !inSubset)
                 break;
         }
-        return WithCrLf(ReplaceAll(ReplaceAll(source.substr(start, end + 1 - start), CrLf, "\n"), "\r", "\n"));
+        return WithCrLf(
+            ReplaceAll(ReplaceAll(source.substr(start, end + 1 - start), CrLf, "\n"), "\r", "\n"));
     }
 
     static std::string nameOf(const xmlNode* node)
@@ -220,7 +230,7 @@ private:
             }
             const bool betweenInLine = i > 0 && i + 1 < children.size() && isInLine(children[i - 1].node)
                 && isInLine(children[i + 1].node);
-            if (!HasLineEnd(child.white) && (isInLine(element) || betweenInLine))
+            if (HasBlank(child.white) && (isInLine(element) || betweenInLine))
                 return true;
         }
         return false;
@@ -232,7 +242,8 @@ private:
         for (const xmlNs* ns = element->nsDef; ns != nullptr; ns = ns->next)
             tag += (ns->prefix != nullptr ? " xmlns:" + View(ns->prefix) : std::string(" xmlns")) + "=\""
                 + Escaped(View(ns->href), true) + "\"";
-        for (const xmlAttr* attribute = element->properties; attribute != nullptr; attribute = attribute->next) {
+        for (const xmlAttr* attribute = element->properties; attribute != nullptr;
+             attribute = attribute->next) {
             xmlChar* value = xmlNodeListGetString(element->doc, attribute->children, 1);
             const bool prefixed = attribute->ns != nullptr && attribute->ns->prefix != nullptr;
             tag += " " + (prefixed ? View(attribute->ns->prefix) + ":" : "") + View(attribute->name) + "=\""
@@ -245,7 +256,10 @@ private:
     std::string element(const xmlNode* node, int depth, bool insideMixed) const
     {
         const std::vector<Child> children = childrenOf(node);
-        const bool mixed = insideMixed || isMixed(node, children);
+        const bool holdsText = isMixed(node, children);
+        const bool mixed = insideMixed || holdsText;
+        if (children.size() == 1 && children.front().node == nullptr && !holdsText)
+            return startTag(node) + "/>";
         std::string content;
         bool laidOut = false;
         for (const Child& child : children) {
@@ -273,8 +287,8 @@ private:
         case XML_COMMENT_NODE:
             return "<!--" + WithCrLf(View(node->content)) + "-->";
         case XML_PI_NODE:
-            return "<?" + View(node->name) + (node->content != nullptr ? " " + WithCrLf(View(node->content)) : "")
-                + "?>";
+            return "<?" + View(node->name)
+                + (node->content != nullptr ? " " + WithCrLf(View(node->content)) : "") + "?>";
         default:
             return Escaped(View(node->content), false);
         }
@@ -288,13 +302,13 @@ std::string HeadBlock(const DisplayValues& v)
     const std::string end(CrLf);
     const auto span = [&end](std::string_view selector, const std::string& name, const std::string& size,
                              const std::string& weight, const std::string& align, const std::string& color) {
-        return std::string(selector) + end + "\t{font-family:" + name + ";" + end + "\tfont-size:" + size + ";" + end
-            + "\tfont-weight:" + weight + ";" + end + "\ttext-align:" + align + ";" + end + "\tcolor:" + color + ";"
-            + end + "\tpage-break-after:avoid;}" + end;
+        return std::string(selector) + end + "\t{font-family:" + name + ";" + end + "\tfont-size:" + size
+            + ";" + end + "\tfont-weight:" + weight + ";" + end + "\ttext-align:" + align + ";" + end
+            + "\tcolor:" + color + ";" + end + "\tpage-break-after:avoid;}" + end;
     };
     const auto font = [&end](std::string_view selector, const std::string& color, const std::string& middle) {
-        return std::string(selector) + end + "\t{color:" + color + ";" + end + middle + "\tpage-break-after:avoid;}"
-            + end;
+        return std::string(selector) + end + "\t{color:" + color + ";" + end + middle
+            + "\tpage-break-after:avoid;}" + end;
     };
     const std::string middle = "\tfont-weight:" + v.tagFontWeight + ";" + end + "\ttext-align:left;" + end;
     return "<HEAD>" + end + "<STYLE>" + end
@@ -303,8 +317,8 @@ std::string HeadBlock(const DisplayValues& v)
         + font("font.n", v.attrNameColor, "") + font("font.v", v.attrValColor, "")
         + span("span.c", v.fontName, v.fontSize, "bold", "left", "red")
         + span("span.et", v.fontName, v.fontSize, v.tagFontWeight, "left", v.tagColor)
-        + font("font.en", v.attrNameColor, middle) + font("font.ev", v.attrValColor, middle) + "</STYLE>" + end
-        + "</HEAD>";
+        + font("font.en", v.attrNameColor, middle) + font("font.ev", v.attrValColor, middle) + "</STYLE>"
+        + end + "</HEAD>";
 }
 
 std::string ShiftNodes(std::string text, size_t levels, int nodeShift)
@@ -419,7 +433,8 @@ std::string ReplaceWholeTags(const std::string& text, std::string_view start, st
     return result.append(text, from);
 }
 
-std::string PrepareTreeLines(std::string text, std::string_view lineEnd, const std::vector<std::string>& inLineTags)
+std::string PrepareTreeLines(std::string text, std::string_view lineEnd,
+                             const std::vector<std::string>& inLineTags)
 {
     const std::string end(lineEnd);
     text = ReplaceAll(text, "\r", "");
@@ -473,7 +488,8 @@ std::string PaintAttributes(std::string text)
 std::string ParserPass(const std::string& text, int codePage, const std::vector<std::string>& inLineTags)
 {
     const Document document(text, codePage);
-    return document.isGood() ? Writer(inLineTags).document(document.tree.get(), document.source) : std::string();
+    return document.isGood() ? Writer(inLineTags).document(document.tree.get(), document.source)
+                             : std::string();
 }
 
 bool HasParseError(const std::string& text, int codePage)
@@ -509,11 +525,10 @@ std::string Page(std::string text, const PageRequest& request)
     text = CollapseRepeats(text, " ");
 
     return "<HTML><meta content=\"text/html; charset=utf-8\" http-equiv=\"Content-Type\">" + head
-        + "<BODY STYLE=\"font-family:" + values.fontName + "; font-size:" + values.fontSize
-        + "; font-weight:" + values.fontWeight + "; text-align:" + values.textAlign
-        + "; margin-top:2px; margin-left:" + values.leftMargin + "; margin-right:" + values.rightMargin
-        + "\" text=\"" + values.foreColor + "\" bgColor=\"" + values.backColor + "\">" + std::string(CrLf) + text
-        + "</BODY></HTML>";
+        + "<BODY STYLE=\"font-family:" + values.fontName + "; font-size:" + values.fontSize + "; font-weight:"
+        + values.fontWeight + "; text-align:" + values.textAlign + "; margin-top:2px; margin-left:"
+        + values.leftMargin + "; margin-right:" + values.rightMargin + "\" text=\"" + values.foreColor
+        + "\" bgColor=\"" + values.backColor + "\">" + std::string(CrLf) + text + "</BODY></HTML>";
 }
 
 std::string ExtractText(std::string page)

@@ -33,8 +33,8 @@ std::string ReplaceAll(std::string text, std::string_view sought, std::string_vi
 /// Replaces as `ReplaceAll` does until the length no longer changes.
 std::string CollapseRepeats(std::string text, std::string_view unit);
 std::string TrimBlanks(std::string_view text);
-/// Replaces every match of `start`, `[^>]*` and ">" by `before`, what `[^>]*` and `kept` matched, and `after`.
-/// `kept` is the end of `start` that stays.
+/// Replaces every match of `start`, `[^>]*` and ">" by `before`, what `[^>]*` and `kept` matched, and
+/// `after`. `kept` is the end of `start` that stays.
 std::string ReplaceUpToAngle(const std::string& text, std::string_view start, std::string_view before,
                              std::string_view kept, std::string_view after, bool ignoreCase);
 

@@ -11,9 +11,9 @@ using ByteSet = bool[256];
 
 struct SpecialBytes
 {
-    ByteSet inText {};
-    ByteSet inValue {};
-    ByteSet inRawText {}; // comments and the like: nothing is escaped there
+    ByteSet inText{};
+    ByteSet inValue{};
+    ByteSet inRawText{}; // comments and the like: nothing is escaped there
 
     constexpr SpecialBytes()
     {
@@ -31,9 +31,10 @@ bool IsWhite(std::string_view text)
     return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
 }
 
-bool HasLineEnd(std::string_view text)
+/// Tabs and line ends alone are layout, as a saved tree has them; a blank may part words.
+bool HasBlank(std::string_view white)
 {
-    return text.find_first_of("\r\n") != std::string_view::npos;
+    return white.find(' ') != std::string_view::npos;
 }
 
 } // namespace
@@ -195,14 +196,15 @@ void XmlSerializer::settleWhite(Element& parent, Next next)
     if (white.empty())
         return;
     const bool betweenInLine = parent.afterInLine && next == Next::InLineElement;
-    if (!HasLineEnd(white) && (parent.inLine || betweenInLine))
+    const bool isText = HasBlank(white) && (parent.inLine || betweenInLine);
+    if (isText)
         makeMixed(parent);
 
     // It is written even where a break will take its place: text may follow, and then it has to be there.
     // Line ends in it are the layout's own and go.
     std::erase_if(white, [](char c) { return c == '\r' || c == '\n'; });
     const bool nothingElse = next == Next::EndTag && !parent.hasContent;
-    if (!white.empty() && (parent.mixed || !nothingElse)) {
+    if (!white.empty() && (isText || !nothingElse)) {
         openContent(parent);
         out.text += white;
         writtenWhite = static_cast<uint32_t>(white.size());

@@ -41,7 +41,8 @@ struct XmlTreeText
 ///
 /// Every child of an element that holds only elements stands on a line of its own; an element that holds
 /// text stays on one line, with its content untouched. White space alone between elements goes, except in
-/// the midst of text: in an element that holds text, and between in-line elements. An element without
+/// the midst of text: in an element that holds text, and, if there is a blank in it, in or between in-line
+/// elements (a space there parts words). An element without
 /// content is written `<name/>`, attribute values stand in double quotes; `&`, `<` and `>` are escaped and
 /// references resolved. Comments, processing instructions, CDATA sections and the document type stay in
 /// their places. Line ends in text, CDATA, comments and values are written `CrLf`.
@@ -76,7 +77,12 @@ private:
         bool hasContent = false;
         bool afterInLine = false; // its last child so far is an in-line element
     };
-    enum class Next { InLineElement, Other, EndTag };
+    enum class Next
+    {
+        InLineElement,
+        Other,
+        EndTag
+    };
 
     void beginChild(Next kind);
     void beginText();
