@@ -1,0 +1,621 @@
+#include "DisplayView.h"
+
+#include "AccessibleDisplay.h"
+#include "PageFile.h"
+
+#include <QAccessible>
+#include <QGuiApplication>
+#include <QMimeData>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QScreen>
+#include <QScrollBar>
+#include <QStyleHints>
+#include <QTimer>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace vmk {
+
+namespace {
+
+/// One idle slice; the timer's next turn comes after all waiting input.
+constexpr std::chrono::milliseconds IdleSlice(4);
+/// Laying out what is seen changes what is seen; it comes to rest after very few rounds.
+constexpr int PlacingRounds = 8;
+/// Pixels of one step of the wheel's third or the scroll bar's arrows.
+constexpr int ScrollStep = 20;
+constexpr int CaretWidth = 1;
+/// Lines at either end that tell the bounds of a long piece of text.
+constexpr int BoundingLines = 50;
+
+} // namespace
+
+DisplayView::DisplayView(QWidget* parent)
+    : QAbstractScrollArea(parent)
+    , page(content)
+{
+    InstallAccessibleDisplay();
+    setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_InputMethodEnabled);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setFrameShape(QFrame::NoFrame);
+    setAcceptDrops(true);
+    viewport()->setCursor(Qt::IBeamCursor);
+    viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
+    viewport()->setMouseTracking(true);
+    verticalScrollBar()->setSingleStep(ScrollStep);
+    content.setListener(this);
+    content.setLayout(this);
+    resetPage();
+}
+
+DisplayView::~DisplayView()
+{
+    content.setListener(nullptr);
+    content.setLayout(nullptr);
+}
+
+// ---------------------------------------------------------------- navigation
+
+bool DisplayView::Navigate(const QString& target)
+{
+    bool cancel = false;
+    if (events.onbeforenavigate)
+        events.onbeforenavigate(target, cancel);
+    if (cancel)
+        return false;
+    loading = true;
+    pendingLocation = PathOfPage(target);
+    QTimer::singleShot(0, this, &DisplayView::completeNavigation);
+    return true;
+}
+
+void DisplayView::completeNavigation()
+{
+    // A second navigation before the first was complete takes its place.
+    if (pendingLocation.isNull())
+        return;
+    pageLocation = std::exchange(pendingLocation, QString());
+    editable = false;
+    content.loadPage(ReadPageFile(pageLocation));
+    loading = false;
+    if (events.ondocumentcomplete)
+        events.ondocumentcomplete(pageLocation);
+    DisplayEvent event = makeEvent("readystatechange"_L1, {});
+    raise(events.onreadystatechange, event);
+}
+
+void DisplayView::setPage(const QByteArray& html)
+{
+    pendingLocation = QString();
+    loading = false;
+    pageLocation = u"about:blank"_s;
+    content.loadPage(html);
+}
+
+QString DisplayView::readyState() const
+{
+    return loading ? u"loading"_s : u"complete"_s;
+}
+
+QString DisplayView::designMode() const
+{
+    return editable ? u"On"_s : u"Off"_s;
+}
+
+void DisplayView::setDesignMode(const QString& mode)
+{
+    editable = mode.compare(u"On", Qt::CaseInsensitive) == 0;
+    showCaret();
+    QTimer::singleShot(0, this, [this] {
+        DisplayEvent event = makeEvent("readystatechange"_L1, {});
+        raise(events.onreadystatechange, event);
+    });
+}
+
+// ---------------------------------------------------------------- events to the owner
+
+DisplayEvent DisplayView::makeEvent(QLatin1StringView type, Qt::KeyboardModifiers modifiers) const
+{
+    DisplayEvent event;
+    event.type = type;
+    event.ctrlKey = modifiers.testFlag(Qt::ControlModifier);
+    event.altKey = modifiers.testFlag(Qt::AltModifier);
+    event.shiftKey = modifiers.testFlag(Qt::ShiftModifier);
+    return event;
+}
+
+/// Calls a handler with `currentEvent` set. True if the display is to act on the event itself.
+bool DisplayView::raise(const DisplayEvents::Handler& handler, DisplayEvent& event)
+{
+    if (!handler)
+        return true;
+    DisplayEvent* const outer = std::exchange(current, &event);
+    handler(event);
+    current = outer;
+    return event.returnValue;
+}
+
+void DisplayView::raiseScroll()
+{
+    DisplayEvent event = makeEvent("scroll"_L1, QGuiApplication::keyboardModifiers());
+    raise(events.onscroll, event);
+}
+
+// ---------------------------------------------------------------- the document's ear
+
+void DisplayView::linesChanged(int first, int removed, int inserted)
+{
+    page.linesChanged(first, removed, inserted);
+    moveAnchor(first, removed, inserted);
+    knownSelection = content.selection();
+    unsettled = true;
+    viewport()->update();
+    if (QAccessible::isActive())
+        ReportTextChange(*this, first, inserted);
+    Q_EMIT selectionOrTextChanged();
+}
+
+void DisplayView::selectionChanged()
+{
+    // An edit that carries the selection along leaves the view where it is; a selection that somebody
+    // makes comes into view.
+    if (content.selection() != knownSelection) {
+        knownSelection = content.selection();
+        revealPending = true;
+    }
+    viewport()->update();
+    showCaret();
+    updateMicroFocus();
+    if (QAccessible::isActive())
+        ReportCaretMove(*this);
+    Q_EMIT selectionOrTextChanged();
+}
+
+void DisplayView::documentReset()
+{
+    top = 0;
+    anchor = {};
+    rememberedX.reset();
+    revealPending = false;
+    knownSelection = content.selection();
+    resetPage();
+}
+
+void DisplayView::resetPage()
+{
+    page.reset(clientWidth(), dotsPerInch());
+    if (anchor.place.line >= content.lineCount())
+        anchor = {};
+    unsettled = true;
+    viewport()->update();
+}
+
+// ---------------------------------------------------------------- where the page stands
+
+/// Makes good all that is outstanding: every question about places and every paint begins here.
+void DisplayView::settle()
+{
+    if (settling)
+        return;
+    settling = true;
+    if (std::exchange(unsettled, false))
+        holdAnchor();
+    if (std::exchange(revealPending, false))
+        revealNow(content.selection().focus);
+    settling = false;
+    if (!page.isMeasured() && !idleTimer.isActive() && isVisible())
+        idleTimer.start(0, this);
+}
+
+/// Brings a height of the page to the view's top, as far as the page reaches, and lays out what is seen.
+void DisplayView::placePage(double wantedTop)
+{
+    const int before = top;
+    for (int round = 0; round < PlacingRounds; ++round) {
+        const auto lowest = std::max(0.0, double(page.height() - clientHeight()));
+        top = int(std::lround(std::clamp(wantedTop, 0.0, lowest)));
+        if (!page.prepare(top, top + clientHeight()))
+            break;
+    }
+    anchor = page.anchorAt(top);
+    updateScrollBar();
+    if (top != before) {
+        viewport()->update();
+        updateMicroFocus();
+    }
+}
+
+/// Moves what is seen by so many pixels. What comes into view above is measured first, so that no row
+/// jumps when its real height shows.
+void DisplayView::movePage(int distance)
+{
+    for (int round = 0; round < PlacingRounds && distance < 0; ++round) {
+        if (!page.prepare(top + distance, top))
+            break;
+        holdAnchor();
+    }
+    placePage(top + distance);
+}
+
+void DisplayView::holdAnchor()
+{
+    const int before = top;
+    placePage(page.heightOf(anchor));
+    if (top == before)
+        viewport()->update();
+}
+
+void DisplayView::updateScrollBar()
+{
+    movingScrollBar = true;
+    QScrollBar* bar = verticalScrollBar();
+    bar->setPageStep(clientHeight());
+    bar->setRange(0, int(std::max<int64_t>(0, page.height() - clientHeight())));
+    bar->setValue(top);
+    movingScrollBar = false;
+}
+
+void DisplayView::moveAnchor(int first, int removed, int inserted)
+{
+    Position& place = anchor.place;
+    if (place.line >= first + removed)
+        place.line += inserted - removed;
+    else if (place.line >= first + inserted)
+        place = {std::max(0, first + inserted - 1), 0};
+    place = content.valid(place);
+}
+
+void DisplayView::revealNow(Position place)
+{
+    const int before = top;
+    for (int round = 0; round < PlacingRounds; ++round) {
+        const QRectF caret = page.caretRect(place);
+        holdAnchor();
+        double wanted = top;
+        if (caret.bottom() > wanted + clientHeight())
+            wanted = caret.bottom() - clientHeight();
+        if (caret.top() < wanted)
+            wanted = caret.top();
+        if (wanted == top)
+            break;
+        placePage(wanted);
+    }
+    if (top != before)
+        raiseScroll();
+}
+
+QRect DisplayView::toClient(const QRectF& pageRect) const
+{
+    // Whole pixels around it; a caret stays without width.
+    const int left = int(std::floor(pageRect.left()));
+    const int width = pageRect.width() > 0 ? int(std::ceil(pageRect.right())) - left : 0;
+    return {left, int(pageRect.top()) - top, width, int(pageRect.height())};
+}
+
+double DisplayView::dotsPerInch() const
+{
+    return logicalDpiY();
+}
+
+int DisplayView::scrollTop()
+{
+    settle();
+    return top;
+}
+
+int DisplayView::scrollHeight()
+{
+    settle();
+    return int(std::max<int64_t>(page.height(), clientHeight()));
+}
+
+int DisplayView::clientWidth() const
+{
+    return viewport()->width();
+}
+
+int DisplayView::clientHeight() const
+{
+    return viewport()->height();
+}
+
+void DisplayView::scroll(int, int y)
+{
+    settle();
+    const int before = top;
+    placePage(y);
+    if (top != before)
+        raiseScroll();
+}
+
+void DisplayView::scrollBy(int, int y)
+{
+    settle();
+    const int before = top;
+    movePage(y);
+    if (top != before)
+        raiseScroll();
+}
+
+int64_t DisplayView::rowNumber(Position place)
+{
+    settle();
+    const int64_t number = page.rowsAbove(content.valid(place)) + 1;
+    holdAnchor();
+    return number;
+}
+
+std::vector<QRect> DisplayView::clientRects(Position from, Position to)
+{
+    settle();
+    const std::vector<QRectF> rects = page.rects(content.valid(from), content.valid(to));
+    holdAnchor();
+    std::vector<QRect> result;
+    result.reserve(rects.size());
+    for (const QRectF& rect : rects)
+        result.push_back(toClient(rect));
+    return result;
+}
+
+QRect DisplayView::boundingRect(Position from, Position to)
+{
+    settle();
+    from = content.valid(from);
+    to = content.valid(to);
+    const bool isLong = to.line - from.line > 2 * BoundingLines;
+    std::vector<QRectF> rects = page.rects(from, isLong ? Position{from.line + BoundingLines, 0} : to);
+    if (isLong) {
+        const std::vector<QRectF> last = page.rects({to.line - BoundingLines, 0}, to);
+        rects.insert(rects.end(), last.begin(), last.end());
+    }
+    holdAnchor();
+    if (rects.empty())
+        return {};
+    // Not `united`, which passes over rectangles without width.
+    QRectF bounds = rects.front();
+    for (const QRectF& rect : rects) {
+        bounds.setLeft(std::min(bounds.left(), rect.left()));
+        bounds.setRight(std::max(bounds.right(), rect.right()));
+        bounds.setTop(std::min(bounds.top(), rect.top()));
+        bounds.setBottom(std::max(bounds.bottom(), rect.bottom()));
+    }
+    return toClient(bounds);
+}
+
+Position DisplayView::positionAt(QPoint clientPoint)
+{
+    settle();
+    const Position place = page.positionAt(toPage(clientPoint));
+    holdAnchor();
+    return place;
+}
+
+int DisplayView::lineAt(QPoint clientPoint)
+{
+    settle();
+    const QPointF point = toPage(clientPoint);
+    const int line = page.lineAt(point.y());
+    const int64_t lineTop = page.lineTop(line);
+    const bool inside
+        = point.y() >= double(lineTop) && point.y() < double(lineTop + page.heights().at(line).height);
+    return inside && content.line(line).block != NoTag ? line : -1;
+}
+
+QPoint DisplayView::scrollOffset()
+{
+    return {scrollLeft(), scrollTop()};
+}
+
+void DisplayView::scrollIntoView(Position place)
+{
+    settle();
+    const int before = top;
+    // What lies above the place does not matter; what comes below is laid out on the way.
+    placePage(page.caretRect(content.valid(place)).top());
+    if (top != before)
+        raiseScroll();
+}
+
+DisplayView::TextRun DisplayView::runAt(Position place)
+{
+    place = content.valid(place);
+    const Line& line = content.line(place.line);
+    TextRun run;
+    run.look = page.style().look(page.style().block(line.block).text);
+    page.style().forEachRun(line, [&](int from, int to, LookId look) {
+        if (from <= place.offset && (place.offset < to || to == line.text.size()))
+            run = {from, to, page.style().look(look)};
+    });
+    return run;
+}
+
+QRect DisplayView::caretRect()
+{
+    settle();
+    const QRectF rect = page.caretRect(content.selection().focus);
+    holdAnchor();
+    return toClient(rect);
+}
+
+// ---------------------------------------------------------------- widget events
+
+bool DisplayView::event(QEvent* event)
+{
+    // Keys are the document's before they are any menu's shortcut: the owner's handler decides.
+    if (event->type() == QEvent::ShortcutOverride) {
+        event->accept();
+        return true;
+    }
+    return QAbstractScrollArea::event(event);
+}
+
+void DisplayView::resizeEvent(QResizeEvent*)
+{
+    if (clientWidth() != int(page.width()))
+        page.setWidth(clientWidth());
+    unsettled = true;
+    settle();
+    viewport()->update();
+    // A browser raises this for the window and once more for its body; owners count on the pair.
+    for (int i = 0; i < 2; ++i) {
+        DisplayEvent event = makeEvent("resize"_L1, {});
+        raise(events.onresize, event);
+    }
+}
+
+void DisplayView::changeEvent(QEvent* event)
+{
+    QAbstractScrollArea::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ActivationChange)
+        viewport()->update();
+}
+
+void DisplayView::scrollContentsBy(int, int)
+{
+    if (movingScrollBar)
+        return;
+    const int wanted = verticalScrollBar()->value();
+    const int before = top;
+    settle();
+    // The thumb names a place of the page; everything else a distance.
+    if (verticalScrollBar()->isSliderDown())
+        placePage(wanted);
+    else
+        movePage(wanted - before);
+    if (top != before)
+        raiseScroll();
+}
+
+void DisplayView::timerEvent(QTimerEvent* event)
+{
+    if (event->timerId() == blinkTimer.timerId()) {
+        caretOn = !caretOn;
+        viewport()->update(caretRect().adjusted(-1, 0, CaretWidth + 1, 0));
+    } else if (event->timerId() == dragTimer.timerId()) {
+        scrollWhileDragging();
+    } else if (event->timerId() == idleTimer.timerId()) {
+        settle();
+        const bool more = page.measureFor(IdleSlice, anchor.place.line);
+        if (const double height = page.heightOf(anchor); height != top)
+            holdAnchor();
+        updateScrollBar();
+        if (!more) {
+            idleTimer.stop();
+            Q_EMIT measured();
+        }
+    } else {
+        QAbstractScrollArea::timerEvent(event);
+    }
+}
+
+void DisplayView::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls())
+        event->acceptProposedAction();
+}
+
+void DisplayView::dragMoveEvent(QDragMoveEvent* event)
+{
+    if (event->mimeData()->hasUrls())
+        event->acceptProposedAction();
+}
+
+void DisplayView::dropEvent(QDropEvent* event)
+{
+    // A file dropped is a navigation, for the owner to decide on; text is never dropped in.
+    if (!event->mimeData()->hasUrls())
+        return;
+    event->acceptProposedAction();
+    const QUrl url = event->mimeData()->urls().constFirst();
+    Navigate(url.isLocalFile() ? url.toLocalFile() : url.toString());
+}
+
+void DisplayView::focusInEvent(QFocusEvent* event)
+{
+    QAbstractScrollArea::focusInEvent(event);
+    showCaret();
+    viewport()->update();
+}
+
+void DisplayView::focusOutEvent(QFocusEvent* event)
+{
+    QAbstractScrollArea::focusOutEvent(event);
+    showCaret();
+    viewport()->update();
+    DisplayEvent lost = makeEvent("focusout"_L1, {});
+    raise(events.onfocusout, lost);
+}
+
+// ---------------------------------------------------------------- painting
+
+void DisplayView::showCaret()
+{
+    const int flashTime = QGuiApplication::styleHints()->cursorFlashTime();
+    caretOn = editable && hasFocus();
+    if (caretOn && flashTime > 1)
+        blinkTimer.start(flashTime / 2, this);
+    else
+        blinkTimer.stop();
+}
+
+void DisplayView::paintEvent(QPaintEvent* event)
+{
+    settle();
+    QPainter painter(viewport());
+    const QRect exposed = event->rect();
+    painter.fillRect(exposed, page.style().background());
+    painter.translate(0, -top);
+
+    PageLayout::Painting painting;
+    painting.area = QRectF(exposed).translated(0, top);
+    painting.selectionStart = content.selection().start();
+    painting.selectionEnd = content.selection().end();
+    const QPalette::ColorGroup group = hasFocus() ? QPalette::Active : QPalette::Inactive;
+    painting.selectionBackground = palette().color(group, QPalette::Highlight);
+    painting.selectionText = palette().color(group, QPalette::HighlightedText);
+    page.paint(painter, painting);
+
+    paintPreedit(painter);
+    paintCaret(painter);
+}
+
+void DisplayView::paintCaret(QPainter& painter)
+{
+    if (!caretOn)
+        return;
+    QRectF rect = page.caretRect(content.selection().focus);
+    if (page.hasPreedit()) {
+        const std::vector<QRectF> rects = page.preeditRects(preeditCursor, preeditCursor);
+        if (!preeditCaretShown || rects.empty())
+            return;
+        rect = rects.front();
+    }
+    rect.setLeft(std::clamp(std::floor(rect.left()), 0.0, std::max(0.0, page.width() - CaretWidth)));
+    rect.setWidth(CaretWidth);
+    const QColor paper = page.style().background();
+    painter.fillRect(rect, paper.lightness() < 128 ? Qt::white : Qt::black);
+}
+
+void DisplayView::paintPreedit(QPainter& painter)
+{
+    for (const QTextLayout::FormatRange& range : std::as_const(preeditFormats)) {
+        for (const QRectF& rect : page.preeditRects(range.start, range.start + range.length)) {
+            const QBrush background = range.format.background();
+            if (background.style() != Qt::NoBrush) {
+                QColor tint = background.color();
+                tint.setAlpha(96);
+                painter.fillRect(rect, tint);
+            }
+            painter.setPen(page.style().background().lightness() < 128 ? Qt::white : Qt::black);
+            painter.drawLine(rect.bottomLeft() - QPointF(0, 1), rect.bottomRight() - QPointF(0, 1));
+        }
+    }
+}
+
+} // namespace vmk

@@ -1,0 +1,514 @@
+// The keyboard of the display: events to the owner, then what a browser's edit mode does by itself.
+
+#include "DisplayView.h"
+
+#include "Desktop.h"
+#include "VirtualKeys.h"
+
+#include <QAccessible>
+#include <QGuiApplication>
+#include <QInputMethod>
+#include <QKeyEvent>
+#include <QScrollBar>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace vmk {
+
+namespace {
+
+/// Pixels of one row when the page is scrolled by key.
+constexpr int KeyScroll = 40;
+/// Characters around the caret that an input method is told.
+constexpr int SurroundingText = 2000;
+
+enum class CharKind
+{
+    Blank,
+    Word,
+    Other
+};
+
+CharKind kindOf(QChar c)
+{
+    if (c.isSpace())
+        return CharKind::Blank;
+    return c.isLetterOrNumber() || c.isMark() || c == u'_' || c.isSurrogate() ? CharKind::Word
+                                                                              : CharKind::Other;
+}
+
+/// The text that a key types, empty for a key that is a command.
+QString typedText(const QKeyEvent& event)
+{
+    const Qt::KeyboardModifiers modifiers = event.modifiers();
+    const bool control = modifiers.testFlag(Qt::ControlModifier);
+    const bool alt = modifiers.testFlag(Qt::AltModifier);
+    // Ctrl and Alt together are how some keyboards say AltGr.
+    if (control != alt || modifiers.testFlag(Qt::MetaModifier))
+        return {};
+    const QString text = event.text();
+    const bool printable = !text.isEmpty()
+        && (text.front().isPrint() || text.front().isSurrogate()
+            || text.front().category() == QChar::Other_Format);
+    return printable ? text : QString();
+}
+
+} // namespace
+
+void DisplayView::keyPressEvent(QKeyEvent* event)
+{
+    const int keyCode = VirtualKeyCode(*event);
+    DisplayEvent down = makeEvent("keydown"_L1, event->modifiers());
+    down.keyCode = keyCode;
+    event->accept();
+    if (raise(events.onkeydown, down))
+        handleKey(*event, keyCode);
+}
+
+void DisplayView::keyReleaseEvent(QKeyEvent* event)
+{
+    if (event->isAutoRepeat())
+        return;
+    DisplayEvent up = makeEvent("keyup"_L1, event->modifiers());
+    up.keyCode = VirtualKeyCode(*event);
+    raise(events.onkeyup, up);
+}
+
+bool DisplayView::focusNextPrevChild(bool)
+{
+    // Tab comes as a key; what the owner leaves of it moves the focus.
+    return false;
+}
+
+void DisplayView::handleKey(const QKeyEvent& event, int keyCode)
+{
+    const Qt::KeyboardModifiers modifiers = event.modifiers();
+    if (keyCode == VirtualKey::Tab && !modifiers.testFlag(Qt::ControlModifier)) {
+        QAbstractScrollArea::focusNextPrevChild(!modifiers.testFlag(Qt::ShiftModifier));
+        return;
+    }
+    if (commandByKey(keyCode, modifiers))
+        return;
+    if (!editable) {
+        scrollByKey(keyCode, modifiers);
+        return;
+    }
+    if (modifiers.testFlag(Qt::AltModifier) && !modifiers.testFlag(Qt::ControlModifier))
+        return;
+    if (moveByKey(keyCode, modifiers) || editByKey(keyCode, modifiers))
+        return;
+    if (const QString text = typedText(event); !text.isEmpty()) {
+        rememberedX.reset();
+        content.typeText(text);
+        reveal();
+    }
+}
+
+bool DisplayView::commandByKey(int keyCode, Qt::KeyboardModifiers modifiers)
+{
+    const bool control = modifiers.testFlag(Qt::ControlModifier) && !modifiers.testFlag(Qt::AltModifier);
+    const bool shift = modifiers.testFlag(Qt::ShiftModifier);
+    if (keyCode == VirtualKey::Insert && control)
+        copy();
+    else if (keyCode == VirtualKey::Insert && shift)
+        paste();
+    else if (keyCode == VirtualKey::Delete && shift)
+        cut();
+    else if (!control)
+        return false;
+    else if (keyCode == 'A')
+        selectAll();
+    else if (keyCode == 'C')
+        copy();
+    else if (keyCode == 'X')
+        cut();
+    else if (keyCode == 'V')
+        paste();
+    else if (keyCode == 'Y' || (keyCode == 'Z' && shift))
+        redo();
+    else if (keyCode == 'Z')
+        undo();
+    else
+        return false;
+    return true;
+}
+
+bool DisplayView::moveByKey(int keyCode, Qt::KeyboardModifiers modifiers)
+{
+    const bool select = modifiers.testFlag(Qt::ShiftModifier);
+    const bool control = modifiers.testFlag(Qt::ControlModifier);
+    const Selection selection = content.selection();
+    const Position caret = selection.focus;
+    switch (keyCode) {
+    case VirtualKey::Left:
+        if (!select && !control && !selection.isEmpty())
+            moveCaret(selection.start(), false);
+        else
+            moveCaret(control ? previousWord(caret) : page.previous(caret), select);
+        return true;
+    case VirtualKey::Right:
+        if (!select && !control && !selection.isEmpty())
+            moveCaret(selection.end(), false);
+        else
+            moveCaret(control ? nextWord(caret) : page.next(caret), select);
+        return true;
+    case VirtualKey::Up:
+        moveVertically(-1, select);
+        return true;
+    case VirtualKey::Down:
+        moveVertically(1, select);
+        return true;
+    case VirtualKey::Home:
+        moveCaret(control ? Position{} : page.rowEnds(caret).first, select);
+        return true;
+    case VirtualKey::End:
+        moveCaret(control ? content.end() : page.rowEnds(caret).second, select);
+        return true;
+    case VirtualKey::PageUp:
+        moveByPage(-1, select);
+        return true;
+    case VirtualKey::PageDown:
+        moveByPage(1, select);
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool DisplayView::editByKey(int keyCode, Qt::KeyboardModifiers modifiers)
+{
+    const bool control = modifiers.testFlag(Qt::ControlModifier);
+    const Position caret = content.selection().focus;
+    switch (keyCode) {
+    case VirtualKey::Enter:
+        content.insertLineBreak();
+        break;
+    case VirtualKey::Backspace:
+        if (control)
+            deleteTo(previousWord(caret));
+        else
+            content.deleteBackward();
+        break;
+    case VirtualKey::Delete:
+        if (control)
+            deleteTo(nextWord(caret));
+        else
+            content.deleteForward();
+        break;
+    default:
+        return false;
+    }
+    rememberedX.reset();
+    reveal();
+    return true;
+}
+
+bool DisplayView::scrollByKey(int keyCode, Qt::KeyboardModifiers)
+{
+    switch (keyCode) {
+    case VirtualKey::Up:
+        scrollBy(0, -KeyScroll);
+        return true;
+    case VirtualKey::Down:
+        scrollBy(0, KeyScroll);
+        return true;
+    case VirtualKey::PageUp:
+        scrollBy(0, -clientHeight());
+        return true;
+    case VirtualKey::PageDown:
+    case VirtualKey::Space:
+        scrollBy(0, clientHeight());
+        return true;
+    case VirtualKey::Home:
+        scroll(0, 0);
+        return true;
+    case VirtualKey::End:
+        scroll(0, scrollHeight());
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// Shows the caret after an edit by key, wherever the edit has carried it.
+void DisplayView::reveal()
+{
+    revealPending = true;
+    viewport()->update();
+}
+
+void DisplayView::moveCaret(Position place, bool select)
+{
+    rememberedX.reset();
+    content.setSelection(select ? content.selection().anchor : place, place);
+    reveal();
+}
+
+/// To the row above (-1) or below (1), as near as can be to the column where the moves began.
+void DisplayView::moveVertically(int direction, bool select)
+{
+    settle();
+    const Position caret = content.selection().focus;
+    const QRectF rect = page.caretRect(caret);
+    const double x = rememberedX.value_or(rect.left());
+    const auto [rowStart, rowEnd] = page.rowEnds(caret);
+    Position place;
+    if (direction < 0)
+        place = rowStart == Position{} ? caret : page.onRow(page.previous(rowStart), x);
+    else
+        place = page.onRow(page.next(rowEnd), x);
+    // Below the last row the next place is the same one again.
+    if (direction > 0 && page.next(rowEnd) == rowEnd)
+        place = caret;
+    moveCaret(place, select);
+    rememberedX = x;
+}
+
+/// Caret and page move alike, by the view's height less one row; at the page's ends the caret alone.
+void DisplayView::moveByPage(int direction, bool select)
+{
+    settle();
+    const Position caret = content.selection().focus;
+    const QRectF rect = page.caretRect(caret);
+    const double x = rememberedX.value_or(rect.left());
+    const int distance = direction * std::max(KeyScroll, clientHeight() - int(rect.height()));
+    const int before = top;
+    movePage(distance);
+    if (top != before)
+        raiseScroll();
+    moveCaret(page.positionAt(QPointF(x, page.caretRect(caret).center().y() + distance)), select);
+    rememberedX = x;
+}
+
+void DisplayView::deleteTo(Position place)
+{
+    if (content.selection().isEmpty())
+        content.setSelection(content.selection().focus, place);
+    content.deleteSelection();
+}
+
+/// The beginning of the next word; the end of a line counts as one.
+Position DisplayView::nextWord(Position place)
+{
+    const QString& text = content.line(place.line).text;
+    if (place.offset >= text.size())
+        return page.next(place);
+    qsizetype at = place.offset;
+    const CharKind kind = kindOf(text[at]);
+    while (at < text.size() && kindOf(text[at]) == kind)
+        ++at;
+    while (at < text.size() && kindOf(text[at]) == CharKind::Blank)
+        ++at;
+    return {place.line, int(at)};
+}
+
+/// The beginning of the word in front of a place.
+Position DisplayView::previousWord(Position place)
+{
+    if (place.offset == 0)
+        return page.previous(place);
+    const QString& text = content.line(place.line).text;
+    qsizetype at = place.offset;
+    while (at > 0 && kindOf(text[at - 1]) == CharKind::Blank)
+        --at;
+    if (at == 0)
+        return {place.line, 0};
+    const CharKind kind = kindOf(text[at - 1]);
+    while (at > 0 && kindOf(text[at - 1]) == kind)
+        --at;
+    return {place.line, int(at)};
+}
+
+/// The run of characters of one kind around a place; at the border of two, the word.
+std::pair<Position, Position> DisplayView::wordAt(Position place) const
+{
+    const QString& text = content.line(place.line).text;
+    if (text.isEmpty())
+        return {place, place};
+    qsizetype at = std::min<qsizetype>(place.offset, text.size() - 1);
+    if (at > 0 && kindOf(text[at]) != CharKind::Word && kindOf(text[at - 1]) == CharKind::Word)
+        --at;
+    const CharKind kind = kindOf(text[at]);
+    qsizetype from = at;
+    qsizetype to = at + 1;
+    while (from > 0 && kindOf(text[from - 1]) == kind)
+        --from;
+    while (to < text.size() && kindOf(text[to]) == kind)
+        ++to;
+    return {{place.line, int(from)}, {place.line, int(to)}};
+}
+
+// ---------------------------------------------------------------- commands
+
+void DisplayView::selectAll()
+{
+    content.setSelection({}, content.end());
+}
+
+QString DisplayView::selectedText() const
+{
+    const Position from = content.selection().start();
+    const Position to = content.selection().end();
+    QString text;
+    for (int line = from.line; line <= to.line; ++line) {
+        const QString& all = content.line(line).text;
+        const int begin = line == from.line ? from.offset : 0;
+        const int end = line == to.line ? to.offset : int(all.size());
+        text += QStringView(all).sliced(begin, end - begin);
+        if (line < to.line)
+            text += "\r\n"_L1;
+    }
+    return text;
+}
+
+void DisplayView::copy() const
+{
+    if (!content.selection().isEmpty())
+        SetClipboardText(selectedText());
+}
+
+void DisplayView::cut()
+{
+    copy();
+    if (!editable)
+        return;
+    content.deleteSelection();
+    reveal();
+}
+
+void DisplayView::paste()
+{
+    insertText(ClipboardText());
+}
+
+void DisplayView::insertText(const QString& text)
+{
+    if (!editable || text.isEmpty())
+        return;
+    QString lines = text;
+    lines.replace("\r\n"_L1, "\n"_L1).replace(u'\r', u'\n');
+    const DisplayDocument::EditGroup oneStep(content);
+    const QStringList parts = lines.split(u'\n');
+    for (qsizetype i = 0; i < parts.size(); ++i) {
+        if (i > 0)
+            content.insertLineBreak();
+        if (!parts[i].isEmpty())
+            content.typeText(parts[i]);
+    }
+    reveal();
+}
+
+void DisplayView::undo()
+{
+    if (editable && content.undo())
+        reveal();
+}
+
+void DisplayView::redo()
+{
+    if (editable && content.redo())
+        reveal();
+}
+
+// ---------------------------------------------------------------- input methods
+
+void DisplayView::inputMethodEvent(QInputMethodEvent* event)
+{
+    if (!editable) {
+        event->ignore();
+        return;
+    }
+    page.setPreedit({}, {});
+    preeditFormats.clear();
+    const bool edits = !event->commitString().isEmpty() || event->replacementLength() > 0;
+    if (edits) {
+        if (event->replacementLength() > 0) {
+            const Position caret = content.selection().focus;
+            const int from = caret.offset + event->replacementStart();
+            content.setSelection({caret.line, from}, {caret.line, from + event->replacementLength()});
+        }
+        if (event->commitString().isEmpty())
+            content.deleteSelection();
+        else
+            content.typeText(event->commitString());
+    }
+    if (!event->preeditString().isEmpty()) {
+        // What is being composed takes the selection's place from its first character on.
+        content.deleteSelection();
+        takePreedit(*event);
+    }
+    unsettled = true;
+    reveal();
+    showCaret();
+    updateMicroFocus();
+    event->accept();
+}
+
+void DisplayView::takePreedit(const QInputMethodEvent& event)
+{
+    page.setPreedit(content.selection().focus, event.preeditString());
+    preeditCursor = int(event.preeditString().size());
+    preeditCaretShown = true;
+    for (const QInputMethodEvent::Attribute& attribute : event.attributes()) {
+        if (attribute.type == QInputMethodEvent::Cursor) {
+            preeditCursor = std::clamp(attribute.start, 0, int(event.preeditString().size()));
+            preeditCaretShown = attribute.length != 0;
+        } else if (attribute.type == QInputMethodEvent::TextFormat) {
+            const QTextFormat format = attribute.value.value<QTextFormat>();
+            preeditFormats.append({attribute.start, attribute.length, format.toCharFormat()});
+        }
+    }
+    if (preeditFormats.isEmpty())
+        preeditFormats.append({0, int(event.preeditString().size()), {}});
+}
+
+QVariant DisplayView::inputMethodQuery(Qt::InputMethodQuery query) const
+{
+    // An input method is told the caret's line, or what of a long one lies around the caret.
+    const Selection& selection = content.selection();
+    const Position caret = selection.focus;
+    const QString& line = content.line(caret.line).text;
+    const int windowStart = std::max(0, caret.offset - SurroundingText);
+    const int windowEnd = std::min(int(line.size()), caret.offset + SurroundingText);
+    switch (query) {
+    case Qt::ImEnabled:
+        return editable;
+    case Qt::ImReadOnly:
+        return !editable;
+    case Qt::ImCursorRectangle:
+        return const_cast<DisplayView*>(this)->inputCaretRect();
+    case Qt::ImCursorPosition:
+        return caret.offset - windowStart;
+    case Qt::ImAnchorPosition:
+        return selection.anchor.line == caret.line
+            ? std::clamp(selection.anchor.offset, windowStart, windowEnd) - windowStart
+            : caret.offset - windowStart;
+    case Qt::ImSurroundingText:
+        return line.sliced(windowStart, windowEnd - windowStart);
+    case Qt::ImTextBeforeCursor:
+        return line.sliced(windowStart, caret.offset - windowStart);
+    case Qt::ImTextAfterCursor:
+        return line.sliced(caret.offset, windowEnd - caret.offset);
+    case Qt::ImCurrentSelection:
+        return selection.isEmpty() ? QString() : selectedText();
+    case Qt::ImHints:
+        return int(Qt::ImhMultiLine | Qt::ImhNoAutoUppercase | Qt::ImhNoPredictiveText);
+    default:
+        return QAbstractScrollArea::inputMethodQuery(query);
+    }
+}
+
+/// The caret, in or out of a composed text, as the input method's window goes by.
+QRect DisplayView::inputCaretRect()
+{
+    if (!page.hasPreedit())
+        return caretRect();
+    settle();
+    const std::vector<QRectF> rects = page.preeditRects(preeditCursor, preeditCursor);
+    return rects.empty() ? caretRect() : toClient(rects.front());
+}
+
+} // namespace vmk

@@ -1,0 +1,226 @@
+#include "PageStyle.h"
+
+#include <QFontMetricsF>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace vmk {
+
+namespace {
+
+/// Margins of a page whose body tag says nothing.
+constexpr double DefaultPageMargin = 8;
+constexpr double PixelsPerInch = 96;
+
+QFont fontOf(const TextLook& look, double dotsPerInch)
+{
+    QFont font;
+    QStringList families = look.families;
+    for (QString& family : families) {
+        // The generic names are no fonts; the style hint finds one.
+        const QString lower = family.toLower();
+        if (lower == u"monospace")
+            font.setStyleHint(QFont::Monospace);
+        else if (lower == u"sans-serif")
+            font.setStyleHint(QFont::SansSerif);
+        else if (lower == u"serif")
+            font.setStyleHint(QFont::Serif);
+    }
+    if (!families.isEmpty())
+        font.setFamilies(families);
+    font.setPointSizeF(std::max(1.0, look.size) * 72 / dotsPerInch);
+    font.setWeight(QFont::Weight(look.weight));
+    font.setItalic(look.italic);
+    font.setUnderline(look.underline);
+    font.setStrikeOut(look.strikeOut);
+    return font;
+}
+
+/// The text between the first `<STYLE>` and its end tag, and so on for each.
+QString styleText(const QString& head)
+{
+    QString css;
+    for (qsizetype at = 0;;) {
+        const qsizetype tag = head.indexOf(u"<style"_s, at, Qt::CaseInsensitive);
+        const qsizetype open = tag < 0 ? -1 : head.indexOf(u'>', tag);
+        if (open < 0)
+            return css;
+        const qsizetype found = head.indexOf(u"</style"_s, open, Qt::CaseInsensitive);
+        const qsizetype close = found < 0 ? head.size() : found;
+        css += QStringView(head).sliced(open + 1, close - open - 1);
+        at = close;
+    }
+}
+
+} // namespace
+
+CharWidths::CharWidths(const QFont& measuredFont)
+    : font(measuredFont)
+{
+    QTextLayout sample(u"x"_s, font);
+    sample.beginLayout();
+    QTextLine row = sample.createLine();
+    row.setLeadingIncluded(true);
+    row.setLineWidth(1000);
+    height = int(std::ceil(row.height()));
+    sample.endLayout();
+}
+
+float CharWidths::measure(QChar c)
+{
+    std::unique_ptr<Page>& page = pages[c.unicode() >> 8];
+    if (!page)
+        page = std::make_unique<Page>(Page{});
+    const QFontMetricsF metrics(font);
+    // A half of a pair has no width of its own; so little is added to nothing that nothing is asked twice.
+    const double width = c.isSurrogate() ? metrics.horizontalAdvance(u'M') / 2 : metrics.horizontalAdvance(c);
+    return (*page)[c.unicode() & 0xff] = std::max(float(width), 0.001F);
+}
+
+PageStyle::PageStyle() = default;
+PageStyle::~PageStyle() = default;
+
+void PageStyle::load(const DisplayDocument& newDocument, double newDotsPerInch)
+{
+    document = &newDocument;
+    dotsPerInch = newDotsPerInch;
+    looks.clear();
+    fonts.clear();
+    widthTables.clear();
+    tagStyles.clear();
+    blocks.clear();
+    insides.clear();
+    charFormats.clear();
+    sheet = {};
+    sheet.parse(styleText(document->head()));
+
+    const TagId bodyTag = document->bodyTag();
+    const TagStyle body = bodyTag == NoTag ? TagStyle{} : sheet.styleOf(document->tags()[bodyTag]);
+    TextLook look;
+    look.families = {u"Times New Roman"_s, u"serif"_s};
+    look = lookWithin(look, body);
+    pageBackground = look.background.isValid() ? look.background : QColor(Qt::white);
+    look.background = QColor();
+    const auto margin = [&look](const std::optional<StyleLength>& length) {
+        return length ? length->toPixels(look.size) : DefaultPageMargin;
+    };
+    pageTop = std::max(0.0, margin(body.marginTop));
+    pageBottom = std::max(0.0, margin(body.marginBottom));
+    page = {};
+    page.text = intern(look);
+    page.marginLeft = margin(body.marginLeft);
+    page.marginRight = margin(body.marginRight);
+    page.align = body.align.value_or(Qt::AlignLeft);
+}
+
+BlockLook PageStyle::block(TagId tag)
+{
+    if (const auto found = blocks.constFind(tag); found != blocks.constEnd())
+        return *found;
+    BlockLook look = page;
+    if (tag != NoTag) {
+        const TagStyle& style = tagStyle(tag);
+        const TextLook text = lookWithin(looks[size_t(page.text)], style);
+        look.text = intern(text);
+        const auto margin = [&text](const std::optional<StyleLength>& length) {
+            return length ? length->toPixels(text.size) : 0.0;
+        };
+        look.marginLeft += margin(style.marginLeft);
+        look.marginRight += margin(style.marginRight);
+        look.marginTop = std::max(0.0, margin(style.marginTop));
+        look.marginBottom = std::max(0.0, margin(style.marginBottom));
+        look.align = style.align.value_or(page.align);
+    }
+    return *blocks.insert(tag, look);
+}
+
+LookId PageStyle::inside(LookId outer, TagId tag)
+{
+    const std::pair key(outer, tag);
+    if (const auto found = insides.constFind(key); found != insides.constEnd())
+        return *found;
+    const LookId id = intern(lookWithin(looks[size_t(outer)], tagStyle(tag)));
+    insides.insert(key, id);
+    return id;
+}
+
+CharWidths& PageStyle::widths(LookId id)
+{
+    std::shared_ptr<CharWidths>& table = widthTables[size_t(id)];
+    for (size_t other = 0; !table && other < widthTables.size(); ++other) {
+        if (widthTables[other] && fonts[other] == fonts[size_t(id)])
+            table = widthTables[other];
+    }
+    if (!table)
+        table = std::make_shared<CharWidths>(fonts[size_t(id)]);
+    return *table;
+}
+
+QList<QTextLayout::FormatRange> PageStyle::formats(const Line& line, int from, int length)
+{
+    QList<QTextLayout::FormatRange> ranges;
+    const LookId blockLook = block(line.block).text;
+    forEachRun(line, [&](int begin, int end, LookId look) {
+        begin = std::max(begin, from);
+        end = std::min(end, from + length);
+        if (look != blockLook && begin < end)
+            ranges.append({begin - from, end - begin, format(look, blockLook)});
+    });
+    return ranges;
+}
+
+LookId PageStyle::intern(const TextLook& look)
+{
+    const auto found = std::find(looks.begin(), looks.end(), look);
+    if (found != looks.end())
+        return LookId(found - looks.begin());
+    looks.push_back(look);
+    fonts.push_back(fontOf(look, dotsPerInch));
+    widthTables.emplace_back();
+    return LookId(looks.size()) - 1;
+}
+
+const TagStyle& PageStyle::tagStyle(TagId tag)
+{
+    const auto found = tagStyles.constFind(tag);
+    return found != tagStyles.constEnd() ? *found
+                                         : *tagStyles.insert(tag, sheet.styleOf(document->tags()[tag]));
+}
+
+TextLook PageStyle::lookWithin(const TextLook& outer, const TagStyle& style) const
+{
+    TextLook look = outer;
+    look.color = style.color.value_or(outer.color);
+    look.background = style.background.value_or(outer.background);
+    if (!style.families.isEmpty())
+        look.families = style.families;
+    if (style.fontSize)
+        look.size = style.fontSize->toPixels(outer.size);
+    look.weight = style.weight.value_or(outer.weight);
+    look.italic = style.italic.value_or(outer.italic);
+    look.underline = outer.underline || style.underline;
+    look.strikeOut = outer.strikeOut || style.strikeOut;
+    return look;
+}
+
+QTextCharFormat PageStyle::format(LookId id, LookId blockId)
+{
+    const std::pair key(id, blockId);
+    if (const auto found = charFormats.constFind(key); found != charFormats.constEnd())
+        return *found;
+    const TextLook& look = looks[size_t(id)];
+    QTextCharFormat format;
+    // A colour alone does not part the shaping of a word; so the font is named only where it differs.
+    if (fonts[size_t(id)] != fonts[size_t(blockId)])
+        format.setFont(fonts[size_t(id)]);
+    format.setForeground(look.color);
+    if (look.background.isValid())
+        format.setBackground(look.background);
+    charFormats.insert(key, format);
+    return format;
+}
+
+} // namespace vmk

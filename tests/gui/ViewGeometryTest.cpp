@@ -1,0 +1,370 @@
+// Where things stand on the screen: places, points, rectangles, rows, scrolling.
+
+#include "DisplayPage.h"
+#include "ViewFixture.h"
+
+#include <QScrollBar>
+#include <QSignalSpy>
+
+#include <random>
+#include <set>
+
+using namespace Qt::StringLiterals;
+
+namespace vmk {
+namespace {
+
+const QByteArray MixedLines
+    = "<DIV id=FirstDiv><SPAN class=t>&lt;book&gt;</SPAN></DIV>"
+      "<DIV style=\"MARGIN-LEFT: 10px\"><SPAN class=t>&lt;p&gt;</SPAN>A paragraph that is long enough to be "
+      "broken into "
+      "three or four rows at the width of this window, with <SPAN class=t>&lt;emphasis&gt;</SPAN>tags in it"
+      "<SPAN class=t>&lt;/emphasis&gt;</SPAN> and a word-that-has-hyphens.<SPAN "
+      "class=t>&lt;/p&gt;</SPAN></DIV>"
+      "<DIV style=\"MARGIN-LEFT: 20px\"></DIV>"
+      "<DIV align=center>\xd0\xa1\xd0\xb5\xd1\x80\xd0\xb5\xd0\xb4\xd0\xb8\xd0\xbd\xd0\xb0</DIV>"
+      "<DIV style=\"font-size:20pt\">Averylongwordthathasnoplacetobreakitandsoisbrokenanywhereatall</DIV>"
+      "<DIV>last &amp; end</DIV>";
+
+class ViewGeometry : public ViewTest
+{
+};
+
+TEST_F(ViewGeometry, PointsAndRectanglesAgreeAtEveryPlace)
+{
+    show(MixedLines, {Width, 600});
+    ASSERT_LE(view.scrollHeight(), view.clientHeight());
+    for (const Position place : places()) {
+        const std::vector<QRect> rects = view.clientRects(place, place);
+        ASSERT_EQ(rects.size(), 1U) << testing::PrintToString(place);
+        ASSERT_EQ(rects.front().width(), 0) << testing::PrintToString(place);
+        EXPECT_EQ(view.positionAt(pointOf(place)), place);
+        EXPECT_EQ(view.lineAt(pointOf(place)), place.line);
+    }
+}
+
+TEST_F(ViewGeometry, PointsAndRectanglesAgreeInAScrolledPage)
+{
+    show(MixedLines.repeated(20));
+    for (const Position place : places()) {
+        if (place.offset % 7 != 0)
+            continue;
+        view.scrollIntoView(place);
+        const QRect rect = view.clientRects(place, place).front();
+        ASSERT_TRUE(view.viewport()->rect().intersects(rect.adjusted(0, 0, 1, 0)))
+            << testing::PrintToString(place);
+        EXPECT_EQ(view.positionAt(pointOf(place)), place);
+    }
+}
+
+TEST_F(ViewGeometry, ARangeHasOneRectangleForEachRow)
+{
+    show(MixedLines, {Width, 600});
+    const int end = int(line(1).size());
+    const std::vector<QRect> whole = view.clientRects({1, 0}, {1, end});
+    ASSERT_GE(whole.size(), 3U);
+    for (size_t i = 1; i < whole.size(); ++i) {
+        EXPECT_GE(whole[i].top(), whole[i - 1].bottom());
+        EXPECT_EQ(whole[i].left(), 15);
+    }
+    // All of the text's rectangles together are the rectangles of its characters.
+    int width = 0;
+    for (int offset = 0; offset < end; ++offset) {
+        for (const QRect& rect : view.clientRects({1, offset}, {1, offset + 1}))
+            width += rect.width();
+    }
+    int expected = 0;
+    for (const QRect& rect : whole)
+        expected += rect.width();
+    EXPECT_NEAR(width, expected, 2 * end);
+}
+
+TEST_F(ViewGeometry, EverySelectionHasAWidth)
+{
+    show(MixedLines, {Width, 600});
+    const auto widest = [this](Position from, Position to) {
+        int width = 0;
+        for (const QRect& rect : view.clientRects(from, to))
+            width = std::max(width, rect.width());
+        return width;
+    };
+    EXPECT_GT(widest({0, 0}, {0, 1}), 0);
+    // A line break alone, also that of an empty line.
+    EXPECT_GT(widest({0, int(line(0).size())}, {1, 0}), 0);
+    EXPECT_GT(widest({2, 0}, {3, 0}), 0);
+    EXPECT_EQ(widest({2, 0}, {2, 0}), 0);
+}
+
+TEST_F(ViewGeometry, ARangeFindsBackToItsOffsets)
+{
+    show(MixedLines.repeated(40));
+    select({100, 0}, {100, 0});
+    ASSERT_GT(view.scrollTop(), 0);
+    TextRange range = createRange(document());
+    TextRange other = createTextRange(document());
+    other.moveToPoint(range.offsetLeft(), range.offsetTop());
+    EXPECT_TRUE(other.isEqual(range));
+    EXPECT_EQ(range.boundingWidth(), 0);
+    range.moveEnd(u"character", 3);
+    EXPECT_GT(range.boundingWidth(), 3);
+    EXPECT_EQ(range.getClientRects().size(), 1U);
+}
+
+TEST_F(ViewGeometry, TheBoundsOfAWholePageCoverIt)
+{
+    show(MixedLines.repeated(100));
+    const TextRange all = createTextRange(document());
+    EXPECT_GT(all.boundingWidth(), Width / 2);
+    EXPECT_EQ(all.boundingLeft(), 5);
+    measureAll();
+    EXPECT_NEAR(all.boundingHeight(), view.scrollHeight(), 20);
+}
+
+TEST_F(ViewGeometry, RowNumbersCountTheRowsAboveAPlace)
+{
+    show(MixedLines.repeated(3), {Width, 1500});
+    measureAll();
+    std::set<int> tops;
+    for (const Position place : places()) {
+        tops.insert(view.clientRects(place, place).front().top());
+        ASSERT_EQ(view.rowNumber(place), int64_t(tops.size())) << testing::PrintToString(place);
+    }
+}
+
+TEST_F(ViewGeometry, WrappingChangesWithTheWidthAndBack)
+{
+    show(MixedLines.repeated(10));
+    const auto tops = [this] {
+        std::vector<int> all;
+        for (const Position place : places())
+            all.push_back(view.clientRects(place, place).front().top());
+        return all;
+    };
+    measureAll();
+    const std::vector<int> wide = tops();
+    const int wideHeight = view.scrollHeight();
+    view.resize(Width / 2, Height);
+    measureAll();
+    EXPECT_GT(view.scrollHeight(), wideHeight);
+    EXPECT_NE(tops(), wide);
+    view.resize(Width, Height);
+    measureAll();
+    EXPECT_EQ(view.scrollHeight(), wideHeight);
+    EXPECT_EQ(tops(), wide);
+}
+
+TEST_F(ViewGeometry, AResizeKeepsTheFirstVisibleRow)
+{
+    show(MixedLines.repeated(50));
+    view.scroll(0, view.scrollHeight() / 2);
+    const Position first = view.positionAt({0, 1});
+    view.resize(Width - 120, Height);
+    const QRect rect = view.clientRects(first, first).front();
+    EXPECT_LE(rect.top(), 0);
+    EXPECT_GT(rect.bottom(), 0);
+}
+
+TEST_F(ViewGeometry, AVeryDeepMarginLeavesRoomForText)
+{
+    show("<DIV style=\"MARGIN-LEFT: 5000px\">some text</DIV>");
+    for (const Position place : places()) {
+        const QRect rect = view.clientRects(place, place).front();
+        EXPECT_LE(rect.left(), view.clientWidth());
+        EXPECT_EQ(view.positionAt(pointOf(place)), place);
+    }
+}
+
+TEST_F(ViewGeometry, TheMarkOfANonBreakingSpaceIsSeen)
+{
+    show("<DIV>a\x7f"
+         "b</DIV>");
+    ASSERT_EQ(line(0).size(), 3);
+    EXPECT_GT(view.clientRects({0, 1}, {0, 2}).front().width(), 3);
+}
+
+// ---------------------------------------------------------------- scrolling
+
+/// Lines whose height is estimated too high: they may be broken between any two of their characters.
+QByteArray ideographicLines(int count)
+{
+    const QByteArray run = QByteArray("\xe6\xbc\xa2").repeated(20) + ' ';
+    QByteArray lines;
+    for (int i = 0; i < count; ++i)
+        lines += "<DIV>" + QByteArray::number(i) + ' ' + run.repeated(2 + 3 * (i % 5)) + "</DIV>";
+    return lines;
+}
+
+TEST_F(ViewGeometry, VisibleRowsStayWhileHeightsAreMeasured)
+{
+    show(ideographicLines(2000));
+    const int estimated = view.scrollHeight();
+    view.scroll(0, estimated / 2);
+    const Position first = view.positionAt({0, 1});
+    const QRect before = view.clientRects(first, first).front();
+    ASSERT_FALSE(view.isMeasured());
+    measureAll();
+    EXPECT_NE(view.scrollHeight(), estimated);
+    EXPECT_EQ(view.positionAt({0, 1}), first);
+    EXPECT_EQ(view.clientRects(first, first).front(), before);
+    EXPECT_EQ(view.verticalScrollBar()->value(), view.scrollTop());
+}
+
+TEST_F(ViewGeometry, ScrollingUpIntoUnmeasuredLinesMovesByExactlyTheDistance)
+{
+    show(ideographicLines(2000));
+    view.scroll(0, view.scrollHeight() / 2);
+    for (int step = 0; step < 40; ++step) {
+        const Position first = view.positionAt({0, 1});
+        const int before = view.clientRects(first, first).front().top();
+        view.scrollBy(0, -60);
+        ASSERT_EQ(view.clientRects(first, first).front().top(), before + 60) << "step " << step;
+    }
+}
+
+TEST_F(ViewGeometry, ScrollGoesToTheHeightAskedFor)
+{
+    show(ideographicLines(500));
+    view.scroll(0, 1234);
+    EXPECT_EQ(view.scrollTop(), 1234);
+    view.scroll(0, -10);
+    EXPECT_EQ(view.scrollTop(), 0);
+    view.scroll(0, 100000000);
+    EXPECT_EQ(view.scrollTop(), view.scrollHeight() - view.clientHeight());
+    const QRect last = view.clientRects(document().end(), document().end()).front();
+    EXPECT_LE(last.bottom(), view.clientHeight());
+}
+
+TEST_F(ViewGeometry, EstimatesOfPlainTextAreNearlyRight)
+{
+    show(MixedLines.repeated(300));
+    const int estimated = view.scrollHeight();
+    measureAll();
+    EXPECT_NEAR(view.scrollHeight(), estimated, estimated / 50);
+}
+
+TEST_F(ViewGeometry, ScrollingRaisesItsEventAndMeasuringDoesNot)
+{
+    show(ideographicLines(1000));
+    int scrolls = 0;
+    view.events.onscroll = [&](DisplayEvent& event) {
+        ++scrolls;
+        EXPECT_EQ(event.type, "scroll"_L1);
+        EXPECT_EQ(view.currentEvent(), &event);
+    };
+    view.scroll(0, 3000);
+    EXPECT_EQ(scrolls, 1);
+    EXPECT_EQ(view.currentEvent(), nullptr);
+    measureAll();
+    EXPECT_EQ(scrolls, 1);
+    view.verticalScrollBar()->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+    EXPECT_EQ(scrolls, 2);
+    view.scroll(0, view.scrollTop());
+    EXPECT_EQ(scrolls, 2);
+}
+
+TEST_F(ViewGeometry, ASelectionMadeByProgramComesIntoView)
+{
+    show(ideographicLines(500));
+    select({400, 3}, {400, 5});
+    const QRect rect = view.clientRects({400, 3}, {400, 5}).front();
+    EXPECT_TRUE(view.viewport()->rect().contains(rect));
+    EXPECT_GT(view.scrollTop(), 0);
+}
+
+TEST_F(ViewGeometry, AnEditElsewhereLeavesTheViewWhereItIs)
+{
+    show(MixedLines.repeated(100));
+    measureAll();
+    caretTo(550, 0);
+    const int before = view.scrollTop();
+    const Position first = view.positionAt({0, 1});
+    const QRect rect = view.clientRects(first, first).front();
+    ASSERT_GT(before, 0);
+    // Ten lines less, far above.
+    document().splice(0, 10, {}, EditMap{{0, 0}, {10, 0}, {0, 0}});
+    const Position moved{first.line - 10, first.offset};
+    EXPECT_LT(view.scrollTop(), before);
+    EXPECT_EQ(view.clientRects(moved, moved).front(), rect);
+}
+
+TEST_F(ViewGeometry, AResizeRaisesItsEventTwice)
+{
+    show(MixedLines);
+    int resizes = 0;
+    view.events.onresize = [&](DisplayEvent&) { ++resizes; };
+    view.resize(Width + 50, Height + 20);
+    EXPECT_EQ(resizes, 2);
+}
+
+// ---------------------------------------------------------------- long lines
+
+QByteArray words(int count, unsigned seed)
+{
+    std::mt19937 random(seed);
+    QByteArray text;
+    for (int i = 0; i < count; ++i)
+        text += QByteArray(1 + int(random() % 9), char('a' + int(random() % 26))) + ' ';
+    return text.trimmed();
+}
+
+std::vector<std::pair<int, int>> rowsOf(DisplayView& view, int line)
+{
+    std::vector<std::pair<int, int>> rows;
+    const int end = int(view.document().line(line).text.size());
+    for (const QRect& rect : view.clientRects({line, 0}, {line, end}))
+        rows.emplace_back(rect.left(), rect.right());
+    return rows;
+}
+
+TEST_F(ViewGeometry, PlacesInALongLineAgree)
+{
+    show("<DIV>first</DIV><DIV>" + words(12000, 3) + "</DIV><DIV>last</DIV>");
+    ASSERT_GT(line(1).size(), 4 * LineLayout::LongLine);
+    measureAll();
+    for (int offset = 0; offset <= line(1).size(); offset += 131) {
+        view.scrollIntoView({1, offset});
+        EXPECT_EQ(view.positionAt(pointOf({1, offset})), (Position{1, offset}));
+    }
+    // Rows follow each other without a gap, all but the last one filled.
+    const std::vector<QRect> rects = view.clientRects({1, 0}, {1, int(line(1).size())});
+    for (size_t i = 1; i < rects.size(); ++i) {
+        ASSERT_EQ(rects[i].top(), rects[i - 1].top() + rects[i - 1].height()) << "row " << i;
+        ASSERT_GT(rects[i - 1].width(), view.clientWidth() - 160) << "row " << i - 1;
+    }
+}
+
+TEST_F(ViewGeometry, EditsOfALongLineLeadToTheRowsOfAFreshLayout)
+{
+    show("<DIV>" + words(9000, 5) + "</DIV>");
+    ASSERT_GT(line(0).size(), 3 * LineLayout::LongLine);
+    std::mt19937 random(11);
+    for (int edit = 0; edit < 60; ++edit) {
+        const int offset = int(random() % unsigned(line(0).size()));
+        caretTo(0, offset);
+        if (edit % 20 == 0)
+            view.insertText(QString::fromLatin1(words(3000, random())));
+        else if (random() % 2 == 0)
+            type("x y");
+        else
+            select({0, offset}, {0, std::min(int(line(0).size()), offset + int(random() % 3000))}),
+                key(Qt::Key_Delete);
+    }
+    measureAll();
+    const std::vector<std::pair<int, int>> edited = rowsOf(view, 0);
+
+    DisplayView fresh;
+    fresh.setPage(pageOf("<DIV>" + line(0).toUtf8() + "</DIV>"));
+    fresh.resize(Width, Height);
+    fresh.show();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return fresh.isMeasured(); }, 20000));
+    EXPECT_EQ(fresh.document().line(0).text, line(0));
+    const std::vector<std::pair<int, int>> expected = rowsOf(fresh, 0);
+    ASSERT_EQ(edited.size(), expected.size());
+    // Shaped in other company, a row's width may differ by a fraction.
+    for (size_t row = 0; row < expected.size(); ++row)
+        ASSERT_NEAR(edited[row].second, expected[row].second, 1)
+            << "row " << row << " of " << expected.size();
+}
+
+} // namespace
+} // namespace vmk
