@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vmk {
+
+/// What a program did.
+struct ProgramRun
+{
+    int exitCode = -1; ///< -1 when a signal ended it
+    std::string output;
+    std::string errors;
+    double seconds = 0;
+    long peakBytes = 0;
+};
+
+/// How a program is run.
+struct ProgramSetting
+{
+    std::string input; ///< for standard input
+    std::string outputFile; ///< where standard output goes instead of `ProgramRun::output`
+    int userId = -1; ///< as which user; -1 for this one
+    std::string locale = "C.UTF-8"; ///< for LC_ALL
+};
+
+/// Runs a program of the build folder, such as "vmk", to its end.
+[[nodiscard]] ProgramRun RunProgram(const std::string& name, const std::vector<std::string>& arguments,
+                                    const ProgramSetting& setting = {});
+
+} // namespace vmk
