@@ -1,7 +1,0 @@
-#include <QApplication>
-
-int main(int argc, char* argv[])
-{
-    const QApplication application(argc, argv);
-    return 0;
-}

@@ -1,0 +1,55 @@
+#include "CommLineInfoF.h"
+#include "CommandText.h"
+#include "Form1.h"
+#include "Start.h"
+#include "WidgetSeams.h"
+
+#include <QApplication>
+#include <QIcon>
+
+#include <cstdio>
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The program says what it has to say in its windows. Hints of the toolkit are for developers, who get them
+/// by setting the environment variable; only what ends the program is always told.
+void DropToolkitHints()
+{
+    if (qEnvironmentVariableIsSet("VELLUMARK_HINTS"))
+        return;
+    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
+        if (type == QtFatalMsg || type == QtCriticalMsg)
+            std::fprintf(stderr, "vellumark: %s\n", qPrintable(text));
+    });
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    DropToolkitHints();
+    QApplication::setApplicationName(u"Vellumark"_s);
+    QApplication::setDesktopFileName(u"vellumark"_s);
+    const QApplication application(argc, argv);
+    QApplication::setWindowIcon(QIcon(u":/icons/vellumark.svg"_s));
+    // The main window ends the program, whatever other windows stand open; a box on its own does not.
+    QApplication::setQuitOnLastWindowClosed(false);
+    vmk::FillWidgetSeams();
+
+    std::unique_ptr<vmk::Form1> mainWindow;
+    vmk::OpenMainWindowSeam().Fill([&mainWindow] {
+        if (mainWindow)
+            return;
+        mainWindow = std::make_unique<vmk::Form1>();
+        mainWindow->Load();
+    });
+
+    // The toolkit has taken its own options out of the arguments.
+    const QString commandText = vmk::CommandText(QApplication::arguments().mid(1));
+    const int result = vmk::RunStart(commandText) ? QApplication::exec() : 0;
+    vmk::CommLineInfoF::Unload();
+    return result;
+}

@@ -1,0 +1,152 @@
+#include "Start.h"
+
+#include "BookFileCheck.h"
+#include "Boxes.h"
+#include "CommLineInfoF.h"
+#include "CommandText.h"
+#include "FileOperations.h"
+#include "Globals.h"
+#include "InitGlobals.h"
+#include "MainWindowSeams.h"
+#include "ProcessEnd.h"
+#include "Settings.h"
+#include "Sounds.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace vmk {
+
+namespace {
+
+QString SoundFile(const char* name)
+{
+    return AppPath + u"/sounds/"_s + QLatin1StringView(name);
+}
+
+/// An existing book by its full path, which stays right when the current folder changes.
+QString FullPath(const QString& path)
+{
+    return FileExists(path) ? QFileInfo(path).absoluteFilePath() : path;
+}
+
+void ShowReport(const QString& text, bool modal)
+{
+    CommLineInfoF::Instance().ShowActionReport(text, QString(), modal, false, true);
+}
+
+/// "file not found" in a box; ends the process.
+void RefuseMissingFile(const QString& path)
+{
+    StopBox(u"file not found"_s, u"VMK: "_s + FileOperation(NameMode, path));
+    EndProcess();
+}
+
+void OpenBookWithErrors(const QString& path)
+{
+    CommLineInfoF::Unload();
+    ShowReport(u"validation failed"_s + QLatin1StringView(CrLf)
+                   + u"...loading file to VMK...wait, please..."_s,
+               false);
+    OpenMainWindowSeam()();
+    PlaySoundFile(SoundFile("bul'.wav"), true);
+    LoadBookSeam()(path, true);
+}
+
+void ReportCleanBook(const QString& path)
+{
+    SkipNavigationCheck = true;
+    PlaySoundFile(SoundFile("NoParseError.wav"), false);
+    if (CommandLineInfo == 1) {
+        CommLineInfoF::Unload();
+        const QString result = ValidateOption.toLower() == u"schema" ? u"No errors (against schema)"_s
+                                                                     : u"No errors (against namespace)"_s;
+        ShowReport(result + QLatin1StringView(CrLf) + FileOperation(NameMode, path), true);
+    }
+    CommLineInfoF::Unload();
+    EndProcess();
+}
+
+} // namespace
+
+Seam<void()>& OpenMainWindowSeam()
+{
+    static Seam<void()> seam([] {});
+    return seam;
+}
+
+Seam<bool(const QString&, bool)>& LoadBookSeam()
+{
+    static Seam<bool(const QString&, bool)> seam([](const QString&, bool) { return false; });
+    return seam;
+}
+
+bool RunStart(const QString& commandText)
+{
+    InitGlobals();
+    if (!FileExists(IniFilePath))
+        FirstStart = true;
+    ReadSettings(false);
+    if (!CheckMsxml())
+        return false;
+
+    const StartOrder order = ReadCommandText(commandText);
+    switch (order.course) {
+    case StartCourse::OpenWindow:
+        OpenMainWindowSeam()();
+        return true;
+    case StartCourse::LoadBook:
+        return LoadFromCommandLine(FullPath(order.path), false);
+    case StartCourse::ValidateBook:
+        if (!ValidateFromCommandLine(FullPath(order.path)))
+            return false;
+        // Set only here: the book is on its way by now, and its completion reads the flag.
+        ValidateAfterLoad = true;
+        return true;
+    }
+    return false;
+}
+
+bool LoadFromCommandLine(const QString& path, bool quiet)
+{
+    if (!quiet)
+        OpenMainWindowSeam()();
+    if (FileExists(path)) {
+        const bool passed = CheckBookFile(path, true, false);
+        if (passed) {
+            if (quiet)
+                OpenMainWindowSeam()();
+            LoadBookSeam()(path, true);
+        }
+        // A refused file leaves the open window as it is; where there is none, nothing is left to go on.
+        return passed || !quiet;
+    }
+
+    if (quiet)
+        RefuseMissingFile(path);
+    ShowStatus(u"file not found"_s);
+    PlaySoundFile(SoundFile("FileLoadError.wav"), true);
+    return !quiet;
+}
+
+bool ValidateFromCommandLine(const QString& path)
+{
+    if (!FileExists(path)) {
+        RefuseMissingFile(path);
+        return false;
+    }
+    ShowReport(u"...validating file...wait, please..."_s, false);
+    if (!CheckBookFile(path, true, true)) {
+        CommLineInfoF::Unload();
+        return false;
+    }
+    if (ValidateFileQuietly(path)) {
+        OpenBookWithErrors(path);
+        return true;
+    }
+    ReportCleanBook(path);
+    return false;
+}
+
+} // namespace vmk
