@@ -1,5 +1,7 @@
 #include "CodePages.h"
 
+#include "LargeBuffers.h"
+
 #include <QChar>
 #include <QLocale>
 #include <QStringConverter>
@@ -298,8 +300,7 @@ constexpr size_t BlockSize = 16 * 1024;
 std::string PageToUtf8(std::string_view bytes, const Page& page)
 {
     std::array<char, 3 * BlockSize + 4> block;
-    std::string result;
-    result.reserve(2 * bytes.size());
+    std::string result = StringWithRoom(2 * bytes.size());
     while (!bytes.empty()) {
         const std::string_view part = bytes.substr(0, BlockSize);
         bytes.remove_prefix(part.size());
@@ -325,7 +326,8 @@ std::string PageToUtf8(std::string_view bytes, const Page& page)
 
 std::string Utf8ToPage(std::string_view utf8, const Page& page)
 {
-    std::string result(utf8.size(), '\0');
+    std::string result = StringWithRoom(utf8.size());
+    result.resize(utf8.size());
     const char* const units = page.byteOfUnit.data();
     const char* from = utf8.data();
     const char* const end = from + utf8.size();
@@ -357,8 +359,7 @@ std::string Utf8ToPage(std::string_view utf8, const Page& page)
 
 std::string RepairUtf8(std::string_view bytes)
 {
-    std::string result;
-    result.reserve(bytes.size());
+    std::string result = StringWithRoom(bytes.size());
     for (;;) {
         const size_t valid = ValidUtf8Prefix(bytes);
         result += bytes.substr(0, valid);

@@ -1,0 +1,59 @@
+// Any pattern on any text: the call ends soon, and its matches stand in the text one behind the other.
+// The input is the options in one byte, then pattern and text parted by a line feed.
+
+#include "RegExp.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+namespace {
+
+void Check(bool holds)
+{
+    if (!holds)
+        std::abort();
+}
+
+void CheckMatches(const std::vector<vmk::RegExpMatch>& matches, const QString& text)
+{
+    qsizetype behind = 0;
+    for (const vmk::RegExpMatch& match : matches) {
+        Check(match.FirstIndex >= behind && match.FirstIndex + match.Length <= text.size());
+        Check(match.Value == text.mid(match.FirstIndex, match.Length));
+        behind = match.FirstIndex + match.Length;
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
+{
+    if (size == 0)
+        return 0;
+    const std::string_view input(reinterpret_cast<const char*>(data) + 1, size - 1);
+    const size_t end = std::min(input.find('\n'), input.size());
+    const std::string_view text = input.substr(std::min(end + 1, input.size()));
+    const auto decode = [bytes = (data[0] & 8) != 0](std::string_view part) {
+        const auto length = static_cast<qsizetype>(part.size());
+        return bytes ? QString::fromLatin1(part.data(), length) : QString::fromUtf8(part.data(), length);
+    };
+
+    vmk::RegExp expression;
+    expression.Pattern = decode(input.substr(0, end));
+    expression.IgnoreCase = data[0] & 1;
+    expression.MultiLine = data[0] & 2;
+    expression.Global = data[0] & 4;
+    expression.ByteText = data[0] & 8;
+    const QString subject = decode(text);
+    const auto matches = expression.Execute(subject);
+    if (!matches)
+        return 0;
+    CheckMatches(*matches, subject);
+    // A pattern that nearly ran away may do so the second time.
+    if (const auto same = expression.Replace(subject, u"$&"))
+        Check(*same == subject);
+    if (const auto count = expression.Count(subject))
+        Check(*count == static_cast<qsizetype>(matches->size()));
+    return 0;
+}
