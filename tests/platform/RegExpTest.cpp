@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
+#include <ctime>
 
 using namespace vmk;
 using namespace Qt::StringLiterals;
@@ -34,6 +34,12 @@ QString Replaced(const QString& pattern, QStringView text, QStringView replaceme
     expression.Pattern = pattern;
     expression.Global = true;
     return expression.Replace(text, replacement).value_or(u"bad"_s);
+}
+
+/// Of the processor, so that a busy machine makes no difference.
+double WorkedSeconds()
+{
+    return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
 }
 
 bool IsBad(const QString& pattern)
@@ -299,10 +305,9 @@ TEST(RegExp, RunawayPatternsEndInAnError)
          as},
     };
     for (const auto& [pattern, text] : runaways) {
-        QElapsedTimer timer;
-        timer.start();
+        const double begin = WorkedSeconds();
         EXPECT_EQ(Matches(pattern, text), u"bad") << pattern.toStdString();
-        EXPECT_LT(timer.elapsed(), 900) << pattern.toStdString();
+        EXPECT_LT(WorkedSeconds() - begin, 0.6) << pattern.toStdString();
     }
 }
 
@@ -322,10 +327,9 @@ TEST(RegExp, LongRepeatedGroupsDoNotOverflow)
     const QString text(3'000'000, u'a');
     RegExp expression;
     expression.Pattern = u"(?:a|b)*c"_s;
-    QElapsedTimer timer;
-    timer.start();
+    const double begin = WorkedSeconds();
     EXPECT_NE(expression.Test(text), true);
-    EXPECT_LT(timer.elapsed(), 3000);
+    EXPECT_LT(WorkedSeconds() - begin, 2);
 }
 
 TEST(RegExpSyntax, ChecksOnlyWhereASearchMayBranch)

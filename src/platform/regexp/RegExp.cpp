@@ -5,6 +5,8 @@
 #define PCRE2_CODE_UNIT_WIDTH 16
 #include <pcre2.h>
 
+#include <time.h>
+
 #include <algorithm>
 #include <chrono>
 #include <list>
@@ -14,8 +16,6 @@
 
 namespace vmk {
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 template <auto free>
 struct Freed
@@ -126,35 +126,55 @@ std::shared_ptr<const Compiled> FindCompiled(const Key& key)
 
 // ---------------------------------------------------------------- runaway searches
 
-/// Ends a search that takes too long. The engine asks at the check points of the pattern.
+/// The time that this thread has worked, so that a busy machine makes no honest search fail.
+std::chrono::nanoseconds ThreadTime()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
+/// Ends a search that takes too long. The engine asks at the check points of the pattern; the clock is looked
+/// at the less often the quicker the questions come.
 class Watch
 {
 public:
     explicit Watch(qsizetype textLength)
-        : deadline(Clock::now() + BaseTime + textLength * TimeForUnit)
-        , callsBetween(std::clamp<qsizetype>(UnitsBetweenLooks / (textLength + 1), 1, 64))
-        , callsLeft(callsBetween)
+        : lastLook(ThreadTime())
+        , deadline(lastLook + BaseTime + textLength * TimeForUnit)
+        , mostCalls(std::clamp<qsizetype>(UnwatchedUnits / (textLength + 1), 16, 1024))
     {
     }
 
     static int ask(pcre2_callout_block*, void* self)
     {
         auto& watch = *static_cast<Watch*>(self);
-        if (--watch.callsLeft > 0)
-            return 0;
-        watch.callsLeft = watch.callsBetween;
-        return Clock::now() < watch.deadline ? 0 : PCRE2_ERROR_CALLOUT;
+        return --watch.callsLeft > 0 || watch.look() ? 0 : PCRE2_ERROR_CALLOUT;
     }
 
 private:
+    /// Whether there is time left.
+    bool look()
+    {
+        const auto now = ThreadTime();
+        callsBetween = now - lastLook < Soon ? std::min(2 * callsBetween, mostCalls) : 1;
+        callsLeft = callsBetween;
+        lastLook = now;
+        return now < deadline;
+    }
+
     static constexpr auto BaseTime = std::chrono::milliseconds(250);
     static constexpr auto TimeForUnit = std::chrono::nanoseconds(100);
-    /// Between two questions the engine passes over the text at most once: so much of it goes unwatched.
-    static constexpr qsizetype UnitsBetweenLooks = 4'000'000;
+    static constexpr auto Soon = std::chrono::milliseconds(2);
+    /// From one question to the next the engine passes over the text at most once: so many units may go by
+    /// between two looks.
+    static constexpr qsizetype UnwatchedUnits = 100'000'000;
 
-    Clock::time_point deadline;
-    qsizetype callsBetween;
-    qsizetype callsLeft;
+    std::chrono::nanoseconds lastLook;
+    std::chrono::nanoseconds deadline;
+    qsizetype mostCalls;
+    qsizetype callsBetween = 1;
+    qsizetype callsLeft = 1;
 };
 
 pcre2_jit_stack* ThreadJitStack()

@@ -24,7 +24,8 @@ struct RegExpMatch
 ///
 /// Set the four properties and call; patterns are compiled when first used and remembered. A call that fails
 /// gives no value: the pattern is bad (which includes syntax of other dialects, see RegExpSyntax.h), or it
-/// ran away on this text: a call may take about a quarter of a second, and longer on texts above a megabyte.
+/// ran away on this text: a call may take a quarter of a second of the processor's time, and a tenth of a
+/// second more for each million code units.
 ///
 /// The dialect: `.` is anything but LF; `\w`, `\d`, `\b` know ASCII only; `\s` is blank, tab, LF, VT, FF and
 /// CR, not the non-breaking space; ignoring case covers all letters; `^` and `$` hold at the ends of the
