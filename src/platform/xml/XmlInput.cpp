@@ -153,7 +153,11 @@ std::optional<DeclaredEncoding> FindDeclaredEncoding(std::string_view text)
     constexpr std::string_view Blanks = " \t\r\n";
     if (!text.starts_with("<?xml") || text.size() < 6 || Blanks.find(text[5]) == std::string_view::npos)
         return std::nullopt;
-    const std::string_view declaration = text.substr(0, std::min<size_t>(text.find("?>"), 4096));
+    // A declaration holds ASCII only; what lies behind anything else is none.
+    std::string_view declaration = text.substr(0, std::min<size_t>(text.find("?>"), 4096));
+    const auto isAscii = [](unsigned char c) { return c >= 0x09 && c < 0x80; };
+    declaration = declaration.substr(
+        0, static_cast<size_t>(std::ranges::find_if_not(declaration, isAscii) - declaration.begin()));
     size_t at = declaration.find("encoding");
     if (at == std::string_view::npos)
         return std::nullopt;

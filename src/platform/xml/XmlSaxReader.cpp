@@ -274,10 +274,11 @@ xmlSAXHandler Pass::callbacks()
     sax.endElementNs = [](void* pass, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
         of(pass).endElement(name, prefix, uri);
     };
-    sax.characters = [](void* pass, const xmlChar* text, int length) { of(pass).characters(text, length); };
+    sax.characters = [](void* pass, const xmlChar* piece, int length) { of(pass).characters(piece, length); };
     sax.ignorableWhitespace = sax.characters; // the same function: libxml2 then need not tell the two apart
-    sax.cdataBlock = [](void* pass, const xmlChar* text, int length) { of(pass).cdata(View(text, length)); };
-    sax.comment = [](void* pass, const xmlChar* text) { of(pass).comment(View(text)); };
+    sax.cdataBlock
+        = [](void* pass, const xmlChar* piece, int length) { of(pass).cdata(View(piece, length)); };
+    sax.comment = [](void* pass, const xmlChar* piece) { of(pass).comment(View(piece)); };
     sax.processingInstruction = [](void* pass, const xmlChar* target, const xmlChar* data) {
         of(pass).processingInstruction(View(target), View(data));
     };
