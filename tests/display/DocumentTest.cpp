@@ -1,3 +1,781 @@
 #include "DisplayPage.h"
+#include "PageMaker.h"
 
 #include <gtest/gtest.h>
+
+#include <ostream>
+
+namespace vmk {
+
+namespace {
+
+std::string linesOf(DisplayDocument& document)
+{
+    QString html;
+    for (int i = 1; i <= document.lineCount(); ++i)
+        html += (i > 1 ? QStringLiteral("|") : QString()) + item(document, i).outerHTML();
+    return html.toStdString();
+}
+
+std::string text(const TextRange& range)
+{
+    return range.text().toStdString();
+}
+
+/// A document with three lines and a caret.
+class Document : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        load("<DIV id=FirstDiv>one</DIV><DIV style=\"MARGIN-LEFT: 5px\">a<SPAN class=t>&lt;b&gt;</SPAN>c</DIV>"
+             "<DIV>three</DIV>");
+    }
+    void load(const char* page) { document.loadPage(QByteArray(page)); }
+    void caret(int line, int offset) { document.setSelection({line, offset}, {line, offset}); }
+    TextRange range(int line, int from, int to) { return {document, {line, from}, {line, to}}; }
+    TextRange lines(int first, int last)
+    {
+        return {document, {first, 0}, {last, int(document.line(last).text.size())}};
+    }
+
+    DisplayDocument document;
+};
+
+using DocumentKeys = Document;
+using DocumentUndo = Document;
+using RangeText = Document;
+using RangeHtml = Document;
+using RangeMovement = Document;
+using RangeSearch = Document;
+using Elements = Document;
+using SharedOperations = Document;
+
+constexpr char Three[] = "<DIV id=FirstDiv>one</DIV>|<DIV style=\"MARGIN-LEFT: 5px\">a<SPAN class=t>&lt;b&gt;"
+                         "</SPAN>c</DIV>|<DIV>three</DIV>";
+constexpr char Second[] = "<DIV style=\"MARGIN-LEFT: 5px\">a<SPAN class=t>&lt;b&gt;</SPAN>c</DIV>";
+
+} // namespace
+
+// ---------------------------------------------------------------- keys
+
+TEST_F(DocumentKeys, TypingGoesIntoTheSpanInFrontOfTheCaret)
+{
+    caret(1, 4);
+    document.typeText(QStringLiteral("x"));
+    EXPECT_EQ(item(document, 2).innerText(), QStringLiteral("a<b>xc"));
+    EXPECT_EQ(range(1, 3, 5).htmlText(), QStringLiteral("&gt;x"));
+    EXPECT_EQ(document.selection().focus, (Position{1, 5}));
+}
+
+TEST_F(DocumentKeys, TypingAtALinesStartGoesIntoItsFirstElement)
+{
+    load("<DIV><SPAN class=t>&lt;p&gt;</SPAN></DIV>");
+    caret(0, 0);
+    document.typeText(QStringLiteral("x"));
+    EXPECT_EQ(linesOf(document), "<DIV><SPAN class=t>x&lt;p&gt;</SPAN></DIV>");
+}
+
+TEST_F(DocumentKeys, TypingGoesIntoAnEmptyElementButNeverIntoAnAnchor)
+{
+    load("<DIV>a<SPAN class=et></SPAN>b<A id=x></A>c</DIV>");
+    caret(0, 1);
+    document.typeText(QStringLiteral("1"));
+    caret(0, 3);
+    document.typeText(QStringLiteral("2"));
+    EXPECT_EQ(linesOf(document), "<DIV>a<SPAN class=et>1</SPAN>b2<A id=x></A>c</DIV>");
+}
+
+TEST_F(DocumentKeys, EnterMakesALineWithTheSameBlockAndTheIdentifierStays)
+{
+    caret(0, 1);
+    document.insertLineBreak();
+    caret(2, 3);
+    document.insertLineBreak();
+    EXPECT_EQ(linesOf(document), "<DIV id=FirstDiv>o</DIV>|<DIV>ne</DIV>|<DIV style=\"MARGIN-LEFT: 5px\">a"
+                                 "<SPAN class=t>&lt;b</SPAN></DIV>|<DIV style=\"MARGIN-LEFT: 5px\"><SPAN class=t>&gt;"
+                                 "</SPAN>c</DIV>|<DIV>three</DIV>");
+    EXPECT_EQ(document.selection().focus, (Position{3, 0}));
+}
+
+TEST_F(DocumentKeys, BackspaceAtALinesStartJoinsItToTheLineBefore)
+{
+    caret(1, 0);
+    document.deleteBackward();
+    EXPECT_EQ(linesOf(document), "<DIV id=FirstDiv>onea<SPAN class=t>&lt;b&gt;</SPAN>c</DIV>|<DIV>three</DIV>");
+    EXPECT_EQ(document.selection().focus, (Position{0, 3}));
+}
+
+TEST_F(DocumentKeys, ALineThatMovesUpIntoAnEmptyOneKeepsItsMarginAndTheFirstItsIdentifier)
+{
+    load("<DIV id=FirstDiv></DIV><DIV style=\"MARGIN-LEFT: 5px\">a</DIV>");
+    caret(0, 0);
+    document.deleteForward();
+    EXPECT_EQ(linesOf(document), "<DIV style=\"MARGIN-LEFT: 5px\" id=FirstDiv>a</DIV>");
+}
+
+TEST_F(DocumentKeys, SurrogatePairsAreTypedAndDeletedWhole)
+{
+    const QString smile = QString::fromUcs4(U"\U0001F600", 1);
+    caret(0, 3);
+    document.typeText(smile);
+    EXPECT_EQ(document.selection().focus, (Position{0, 5}));
+    document.deleteBackward();
+    EXPECT_EQ(linesOf(document), Three);
+    document.typeText(smile);
+    caret(0, 3);
+    document.deleteForward();
+    EXPECT_EQ(linesOf(document), Three);
+    document.typeText(smile);
+    caret(0, 4);
+    EXPECT_EQ(document.selection().focus, (Position{0, 3}));
+}
+
+TEST_F(DocumentKeys, NothingIsDeletedBeyondTheEnds)
+{
+    caret(0, 0);
+    document.deleteBackward();
+    caret(2, 5);
+    document.deleteForward();
+    EXPECT_EQ(linesOf(document), Three);
+    EXPECT_FALSE(document.canUndo());
+}
+
+TEST_F(DocumentKeys, DeletingTheTextOfAnElementTakesTheElement)
+{
+    document.setSelection({1, 1}, {1, 4});
+    document.deleteSelection();
+    EXPECT_EQ(item(document, 2).outerHTML(), QStringLiteral("<DIV style=\"MARGIN-LEFT: 5px\">ac</DIV>"));
+}
+
+TEST_F(DocumentKeys, SeveralWholeLinesGoAsLines)
+{
+    document.setSelection({1, 5}, {0, 0});
+    document.deleteSelection();
+    EXPECT_EQ(linesOf(document), "<DIV>three</DIV>");
+    EXPECT_EQ(document.selection().focus, Position());
+}
+
+TEST_F(DocumentKeys, AfterDeletingAllOneCanTypeOn)
+{
+    document.setSelection({}, document.end());
+    document.deleteSelection();
+    ASSERT_EQ(document.lineCount(), 1);
+    EXPECT_EQ(document.line(0).block, NoTag);
+    document.typeText(QStringLiteral("x"));
+    document.insertLineBreak();
+    EXPECT_EQ(linesOf(document), "<DIV>x</DIV>|<DIV></DIV>");
+}
+
+// ---------------------------------------------------------------- undo
+
+TEST_F(DocumentUndo, ARunOfTypingIsOneStep)
+{
+    caret(0, 3);
+    document.typeText(QStringLiteral("a"));
+    document.typeText(QStringLiteral("b"));
+    EXPECT_TRUE(document.undo());
+    EXPECT_EQ(linesOf(document), Three);
+    EXPECT_EQ(document.selection().focus, (Position{0, 3}));
+    EXPECT_FALSE(document.undo());
+    EXPECT_TRUE(document.redo());
+    EXPECT_EQ(document.line(0).text, QStringLiteral("oneab"));
+    EXPECT_EQ(document.selection().focus, (Position{0, 5}));
+}
+
+TEST_F(DocumentUndo, AMovedCaretOrAnotherOperationEndsTheRun)
+{
+    caret(0, 3);
+    document.typeText(QStringLiteral("a"));
+    caret(0, 4);
+    document.typeText(QStringLiteral("b"));
+    range(2, 0, 1).setText(QStringLiteral("T"));
+    document.typeText(QStringLiteral("c"));
+    document.undo();
+    EXPECT_EQ(document.line(0).text, QStringLiteral("oneab"));
+    document.undo();
+    EXPECT_EQ(document.line(2).text, QStringLiteral("three"));
+    document.undo();
+    EXPECT_EQ(document.line(0).text, QStringLiteral("onea"));
+    document.undo();
+    EXPECT_EQ(linesOf(document), Three);
+}
+
+TEST_F(DocumentUndo, TheSelectionInFrontOfAnEditComesBack)
+{
+    document.setSelection({1, 2}, {0, 1});
+    document.typeText(QStringLiteral("x"));
+    EXPECT_EQ(document.line(0).text, QStringLiteral("oxb>c"));
+    document.undo();
+    EXPECT_EQ(document.selection().anchor, (Position{1, 2}));
+    EXPECT_EQ(document.selection().focus, (Position{0, 1}));
+}
+
+TEST_F(DocumentUndo, ANewEditForgetsWhatCouldBeRedone)
+{
+    caret(0, 0);
+    document.typeText(QStringLiteral("a"));
+    document.undo();
+    document.insertLineBreak();
+    EXPECT_FALSE(document.redo());
+}
+
+TEST_F(DocumentUndo, UndoneLinesAreTheVeryOldOnes)
+{
+    const LinePtr old = document.linePtr(1);
+    range(1, 0, 3).pasteHTML(QStringLiteral("<DIV>x</DIV>"));
+    EXPECT_EQ(document.lineCount(), 4);
+    document.undo();
+    EXPECT_EQ(document.linePtr(1), old);
+}
+
+TEST_F(DocumentUndo, LoadingAPageStartsAfresh)
+{
+    TextRange live = range(1, 1, 2);
+    document.typeText(QStringLiteral("a"));
+    load("<DIV>x</DIV>");
+    EXPECT_FALSE(document.canUndo());
+    EXPECT_EQ(live.start(), Position());
+    EXPECT_TRUE(live.isEmpty());
+}
+
+// ---------------------------------------------------------------- text of ranges
+
+TEST_F(RangeText, LineBreaksReadAsCrLf)
+{
+    EXPECT_EQ(text(createTextRange(document)), "one\r\na<b>c\r\nthree");
+    EXPECT_EQ(innerText(document), QStringLiteral("one\r\na<b>c\r\nthree"));
+}
+
+TEST_F(RangeText, EachKindOfLineEndBreaksTheLineWithItsBlock)
+{
+    range(1, 5, 5).setText(QStringLiteral("1\r\n2\r3\n4"));
+    EXPECT_EQ(document.lineCount(), 6);
+    EXPECT_EQ(item(document, 5).outerHTML(), QStringLiteral("<DIV style=\"MARGIN-LEFT: 5px\">4</DIV>"));
+}
+
+TEST_F(RangeText, SettingTextLeavesTheRangeBehindItSoThatMovingBackSelectsIt)
+{
+    TextRange range(document, {0, 1}, {1, 1});
+    range.setText(QStringLiteral("x\r\nyz"));
+    EXPECT_TRUE(range.isEmpty());
+    EXPECT_EQ(range.moveStart(u"character", -4), -4);
+    EXPECT_EQ(text(range), "x\r\nyz");
+}
+
+TEST_F(RangeText, TheElementAroundTheWholeTextStaysAroundTheNewOne)
+{
+    range(1, 1, 4).setText(QStringLiteral("<i>"));
+    EXPECT_EQ(range(1, 0, 5).htmlText(), QStringLiteral("a<SPAN class=t>&lt;i&gt;</SPAN>c"));
+}
+
+TEST_F(RangeText, TextAcrossElementsLosesThem)
+{
+    range(1, 0, 4).setText(QStringLiteral("A<B>"));
+    EXPECT_EQ(range(1, 0, 5).htmlText(), QStringLiteral("A&lt;B&gt;c"));
+}
+
+TEST_F(RangeText, AnEmptiedFieldWaitsForText)
+{
+    TextRange field = range(0, 1, 1);
+    field.pasteHTML(QStringLiteral("<SPAN class=et>&nbsp;</SPAN>"));
+    EXPECT_EQ(field.moveStart(u"character", -1), -1);
+    EXPECT_EQ(text(field), "\u00a0");
+    field.setText(QString());
+    field.select();
+    document.typeText(QStringLiteral("x"));
+    EXPECT_EQ(document.line(0).text, QStringLiteral("oxne"));
+    EXPECT_EQ(range(0, 0, 4).htmlText(), QStringLiteral("o<SPAN class=et>x</SPAN>ne"));
+}
+
+TEST_F(RangeText, LiveRangesGrowAndShrinkWithTheirText)
+{
+    TextRange scope = lines(0, 1);
+    TextRange before = range(0, 0, 1);
+    TextRange behind = range(2, 0, 5);
+    TextRange hit = range(1, 4, 5);
+    hit.setText(QStringLiteral("long\r\ner"));
+    EXPECT_EQ(text(scope), "one\r\na<b>long\r\ner");
+    EXPECT_EQ(text(before), "o");
+    EXPECT_EQ(text(behind), "three");
+    document.undo();
+    EXPECT_EQ(text(scope), "one\r\na<b>c");
+    EXPECT_EQ(text(behind), "three");
+}
+
+TEST_F(RangeText, ARangeOutlivesItsDocument)
+{
+    auto gone = std::make_unique<DisplayDocument>();
+    TextRange range = createTextRange(*gone);
+    gone.reset();
+    range.setText(QStringLiteral("x"));
+    EXPECT_TRUE(range.isNull());
+    EXPECT_EQ(text(range), "");
+    EXPECT_EQ(range.moveEnd(u"character", 1), 0);
+}
+
+// ---------------------------------------------------------------- HTML of ranges
+
+TEST_F(RangeHtml, OfSeveralLinesEachInItsBlock)
+{
+    EXPECT_EQ(TextRange(document, {0, 1}, {1, 2}).htmlText(),
+        QStringLiteral("<DIV id=FirstDiv>ne</DIV>\r\n<DIV style=\"MARGIN-LEFT: 5px\">a<SPAN class=t>&lt;</SPAN></DIV>"));
+}
+
+TEST_F(RangeHtml, ElementsCutAtAnEndAreClosedAndThoseAroundAllAreLeftOut)
+{
+    EXPECT_EQ(range(1, 0, 2).htmlText(), QStringLiteral("a<SPAN class=t>&lt;</SPAN>"));
+    EXPECT_EQ(range(1, 3, 5).htmlText(), QStringLiteral("<SPAN class=t>&gt;</SPAN>c"));
+    EXPECT_EQ(range(1, 2, 3).htmlText(), QStringLiteral("b"));
+    EXPECT_EQ(range(1, 2, 2).htmlText(), QString());
+}
+
+TEST_F(RangeHtml, ANonBreakingSpaceReadsAsItsReference)
+{
+    range(0, 1, 2).setText(QString(QChar(0xA0)));
+    EXPECT_EQ(range(0, 1, 2).htmlText(), QStringLiteral("&nbsp;"));
+}
+
+TEST_F(RangeHtml, LongLinesAreNotWrapped)
+{
+    range(0, 0, 3).setText(QStringLiteral("word ").repeated(2000));
+    EXPECT_FALSE(range(0, 0, 9000).htmlText().contains(u'\n'));
+}
+
+TEST_F(RangeHtml, TextWithoutBlocksIsPastedIntoTheCurrentSpan)
+{
+    TextRange place = range(1, 2, 2);
+    place.pasteHTML(QStringLiteral("x  <B>y</B>"));
+    EXPECT_EQ(item(document, 2).outerHTML(), QStringLiteral("<DIV style=\"MARGIN-LEFT: 5px\">a<SPAN class=t>&lt;x  "
+                                                            "<B>y</B>b&gt;</SPAN>c</DIV>"));
+    EXPECT_EQ(place.start(), (Position{1, 6}));
+}
+
+TEST_F(RangeHtml, BlocksPastedIntoALineStandAlone)
+{
+    range(0, 1, 2).pasteHTML(QStringLiteral("<DIV>x</DIV>"));
+    EXPECT_EQ(linesOf(document).substr(0, 60),
+        std::string("<DIV id=FirstDiv>o</DIV>|<DIV>x</DIV>|<DIV>e</DIV>|<DIV style=\"").substr(0, 60));
+    load("<DIV id=FirstDiv>ab</DIV>");
+    range(0, 0, 0).pasteHTML(QStringLiteral("<P>x</P>"));
+    EXPECT_EQ(linesOf(document), "<P>x</P>|<DIV id=FirstDiv>ab</DIV>");
+    range(1, 0, 2).pasteHTML(QStringLiteral("<P>y</P>"));
+    EXPECT_EQ(linesOf(document), "<P>x</P>|<P>y</P>");
+}
+
+TEST_F(RangeHtml, TheRangesOwnHtmlPutInItsPlaceChangesNothing)
+{
+    for (int from = 0; from < 15; ++from) {
+        for (int to = from + 1; to <= 15; ++to) {
+            TextRange range(document, document.positionAt(from), document.positionAt(to));
+            range.pasteHTML(range.htmlText());
+            // An element that the range's end cuts is two now; that is all.
+            QString html = QString::fromStdString(linesOf(document));
+            html.remove(QStringLiteral("</SPAN><SPAN class=t>"));
+            ASSERT_EQ(html.toStdString(), Three) << from << " to " << to;
+            document.undo();
+        }
+    }
+}
+
+TEST_F(RangeHtml, TagsAroundASelectionOfSeveralLines)
+{
+    TextRange range(document, {0, 1}, {1, 1});
+    range.pasteHTML(QStringLiteral("<SPAN class=t>&lt;strong&gt;</SPAN>") + range.htmlText()
+        + QStringLiteral("<SPAN class=t>&lt;/strong&gt;</SPAN>"));
+    EXPECT_EQ(text(createTextRange(document)), "o<strong>\r\nne\r\na\r\n</strong><b>c\r\nthree");
+}
+
+TEST_F(RangeHtml, ColoursWrapTheTextOfEachLine)
+{
+    EXPECT_TRUE(TextRange(document, {0, 2}, {1, 2}).execCommand(u"BackColor", false, QStringLiteral("#ffb848")));
+    EXPECT_EQ(linesOf(document),
+        "<DIV id=FirstDiv>on<FONT style=\"BACKGROUND-COLOR: #ffb848\">e</FONT></DIV>|<DIV style=\"MARGIN-LEFT: "
+        "5px\"><FONT style=\"BACKGROUND-COLOR: #ffb848\">a</FONT><SPAN class=t><FONT style=\"BACKGROUND-COLOR: "
+        "#ffb848\">&lt;</FONT>b&gt;</SPAN>c</DIV>|<DIV>three</DIV>");
+    document.undo();
+    EXPECT_EQ(linesOf(document), Three);
+    EXPECT_TRUE(range(1, 0, 5).execCommand(u"ForeColor", false, QStringLiteral("#0000FF")));
+    EXPECT_EQ(range(1, 0, 5).htmlText(),
+        QStringLiteral("a<SPAN class=t>&lt;b&gt;</SPAN>c"));
+    EXPECT_TRUE(item(document, 2).outerHTML().contains(QStringLiteral("<FONT color=#0000FF>a<SPAN")));
+    EXPECT_FALSE(range(1, 0, 5).execCommand(u"Bold", false, QString()));
+    EXPECT_FALSE(range(1, 0, 0).execCommand(u"BackColor", false, QStringLiteral("red")));
+}
+
+TEST_F(RangeHtml, TouchesTheElementsBesideACaret)
+{
+    EXPECT_FALSE(range(1, 0, 0).touchesElement(u"SPAN"));
+    EXPECT_TRUE(range(1, 1, 1).touchesElement(u"span"));
+    EXPECT_TRUE(range(1, 2, 2).touchesElement(u"SPAN"));
+    EXPECT_TRUE(range(1, 4, 4).touchesElement(u"SPAN"));
+    EXPECT_FALSE(range(1, 5, 5).touchesElement(u"SPAN"));
+    EXPECT_FALSE(range(1, 0, 2).touchesElement(u"SPAN"));
+}
+
+// ---------------------------------------------------------------- movement
+
+TEST_F(RangeMovement, ALineBreakIsOneCharacter)
+{
+    TextRange caret = range(0, 3, 3);
+    EXPECT_EQ(caret.move(u"character", 1), 1);
+    EXPECT_EQ(caret.start(), (Position{1, 0}));
+    EXPECT_EQ(caret.move(u"character", -2), -2);
+    EXPECT_EQ(caret.start(), (Position{0, 2}));
+}
+
+TEST_F(RangeMovement, AnEndThatPassesTheOtherTakesItAlong)
+{
+    TextRange moving = range(2, 1, 3);
+    EXPECT_EQ(moving.moveStart(u"character", 3), 3);
+    EXPECT_EQ(moving.start(), (Position{2, 4}));
+    EXPECT_EQ(moving.end(), (Position{2, 4}));
+    EXPECT_EQ(moving.moveEnd(u"character", -2), -2);
+    EXPECT_EQ(moving.start(), (Position{2, 2}));
+}
+
+TEST_F(RangeMovement, MovesStopAtTheDocumentsEndsAndSayHowFarTheyWent)
+{
+    TextRange caret = range(1, 2, 2);
+    EXPECT_EQ(caret.move(u"character", -1000000000), -6);
+    EXPECT_EQ(caret.move(u"character", 1000000000), 15);
+    EXPECT_EQ(caret.move(u"character", 1), 0);
+}
+
+TEST_F(RangeMovement, AMoveNeverEndsInsideASurrogatePair)
+{
+    range(0, 1, 2).setText(QString::fromUcs4(U"\U0001F600", 1));
+    TextRange caret = range(0, 1, 1);
+    EXPECT_EQ(caret.move(u"character", 1), 2);
+    EXPECT_EQ(caret.start(), (Position{0, 3}));
+    EXPECT_EQ(caret.move(u"character", -1), -2);
+    EXPECT_EQ(caret.start(), (Position{0, 1}));
+}
+
+TEST_F(RangeMovement, ByWordsWithTheBlanksBehindThem)
+{
+    load("<DIV></DIV><DIV>x</DIV>");
+    range(0, 0, 0).setText(QStringLiteral("one  two, three"));
+    TextRange word = range(0, 0, 0);
+    EXPECT_EQ(word.moveEnd(u"word", 1), 1);
+    EXPECT_EQ(text(word), "one  ");
+    EXPECT_EQ(word.moveEnd(u"word", 2), 2);
+    EXPECT_EQ(text(word), "one  two, ");
+    EXPECT_EQ(word.moveEnd(u"word", -3), -3);
+    EXPECT_TRUE(word.isEmpty());
+    EXPECT_EQ(word.moveEnd(u"word", 200), 6);
+    EXPECT_EQ(word.end(), document.end());
+    word = range(0, 6, 6);
+    EXPECT_TRUE(word.expand(u"word"));
+    EXPECT_EQ(text(word), "two");
+    word = range(0, 1, 7);
+    word.expand(u"word");
+    EXPECT_EQ(text(word), "one  two");
+    EXPECT_FALSE(word.expand(u"word"));
+}
+
+TEST_F(RangeMovement, TextEditReachesTheDocumentsEnds)
+{
+    TextRange moving = range(1, 1, 2);
+    EXPECT_EQ(moving.moveStart(u"textedit", -1), -1);
+    EXPECT_EQ(moving.moveEnd(u"textedit"), 1);
+    EXPECT_EQ(text(moving), "one\r\na<b>c\r\nthree");
+    EXPECT_FALSE(moving.expand(u"textedit"));
+    moving.collapse(false);
+    EXPECT_EQ(moving.moveEnd(u"TextEdit", 1), 0);
+    EXPECT_TRUE(moving.expand(u"textedit"));
+    moving.collapse();
+    EXPECT_EQ(moving.end(), Position());
+    EXPECT_TRUE(moving.expand(u"character"));
+    EXPECT_EQ(text(moving), "o");
+}
+
+TEST_F(RangeMovement, EndPointsAreSetAndCompared)
+{
+    TextRange a = range(0, 1, 2);
+    const TextRange b = range(1, 0, 3);
+    EXPECT_EQ(a.compareEndPoints(u"StartToStart", b), -1);
+    EXPECT_EQ(b.compareEndPoints(u"startToEnd", a), 1);
+    a.setEndPoint(u"EndToStart", b);
+    EXPECT_EQ(text(a), "ne\r\n");
+    EXPECT_EQ(a.compareEndPoints(u"EndToStart", b), 0);
+    a.setEndPoint(u"EndToEnd", b);
+    EXPECT_TRUE(a.inRange(b));
+    EXPECT_FALSE(b.inRange(a));
+    a.setEndPoint(u"StartToEnd", b);
+    EXPECT_TRUE(a.isEmpty());
+    a.setEndPoint(u"StartToStart", b);
+    EXPECT_TRUE(a.isEqual(b));
+    a.setEndPoint(u"Sideways", range(0, 0, 0));
+    EXPECT_TRUE(a.isEqual(b));
+}
+
+TEST_F(RangeMovement, SelectingMakesTheSelectionAndItsType)
+{
+    EXPECT_EQ(type(document), QStringLiteral("None"));
+    range(1, 1, 3).select();
+    EXPECT_EQ(type(document), QStringLiteral("Text"));
+    EXPECT_TRUE(createRange(document).isEqual(range(1, 1, 3)));
+    empty(document);
+    EXPECT_EQ(type(document), QStringLiteral("None"));
+    EXPECT_EQ(document.selection().focus, (Position{1, 3}));
+}
+
+// ---------------------------------------------------------------- search
+
+TEST_F(RangeSearch, ForwardFromTheRangesStartToTheDocumentsEnd)
+{
+    TextRange search = range(0, 0, 1);
+    EXPECT_TRUE(search.findText(QStringLiteral("THREE")));
+    EXPECT_EQ(search.start(), (Position{2, 0}));
+    EXPECT_TRUE(search.findText(QStringLiteral("three")));
+    search.collapse(false);
+    EXPECT_FALSE(search.findText(QStringLiteral("e")));
+    EXPECT_EQ(search.start(), (Position{2, 5}));
+}
+
+TEST_F(RangeSearch, BackwardFromTheRangesEnd)
+{
+    TextRange search = range(2, 4, 4);
+    EXPECT_TRUE(search.findText(QStringLiteral("e"), -1));
+    EXPECT_EQ(search.start(), (Position{2, 3}));
+    search.collapse(true);
+    EXPECT_TRUE(search.findText(QStringLiteral("e"), -1));
+    EXPECT_EQ(search.start(), (Position{0, 2}));
+}
+
+TEST_F(RangeSearch, AcrossMarksAndLineBreaks)
+{
+    TextRange search = createTextRange(document);
+    EXPECT_TRUE(search.findText(QStringLiteral("a<B>c")));
+    for (const QString& lineEnd : {QStringLiteral("\r\n"), QStringLiteral("\r"), QStringLiteral("\n")}) {
+        search = createTextRange(document);
+        EXPECT_TRUE(search.findText(QStringLiteral("e") + lineEnd + QStringLiteral("a<b>c") + lineEnd + u't'));
+        EXPECT_EQ(search.start(), (Position{0, 2}));
+        EXPECT_EQ(search.end(), (Position{2, 1}));
+        search = createTextRange(document);
+        EXPECT_TRUE(search.findText(lineEnd, -1));
+        EXPECT_EQ(search.start(), (Position{1, 5}));
+    }
+}
+
+TEST_F(RangeSearch, WholeWordsAndCaseByFlag)
+{
+    load("<DIV>concat Cat cat_ \xd0\x9a\xd0\x9e\xd0\xa2 cat</DIV>");
+    TextRange search = createTextRange(document);
+    EXPECT_TRUE(search.findText(QStringLiteral("cat"), 1, 0));
+    EXPECT_EQ(search.start().offset, 3);
+    search = createTextRange(document);
+    EXPECT_TRUE(search.findText(QStringLiteral("cat"), 1, TextRange::WholeWord));
+    EXPECT_EQ(search.start().offset, 7);
+    search = createTextRange(document);
+    EXPECT_TRUE(search.findText(QStringLiteral("cat"), 1, TextRange::WholeWord + TextRange::MatchCase));
+    EXPECT_EQ(search.start().offset, 20);
+    search = createTextRange(document);
+    EXPECT_TRUE(search.findText(QString::fromUtf8("\xd0\xba\xd0\xbe\xd1\x82"), 1, 0));
+    EXPECT_FALSE(createTextRange(document).findText(QString(), 1, 0));
+}
+
+TEST_F(RangeSearch, ReplacesAllHitsInOnePass)
+{
+    load("<DIV>aXbxc</DIV><DIV>x</DIV>");
+    TextRange search = createTextRange(document);
+    int hits = 0;
+    while (search.findText(QStringLiteral("x"), 1, 0)) {
+        search.setText(QStringLiteral("xx"));
+        ++hits;
+    }
+    EXPECT_EQ(hits, 3);
+    EXPECT_EQ(innerText(document), QStringLiteral("axxbxxc\r\nxx"));
+}
+
+// ---------------------------------------------------------------- elements
+
+TEST_F(Elements, AreAddressedByTheirNodeIndex)
+{
+    EXPECT_EQ(item(document, 1).id(), QStringLiteral("FirstDiv"));
+    EXPECT_EQ(item(document, 2).sourceIndex(), 2);
+    EXPECT_EQ(item(document, 2).nodeName(), QStringLiteral("DIV"));
+    EXPECT_EQ(item(document, 2).marginLeft(), 5);
+    EXPECT_EQ(item(document, 2).innerText(), QStringLiteral("a<b>c"));
+    EXPECT_FALSE(item(document, 0).exists());
+    EXPECT_EQ(item(document, 4).sourceIndex(), -1);
+}
+
+TEST_F(Elements, MarginAndIdentifierAreSetInTheStartTag)
+{
+    item(document, 2).setMarginLeft(10);
+    item(document, 3).setMarginLeft(5);
+    item(document, 3).setId(QStringLiteral("x"));
+    EXPECT_EQ(item(document, 2).outerHTML().left(36), QStringLiteral("<DIV style=\"MARGIN-LEFT: 10px\">a<SPA"));
+    EXPECT_EQ(item(document, 3).outerHTML(), QStringLiteral("<DIV style=\"MARGIN-LEFT: 5px\" id=x>three</DIV>"));
+    item(document, 3).setId(QString());
+    document.undo();
+    document.undo();
+    document.undo();
+    document.undo();
+    EXPECT_EQ(linesOf(document), Three);
+}
+
+TEST_F(Elements, AnEmptyOuterHtmlTakesTheLineOutAndTheNextHasItsPlace)
+{
+    DisplayElement second = item(document, 2);
+    second.setOuterHTML(QString());
+    EXPECT_EQ(second.innerText(), QStringLiteral("three"));
+    second.insertAdjacentHTML(u"beforeBegin", QStringLiteral("<DIV>x</DIV>\r\n<DIV>y</DIV>"));
+    EXPECT_EQ(linesOf(document), "<DIV id=FirstDiv>one</DIV>|<DIV>x</DIV>|<DIV>y</DIV>|<DIV>three</DIV>");
+}
+
+TEST_F(Elements, WhatReplacesTheLastLineGoesToTheEnd)
+{
+    DisplayElement last = item(document, 3);
+    last.setOuterHTML(QString());
+    EXPECT_FALSE(last.exists());
+    last.insertAdjacentHTML(u"beforeBegin", QStringLiteral("<DIV>new</DIV>"));
+    EXPECT_EQ(document.line(2).text, QStringLiteral("new"));
+    EXPECT_EQ(document.lineCount(), 3);
+}
+
+TEST_F(Elements, WhatReplacesAllLinesLeavesNoEmptyOne)
+{
+    lines(0, 2).select();
+    clear(document);
+    item(document, 1).insertAdjacentHTML(u"beforeBegin", QStringLiteral("<DIV id=FirstDiv>new</DIV>"));
+    EXPECT_EQ(linesOf(document), "<DIV id=FirstDiv>new</DIV>");
+}
+
+TEST_F(Elements, AreFoundByNameOrIdentifierAlsoInLines)
+{
+    range(1, 2, 2).pasteHTML(QStringLiteral("<A id=()*^^^%^*></A>"));
+    range(2, 0, 0).pasteHTML(QStringLiteral("<A name=\"()*^^^%^*\">T</A>"));
+    auto found = getElementsByName(document, QStringLiteral("()*^^^%^*"));
+    ASSERT_EQ(found.size(), 2U);
+    EXPECT_EQ(found[0].sourceIndex(), 2);
+    EXPECT_EQ(found[0].outerHTML(), QStringLiteral("<A id=()*^^^%^*></A>"));
+    EXPECT_EQ(found[1].innerText(), QStringLiteral("T"));
+    found[0].setOuterHTML(QString());
+    EXPECT_EQ(item(document, 2).outerHTML().toStdString(), Second);
+    EXPECT_EQ(getElementsByName(document, QStringLiteral("FirstDiv")).size(), 1U);
+    EXPECT_TRUE(getElementsByName(document, QStringLiteral("firstdiv")).empty());
+}
+
+TEST_F(Elements, HtmlGoesBesideAnInlineElement)
+{
+    range(1, 2, 2).pasteHTML(QStringLiteral("<A id=x></A>"));
+    getElementsByName(document, QStringLiteral("x"))[0].insertAdjacentHTML(u"afterEnd", QStringLiteral("2"));
+    getElementsByName(document, QStringLiteral("x"))[0].insertAdjacentHTML(u"beforeBegin", QStringLiteral("1"));
+    EXPECT_TRUE(item(document, 2).outerHTML().contains(QStringLiteral("&lt;1<A id=x></A>2b&gt;")));
+}
+
+// ---------------------------------------------------------------- shared operations
+
+TEST_F(SharedOperations, TheLineOfARangesFirstAndLastCharacter)
+{
+    EXPECT_EQ(NodeAtRangeStart(range(1, 2, 2)), 2);
+    EXPECT_EQ(NodeAtRangeEnd(range(1, 0, 0)), 2);
+    const TextRange withBreak(document, {0, 0}, {1, 0});
+    EXPECT_EQ(NodeAtRangeStart(withBreak), 1);
+    EXPECT_EQ(NodeAtRangeEnd(withBreak), 1);
+    load("");
+    EXPECT_EQ(NodeAtRangeStart(createTextRange(document)), -1);
+}
+
+TEST_F(SharedOperations, ARangesLengthCountsALineBreakOnce)
+{
+    EXPECT_EQ(RangeLength(createTextRange(document)), 15);
+    EXPECT_EQ(RangeLength(range(1, 2, 2)), 0);
+}
+
+TEST_F(SharedOperations, TheSelectionGrowsToWholeLines)
+{
+    document.setSelection({1, 2}, {0, 1});
+    const SelectedNodes nodes = SelectNodes(document, true, true);
+    EXPECT_EQ(nodes.first, 1);
+    EXPECT_EQ(nodes.last, 2);
+    EXPECT_EQ(text(nodes.range), "one\r\na<b>c");
+    EXPECT_TRUE(createRange(document).isEqual(nodes.range));
+    EXPECT_EQ(nodes.html.toStdString(), std::string("<DIV id=FirstDiv>one</DIV>\r\n") + Second);
+
+    caret(2, 2);
+    EXPECT_EQ(SelectNodes(document, false, true).html, QStringLiteral("<DIV>three</DIV>"));
+    EXPECT_TRUE(document.selection().isEmpty());
+}
+
+TEST_F(SharedOperations, NoLinesAreSelectedOnAnEmptyPage)
+{
+    load("<HTML><BODY></BODY></HTML>");
+    const SelectedNodes nodes = SelectNodes(document, true, true);
+    EXPECT_EQ(nodes.first, -1);
+    EXPECT_EQ(nodes.last, -1);
+    EXPECT_EQ(nodes.html, QString());
+}
+
+TEST_F(SharedOperations, TheCaretInsideATag)
+{
+    caret(1, 1);
+    EXPECT_FALSE(CaretInsideTag(document));
+    caret(1, 2);
+    EXPECT_TRUE(CaretInsideTag(document));
+    caret(1, 3);
+    EXPECT_TRUE(CaretInsideTag(document));
+    caret(1, 4);
+    EXPECT_FALSE(CaretInsideTag(document));
+}
+
+TEST_F(SharedOperations, ATagIsLookedForUpToFiftyOneCharactersAway)
+{
+    range(1, 2, 3).setText(QString(50, u'x'));
+    caret(1, 52);
+    EXPECT_TRUE(CaretInsideTag(document));
+    document.typeText(QStringLiteral("y"));
+    EXPECT_FALSE(CaretInsideTag(document));
+}
+
+// ---------------------------------------------------------------- the listener
+
+namespace {
+
+class Recorder final : public DisplayListener {
+public:
+    void linesChanged(int first, int removed, int inserted) override
+    {
+        calls += "lines " + std::to_string(first) + " -" + std::to_string(removed) + " +" + std::to_string(inserted)
+            + "; ";
+    }
+    void selectionChanged() override { calls += "selection; "; }
+    void documentReset() override { calls += "reset; "; }
+
+    std::string calls;
+};
+
+} // namespace
+
+TEST_F(Document, TellsItsListenerWhichLinesChanged)
+{
+    Recorder recorder;
+    document.setListener(&recorder);
+    caret(1, 1);
+    document.insertLineBreak();
+    document.undo();
+    load("<DIV>x</DIV>");
+    document.setListener(nullptr);
+    caret(0, 1);
+    EXPECT_EQ(recorder.calls, "selection; lines 1 -1 +2; selection; lines 1 -2 +1; selection; reset; ");
+}
+
+TEST_F(Document, CountsCharactersBothWays)
+{
+    load(reference::makeBookPage(100000).constData());
+    range(40, 3, 9).setText(QStringLiteral("a\r\nb"));
+    qint64 index = 0;
+    for (int line = 0; line < document.lineCount(); ++line) {
+        for (int offset = 0; offset <= document.line(line).text.size(); offset += 7) {
+            ASSERT_EQ(document.characterIndex({line, offset}), index + offset);
+            ASSERT_EQ(document.positionAt(index + offset), (Position{line, offset}));
+        }
+        index += document.line(line).text.size() + 1;
+    }
+    EXPECT_EQ(document.positionAt(index + 100), document.end());
+    EXPECT_EQ(document.positionAt(-1), Position());
+}
+
+} // namespace vmk

@@ -184,7 +184,7 @@ public:
     /// Puts HTML in the place of a range. Text outside blocks joins what stands beside the range. Blocks
     /// become lines of their own; but when the range reaches over a line break, its ends were parts of
     /// lines, and the first and last block join what is left of these: a range's own HTML put in its place
-    /// changes nothing.
+    /// gives the same text again (an in-line element that the range cuts is two elements then).
     /// @return the place behind what was put in.
     Position replaceHtml(Position from, Position to, QStringView html);
     /// The same between two cuts of one line, for what is addressed by its tags: an in-line element.

@@ -119,7 +119,7 @@ private:
     void beginLine();
     void markOpenElements();
     void endLine();
-    void takeHead(std::size_t end);
+    bool takeHead(std::size_t end);
     TagId plainBlock(TagId container);
     [[nodiscard]] bool inPre() const { return !blocks.empty() && blocks.back().name == preName; }
 
@@ -240,10 +240,8 @@ bool Reader<Char>::readMarkup()
         return false;
 
     const TagFacts facts = tagFacts(input.substr(at + 1, end - at - 1));
-    if (facts.kind == ElementKind::Body && !facts.isEnd && content.lines.empty() && !lineOpen) {
-        takeHead(at);
+    if (facts.kind == ElementKind::Body && !facts.isEnd && takeHead(at))
         content.body = facts.tag;
-    }
     at = end + 1;
     if (facts.isEnd)
         endTag(facts);
@@ -396,7 +394,7 @@ template <class Char>
 void Reader<Char>::readSpace()
 {
     // One blank between two words, the common case.
-    if (lineOpen && !endsCollapsible && input[at] == Char(' ') && markedInlines == inlines.size()
+    if (lineOpen && !endsCollapsible && !text.empty() && input[at] == Char(' ') && markedInlines == inlines.size()
         && at + 1 < input.size() && !isHtmlSpace(char32_t(std::make_unsigned_t<Char>(input[at + 1])))) {
         ++at;
         text.push_back(u' ');
@@ -700,18 +698,20 @@ TagId Reader<Char>::plainBlock(TagId container)
     return align.isEmpty() ? div : tags.withAttribute(div, u"align", align);
 }
 
-/// All up to here is the page's head, if nothing of the page has been shown yet.
-template <class Char>
-void Reader<Char>::takeHead(std::size_t end)
+/// All up to here is the page's head, if nothing of the page has begun yet.
+template <class Char> bool Reader<Char>::takeHead(std::size_t end)
 {
-    if (content.lines.empty() && !lineOpen && content.body == NoTag)
-        content.head = toText(input.substr(0, end));
+    if (!content.lines.empty() || lineOpen || !blocks.empty() || content.body != NoTag)
+        return false;
+    content.head = toText(input.substr(0, end));
+    inlines.clear();
+    heldSpace.clear();
+    return true;
 }
 
 HtmlContent readUtf16(TagTable& tags, QStringView html, Spacing spacing)
 {
-    return Reader<char16_t>(tags, std::u16string_view(html.utf16(), std::size_t(html.size())), spacing)
-        .read();
+    return Reader<char16_t>(tags, std::u16string_view(html.utf16(), std::size_t(html.size())), spacing).read();
 }
 
 } // namespace
