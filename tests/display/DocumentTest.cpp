@@ -23,12 +23,14 @@ std::string text(const TextRange& range)
 }
 
 /// A document with three lines and a caret.
-class Document : public ::testing::Test {
+class Document : public ::testing::Test
+{
 protected:
     void SetUp() override
     {
-        load("<DIV id=FirstDiv>one</DIV><DIV style=\"MARGIN-LEFT: 5px\">a<SPAN class=t>&lt;b&gt;</SPAN>c</DIV>"
-             "<DIV>three</DIV>");
+        load(
+            "<DIV id=FirstDiv>one</DIV><DIV style=\"MARGIN-LEFT: 5px\">a<SPAN class=t>&lt;b&gt;</SPAN>c</DIV>"
+            "<DIV>three</DIV>");
     }
     void load(const char* page) { document.loadPage(QByteArray(page)); }
     void caret(int line, int offset) { document.setSelection({line, offset}, {line, offset}); }
@@ -91,9 +93,10 @@ TEST_F(DocumentKeys, EnterMakesALineWithTheSameBlockAndTheIdentifierStays)
     document.insertLineBreak();
     caret(2, 3);
     document.insertLineBreak();
-    EXPECT_EQ(linesOf(document), "<DIV id=FirstDiv>o</DIV>|<DIV>ne</DIV>|<DIV style=\"MARGIN-LEFT: 5px\">a"
-                                 "<SPAN class=t>&lt;b</SPAN></DIV>|<DIV style=\"MARGIN-LEFT: 5px\"><SPAN class=t>&gt;"
-                                 "</SPAN>c</DIV>|<DIV>three</DIV>");
+    EXPECT_EQ(linesOf(document),
+              "<DIV id=FirstDiv>o</DIV>|<DIV>ne</DIV>|<DIV style=\"MARGIN-LEFT: 5px\">a"
+              "<SPAN class=t>&lt;b</SPAN></DIV>|<DIV style=\"MARGIN-LEFT: 5px\"><SPAN class=t>&gt;"
+              "</SPAN>c</DIV>|<DIV>three</DIV>");
     EXPECT_EQ(document.selection().focus, (Position{3, 0}));
 }
 
@@ -101,7 +104,8 @@ TEST_F(DocumentKeys, BackspaceAtALinesStartJoinsItToTheLineBefore)
 {
     caret(1, 0);
     document.deleteBackward();
-    EXPECT_EQ(linesOf(document), "<DIV id=FirstDiv>onea<SPAN class=t>&lt;b&gt;</SPAN>c</DIV>|<DIV>three</DIV>");
+    EXPECT_EQ(linesOf(document),
+              "<DIV id=FirstDiv>onea<SPAN class=t>&lt;b&gt;</SPAN>c</DIV>|<DIV>three</DIV>");
     EXPECT_EQ(document.selection().focus, (Position{0, 3}));
 }
 
@@ -317,8 +321,10 @@ TEST_F(RangeText, ARangeOutlivesItsDocument)
 
 TEST_F(RangeHtml, OfSeveralLinesEachInItsBlock)
 {
-    EXPECT_EQ(TextRange(document, {0, 1}, {1, 2}).htmlText(),
-        QStringLiteral("<DIV id=FirstDiv>ne</DIV>\r\n<DIV style=\"MARGIN-LEFT: 5px\">a<SPAN class=t>&lt;</SPAN></DIV>"));
+    EXPECT_EQ(
+        TextRange(document, {0, 1}, {1, 2}).htmlText(),
+        QStringLiteral(
+            "<DIV id=FirstDiv>ne</DIV>\r\n<DIV style=\"MARGIN-LEFT: 5px\">a<SPAN class=t>&lt;</SPAN></DIV>"));
 }
 
 TEST_F(RangeHtml, ElementsCutAtAnEndAreClosedAndThoseAroundAllAreLeftOut)
@@ -345,8 +351,9 @@ TEST_F(RangeHtml, TextWithoutBlocksIsPastedIntoTheCurrentSpan)
 {
     TextRange place = range(1, 2, 2);
     place.pasteHTML(QStringLiteral("x  <B>y</B>"));
-    EXPECT_EQ(item(document, 2).outerHTML(), QStringLiteral("<DIV style=\"MARGIN-LEFT: 5px\">a<SPAN class=t>&lt;x  "
-                                                            "<B>y</B>b&gt;</SPAN>c</DIV>"));
+    EXPECT_EQ(item(document, 2).outerHTML(),
+              QStringLiteral("<DIV style=\"MARGIN-LEFT: 5px\">a<SPAN class=t>&lt;x  "
+                             "<B>y</B>b&gt;</SPAN>c</DIV>"));
     EXPECT_EQ(place.start(), (Position{1, 6}));
 }
 
@@ -354,7 +361,7 @@ TEST_F(RangeHtml, BlocksPastedIntoALineStandAlone)
 {
     range(0, 1, 2).pasteHTML(QStringLiteral("<DIV>x</DIV>"));
     EXPECT_EQ(linesOf(document).substr(0, 60),
-        std::string("<DIV id=FirstDiv>o</DIV>|<DIV>x</DIV>|<DIV>e</DIV>|<DIV style=\"").substr(0, 60));
+              std::string("<DIV id=FirstDiv>o</DIV>|<DIV>x</DIV>|<DIV>e</DIV>|<DIV style=\"").substr(0, 60));
     load("<DIV id=FirstDiv>ab</DIV>");
     range(0, 0, 0).pasteHTML(QStringLiteral("<P>x</P>"));
     EXPECT_EQ(linesOf(document), "<P>x</P>|<DIV id=FirstDiv>ab</DIV>");
@@ -381,22 +388,24 @@ TEST_F(RangeHtml, TagsAroundASelectionOfSeveralLines)
 {
     TextRange range(document, {0, 1}, {1, 1});
     range.pasteHTML(QStringLiteral("<SPAN class=t>&lt;strong&gt;</SPAN>") + range.htmlText()
-        + QStringLiteral("<SPAN class=t>&lt;/strong&gt;</SPAN>"));
+                    + QStringLiteral("<SPAN class=t>&lt;/strong&gt;</SPAN>"));
     EXPECT_EQ(text(createTextRange(document)), "o<strong>\r\nne\r\na\r\n</strong><b>c\r\nthree");
 }
 
 TEST_F(RangeHtml, ColoursWrapTheTextOfEachLine)
 {
-    EXPECT_TRUE(TextRange(document, {0, 2}, {1, 2}).execCommand(u"BackColor", false, QStringLiteral("#ffb848")));
+    EXPECT_TRUE(
+        TextRange(document, {0, 2}, {1, 2}).execCommand(u"BackColor", false, QStringLiteral("#ffb848")));
     EXPECT_EQ(linesOf(document),
-        "<DIV id=FirstDiv>on<FONT style=\"BACKGROUND-COLOR: #ffb848\">e</FONT></DIV>|<DIV style=\"MARGIN-LEFT: "
-        "5px\"><FONT style=\"BACKGROUND-COLOR: #ffb848\">a</FONT><SPAN class=t><FONT style=\"BACKGROUND-COLOR: "
-        "#ffb848\">&lt;</FONT>b&gt;</SPAN>c</DIV>|<DIV>three</DIV>");
+              "<DIV id=FirstDiv>on<FONT style=\"BACKGROUND-COLOR: #ffb848\">e</FONT></DIV>|<DIV "
+              "style=\"MARGIN-LEFT: "
+              "5px\"><FONT style=\"BACKGROUND-COLOR: #ffb848\">a</FONT><SPAN class=t><FONT "
+              "style=\"BACKGROUND-COLOR: "
+              "#ffb848\">&lt;</FONT>b&gt;</SPAN>c</DIV>|<DIV>three</DIV>");
     document.undo();
     EXPECT_EQ(linesOf(document), Three);
     EXPECT_TRUE(range(1, 0, 5).execCommand(u"ForeColor", false, QStringLiteral("#0000FF")));
-    EXPECT_EQ(range(1, 0, 5).htmlText(),
-        QStringLiteral("a<SPAN class=t>&lt;b&gt;</SPAN>c"));
+    EXPECT_EQ(range(1, 0, 5).htmlText(), QStringLiteral("a<SPAN class=t>&lt;b&gt;</SPAN>c"));
     EXPECT_TRUE(item(document, 2).outerHTML().contains(QStringLiteral("<FONT color=#0000FF>a<SPAN")));
     EXPECT_FALSE(range(1, 0, 5).execCommand(u"Bold", false, QString()));
     EXPECT_FALSE(range(1, 0, 0).execCommand(u"BackColor", false, QStringLiteral("red")));
@@ -549,7 +558,8 @@ TEST_F(RangeSearch, AcrossMarksAndLineBreaks)
     EXPECT_TRUE(search.findText(QStringLiteral("a<B>c")));
     for (const QString& lineEnd : {QStringLiteral("\r\n"), QStringLiteral("\r"), QStringLiteral("\n")}) {
         search = createTextRange(document);
-        EXPECT_TRUE(search.findText(QStringLiteral("e") + lineEnd + QStringLiteral("a<b>c") + lineEnd + u't'));
+        EXPECT_TRUE(
+            search.findText(QStringLiteral("e") + lineEnd + QStringLiteral("a<b>c") + lineEnd + u't'));
         EXPECT_EQ(search.start(), (Position{0, 2}));
         EXPECT_EQ(search.end(), (Position{2, 1}));
         search = createTextRange(document);
@@ -606,8 +616,10 @@ TEST_F(Elements, MarginAndIdentifierAreSetInTheStartTag)
     item(document, 2).setMarginLeft(10);
     item(document, 3).setMarginLeft(5);
     item(document, 3).setId(QStringLiteral("x"));
-    EXPECT_EQ(item(document, 2).outerHTML().left(36), QStringLiteral("<DIV style=\"MARGIN-LEFT: 10px\">a<SPA"));
-    EXPECT_EQ(item(document, 3).outerHTML(), QStringLiteral("<DIV style=\"MARGIN-LEFT: 5px\" id=x>three</DIV>"));
+    EXPECT_EQ(item(document, 2).outerHTML().left(36),
+              QStringLiteral("<DIV style=\"MARGIN-LEFT: 10px\">a<SPA"));
+    EXPECT_EQ(item(document, 3).outerHTML(),
+              QStringLiteral("<DIV style=\"MARGIN-LEFT: 5px\" id=x>three</DIV>"));
     item(document, 3).setId(QString());
     document.undo();
     document.undo();
@@ -662,7 +674,8 @@ TEST_F(Elements, HtmlGoesBesideAnInlineElement)
 {
     range(1, 2, 2).pasteHTML(QStringLiteral("<A id=x></A>"));
     getElementsByName(document, QStringLiteral("x"))[0].insertAdjacentHTML(u"afterEnd", QStringLiteral("2"));
-    getElementsByName(document, QStringLiteral("x"))[0].insertAdjacentHTML(u"beforeBegin", QStringLiteral("1"));
+    getElementsByName(document, QStringLiteral("x"))[0].insertAdjacentHTML(u"beforeBegin",
+                                                                           QStringLiteral("1"));
     EXPECT_TRUE(item(document, 2).outerHTML().contains(QStringLiteral("&lt;1<A id=x></A>2b&gt;")));
 }
 
@@ -734,12 +747,13 @@ TEST_F(SharedOperations, ATagIsLookedForUpToFiftyOneCharactersAway)
 
 namespace {
 
-class Recorder final : public DisplayListener {
+class Recorder final : public DisplayListener
+{
 public:
     void linesChanged(int first, int removed, int inserted) override
     {
-        calls += "lines " + std::to_string(first) + " -" + std::to_string(removed) + " +" + std::to_string(inserted)
-            + "; ";
+        calls += "lines " + std::to_string(first) + " -" + std::to_string(removed) + " +"
+            + std::to_string(inserted) + "; ";
     }
     void selectionChanged() override { calls += "selection; "; }
     void documentReset() override { calls += "reset; "; }

@@ -19,13 +19,75 @@ using reference::Dice;
 /// HTML such as nobody would write: tags of all sorts in any order, stray signs, and text between them.
 QByteArray randomHtml(Dice& dice)
 {
-    constexpr const char* Pieces[] = {"<DIV>", "</DIV>", "<div id=FirstDiv style='margin-left: 5px'>", "<P>", "</p>",
-        "<BR>", "<br/>", "<HR>", "<H2 align=center>", "</H2>", "<SPAN class=t>", "</SPAN>", "<FONT class=\"n\">",
-        "</font>", "<B>", "</B>", "<I>", "</i>", "<A id=()*^^^%^*>", "</A>", "<IMG src=a.png>", "<UL>", "<LI>", "</UL>",
-        "<TABLE><TR><TD>", "</TABLE>", "<PRE>", "</PRE>", "<!-- c -->", "<!--", "-->", "<SCRIPT>", "</SCRIPT>",
-        "<HEAD>", "</HEAD>", "<BODY text=\"a>b\">", "</BODY>", "<a href=\"x", "<x y='", "\">", "'", "&", "&lt;", "&gt;",
-        "&amp;", "&nbsp;", "&#10;", "&#x1F600;", "&bogus;", "<", ">", "</", "<!", "<?x", "\r\n", "  ", "\t", " ", "a",
-        "\xd1\x8f", "\xf0\x9f\x98\x80", "\xc2\xa0", "\x7f", "\xff", "\xed\xa0\x80", "word", "=", "\"", "/"};
+    constexpr const char* Pieces[] = {"<DIV>",
+                                      "</DIV>",
+                                      "<div id=FirstDiv style='margin-left: 5px'>",
+                                      "<P>",
+                                      "</p>",
+                                      "<BR>",
+                                      "<br/>",
+                                      "<HR>",
+                                      "<H2 align=center>",
+                                      "</H2>",
+                                      "<SPAN class=t>",
+                                      "</SPAN>",
+                                      "<FONT class=\"n\">",
+                                      "</font>",
+                                      "<B>",
+                                      "</B>",
+                                      "<I>",
+                                      "</i>",
+                                      "<A id=()*^^^%^*>",
+                                      "</A>",
+                                      "<IMG src=a.png>",
+                                      "<UL>",
+                                      "<LI>",
+                                      "</UL>",
+                                      "<TABLE><TR><TD>",
+                                      "</TABLE>",
+                                      "<PRE>",
+                                      "</PRE>",
+                                      "<!-- c -->",
+                                      "<!--",
+                                      "-->",
+                                      "<SCRIPT>",
+                                      "</SCRIPT>",
+                                      "<HEAD>",
+                                      "</HEAD>",
+                                      "<BODY text=\"a>b\">",
+                                      "</BODY>",
+                                      "<a href=\"x",
+                                      "<x y='",
+                                      "\">",
+                                      "'",
+                                      "&",
+                                      "&lt;",
+                                      "&gt;",
+                                      "&amp;",
+                                      "&nbsp;",
+                                      "&#10;",
+                                      "&#x1F600;",
+                                      "&bogus;",
+                                      "<",
+                                      ">",
+                                      "</",
+                                      "<!",
+                                      "<?x",
+                                      "\r\n",
+                                      "  ",
+                                      "\t",
+                                      " ",
+                                      "a",
+                                      "\xd1\x8f",
+                                      "\xf0\x9f\x98\x80",
+                                      "\xc2\xa0",
+                                      "\x7f",
+                                      "\xff",
+                                      "\xed\xa0\x80",
+                                      "word",
+                                      "=",
+                                      "\"",
+                                      "/"};
     QByteArray html;
     for (int i = dice.roll(40); i >= 0; --i) {
         html += Pieces[dice.roll(int(std::size(Pieces)))];
@@ -51,8 +113,8 @@ TEST(HtmlProperty, WhatWasWrittenReadsBackAsTheSameLines)
 TEST(HtmlProperty, TextBetweenTagsComesThroughWhole)
 {
     constexpr int Rounds = 5000;
-    constexpr const char* Tags[]
-        = {"<DIV>", "</DIV>", "<P>", "<BR>", "<B>", "</B>", "<SPAN class=t>", "</SPAN>", "<LI>", "</UL>", "<A id=x>"};
+    constexpr const char* Tags[] = {"<DIV>",          "</DIV>",  "<P>",  "<BR>",  "<B>",     "</B>",
+                                    "<SPAN class=t>", "</SPAN>", "<LI>", "</UL>", "<A id=x>"};
     Dice dice(11);
     for (int round = 0; round < Rounds; ++round) {
         QString html;

@@ -189,7 +189,8 @@ Position DisplayDocument::positionAt(qint64 characterIndex) const
         return {};
     // Only as far as the place lies: what an edit has made unknown further on stays so.
     constexpr int Stride = 256;
-    while (knownLineStarts == 0
+    while (
+        knownLineStarts == 0
         || (knownLineStarts < lineCount() && lineStarts[std::size_t(knownLineStarts) - 1] <= characterIndex))
         knowLineStarts(std::min(knownLineStarts + Stride, lineCount()));
     const auto begin = lineStarts.begin();

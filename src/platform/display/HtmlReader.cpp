@@ -394,8 +394,9 @@ template <class Char>
 void Reader<Char>::readSpace()
 {
     // One blank between two words, the common case.
-    if (lineOpen && !endsCollapsible && !text.empty() && input[at] == Char(' ') && markedInlines == inlines.size()
-        && at + 1 < input.size() && !isHtmlSpace(char32_t(std::make_unsigned_t<Char>(input[at + 1])))) {
+    if (lineOpen && !endsCollapsible && !text.empty() && input[at] == Char(' ')
+        && markedInlines == inlines.size() && at + 1 < input.size()
+        && !isHtmlSpace(char32_t(std::make_unsigned_t<Char>(input[at + 1])))) {
         ++at;
         text.push_back(u' ');
         endsCollapsible = spacing == Spacing::Collapse && !inPre();
@@ -699,7 +700,8 @@ TagId Reader<Char>::plainBlock(TagId container)
 }
 
 /// All up to here is the page's head, if nothing of the page has begun yet.
-template <class Char> bool Reader<Char>::takeHead(std::size_t end)
+template <class Char>
+bool Reader<Char>::takeHead(std::size_t end)
 {
     if (!content.lines.empty() || lineOpen || !blocks.empty() || content.body != NoTag)
         return false;
@@ -711,7 +713,8 @@ template <class Char> bool Reader<Char>::takeHead(std::size_t end)
 
 HtmlContent readUtf16(TagTable& tags, QStringView html, Spacing spacing)
 {
-    return Reader<char16_t>(tags, std::u16string_view(html.utf16(), std::size_t(html.size())), spacing).read();
+    return Reader<char16_t>(tags, std::u16string_view(html.utf16(), std::size_t(html.size())), spacing)
+        .read();
 }
 
 } // namespace

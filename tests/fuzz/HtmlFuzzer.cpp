@@ -1,0 +1,48 @@
+// Any bytes as HTML: as a page, and pasted at some place of a page. Nothing crashes or hangs, lines are well
+// formed, what was written reads back the same, and undo gives the page back.
+
+#include "HtmlCheck.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+void Check(const std::string& fault)
+{
+    if (fault.empty())
+        return;
+    std::fprintf(stderr, "%s\n", fault.c_str());
+    std::abort();
+}
+
+/// Pastes the HTML over a range that its own first bytes choose, and takes that back.
+void CheckPasting(const QByteArray& bytes)
+{
+    vmk::DisplayDocument document;
+    document.loadPage(
+        "<DIV id=FirstDiv>a<B>b</B>c</DIV><DIV><SPAN class=t>&lt;d&gt;</SPAN></DIV><DIV>e</DIV>");
+    const QByteArray before = document.savePage();
+    const auto placeFrom = [&](qsizetype i) {
+        const int length = 9;
+        return document.positionAt(bytes.size() > i ? static_cast<unsigned char>(bytes[i]) % length : 0);
+    };
+    vmk::TextRange range(document, placeFrom(0), placeFrom(1));
+    range.pasteHTML(QString::fromUtf8(bytes));
+    for (int i = 0; i < document.lineCount(); ++i)
+        Check(vmk::reference::lineFault(document.line(i)));
+    while (document.undo()) { }
+    Check(document.savePage() == before ? std::string() : "undo gave another page");
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
+{
+    const QByteArray bytes(reinterpret_cast<const char*>(data), qsizetype(size));
+    Check(vmk::reference::pageFault(bytes));
+    Check(vmk::reference::fragmentFault(QString::fromUtf8(bytes)));
+    CheckPasting(bytes);
+    return 0;
+}
