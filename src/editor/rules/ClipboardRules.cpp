@@ -1,0 +1,56 @@
+#include "ClipboardRules.h"
+
+#include "Desktop.h"
+#include "DisplayPage.h"
+#include "Globals.h"
+#include "TextFunctions.h"
+#include "TextRange.h"
+#include "TypingRules.h"
+
+namespace vmk {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// What stands behind the end of the head.
+QStringView BehindHead(QStringView html)
+{
+    for (const QStringView marker : {u"<BASEFONT", u"<BODY", u"</HEAD"}) {
+        const qsizetype at = html.indexOf(marker, 0, Qt::CaseInsensitive);
+        const qsizetype end = at < 0 ? -1 : html.indexOf(u'>', at);
+        if (end < 0)
+            continue;
+        const QStringView rest = html.mid(end + 1);
+        return rest.startsWith(u"\r\n") ? rest.mid(2) : rest;
+    }
+    return html;
+}
+
+} // namespace
+
+void CopySelection(DisplayDocument& document, bool cut)
+{
+    // Long lines come wrapped behind a blank from some displays; the wrap is undone.
+    SetClipboardText(ReplaceAll(createRange(document).htmlText(), u" \r\n", u" "));
+    if (cut)
+        DeleteSelection(document);
+}
+
+void CopyAsText(DisplayDocument& document)
+{
+    SetClipboardText(ReplaceAll(createRange(document).text(), u" \r\n", u" "));
+}
+
+QString HtmlToPlainText(const QString& html, bool decodeAngleBrackets)
+{
+    QString text = RegExpReplace(BehindHead(html), u"<[^>]*>", u"", false);
+    if (decodeAngleBrackets) {
+        text = ReplaceAll(std::move(text), u"&lt;", u"<");
+        text = ReplaceAll(std::move(text), u"&gt;", u">");
+    }
+    text = ReplaceAll(std::move(text), u"&nbsp;", u"\u00a0");
+    text = ReplaceAll(std::move(text), u" \r\n", u" ");
+    return ReplaceAll(std::move(text), u"\r\n", u"\r");
+}
+
+} // namespace vmk

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "DisplayDocument.h"
+#include "TextRange.h"
+
+#include <QPoint>
+
+#include <vector>
+
+/// What the editing commands share: the lines that a command works on, and how an edit is noted.
+namespace vmk {
+
+/// Notes an edit of `steps` undo steps: one undo command will take back so many.
+void MarkEdit(int steps);
+
+/// The lines under the selection.
+struct SelectedLines
+{
+    int first = -1; ///< Node index from 1; below 1 when the selection lies in no line.
+    int last = -1;
+    bool caret = false; ///< Nothing was selected.
+    QPoint place; ///< The caret's client coordinates, pixels; only with `caret`.
+
+    explicit operator bool() const { return first >= 1 && last >= 1; }
+};
+
+/// Takes the lines under the selection, grown to whole ones; several become the selection.
+[[nodiscard]] SelectedLines TakeSelectedLines(DisplayDocument& document);
+
+/// Puts new lines in the place of the taken ones, in the two undo steps of such a command: the old ones go,
+/// the new ones come. Nothing around them changes, not even when they are all that there is.
+void ReplaceLines(DisplayDocument& document, const SelectedLines& lines, std::vector<LinePtr> newLines);
+
+/// Puts the caret at the character nearest to a client point.
+void PlaceCaret(DisplayDocument& document, QPoint clientPoint);
+
+} // namespace vmk

@@ -1,0 +1,136 @@
+#include "FieldRules.h"
+
+#include "DisplayPage.h"
+#include "EditLines.h"
+#include "HtmlWriter.h"
+#include "TextRange.h"
+
+namespace vmk {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+QString NameOf(InlineTag kind)
+{
+    switch (kind) {
+    case InlineTag::Bold:
+        return u"strong"_s;
+    case InlineTag::Italic:
+        return u"emphasis"_s;
+    case InlineTag::Superscript:
+        return u"sup"_s;
+    case InlineTag::Subscript:
+        return u"sub"_s;
+    }
+    return {};
+}
+
+QString PaintedTag(const QString& text)
+{
+    return "<SPAN class=t>&lt;"_L1 + text + "&gt;</SPAN>"_L1;
+}
+
+/// Each piece between blanks with its first character in upper case, the rest in lower case.
+QString ProperCase(const QString& text)
+{
+    QStringList words = text.split(u' ');
+    for (QString& word : words)
+        word = word.left(1).toUpper() + word.mid(1).toLower();
+    return words.join(u' ');
+}
+
+QString InCase(const QString& text, LetterCase kind)
+{
+    switch (kind) {
+    case LetterCase::Lower:
+        return text.toLower();
+    case LetterCase::Upper:
+        return text.toUpper();
+    case LetterCase::Proper:
+        return ProperCase(text);
+    }
+    return text;
+}
+
+struct FieldForm
+{
+    QLatin1StringView start;
+    QLatin1StringView end;
+    QLatin1StringView empty;
+};
+
+FieldForm FormOf(Field kind)
+{
+    switch (kind) {
+    case Field::Tag:
+        return {"<SPAN class=et>"_L1, "</SPAN>"_L1, "<SPAN class=et>&nbsp;</SPAN>"_L1};
+    case Field::Attribute:
+        return {"<FONT class=en>"_L1, "</FONT>"_L1, "<FONT class=en>&nbsp;</FONT>"_L1};
+    case Field::Value:
+        // The pairing of FONT with the end of a SPAN is meant: the element ends with what is pasted.
+        return {"<FONT class=ev>"_L1, "</SPAN>"_L1, "<FONT class=ev>&nbsp;</FONT>"_L1};
+    case Field::Text:
+        break;
+    }
+    return {"<SPAN class=b>"_L1, "</SPAN>"_L1, "<SPAN class=b>&nbsp;</SPAN>"_L1};
+}
+
+bool HoldsSpan(const TextRange& range)
+{
+    return range.touchesElement(u"SPAN") || range.htmlText().contains("<SPAN"_L1, Qt::CaseInsensitive);
+}
+
+/// Whether a painted piece stands right behind or right before the caret.
+bool TouchesSpan(const TextRange& caret)
+{
+    TextRange neighbour = caret.duplicate();
+    neighbour.moveEnd(u"character", 1);
+    if (HoldsSpan(neighbour))
+        return true;
+    neighbour = caret.duplicate();
+    neighbour.moveStart(u"character", -1);
+    return HoldsSpan(neighbour);
+}
+
+} // namespace
+
+void InsertInlineTag(DisplayDocument& document, InlineTag kind)
+{
+    const QString name = NameOf(kind);
+    TextRange range = createRange(document);
+    range.pasteHTML(PaintedTag(name) + range.htmlText() + PaintedTag(u'/' + name));
+    range.select();
+    MarkEdit(1);
+}
+
+void ChangeCase(DisplayDocument& document, LetterCase kind)
+{
+    TextRange range = createRange(document);
+    const QString text = InCase(range.text(), kind);
+    const Position start = range.start();
+    range.setText(text);
+    // The changed text stays selected, over line breaks too.
+    TextRange(document, start, range.end()).select();
+    MarkEdit(1);
+}
+
+void InsertField(DisplayDocument& document, Field kind)
+{
+    const FieldForm form = FormOf(kind);
+    TextRange range = createRange(document);
+    if (range.boundingWidth() > 0) {
+        QString html = form.start;
+        writeText(html, range.text());
+        range.pasteHTML(html + form.end);
+        range.select();
+        return;
+    }
+    if (TouchesSpan(range))
+        return;
+    range.pasteHTML(form.empty);
+    range.moveStart(u"character", -1);
+    range.setText(kind == Field::Attribute ? u" "_s : QString());
+    range.select();
+}
+
+} // namespace vmk

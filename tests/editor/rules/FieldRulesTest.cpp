@@ -1,0 +1,125 @@
+#include "FieldRules.h"
+#include "RulesFixture.h"
+
+using namespace vmk;
+
+namespace {
+
+class Fields : public Rules
+{
+};
+
+} // namespace
+
+TEST_F(Fields, BoldAtACaretPutsAnEmptyPairOfTags)
+{
+    show("<DIV>ab</DIV>");
+    caret(0, 1);
+    InsertInlineTag(document, InlineTag::Bold);
+    EXPECT_EQ(lines(),
+              "<DIV>a<SPAN class=t>&lt;strong&gt;</SPAN><SPAN class=t>&lt;/strong&gt;</SPAN>b</DIV>");
+    EXPECT_EQ(UndoSteps, 1);
+    EXPECT_FALSE(BookUnchanged);
+    undo();
+    EXPECT_EQ(lines(), "<DIV>ab</DIV>");
+}
+
+TEST_F(Fields, EachKindPutsItsOwnTagsAndTwiceNests)
+{
+    const std::pair<InlineTag, const char*> kinds[] = {{InlineTag::Bold, "<strong>x</strong>"},
+                                                       {InlineTag::Italic, "<emphasis>x</emphasis>"},
+                                                       {InlineTag::Superscript, "<sup>x</sup>"},
+                                                       {InlineTag::Subscript, "<sub>x</sub>"}};
+    for (const auto& [kind, expected] : kinds) {
+        show("<DIV>x</DIV>");
+        select(0, 0, 0, 1);
+        InsertInlineTag(document, kind);
+        EXPECT_EQ(text(0), expected);
+    }
+    select(0, 0, 0, int(document.line(0).text.size()));
+    InsertInlineTag(document, InlineTag::Bold);
+    EXPECT_EQ(text(0), "<strong><sub>x</sub></strong>");
+}
+
+TEST_F(Fields, BoldAcrossTwoLinesKeepsBothAndAllOfTheirText)
+{
+    show("<DIV>one</DIV>\r<DIV>two</DIV>");
+    const std::string before = lines();
+    select(0, 1, 1, 2);
+    InsertInlineTag(document, InlineTag::Bold);
+    std::string all;
+    for (int line = 0; line < document.lineCount(); ++line)
+        all += text(line);
+    EXPECT_EQ(all, "o<strong>netw</strong>o");
+    undo();
+    EXPECT_EQ(lines(), before);
+}
+
+TEST_F(Fields, CaseChangesKeepTheTextSelected)
+{
+    show("<DIV>oNe two</DIV>");
+    select(0, 0, 0, 3);
+    ChangeCase(document, LetterCase::Proper);
+    EXPECT_EQ(text(0), "One two");
+    EXPECT_EQ(selected(), "One");
+    ChangeCase(document, LetterCase::Upper);
+    EXPECT_EQ(selected(), "ONE");
+    ChangeCase(document, LetterCase::Lower);
+    EXPECT_EQ(selected(), "one");
+    EXPECT_EQ(UndoSteps, 1);
+    EXPECT_FALSE(BookUnchanged);
+}
+
+TEST_F(Fields, ProperCaseTakesBlanksAloneAsWordEnds)
+{
+    show("<DIV>one two</DIV>\r<DIV>THREE four</DIV>");
+    select(0, 0, 1, 10);
+    ChangeCase(document, LetterCase::Proper);
+    EXPECT_EQ(text(0), "One Two");
+    EXPECT_EQ(text(1), "three Four");
+    EXPECT_EQ(selected(), "One Two\r\nthree Four");
+}
+
+TEST_F(Fields, CaseChangesCyrillicTextAndTheTagsWithinTheSelection)
+{
+    show("<DIV><SPAN class=t>&lt;p&gt;</SPAN>слово</DIV>");
+    select(0, 0, 0, 8);
+    ChangeCase(document, LetterCase::Upper);
+    EXPECT_EQ(text(0), "<P>СЛОВО");
+    EXPECT_EQ(selected(), "<P>СЛОВО");
+}
+
+TEST_F(Fields, AFieldIsMadeOnlyAwayFromPaintedPieces)
+{
+    show("<DIV>ab<SPAN class=t>&lt;p&gt;</SPAN>cd</DIV>");
+    const std::string before = lines();
+    for (const int offset : {2, 5}) {
+        caret(0, offset);
+        InsertField(document, Field::Tag);
+        EXPECT_EQ(lines(), before);
+    }
+    caret(0, 1);
+    InsertField(document, Field::Tag);
+    EXPECT_EQ(text(0), "ab<p>cd");
+    document.typeText(QStringLiteral("xy"));
+    EXPECT_EQ(lines(), "<DIV>a<SPAN class=et>xy</SPAN>b<SPAN class=t>&lt;p&gt;</SPAN>cd</DIV>");
+    EXPECT_EQ(UndoSteps, 0);
+}
+
+TEST_F(Fields, ASelectedTextGoesIntoAFieldCharacterByCharacter)
+{
+    for (const Field kind : {Field::Text, Field::Tag, Field::Attribute, Field::Value}) {
+        show("<DIV>a&lt;b &amp;amp; c&gt;d</DIV>");
+        const std::string before = text(0);
+        select(0, 1, 0, 6);
+        InsertField(document, kind);
+        EXPECT_EQ(text(0), before);
+        EXPECT_NE(lines().find(kind == Field::Value           ? "<FONT class=ev>&lt;b"
+                                   : kind == Field::Attribute ? "<FONT class=en>&lt;b"
+                                   : kind == Field::Tag       ? "<SPAN class=et>&lt;b"
+                                                              : "<SPAN class=b>&lt;b"),
+                  std::string::npos);
+        EXPECT_EQ(UndoSteps, 0);
+        EXPECT_TRUE(BookUnchanged);
+    }
+}

@@ -1,0 +1,250 @@
+#include "PasteRules.h"
+#include "ClipboardRules.h"
+#include "Desktop.h"
+#include "RulesFixture.h"
+
+using namespace vmk;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr char TwoLines[] = "<DIV id=FirstDiv>first</DIV>\r<DIV style=\"MARGIN-LEFT: 5px\">second</DIV>";
+
+class Pasting : public Rules
+{
+protected:
+    /// The place of the caret, as a press of the mouse there would have left it.
+    QPoint press()
+    {
+        const TextRange range = createRange(document);
+        return {range.offsetLeft(), range.offsetTop()};
+    }
+    void pasteText(const char* html) { PasteText(document, QString::fromUtf8(html), press()); }
+    void pasteHtml(const char* html) { PasteHtml(document, QString::fromUtf8(html), press()); }
+    std::string allText()
+    {
+        std::string all;
+        for (int line = 0; line < document.lineCount(); ++line)
+            all += text(line) + '\n';
+        return all;
+    }
+};
+
+} // namespace
+
+TEST_F(Pasting, AnEmptyOrBlankClipboardDoesNothing)
+{
+    show(TwoLines);
+    pasteText("");
+    pasteHtml("  ");
+    EXPECT_EQ(UndoSteps, 0);
+    EXPECT_TRUE(BookUnchanged);
+    EXPECT_FALSE(document.canUndo());
+}
+
+TEST_F(Pasting, TextWithoutLinesGoesInAtTheCaretAndLeavesTheFlagAlone)
+{
+    show("<DIV><SPAN class=t>&lt;pp&gt;</SPAN></DIV>");
+    caret(0, 2);
+    pasteText("x  y");
+    EXPECT_EQ(lines(), "<DIV><SPAN class=t>&lt;px yp&gt;</SPAN></DIV>");
+    EXPECT_EQ(UndoSteps, 1);
+    EXPECT_TRUE(BookUnchanged);
+}
+
+TEST_F(Pasting, TwoBlanksBecomeOneAsTextAndStayAsHtml)
+{
+    show("<DIV>ab</DIV>");
+    caret(0, 1);
+    pasteText("one  two");
+    EXPECT_EQ(text(0), "aone twob");
+    show("<DIV>ab</DIV>");
+    caret(0, 2);
+    pasteHtml("one  two");
+    EXPECT_EQ(text(1), "one  two");
+}
+
+TEST_F(Pasting, AWholeLineAtTheEndOfALineGoesBelowIt)
+{
+    show(TwoLines);
+    caret(0, 5);
+    pasteText("<DIV class=x>new</DIV>");
+    EXPECT_EQ(allText(), "first\nnew\nsecond\n");
+    EXPECT_EQ(caretPlace(), (Position{1, 3}));
+    EXPECT_FALSE(BookUnchanged);
+    undo();
+    EXPECT_EQ(allText(), "first\nsecond\n");
+}
+
+TEST_F(Pasting, AWholeLineAtTheStartOfALineGoesAboveIt)
+{
+    show(TwoLines);
+    caret(1, 0);
+    pasteText("<DIV>new</DIV>");
+    EXPECT_EQ(allText(), "first\nnew\nsecond\n");
+    EXPECT_EQ(lines(),
+              "<DIV id=FirstDiv>first</DIV>\n<DIV>new</DIV>\n<DIV style=\"MARGIN-LEFT: 5px\">second</DIV>");
+}
+
+TEST_F(Pasting, WholeLinesInsideALineBecomePartOfItAsText)
+{
+    show(TwoLines);
+    caret(1, 3);
+    pasteText("<DIV>new </DIV><DIV>lines</DIV>");
+    EXPECT_EQ(allText(), "first\nsecnew linesond\n");
+    EXPECT_EQ(lines().substr(lines().find('\n') + 1),
+              "<DIV style=\"MARGIN-LEFT: 5px\">secnew linesond</DIV>");
+    undo();
+    EXPECT_EQ(allText(), "first\nsecond\n");
+}
+
+TEST_F(Pasting, PasteAsHtmlInsideALineBreaksItInTwo)
+{
+    show(TwoLines);
+    caret(1, 3);
+    pasteHtml("<DIV>new</DIV>");
+    EXPECT_EQ(lines(),
+              "<DIV id=FirstDiv>first</DIV>\n<DIV style=\"MARGIN-LEFT: 5px\">sec</DIV>\n<DIV>new</DIV>\n"
+              "<DIV style=\"MARGIN-LEFT: 5px\">ond</DIV>");
+    EXPECT_EQ(caretPlace(), (Position{2, 3}));
+    undo();
+    EXPECT_EQ(allText(), "first\nsecond\n");
+}
+
+TEST_F(Pasting, PasteAsHtmlWithoutLinesTakesTheLinesOwnTag)
+{
+    show(TwoLines);
+    caret(1, 6);
+    pasteHtml("plain");
+    EXPECT_EQ(lines().substr(lines().rfind('\n') + 1), "<DIV style=\"MARGIN-LEFT: 5px\">plain</DIV>");
+}
+
+TEST_F(Pasting, PasteAsHtmlAtTheStartPutsTheCaretBeforeTheLine)
+{
+    show(TwoLines);
+    caret(1, 0);
+    pasteHtml("<DIV>new</DIV>");
+    EXPECT_EQ(allText(), "first\nnew\nsecond\n");
+    EXPECT_TRUE(document.selection().isEmpty());
+}
+
+TEST_F(Pasting, AParagraphWithAClassBecomesAPlainLine)
+{
+    show(TwoLines);
+    caret(0, 5);
+    pasteHtml("<P class=Normal>text</P>");
+    EXPECT_EQ(lines(),
+              "<DIV id=FirstDiv>first</DIV>\n<DIV>text</DIV>\n<DIV style=\"MARGIN-LEFT: 5px\">second</DIV>");
+}
+
+TEST_F(Pasting, TheMarkOfANonBreakingSpaceStaysWhileItIsShown)
+{
+    show("<DIV>ab</DIV>");
+    caret(0, 1);
+    pasteText("x\x7f"
+              "y");
+    EXPECT_EQ(text(0),
+              "ax\x7f"
+              "yb");
+    ShowNbsp = 0;
+    show("<DIV>ab</DIV>");
+    caret(0, 1);
+    pasteText("x\x7f"
+              "y");
+    EXPECT_EQ(text(0),
+              "ax\xc2\xa0"
+              "yb");
+}
+
+TEST_F(Pasting, OutsideALineNothingIsPastedYetAnEditIsNoted)
+{
+    show("");
+    pasteText("<DIV>new</DIV>");
+    EXPECT_EQ(UndoSteps, 1);
+    EXPECT_FALSE(BookUnchanged);
+    EXPECT_EQ(allText(), "\n");
+}
+
+TEST_F(Pasting, ForeignTextsLoseNoCharacterAndNoLine)
+{
+    const char* const texts[] = {
+        "plain\r\nwith line ends\r\n",
+        "a < b > c & d",
+        "<html><body><!--StartFragment--><p class=MsoNormal>Word "
+        "<o:p>text</o:p></p><p>two</p><!--EndFragment-->",
+        "<table><tr><td>cell</td><td>other</td></tr></table>",
+        "\xf0\x9d\x94\xbb plane one",
+        "<ul><li>item<li>item two</ul>",
+        "<DIV>nested <DIV>inner</DIV> tail</DIV>",
+    };
+    for (const char* foreign : texts) {
+        for (const int offset : {0, 3, 6}) {
+            for (const bool asHtml : {false, true}) {
+                show(TwoLines);
+                caret(1, offset);
+                if (asHtml)
+                    pasteHtml(foreign);
+                else
+                    pasteText(foreign);
+                std::string page = allText();
+                EXPECT_EQ(page.rfind("first\n", 0), 0U) << foreign;
+                std::erase(page, '\n');
+                EXPECT_NE(page.find(std::string("second").substr(0, size_t(offset))), std::string::npos)
+                    << page;
+                EXPECT_NE(page.find(std::string("second").substr(size_t(offset))), std::string::npos) << page;
+                undo();
+                EXPECT_EQ(allText(), "first\nsecond\n") << foreign;
+            }
+        }
+    }
+}
+
+TEST_F(Pasting, CopyThenPasteInTheSameLineKeepsThePainting)
+{
+    show("<DIV><SPAN class=t>&lt;p&gt;</SPAN>word<SPAN class=t>&lt;/p&gt;</SPAN></DIV>");
+    select(0, 0, 0, 7);
+    CopySelection(document, false);
+    EXPECT_EQ(ClipboardText().toStdString(), "<SPAN class=t>&lt;p&gt;</SPAN>word");
+    caret(0, 7);
+    PasteText(document, ClipboardText(), press());
+    EXPECT_EQ(lines(),
+              "<DIV><SPAN class=t>&lt;p&gt;</SPAN>word<SPAN class=t>&lt;p&gt;</SPAN>word"
+              "<SPAN class=t>&lt;/p&gt;</SPAN></DIV>");
+}
+
+TEST_F(Pasting, CopyAsTextGivesTheTagInPlainAngleBrackets)
+{
+    show("<DIV><SPAN class=t>&lt;p&gt;</SPAN>a &amp; b</DIV>");
+    select(0, 0, 0, 8);
+    CopyAsText(document);
+    EXPECT_EQ(ClipboardText().toStdString(), "<p>a & b");
+    EXPECT_EQ(UndoSteps, 0);
+}
+
+TEST_F(Pasting, CutTakesTheSelectionOutAndACaretCutsNothing)
+{
+    show(TwoLines);
+    select(0, 2, 1, 3);
+    CopySelection(document, true);
+    EXPECT_EQ(allText(), "fiond\n");
+    undo();
+    EXPECT_EQ(allText(), "first\nsecond\n");
+    caret(0, 0);
+    CopySelection(document, true);
+    EXPECT_EQ(ClipboardText(), QString());
+    EXPECT_EQ(allText(), "first\nsecond\n");
+}
+
+TEST_F(Pasting, LengthOfHtmlCountsWhatIsShown)
+{
+    EXPECT_EQ(TextLengthOfHtml(u"<DIV>&lt;p&gt;</DIV>\r\n<SPAN>ab</SPAN>"_s), 5);
+    EXPECT_EQ(TextLengthOfHtml(QString()), 0);
+}
+
+TEST(HtmlToPlainText, DropsTheHeadTheTagsAndTheWraps)
+{
+    EXPECT_EQ(HtmlToPlainText(
+                  u"<HTML><BODY text=x>\r\n<DIV>a \r\nb&nbsp;&lt;p&gt;</DIV>\r\n<DIV>c&amp;</DIV>"_s, true),
+              u"a b\u00a0<p>\rc&amp;"_s);
+    EXPECT_EQ(HtmlToPlainText(u"x</head>&lt;"_s, false), u"&lt;"_s);
+}

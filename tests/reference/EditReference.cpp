@@ -1,0 +1,134 @@
+#include "EditReference.h"
+
+#include "BookReference.h"
+
+#include <cmath>
+#include <regex>
+#include <vector>
+
+namespace vmk::reference {
+
+namespace {
+
+constexpr auto IgnoringCase = std::regex::ECMAScript | std::regex::icase;
+
+std::vector<std::string> LineTags(const std::string& html)
+{
+    static const std::regex pattern("<DIV[^>]*>", IgnoringCase);
+    std::vector<std::string> tags;
+    for (std::sregex_iterator at(html.begin(), html.end(), pattern), end; at != end; ++at)
+        tags.push_back(at->str());
+    return tags;
+}
+
+std::string ReplaceOnce(std::string text, const std::string& sought, const std::string& replacement)
+{
+    if (const size_t at = text.find(sought); at != std::string::npos)
+        text.replace(at, sought.size(), replacement);
+    return text;
+}
+
+std::string RemoveAll(const std::string& text, const std::string& pattern)
+{
+    return std::regex_replace(text, std::regex(pattern, IgnoringCase), "");
+}
+
+bool HasMargin(const std::string& text)
+{
+    return std::regex_search(text, std::regex("MARGIN-LEFT:", IgnoringCase));
+}
+
+// The trimmed text behind "MARGIN-LEFT:" up to `px"`; empty if it is not a number.
+std::string MarginText(const std::string& tag)
+{
+    std::smatch match;
+    if (!std::regex_search(tag, match, std::regex("MARGIN-LEFT:([\\s\\S]*)", IgnoringCase)))
+        return {};
+    std::string number = match[1].str();
+    const size_t end = number.find("px\"");
+    if (end == std::string::npos)
+        return {};
+    number = number.substr(0, end);
+    number.erase(0, number.find_first_not_of(' '));
+    number.erase(number.find_last_not_of(' ') + 1);
+    return std::regex_match(number, std::regex("[0-9]+(\\.[0-9]+)?")) ? number : std::string();
+}
+
+int Rounded(const std::string& number)
+{
+    return static_cast<int>(std::nearbyint(std::stod(number)));
+}
+
+std::string WithMargin(const std::string& tag, const std::string& number, int margin)
+{
+    return ReplaceOnce(tag, std::to_string(Rounded(number)) + "px", std::to_string(margin) + "px");
+}
+
+std::string MarginStyle(int margin)
+{
+    std::string style = " style=\"MARGIN-LEFT: ";
+    return style.append(std::to_string(margin)).append("px\"");
+}
+
+void ReplaceTag(std::string& html, const std::string& tag, const std::string& newTag)
+{
+    html = ReplaceAll(html, tag,
+                      ReplaceOnce(newTag, "<DIV",
+                                  "\x01"
+                                  "DIV"));
+}
+
+} // namespace
+
+std::string ShiftRight(std::string html, int nodeShift)
+{
+    for (const std::string& tag : LineTags(html)) {
+        if (!HasMargin(tag))
+            ReplaceTag(html, tag, ReplaceOnce(tag, ">", MarginStyle(nodeShift) + ">"));
+        else if (const std::string number = MarginText(tag); !number.empty())
+            ReplaceTag(html, tag, WithMargin(tag, number, Rounded(number) + nodeShift));
+    }
+    return ReplaceAll(html, "\x01", "<");
+}
+
+std::optional<std::string> ShiftLeft(std::string html, int nodeShift, bool oneLine)
+{
+    if (!HasMargin(html))
+        return std::nullopt;
+    for (const std::string& tag : LineTags(html)) {
+        const std::string number = MarginText(tag);
+        if (!number.empty() && Rounded(number) >= nodeShift)
+            ReplaceTag(html, tag, WithMargin(tag, number, Rounded(number) - nodeShift));
+        else if (oneLine)
+            return std::nullopt;
+    }
+    return ReplaceAll(html, "\x01", "<");
+}
+
+std::string StripPainting(std::string html)
+{
+    html = RemoveAll(html, "<FONT[^>]*>");
+    html = ReplaceAll(html, "</FONT>", "");
+    html = RemoveAll(html, "<SPAN[^>]*>");
+    html = ReplaceAll(html, "</SPAN>", "");
+    html = ReplaceAll(html, "<B>", "");
+    return ReplaceAll(html, "</B>", "");
+}
+
+std::string PaintLines(std::string html, const PaintRequest& request)
+{
+    html = ReplaceAll(html, "&lt;!--", "\x03!--");
+    html = ReplaceAll(html, "--&lt;", "--\x04");
+    if (request.tagHighlighting) {
+        html = ReplaceAll(html, "&lt;", "<SPAN class=t>&lt;");
+        html = ReplaceAll(html, "&gt;", "&gt;</SPAN>");
+        html = PaintAttributes(html);
+    } else if (request.tagFontWeight == "bold" && request.displayFontWeight != "bold") {
+        html = ReplaceAll(html, "&lt;", "<B>&lt;");
+        html = ReplaceAll(html, "&gt;", "&gt;</B>");
+    }
+    html = ReplaceAll(html, "\x03", "<SPAN class=c>&lt;");
+    return ReplaceAll(html, "\x04", "&gt;</SPAN>");
+}
+
+} // namespace vmk::reference
