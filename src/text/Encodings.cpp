@@ -16,7 +16,7 @@ constexpr std::string_view Utf16Mark = "\xff\xfe";
 
 std::string MakeDeclaration(std::string_view encodingName)
 {
-    return "<?xml version=\"1.0\" encoding=\"" + std::string(encodingName) + "\"?>";
+    return R"(<?xml version="1.0" encoding=")" + std::string(encodingName) + R"("?>)";
 }
 
 /// Controls that no ordinary text of one byte a character holds.
@@ -59,13 +59,13 @@ int32_t EncodingCodePage(std::string_view name)
 BookEncoding MakeBookEncoding(std::string name)
 {
     const int32_t codePage = EncodingCodePage(name);
-    std::string metaTag = "<meta content=\"text/html; charset=" + name + "\" http-equiv=\"Content-Type\">";
+    std::string metaTag = R"(<meta content="text/html; charset=)" + name + R"(" http-equiv="Content-Type">)";
     return {std::move(name), codePage, std::move(metaTag)};
 }
 
 bool IsUnicodeText(std::string_view text)
 {
-    constexpr size_t SampleSize = 64 * 1024;
+    constexpr size_t SampleSize = 65'536;
     if (text.starts_with(Utf16Mark))
         return true;
     const std::string_view sample = text.substr(0, SampleSize);

@@ -295,7 +295,7 @@ Utf8Character ReadUtf8(const char* from, const char* end)
 }
 
 /// Output grows by blocks that stay in the nearest cache.
-constexpr size_t BlockSize = 16 * 1024;
+constexpr size_t BlockSize = 16'384;
 
 std::string PageToUtf8(std::string_view bytes, const Page& page)
 {

@@ -9,16 +9,16 @@ namespace vmk {
 
 std::string StringWithRoom(size_t capacity)
 {
-    constexpr size_t WorthAsking = 4 * 1024 * 1024;
+    constexpr size_t WorthAsking = 4'000'000;
     std::string text;
     text.reserve(capacity);
     if (capacity < WorthAsking)
         return text;
     // Only whole pages are the string's own. A system that does not follow the advice changes nothing.
-    const auto page = static_cast<uintptr_t>(sysconf(_SC_PAGESIZE));
-    const auto begin = (reinterpret_cast<uintptr_t>(text.data()) + page - 1) / page * page;
-    const auto end = (reinterpret_cast<uintptr_t>(text.data()) + capacity) / page * page;
-    madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+    const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    const size_t begun = reinterpret_cast<uintptr_t>(text.data()) % page;
+    const size_t skipped = begun == 0 ? 0 : page - begun;
+    madvise(text.data() + skipped, (capacity - skipped) / page * page, MADV_HUGEPAGE);
     return text;
 }
 

@@ -5,10 +5,9 @@
 #define PCRE2_CODE_UNIT_WIDTH 16
 #include <pcre2.h>
 
-#include <time.h>
-
 #include <algorithm>
 #include <chrono>
+#include <ctime>
 #include <list>
 #include <memory>
 #include <mutex>
@@ -179,8 +178,8 @@ private:
 
 pcre2_jit_stack* ThreadJitStack()
 {
-    constexpr size_t Start = 64 * 1024;
-    constexpr size_t Most = 32 * 1024 * 1024;
+    constexpr size_t Start = 65'536;
+    constexpr size_t Most = 32'000'000;
     thread_local const JitStack stack(pcre2_jit_stack_create(Start, Most, nullptr));
     return stack.get();
 }
@@ -252,8 +251,9 @@ RegExp::Matcher::Outcome RegExp::Matcher::next()
 
 QStringView RegExp::Matcher::group(int number) const
 {
-    const PCRE2_SIZE first = spans()[2 * number];
-    const PCRE2_SIZE last = spans()[2 * number + 1];
+    const PCRE2_SIZE* const span = spans() + 2 * static_cast<ptrdiff_t>(number);
+    const PCRE2_SIZE first = span[0];
+    const PCRE2_SIZE last = span[1];
     if (first == PCRE2_UNSET)
         return {};
     return text.mid(static_cast<qsizetype>(first), static_cast<qsizetype>(last - first));

@@ -77,10 +77,10 @@ public:
     std::optional<EnginePattern> translate();
 
 private:
-    bool atEnd() const { return at >= pattern.size(); }
-    bool ahead(QStringView text) const { return pattern.mid(at).startsWith(text); }
-    qsizetype quantifierLength() const;
-    bool posixClassAhead() const;
+    [[nodiscard]] bool atEnd() const { return at >= pattern.size(); }
+    [[nodiscard]] bool ahead(QStringView text) const { return pattern.mid(at).startsWith(text); }
+    [[nodiscard]] qsizetype quantifierLength() const;
+    [[nodiscard]] bool posixClassAhead() const;
 
     bool readTerm();
     bool openGroup();
