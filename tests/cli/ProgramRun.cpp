@@ -4,7 +4,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
@@ -62,7 +61,6 @@ ProgramRun RunProgram(const std::string& name, const std::vector<std::string>& a
     ScratchFile errors;
     input.fill(setting.input);
 
-    const auto start = std::chrono::steady_clock::now();
     const pid_t child = fork();
     if (child == 0) {
         const bool isElsewhere = !setting.outputFile.empty();
@@ -81,7 +79,8 @@ ProgramRun RunProgram(const std::string& name, const std::vector<std::string>& a
     wait4(child, &status, 0, &usage);
 
     ProgramRun run;
-    run.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    const auto seconds = [](const timeval& time) { return double(time.tv_sec) + double(time.tv_usec) / 1e6; };
+    run.seconds = seconds(usage.ru_utime) + seconds(usage.ru_stime);
     run.peakBytes = usage.ru_maxrss * 1024;
     run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     run.output = output.content();

@@ -11,7 +11,7 @@ struct ProgramRun
     int exitCode = -1; ///< -1 when a signal ended it
     std::string output;
     std::string errors;
-    double seconds = 0;
+    double seconds = 0; ///< of the processor's time
     long peakBytes = 0;
 };
 

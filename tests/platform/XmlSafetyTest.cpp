@@ -7,7 +7,7 @@
 
 #include <QTemporaryDir>
 
-#include <chrono>
+#include <ctime>
 #include <fstream>
 #include <string>
 #include <thread>
@@ -17,6 +17,12 @@ using namespace std::string_literals;
 using namespace Qt::StringLiterals;
 
 namespace {
+
+#ifdef __SANITIZE_ADDRESS__
+constexpr double MostSeconds = 10.0;
+#else
+constexpr double MostSeconds = 1.0;
+#endif
 
 std::string Repeated(std::string_view text, size_t count)
 {
@@ -54,10 +60,11 @@ public:
 
 int ErrorCode(std::string_view text, XmlSaxHandler* handler = nullptr)
 {
-    const auto start = std::chrono::steady_clock::now();
+    // The processor's time: how busy the machine is otherwise does not matter.
+    const std::clock_t start = std::clock();
     const XmlParseError error = ReadXml(text, XmlEncoding::byDeclaration(), handler);
-    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-    EXPECT_LT(time.count(), 1.0) << text.substr(0, 200);
+    const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+    EXPECT_LT(seconds, MostSeconds) << text.substr(0, 200);
     EXPECT_EQ(error.reason.isEmpty(), error.errorCode == 0);
     EXPECT_FALSE(error.reason.contains(u'\n'));
     return error.errorCode;

@@ -300,7 +300,7 @@ void Pass::parserError(const xmlError& error)
 xmlEntityPtr Pass::countExpansion(xmlEntityPtr entity)
 {
     // References take time even to nothing; those that the text itself writes out are not the danger.
-    constexpr qsizetype FreeReferences = 50'000;
+    constexpr qsizetype FreeReferences = 20'000;
     constexpr qsizetype ShortestReference = 3;
     if (entity == nullptr)
         return nullptr;
