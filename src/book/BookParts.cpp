@@ -15,6 +15,9 @@ namespace vmk {
 namespace {
 
 constexpr std::string_view BookEnd = "</FictionBook>";
+/// U+2039 and U+203A.
+constexpr std::string_view LeftMark = "\xe2\x80\xb9";
+constexpr std::string_view RightMark = "\xe2\x80\xba";
 constexpr std::string_view ProgramName = "Vellumark";
 constexpr std::string_view ProgramUsed = "<program-used>Vellumark</program-used>";
 constexpr std::string_view AuthorStub = "<author><first-name></first-name><last-name></last-name></author>";
@@ -94,8 +97,6 @@ bool SplitBinaryPart(std::string& text, bool preview)
 void ProtectAngleBrackets(std::string& text)
 {
     // The marks are shorter, so the text can be rewritten in its place.
-    constexpr std::string_view LeftMark = "\xe2\x80\xb9";
-    constexpr std::string_view RightMark = "\xe2\x80\xba";
     size_t to = text.find('&');
     size_t from = to;
     while (from < text.size()) {
@@ -116,6 +117,11 @@ void ProtectAngleBrackets(std::string& text)
     }
     if (to != std::string::npos)
         text.resize(to);
+}
+
+void RestoreAngleBrackets(std::string& text)
+{
+    text = ReplaceAll(ReplaceAll(std::move(text), LeftMark, "&lt;"), RightMark, "&gt;");
 }
 
 void UpdateDescription(std::string& text)

@@ -19,6 +19,9 @@ namespace vmk {
 /// Writes every `&lt;` and `&gt;` as U+2039 and U+203A, so that each angle bracket left is mark-up.
 void ProtectAngleBrackets(std::string& text);
 
+/// The other way round.
+void RestoreAngleBrackets(std::string& text);
+
 /// Sees to it that `program-used` of the description names the program. A book that does so already is
 /// unchanged; one without a `description` too.
 void UpdateDescription(std::string& text);

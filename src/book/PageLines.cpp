@@ -1,7 +1,7 @@
 #include "PageLines.h"
 
 #include "Globals.h"
-#include "TextFunctions.h"
+#include "XmlDeclarations.h"
 #include "XmlSerializer.h"
 
 #include <algorithm>
@@ -24,7 +24,6 @@ constexpr std::string_view ValueStart = "<FONT class=v>";
 constexpr std::string_view FontEnd = "</FONT>";
 constexpr std::string_view CommentStart = "<SPAN class=c>&lt;";
 constexpr std::string_view CommentEnd = "&gt;</SPAN>";
-constexpr std::string_view XmlStart = "<?xml version";
 /// Stand for the brackets of a comment when they come in with the text; then they are painted as such.
 constexpr char CommentStartMark = 3;
 constexpr char CommentEndMark = 4;
@@ -376,32 +375,6 @@ size_t LongestTabRun(std::string_view text)
     return longest;
 }
 
-/// Where a declaration stands at or behind `from`, ignoring case; npos if nowhere.
-size_t FindDeclaration(std::string_view text, size_t from)
-{
-    for (size_t at = text.find("<?", from); at != std::string_view::npos; at = text.find("<?", at + 2))
-        if (FindText(text.substr(at, XmlStart.size()), XmlStart, 0, true) == 0)
-            return at;
-    return std::string_view::npos;
-}
-
-/// Replaces every declaration at or behind `from`, up to the next ">".
-std::string ReplaceDeclarations(std::string_view text, size_t from, std::string_view declaration)
-{
-    std::string result;
-    size_t copied = 0;
-    for (size_t at = FindDeclaration(text, from); at != std::string_view::npos;
-         at = FindDeclaration(text, copied)) {
-        const size_t end = text.find('>', at);
-        if (end == std::string_view::npos)
-            break;
-        result.append(text, copied, at - copied);
-        result += declaration;
-        copied = end + 1;
-    }
-    return result.append(text, copied);
-}
-
 } // namespace
 
 void PaintAttributes(std::string& text)
@@ -446,11 +419,11 @@ void AppendTreeLines(const XmlTreeText& tree, std::string_view declaration, cons
     const size_t behindDeclaration = tree.text.starts_with(declaration) ? declaration.size() : 0;
 
     // Declarations elsewhere, as in a comment, take the long way.
-    if (FindDeclaration(tree.text, behindDeclaration) != std::string_view::npos) {
+    if (FindXmlDeclaration(tree.text, behindDeclaration) != std::string_view::npos) {
         const std::string text = tree.laidOut();
         const size_t levels = LongestTabRun(std::string_view(text).substr(behindDeclaration));
         LineWriter writer(values, LineEnds::CrLfAndTabs, levels, page);
-        const std::string replaced = ReplaceDeclarations(text, behindDeclaration, declaration);
+        const std::string replaced = ReplaceXmlDeclarations(text, behindDeclaration, declaration);
         writer.write(replaced);
         writer.finish();
         return;

@@ -5,7 +5,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
+
+using namespace Qt::StringLiterals;
 
 namespace vmk {
 
@@ -135,6 +136,15 @@ std::string BreakStepByStep(std::string text, std::string_view lineEnd, const In
 }
 
 } // namespace
+
+QStringList DefaultInLineTags()
+{
+    QStringList tags;
+    for (const QLatin1StringView start : {"</"_L1, "<"_L1})
+        for (const std::string_view name : InLineElements)
+            tags.append(start + QLatin1StringView(name.data(), qsizetype(name.size())) + u'>');
+    return tags;
+}
 
 InLineTagSet::InLineTagSet(const QStringList& entries)
 {

@@ -9,6 +9,9 @@
 /// One element per line: where an XML text may be broken and where it must not be.
 namespace vmk {
 
+/// The list of in-line tags that a new workspace has.
+[[nodiscard]] QStringList DefaultInLineTags();
+
 /// The tags that count as in-line, ready for use.
 class InLineTagSet
 {

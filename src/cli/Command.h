@@ -21,6 +21,8 @@ struct Command
     int (*run)(const QStringList& arguments); ///< arguments behind the name; gives the exit code
 };
 
+extern const Command ConvertCommand;
+extern const Command DisplayCommand;
 extern const Command ValidateCommand;
 
 } // namespace vmk

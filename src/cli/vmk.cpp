@@ -16,7 +16,7 @@ using namespace vmk;
 
 namespace {
 
-constexpr std::array Commands = {&ValidateCommand};
+constexpr std::array Commands = {&ValidateCommand, &DisplayCommand, &ConvertCommand};
 
 QString GeneralHelp()
 {

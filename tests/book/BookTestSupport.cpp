@@ -46,12 +46,6 @@ DisplayValues DefaultValues()
     return values;
 }
 
-QStringList DefaultInLineTags()
-{
-    return ToList({"</a>", "</strong>", "</emphasis>", "</style>", "</strikethrough>", "</sub>", "</sup>",
-                   "<a>", "<strong>", "<emphasis>", "<style>", "<strikethrough>", "<sub>", "<sup>"});
-}
-
 QStringList ToList(const std::vector<std::string>& strings)
 {
     QStringList list;

@@ -2,6 +2,7 @@
 
 #include "BookReference.h"
 #include "DisplayValues.h"
+#include "TreeLines.h"
 
 #include <QStringList>
 
@@ -23,9 +24,6 @@ const std::vector<CorpusBook>& CorpusBooks();
 
 /// The display values of the default settings.
 DisplayValues DefaultValues();
-
-/// The list of in-line tags that a new workspace has.
-QStringList DefaultInLineTags();
 
 QStringList ToList(const std::vector<std::string>& strings);
 std::vector<std::string> ToStrings(const QStringList& list);

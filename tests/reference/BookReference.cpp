@@ -238,7 +238,7 @@ private:
 
     std::string startTag(const xmlNode* element) const
     {
-        std::string tag = "<" + nameOf(element);
+        std::string tag = std::string("<") + nameOf(element);
         for (const xmlNs* ns = element->nsDef; ns != nullptr; ns = ns->next)
             tag += (ns->prefix != nullptr ? " xmlns:" + View(ns->prefix) : std::string(" xmlns")) + "=\""
                 + Escaped(View(ns->href), true) + "\"";
@@ -578,7 +578,7 @@ std::string SaveText(std::string page, const SaveRequest& request, bool& treeSki
     if (request.style == "tags tree") {
         const std::string xml = ParserPass(page, 65001, request.inLineTags);
         if (!xml.empty())
-            return ReplaceWholeTags(xml, Start, request.declaration, false);
+            return ReplaceWholeTags(xml, Start, request.declaration, true);
         treeSkipped = true;
     }
     page = CollapseRepeats(page, CrLf);

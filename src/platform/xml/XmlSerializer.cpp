@@ -43,7 +43,7 @@ size_t XmlTreeText::laidOutSize() const
 {
     size_t size = text.size();
     for (const Break& place : breaks)
-        size += 2 + place.depth - place.length;
+        size = size + 2 + place.depth - place.length;
     return size;
 }
 

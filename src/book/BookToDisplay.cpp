@@ -1,0 +1,81 @@
+#include "BookToDisplay.h"
+
+#include "BookPage.h"
+#include "BookParts.h"
+#include "Boxes.h"
+#include "CodePages.h"
+#include "EmptyPage.h"
+#include "Encodings.h"
+#include "Globals.h"
+#include "MainWindowSeams.h"
+
+using namespace Qt::StringLiterals;
+
+namespace vmk {
+
+namespace {
+
+/// Tells that the book will be shown without a tree.
+void WarnOfNamespaceError()
+{
+    // The setting counts for a preview too.
+    if (NamespaceErrorWarning != 1)
+        return;
+    ShowEmptyPage(QString(), QString(), QString(), false, true);
+    InformationBox(u"Namespace error. Tree view is skipped"_s, u"Vellumark"_s);
+}
+
+/// Converts a text whose references nobody has resolved. The page is UTF-8 whatever the book is; with its
+/// bytes left as they are the text would be lost in the display.
+void ConvertUnresolved(std::string& text)
+{
+    RestoreAngleBrackets(text);
+    if (WorkCodePage == CodePageUtf16)
+        UnicodeToCodePage(text, CodePageUtf8);
+    else
+        CodePageToUtf8(text, WorkCodePage);
+    ProtectAngleBrackets(text);
+}
+
+} // namespace
+
+bool ConvertBookToDisplay(std::string& text, bool preview)
+{
+    if (!SplitBinaryPart(text, preview)) {
+        text.clear();
+        return false;
+    }
+
+    PageRequest request;
+    request.values = preview ? PreviewValuesSeam()() : DisplayValuesOfSettings();
+    request.values.showNbsp = ShowNbsp == 1;
+    request.inLineTags = InLineTagSet(InLineTags);
+    ShowStatus(u"...converting xml to html: checking namespace..."_s);
+
+    // To UTF-8, except for a book with references: only the parser can tell what those mean.
+    if (!preview)
+        DetectBookEncoding(text);
+    ConvertBookToUtf8(text);
+    request.xmlDeclaration = XmlDeclaration;
+    if (BookHasCharRefs && WorkCodePage != CodePageUtf16)
+        request.encoding = XmlEncoding::codePage(WorkCodePage);
+
+    ProtectAngleBrackets(text);
+    if (!preview)
+        UpdateDescription(text);
+
+    const std::optional<XmlTreeText> tree = TreeOfBook(text, request);
+    if (tree) {
+        text = std::string(); // the tree holds it all
+        text = PageWithTree(*tree, request);
+    } else {
+        WarnOfNamespaceError();
+        if (BookHasCharRefs)
+            ConvertUnresolved(text);
+        text = PageWithoutTree(std::move(text), request);
+    }
+    BookHasCharRefs = false;
+    return true;
+}
+
+} // namespace vmk

@@ -1,0 +1,287 @@
+#include "DisplayToBook.h"
+
+#include "CodePages.h"
+#include "Encodings.h"
+#include "Globals.h"
+#include "MainWindowSeams.h"
+#include "TextFunctions.h"
+#include "XmlDeclarations.h"
+#include "XmlDocument.h"
+#include "XmlSerializer.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace vmk {
+
+namespace {
+
+constexpr std::string_view BookEnd = "</FictionBook>";
+
+/// What visible text is written back as.
+struct Token
+{
+    std::string_view shown;
+    std::string_view meant;
+};
+
+constexpr std::array<Token, 4> Tokens
+    = {Token{"&lt;", "<"}, Token{"&gt;", ">"}, Token{"\xe2\x80\xb9", "&lt;"}, Token{"\xe2\x80\xba", "&gt;"}};
+
+/// Strips a page in one pass. The steps that it stands for follow one another over the whole text: wraps
+/// undone, blanks and markers written out, mark-up deleted, and only then, on what has moved together, the
+/// angle brackets restored.
+class PageStripper
+{
+public:
+    PageStripper(std::string_view pageBody, AngleMarks marks)
+        : page(pageBody)
+        , tokenCount(marks == AngleMarks::Restore ? Tokens.size() : 2)
+    {
+        for (const char c : {'<', '&', '\r', NbspMarker})
+            special[static_cast<unsigned char>(c)] = true;
+        special[0xe2] = marks == AngleMarks::Restore;
+    }
+
+    [[nodiscard]] std::string run();
+
+private:
+    size_t writeSpecial(size_t at);
+    size_t skipTag(size_t at);
+    size_t joinToken(size_t at);
+    size_t replace(size_t at, size_t length, std::string_view with);
+    [[nodiscard]] size_t tokenLengthAtEnd() const;
+
+    std::string_view page;
+    size_t tokenCount; // how many of `Tokens` count
+    bool special[256]{};
+    std::string out;
+    size_t copied = 0; // how far the page has been written
+    bool noTagLeft = false; // no ">" behind the place of the last search
+};
+
+std::string PageStripper::run()
+{
+    out.reserve(page.size() / 2);
+    for (size_t at = 0; at < page.size();)
+        at = special[static_cast<unsigned char>(page[at])] ? writeSpecial(at) : at + 1;
+    return out.append(page, copied);
+}
+
+/// Writes what stands at a special byte; gives the place to go on from.
+size_t PageStripper::writeSpecial(size_t at)
+{
+    const std::string_view rest = page.substr(at);
+    switch (page[at]) {
+    case '<':
+        return skipTag(at);
+    case '\r': // the display wraps long lines behind a blank
+        return rest.starts_with(CrLf) && page.substr(0, at).ends_with(' ') ? replace(at, 2, {}) : at + 1;
+    case NbspMarker:
+        return replace(at, 1, Utf8Nbsp);
+    default:
+        for (size_t i = 0; i < tokenCount; ++i)
+            if (rest.starts_with(Tokens[i].shown))
+                return replace(at, Tokens[i].shown.size(), Tokens[i].meant);
+        constexpr std::string_view Nbsp = "&nbsp;";
+        return rest.starts_with(Nbsp) ? replace(at, Nbsp.size(), " ") : at + 1;
+    }
+}
+
+size_t PageStripper::skipTag(size_t at)
+{
+    const size_t end = noTagLeft ? std::string_view::npos : page.find('>', at);
+    noTagLeft = end == std::string_view::npos;
+    if (noTagLeft)
+        return at + 1;
+    replace(at, end + 1 - at, {});
+    return joinToken(end + 1);
+}
+
+/// Finishes a token that the mark-up just skipped had torn apart.
+size_t PageStripper::joinToken(size_t at)
+{
+    size_t length = tokenLengthAtEnd();
+    while (length > 0 && at < page.size()) {
+        const std::string begun = out.substr(out.size() - length) + page[at];
+        size_t i = 0;
+        while (i < tokenCount && !Tokens[i].shown.starts_with(begun))
+            ++i;
+        if (i == tokenCount)
+            break;
+        copied = ++at;
+        if (begun == Tokens[i].shown) {
+            out.resize(out.size() - length);
+            out += Tokens[i].meant;
+            break;
+        }
+        out += begun.back();
+        ++length;
+    }
+    return at;
+}
+
+/// How much of a token stands unfinished at the end of what has been written.
+size_t PageStripper::tokenLengthAtEnd() const
+{
+    constexpr size_t Longest = 3;
+    for (size_t length = std::min(Longest, out.size()); length > 0; --length) {
+        const std::string_view end = std::string_view(out).substr(out.size() - length);
+        for (size_t i = 0; i < tokenCount; ++i)
+            if (length < Tokens[i].shown.size() && Tokens[i].shown.starts_with(end))
+                return length;
+    }
+    return 0;
+}
+
+size_t PageStripper::replace(size_t at, size_t length, std::string_view with)
+{
+    out.append(page, copied, at - copied);
+    out += with;
+    copied = at + length;
+    return copied;
+}
+
+/// Puts the declaration in place of the text's own.
+void SetDeclaration(std::string& text, std::string_view declaration)
+{
+    if (!text.starts_with(XmlDeclarationStart))
+        text.insert(0, declaration);
+    else if (const size_t next = text.find('<', XmlDeclarationStart.size()); next != std::string::npos)
+        text.replace(0, next, declaration);
+}
+
+/// The parser's form of a text. Nothing if it is not well-formed, or so deeply nested that the tabs would
+/// bury the text.
+std::optional<std::string> TreeForm(const std::string& lines, const SaveLayout& layout)
+{
+    XmlSerializer serializer(layout.inLineTags.elementNames(), layout.declaration);
+    XmlDocument document;
+    if (!document.loadXML(lines, XmlEncoding::utf8(), &serializer))
+        return std::nullopt;
+    const XmlTreeText tree = serializer.take();
+    constexpr size_t AlwaysFine = 64'000'000;
+    constexpr size_t TimesTheText = 16;
+    if (tree.laidOutSize() > AlwaysFine + TimesTheText * tree.text.size())
+        return std::nullopt;
+    return ReplaceXmlDeclarations(tree.laidOut(), layout.declaration.size(), layout.declaration);
+}
+
+/// Lays the text out, in UTF-8.
+std::string LaidOut(std::string text, const SaveLayout& layout, bool& treeSkipped)
+{
+    if (layout.style == LayoutStyle::Compact) {
+        text = CollapseRepeats(ReplaceAll(std::move(text), CrLf, " "), " ");
+        return std::string(TrimBlanks(text));
+    }
+    text = TreeLines(std::move(text), CrLf, layout.inLineTags);
+    if (layout.style == LayoutStyle::TagsTree) {
+        if (std::optional<std::string> tree = TreeForm(text, layout))
+            return *std::move(tree);
+        treeSkipped = true;
+    }
+    return text;
+}
+
+/// One stretch of line ends, blanks and non-breaking spaces.
+std::string TidyStretch(std::string stretch, std::string_view nbsp)
+{
+    const std::string end(CrLf);
+    const std::string space(nbsp);
+    stretch = ReplaceAll(std::move(stretch), " " + end, end);
+    stretch = ReplaceAll(std::move(stretch), end + " ", end);
+    stretch = ReplaceAll(std::move(stretch), space + end, end);
+    stretch = ReplaceAll(std::move(stretch), end + space, end);
+    return CollapseRepeats(std::move(stretch), end);
+}
+
+/// Takes blanks and non-breaking spaces beside line ends away, one of each kind and side; then empty lines
+/// and double blanks. All of it happens within stretches of these characters.
+std::string TidyLineEnds(const std::string& text, std::string_view nbsp)
+{
+    const std::string_view view = text;
+    const std::array<std::string_view, 3> units = {std::string_view(" "), nbsp, std::string_view(CrLf)};
+    std::string result;
+    result.reserve(text.size());
+    size_t copied = 0;
+    for (size_t at = view.find(CrLf); at != std::string_view::npos; at = view.find(CrLf, copied)) {
+        size_t start = at;
+        while (start > copied
+               && (view[start - 1] == ' ' || view.substr(copied, start - copied).ends_with(nbsp)))
+            start -= view[start - 1] == ' ' ? 1 : nbsp.size();
+        size_t end = at + 2;
+        for (bool more = true; more;) {
+            const std::string_view rest = view.substr(end);
+            const auto unit = std::find_if(units.begin(), units.end(),
+                                           [rest](std::string_view u) { return rest.starts_with(u); });
+            more = unit != units.end();
+            end += more ? unit->size() : 0;
+        }
+        result.append(view, copied, start - copied);
+        result += end - start == 2 ? std::string(CrLf) : TidyStretch(text.substr(start, end - start), nbsp);
+        copied = end;
+    }
+    result.append(view, copied);
+    return CollapseRepeats(std::move(result), " ");
+}
+
+} // namespace
+
+Seam<std::string()>& DisplayPageSeam()
+{
+    static Seam<std::string()> seam([] { return std::string(); });
+    return seam;
+}
+
+std::string PageAsDisplayed(std::string page)
+{
+    return ReplaceAll(std::move(page), "</DIV>\r<DIV", "</DIV>\r\n<DIV");
+}
+
+std::string TextOfPage(std::string_view page, AngleMarks marks)
+{
+    constexpr std::string_view HeadEnd = "</HEAD>";
+    if (const size_t head = FindText(page, HeadEnd, 0, true); head != std::string_view::npos)
+        page.remove_prefix(head + HeadEnd.size());
+    std::string text = PageStripper(page, marks).run();
+    if (const size_t start = text.find(XmlDeclarationStart); start != std::string::npos)
+        text.erase(0, start);
+    return text;
+}
+
+std::string GetFbTextFromDisplay(bool realCharacters)
+{
+    const HourglassScope hourglass;
+    ShowStatus(u"...getting Fiction Book text...wait, please"_s);
+    std::string text = TextOfPage(DisplayPageSeam()(), AngleMarks::Keep);
+    if (!realCharacters)
+        Utf8ToCodePage(text, WorkCodePage);
+    ShowStatus(QString());
+    return text;
+}
+
+BookFile FileOfPage(std::string_view page, const SaveLayout& layout)
+{
+    BookFile file;
+    std::string text = TextOfPage(page, AngleMarks::Restore);
+    SetDeclaration(text, layout.declaration);
+    text = LaidOut(std::move(text), layout, file.treeSkipped);
+
+    const bool isUtf8 = layout.codePage == CodePageUtf8;
+    if (!isUtf8)
+        Utf8ToCodePage(text, layout.codePage);
+
+    // Pictures are plain ASCII and go past the encoding. The tree has a line end there already.
+    if (!layout.binaryPart.empty()) {
+        const bool tree = layout.style == LayoutStyle::TagsTree && !file.treeSkipped;
+        const std::string end = (tree ? std::string() : CrLf) + std::string(layout.binaryPart) + CrLf;
+        text = ReplaceAll(std::move(text), BookEnd, end + std::string(BookEnd));
+    }
+    file.bytes = TidyLineEnds(text, isUtf8 ? std::string_view(Utf8Nbsp) : std::string_view("\xa0"));
+    return file;
+}
+
+} // namespace vmk

@@ -1,0 +1,92 @@
+#include "SaveBook.h"
+
+#include "Boxes.h"
+#include "Encodings.h"
+#include "FileOperations.h"
+#include "Globals.h"
+#include "MainWindowSeams.h"
+#include "Sounds.h"
+#include "TextFunctions.h"
+
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+
+namespace vmk {
+
+namespace {
+
+LayoutStyle StyleOf(const QString& name)
+{
+    if (name == u"compact")
+        return LayoutStyle::Compact;
+    return name == u"line ends" ? LayoutStyle::LineEnds : LayoutStyle::TagsTree;
+}
+
+void Report(const QString& status, const QString& sound, bool isError)
+{
+    ShowStatus(status);
+    if (!sound.isEmpty())
+        PlaySoundFile(AppPath + QDir::separator() + u"sounds"_s + QDir::separator() + sound, isError);
+}
+
+void ReportOutcome(const QString& path, const BookFile& file, bool written, bool quiet, bool silent)
+{
+    constexpr size_t ShortestBook = 11;
+    // A failed write is never passed over.
+    if (!written || (!quiet && file.bytes.size() < ShortestBook))
+        Report(u"cannot save file: "_s + path, u"ParseError.wav"_s, true);
+    else if (quiet)
+        ShowStatus(QString());
+    else if (file.treeSkipped)
+        Report(u"Namespace error: tree on save skipped. File saved as: "_s + path,
+               u"NameSpaceErrorOnSave.wav"_s, true);
+    else
+        Report(u"file saved as: "_s + path, silent ? QString() : u"FileSaved.wav"_s, false);
+}
+
+} // namespace
+
+Seam<bool()>& IsBookEmptySeam()
+{
+    static Seam<bool()> seam([] { return true; });
+    return seam;
+}
+
+bool IsBookEmpty()
+{
+    return IsBookEmptySeam()();
+}
+
+SaveLayout SaveLayoutOfSettings()
+{
+    FindInArray(OutputEncodings, OutputEncoding, u"original"_s);
+    FindInArray(OutputStyles, OutputStyle, u"tags tree"_s);
+    const std::string name = OutputEncoding == u"original" ? FileEncodingName : OutputEncoding.toStdString();
+    const SavedEncoding encoding = OutputEncodingInfo(name);
+
+    SaveLayout layout;
+    layout.style = StyleOf(OutputStyle);
+    layout.declaration = encoding.declaration;
+    layout.codePage = encoding.codePage;
+    layout.inLineTags = InLineTagSet(InLineTags);
+    layout.binaryPart = BinaryPart;
+    return layout;
+}
+
+bool SaveBook(const QString& path, bool quiet, bool silent)
+{
+    if (IsBookEmpty()) {
+        PlainBox(u"empty book - nothing to save"_s);
+        return false;
+    }
+    const HourglassScope hourglass;
+    ShowStatus(u"...saving Fiction Book file...wait, please"_s);
+    const SaveLayout layout = SaveLayoutOfSettings();
+    const BookFile file = FileOfPage(DisplayPageSeam()(), layout);
+    const bool written = WriteFileText(path, file.bytes);
+    ReportOutcome(path, file, written, quiet, silent);
+    return written;
+}
+
+} // namespace vmk

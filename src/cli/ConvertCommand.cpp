@@ -1,0 +1,109 @@
+#include "Command.h"
+#include "CommandLine.h"
+#include "Globals.h"
+#include "PageOfBook.h"
+#include "SaveBook.h"
+#include "Settings.h"
+
+using namespace Qt::StringLiterals;
+
+namespace vmk {
+
+namespace {
+
+struct ConvertOptions
+{
+    QString book;
+    QString file;
+    QString encoding = u"original"_s;
+    QString style = u"tags tree"_s;
+    QString inputEncoding = u"original"_s;
+};
+
+/// The value of the option taken, which has to be on the list.
+QString ListedValue(CommandLine& line, const QStringList& list)
+{
+    const QString option = line.option();
+    const QString value = line.value();
+    if (!list.contains(value))
+        line.fail(option + u" needs one of: \""_s + list.join(u"\", \""_s) + u'"');
+    return value;
+}
+
+void TakeOption(CommandLine& line, ConvertOptions& options)
+{
+    const QString& option = line.option();
+    if (option == u"--out")
+        options.file = line.value();
+    else if (option == u"--encoding")
+        options.encoding = ListedValue(line, OutputEncodings);
+    else if (option == u"--style")
+        options.style = ListedValue(line, OutputStyles);
+    else if (option == u"--input-encoding")
+        options.inputEncoding = ListedValue(line, OutputEncodings + QStringList{u"unicode"_s});
+    else
+        line.failUnknownOption();
+}
+
+ConvertOptions ReadOptions(CommandLine& line)
+{
+    ConvertOptions options;
+    while (line.next()) {
+        if (!line.option().isEmpty())
+            TakeOption(line, options);
+        else if (options.book.isEmpty())
+            options.book = line.operand();
+        else
+            line.fail(u"more than one book given"_s);
+    }
+    if (options.book.isEmpty())
+        line.fail(u"no book given"_s);
+    if (options.file.isEmpty())
+        line.fail(u"no file given to write to (--out)"_s);
+    return options;
+}
+
+int RunConvert(const QStringList& arguments)
+{
+    CommandLine line(arguments);
+    const ConvertOptions options = ReadOptions(line);
+    if (!line.error().isEmpty()) {
+        PrintErrorLine(u"vmk convert: "_s + line.error() + u"; try vmk convert --help"_s);
+        return ExitFailure;
+    }
+
+    ReadSettings(true);
+    InLineTags = DefaultInLineTags();
+    InputEncoding = options.inputEncoding;
+    OutputEncoding = options.encoding;
+    OutputStyle = options.style;
+    std::optional<std::string> page = PageOfBook(options.book);
+    if (!page)
+        return ExitFailure;
+    const BookFile file = FileOfPage(PageAsDisplayed(*std::move(page)), SaveLayoutOfSettings());
+    return WriteOutput(options.file, file.bytes) ? ExitClean : ExitFailure;
+}
+
+} // namespace
+
+const Command ConvertCommand
+    = {"convert", "load a book and save it in another encoding or layout",
+       R"(usage: vmk convert BOOK --out FILE [--encoding NAME] [--style STYLE] [--input-encoding NAME]
+
+Loads BOOK and saves it as the editor does, unedited: the program is named in its description, line ends in
+the text vanish, runs of blanks shrink to one.
+
+  --out FILE             the file to write, replaced whole or not at all; may be BOOK itself
+  --encoding NAME        original (default), windows-1251, windows-1252, windows-1250 or utf-8
+  --style STYLE          compact (one line), "line ends" (one element per line) or "tags tree"
+                         (indented; default)
+  --input-encoding NAME  read BOOK in this encoding, one of those above or unicode, whatever it declares
+  --help                 show this text
+
+A book that is not well-formed is saved without indentation, and a line on standard error says so.
+
+Exit status: 0 the file was written, 2 wrong use, or a file that cannot be read or written.
+)",
+       RunConvert};
+
+} // namespace vmk

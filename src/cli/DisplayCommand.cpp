@@ -1,0 +1,94 @@
+#include "Command.h"
+#include "CommandLine.h"
+#include "FileOperations.h"
+#include "Globals.h"
+#include "PageOfBook.h"
+#include "Settings.h"
+#include "TreeLines.h"
+
+using namespace Qt::StringLiterals;
+
+namespace vmk {
+
+namespace {
+
+struct DisplayOptions
+{
+    QString book;
+    QString page; // empty: standard output
+    QString settings; // empty: the defaults
+};
+
+DisplayOptions ReadOptions(CommandLine& line)
+{
+    DisplayOptions options;
+    while (line.next()) {
+        if (line.option() == u"--out")
+            options.page = line.value();
+        else if (line.option() == u"--settings")
+            options.settings = line.value();
+        else if (!line.option().isEmpty())
+            line.failUnknownOption();
+        else if (options.book.isEmpty())
+            options.book = line.operand();
+        else
+            line.fail(u"more than one book given"_s);
+    }
+    if (options.book.isEmpty())
+        line.fail(u"no book given"_s);
+    return options;
+}
+
+/// Takes the settings of a record, which is only read. False, with a line on standard error, if it is none.
+bool TakeSettings(const QString& record)
+{
+    if (record.isEmpty()) {
+        ReadSettings(true);
+        return true;
+    }
+    const FileContent content = ReadContent(record);
+    QString problem = ReadFailureText(content);
+    if (problem.isEmpty() && !DecodeSettings(content.bytes))
+        problem = u"is no settings record"_s;
+    if (!problem.isEmpty()) {
+        PrintErrorLine(u"vmk: "_s + record + u": "_s + problem);
+        return false;
+    }
+    IniFilePath = record;
+    ReadSettings(false);
+    return true;
+}
+
+int RunDisplay(const QStringList& arguments)
+{
+    CommandLine line(arguments);
+    const DisplayOptions options = ReadOptions(line);
+    if (!line.error().isEmpty()) {
+        PrintErrorLine(u"vmk display: "_s + line.error() + u"; try vmk display --help"_s);
+        return ExitFailure;
+    }
+    if (!TakeSettings(options.settings))
+        return ExitFailure;
+    InLineTags = DefaultInLineTags();
+    const std::optional<std::string> page = PageOfBook(options.book);
+    return page && WriteOutput(options.page, *page) ? ExitClean : ExitFailure;
+}
+
+} // namespace
+
+const Command DisplayCommand = {"display", "write the page that the editor shows of a book",
+                                R"(usage: vmk display BOOK [--out PAGE] [--settings RECORD]
+
+Writes the page that the editor would show of BOOK, in UTF-8.
+
+  --out PAGE         write to this file, replaced whole or not at all, in place of standard output
+  --settings RECORD  take this settings record of the editor in place of its default settings
+  --help             show this text
+
+A book that is not well-formed is shown without indentation, and a line on standard error says so.
+
+Exit status: 0 the page was written, 2 wrong use, or a file that cannot be read or written.
+)",
+                                RunDisplay};
+
+} // namespace vmk

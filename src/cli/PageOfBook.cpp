@@ -1,0 +1,45 @@
+#include "PageOfBook.h"
+
+#include "BookToDisplay.h"
+#include "Boxes.h"
+#include "CommandLine.h"
+#include "FileOperations.h"
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace vmk {
+
+std::optional<std::string> PageOfBook(const QString& book)
+{
+    FileContent content = ReadContent(book);
+    if (content.outcome != ReadOutcome::Ok) {
+        PrintErrorLine(u"vmk: "_s + book + u": "_s + ReadFailureText(content));
+        return std::nullopt;
+    }
+
+    // What the editor would say in a box.
+    QString remark;
+    const SeamGuard box(BoxSeam(), [&remark](BoxKind, const QString& text, const QString&) {
+        remark = text;
+        return false;
+    });
+    const bool converted = ConvertBookToDisplay(content.bytes, false);
+    if (!remark.isEmpty())
+        PrintErrorLine(u"vmk: "_s + book + u": "_s + remark);
+    return converted ? std::optional(std::move(content.bytes)) : std::nullopt;
+}
+
+bool WriteOutput(const QString& file, std::string_view bytes)
+{
+    const bool written = file.isEmpty()
+        ? std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() && std::fflush(stdout) == 0
+        : WriteFileText(file, bytes);
+    if (!written)
+        PrintErrorLine(u"vmk: "_s + (file.isEmpty() ? u"standard output"_s : file)
+                       + u": cannot be written"_s);
+    return written;
+}
+
+} // namespace vmk

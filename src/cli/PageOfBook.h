@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace vmk {
+
+/// Reads a book and converts it to the page of the display, with the settings in force; its binary part and
+/// encoding stay in the shared variables. A book that is not well-formed gets a page too, and a line on
+/// standard error.
+/// \return nothing, with a line on standard error, if the book cannot be read or its binary part is damaged
+[[nodiscard]] std::optional<std::string> PageOfBook(const QString& book);
+
+/// Puts `bytes` in place of a file, whole or not at all; an empty name means standard output.
+/// \return false, with a line on standard error, if that fails
+[[nodiscard]] bool WriteOutput(const QString& file, std::string_view bytes);
+
+} // namespace vmk
