@@ -245,11 +245,13 @@ void DisplayDocument::exchange(int first, int removed, const std::vector<LinePtr
 {
     lines.replace(first, removed, inserted);
     knownLineStarts = std::min({knownLineStarts, first + 1, lineCount()});
+    // What lies in front of the edit stays as it was; all else may have to fit itself to the new lines.
+    const auto carried = [&](Position place) { return place < map.from ? place : valid(map(place)); };
     for (TextRange* range : liveRanges) {
-        range->first = valid(map(range->first));
-        range->last = valid(map(range->last));
+        range->first = carried(range->first);
+        range->last = carried(range->last);
     }
-    const Selection moved{valid(map(currentSelection.anchor)), valid(map(currentSelection.focus))};
+    const Selection moved{carried(currentSelection.anchor), carried(currentSelection.focus)};
     const bool selectionMoved = moved != currentSelection;
     currentSelection = moved;
     if (!listener)
