@@ -7,6 +7,7 @@
 #include <QIcon>
 #include <QLabel>
 #include <QScreen>
+#include <QThread>
 #include <QWindow>
 
 #include <memory>
@@ -31,11 +32,14 @@ std::unique_ptr<CommLineInfoF>& TheForm()
 void WaitUntilPainted(const QWidget& form)
 {
     constexpr qint64 PatienceMilliseconds = 500;
+    constexpr unsigned long StepMilliseconds = 5;
     QElapsedTimer timer;
     timer.start();
     const QWindow* const window = form.windowHandle();
-    while (window && !window->isExposed() && timer.elapsed() < PatienceMilliseconds)
-        QApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::WaitForMoreEvents, 20);
+    while (window && !window->isExposed() && timer.elapsed() < PatienceMilliseconds) {
+        QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        QThread::msleep(StepMilliseconds);
+    }
     QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 

@@ -1,0 +1,177 @@
+// The built program as a user starts it, on a display of its own.
+
+#include "Books.h"
+#include "FileOperations.h"
+#include "Globals.h"
+#include "InitGlobals.h"
+#include "QtPrinting.h"
+#include "Settings.h"
+#include "Workplace.h"
+#include "XDesktop.h"
+
+#include <gtest/gtest.h>
+
+using namespace vmk;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString MainWindow = u"^(Vellumark| VMK: .*)$"_s;
+const QString Report = u"^ Fiction Book validation result$"_s;
+
+class Program : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (!XDesktop::IsPossible())
+            GTEST_SKIP() << "Xvfb and xdotool are not installed";
+        desktop.emplace();
+        ASSERT_TRUE(desktop->isUp());
+
+        // A portable folder: the program with what lies beside it.
+        ASSERT_TRUE(QFile::copy(QLatin1StringView(VMK_BIN_DIR "/vellumark"), executable()));
+        for (const QString& name : {u"sounds"_s, u"VMK Office"_s})
+            FileOperation(CopyFolderMode, QLatin1StringView(VMK_BIN_DIR "/") + name, place.Path(name));
+        place.Make(u"clean book.fb2"_s, SmallBook());
+        place.Make(u"broken.fb2"_s, BookWithSchemaError());
+        place.Make(u"notes.txt"_s, "text");
+    }
+
+    void TearDown() override
+    {
+        program.kill();
+        program.waitForFinished();
+    }
+
+    [[nodiscard]] QString executable() const { return place.Path(u"vellumark"_s); }
+
+    /// Leaves a settings file as an earlier run would have, with one setting changed.
+    void keepSettings(int commandLineInfo) const
+    {
+        InitGlobals({.executable = executable(), .userDataFolder = place.Path(u"user"_s)});
+        ReadSettings(true);
+        CommandLineInfo = commandLineInfo;
+        ASSERT_TRUE(WriteSettings({.left = 150, .top = 150, .width = 10500, .height = 7500}));
+    }
+
+    void start(const QStringList& arguments)
+    {
+        program.setProcessEnvironment(desktop->environment());
+        program.setWorkingDirectory(place.Folder());
+        program.start(executable(), arguments);
+        ASSERT_TRUE(program.waitForStarted());
+    }
+
+    [[nodiscard]] bool runs() const { return program.state() == QProcess::Running; }
+
+    /// The program ends by itself, in order and without a word.
+    void expectEnd()
+    {
+        if (program.state() != QProcess::NotRunning) {
+            ASSERT_TRUE(program.waitForFinished(XDesktop::PatienceMilliseconds));
+        }
+        EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+        EXPECT_EQ(program.exitCode(), 0);
+        EXPECT_EQ(program.readAllStandardOutput(), QByteArray());
+        EXPECT_EQ(program.readAllStandardError(), QByteArray());
+    }
+
+    Workplace place;
+    std::optional<XDesktop> desktop;
+    QProcess program;
+};
+
+} // namespace
+
+TEST_F(Program, ACleanBookEndsWithNoWindowWhenNoReportIsWanted)
+{
+    keepSettings(0);
+    start({u"clean book.fb2"_s, u"-V"_s});
+    expectEnd();
+}
+
+TEST_F(Program, ACleanBookIsReportedUntilTheUserClosesTheForm)
+{
+    start({u"clean book.fb2"_s, u"-V"_s});
+    const QString report = desktop->waitForWindow(Report);
+    ASSERT_FALSE(report.isEmpty());
+    EXPECT_FALSE(program.waitForFinished(500)) << "it waits for the user";
+    EXPECT_TRUE(desktop->windows(MainWindow).isEmpty());
+    desktop->press(desktop->waitForWindow(Report), u"Escape"_s);
+    expectEnd();
+}
+
+TEST_F(Program, ABookWithAnErrorIsOpenedInTheMainWindow)
+{
+    start({u"broken.fb2"_s, u"-V"_s});
+    ASSERT_FALSE(desktop->waitForWindow(MainWindow).isEmpty());
+    EXPECT_FALSE(program.waitForFinished(500)) << "the main window stays open";
+}
+
+TEST_F(Program, ValidatingAWrongExtensionEndsBehindItsBox)
+{
+    start({u"notes.txt"_s, u"-V"_s});
+    const QString box = desktop->waitForWindow(u"^VMK: notes.txt$"_s);
+    ASSERT_FALSE(box.isEmpty());
+    EXPECT_TRUE(desktop->windows(MainWindow).isEmpty());
+    desktop->press(box, u"Return"_s);
+    expectEnd();
+}
+
+TEST_F(Program, ValidatingAMissingFileEndsBehindItsBox)
+{
+    start({u"missing.fb2"_s, u"-V"_s});
+    const QString box = desktop->waitForWindow(u"^VMK: missing.fb2$"_s);
+    ASSERT_FALSE(box.isEmpty());
+    desktop->press(box, u"Return"_s);
+    expectEnd();
+}
+
+TEST_F(Program, LoadingAWrongExtensionLeavesTheMainWindowBehindTheBox)
+{
+    start({u"notes.txt"_s, u"-L"_s});
+    const QString box = desktop->waitForWindow(u"^VMK: notes.txt$"_s);
+    ASSERT_FALSE(box.isEmpty());
+    desktop->press(box, u"Return"_s);
+    EXPECT_TRUE(XDesktop::WaitUntil([&] { return desktop->windows(u"^VMK: notes.txt$"_s).isEmpty(); }));
+    EXPECT_FALSE(desktop->windows(MainWindow).isEmpty());
+    EXPECT_TRUE(runs());
+}
+
+TEST_F(Program, TheFirstStartShowsTheWelcomePageAndLaterOnesDoNot)
+{
+    start({});
+    ASSERT_FALSE(desktop->waitForWindow(MainWindow).isEmpty());
+    EXPECT_TRUE(XDesktop::WaitUntil([&] { return FileExists(place.Path(u"VMK Office/Welcome.htm"_s)); }));
+    program.kill();
+    program.waitForFinished();
+
+    QFile::remove(place.Path(u"VMK Office/Welcome.htm"_s));
+    keepSettings(1);
+    start({});
+    ASSERT_FALSE(desktop->waitForWindow(MainWindow).isEmpty());
+    EXPECT_TRUE(XDesktop::WaitUntil([&] { return FileExists(place.Path(u"VMK Office/VMKEmpty.htm"_s)); }));
+    EXPECT_FALSE(FileExists(place.Path(u"VMK Office/Welcome.htm"_s)));
+}
+
+TEST_F(Program, APathInQuotesOfItsOwnWithAnOptionIsNotFoundInTheOpenWindow)
+{
+    start({u"\"clean book.fb2\" -L"_s});
+    ASSERT_FALSE(desktop->waitForWindow(MainWindow).isEmpty());
+    EXPECT_FALSE(program.waitForFinished(500));
+    EXPECT_FALSE(desktop->windows(MainWindow).isEmpty());
+}
+
+TEST_F(Program, TwoProgramsRunSideBySide)
+{
+    start({});
+    ASSERT_FALSE(desktop->waitForWindow(MainWindow).isEmpty());
+    QProcess second;
+    second.setProcessEnvironment(desktop->environment());
+    second.start(executable(), {});
+    EXPECT_TRUE(XDesktop::WaitUntil([&] { return desktop->windows(MainWindow).size() == 2; }));
+    second.kill();
+    second.waitForFinished();
+    EXPECT_TRUE(runs());
+}
