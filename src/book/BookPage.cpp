@@ -5,6 +5,8 @@
 #include "PageLines.h"
 #include "XmlDocument.h"
 
+#include <future>
+
 using namespace Qt::StringLiterals;
 
 namespace vmk {
@@ -81,16 +83,19 @@ std::string HeadBlock(const DisplayValues& values)
 
 std::optional<XmlTreeText> TreeOfBook(const std::string& text, const PageRequest& request)
 {
-    if (HasParseError(text, request.encoding))
-        return std::nullopt;
+    // Whether the text itself is well-formed is found out while its tree is made.
+    std::future<bool> broken
+        = std::async(std::launch::async, [&text, &request] { return HasParseError(text, request.encoding); });
+
     ShowStatus(u"...converting xml to html: preparing tree view..."_s);
     const std::string lines = TreeLines(text, "\r", request.inLineTags);
-
-    // Joining lines can break a text: a line end alone may part a tag's name from its attribute.
-    XmlSerializer serializer(request.inLineTags.elementNames(), request.xmlDeclaration);
+    XmlSerializer serializer(request.inLineTags.elementNames(), request.xmlDeclaration, lines.size());
     XmlDocument document;
     document.validateOnParse = false;
-    if (!document.loadXML(lines, request.encoding, &serializer))
+    const bool laidOut = document.loadXML(lines, request.encoding, &serializer);
+
+    // Joining lines can break a text: a line end alone may part a tag's name from its attribute.
+    if (broken.get() || !laidOut)
         return std::nullopt;
     return serializer.take();
 }
@@ -103,7 +108,8 @@ std::string PageWithTree(const XmlTreeText& tree, const PageRequest& request)
     ShowPaintingSteps(request.values);
     std::string page = PageStart(request.values);
     AppendTreeLines(tree, request.xmlDeclaration, request.values, page);
-    return page.append(PageEnd);
+    page += PageEnd;
+    return page;
 }
 
 std::string PageWithoutTree(std::string text, const PageRequest& request)
@@ -114,7 +120,8 @@ std::string PageWithoutTree(std::string text, const PageRequest& request)
     ShowPaintingSteps(request.values);
     std::string page = PageStart(request.values);
     AppendPlainLines(text, request.values, page);
-    return page.append(PageEnd);
+    page += PageEnd;
+    return page;
 }
 
 } // namespace vmk

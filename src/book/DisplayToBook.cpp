@@ -3,6 +3,7 @@
 #include "CodePages.h"
 #include "Encodings.h"
 #include "Globals.h"
+#include "LargeBuffers.h"
 #include "MainWindowSeams.h"
 #include "TextFunctions.h"
 #include "XmlDeclarations.h"
@@ -65,10 +66,11 @@ private:
 
 std::string PageStripper::run()
 {
-    out.reserve(page.size() / 2);
+    out = StringWithRoom(page.size());
     for (size_t at = 0; at < page.size();)
         at = special[static_cast<unsigned char>(page[at])] ? writeSpecial(at) : at + 1;
-    return out.append(page, copied);
+    out.append(page, copied);
+    return std::move(out);
 }
 
 /// Writes what stands at a special byte; gives the place to go on from.
@@ -154,11 +156,11 @@ void SetDeclaration(std::string& text, std::string_view declaration)
         text.replace(0, next, declaration);
 }
 
-/// The parser's form of a text. Nothing if it is not well-formed, or so deeply nested that the tabs would
-/// bury the text.
-std::optional<std::string> TreeForm(const std::string& lines, const SaveLayout& layout)
+/// The parser's form of a text, which is given up for it. Nothing, with the text kept, if it is not
+/// well-formed, or so deeply nested that the tabs would bury it.
+std::optional<std::string> TreeForm(std::string& lines, const SaveLayout& layout)
 {
-    XmlSerializer serializer(layout.inLineTags.elementNames(), layout.declaration);
+    XmlSerializer serializer(layout.inLineTags.elementNames(), layout.declaration, lines.size());
     XmlDocument document;
     if (!document.loadXML(lines, XmlEncoding::utf8(), &serializer))
         return std::nullopt;
@@ -167,6 +169,7 @@ std::optional<std::string> TreeForm(const std::string& lines, const SaveLayout& 
     constexpr size_t TimesTheText = 16;
     if (tree.laidOutSize() > AlwaysFine + TimesTheText * tree.text.size())
         return std::nullopt;
+    lines = std::string(); // room for the tree
     return ReplaceXmlDeclarations(tree.laidOut(), layout.declaration.size(), layout.declaration);
 }
 
@@ -204,8 +207,7 @@ std::string TidyLineEnds(const std::string& text, std::string_view nbsp)
 {
     const std::string_view view = text;
     const std::array<std::string_view, 3> units = {std::string_view(" "), nbsp, std::string_view(CrLf)};
-    std::string result;
-    result.reserve(text.size());
+    std::string result = StringWithRoom(text.size());
     size_t copied = 0;
     for (size_t at = view.find(CrLf); at != std::string_view::npos; at = view.find(CrLf, copied)) {
         size_t start = at;

@@ -1,6 +1,7 @@
 #include "PageLines.h"
 
 #include "Globals.h"
+#include "LargeBuffers.h"
 #include "XmlDeclarations.h"
 #include "XmlSerializer.h"
 
@@ -361,7 +362,10 @@ void ReserveLines(std::string_view text, size_t lines, std::string& page)
     constexpr size_t PerLine = 48;
     const auto tags = static_cast<size_t>(std::count(text.begin(), text.end(), '<'));
     const auto quotes = static_cast<size_t>(std::count(text.begin(), text.end(), '"'));
-    page.reserve(page.size() + text.size() + 2 * tags * PerTag + quotes * PerQuote + lines * PerLine);
+    std::string roomy
+        = StringWithRoom(page.size() + text.size() + 2 * tags * PerTag + quotes * PerQuote + lines * PerLine);
+    roomy += page;
+    page = std::move(roomy);
 }
 
 size_t LongestTabRun(std::string_view text)

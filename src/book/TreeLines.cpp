@@ -1,6 +1,7 @@
 #include "TreeLines.h"
 
 #include "Globals.h"
+#include "LargeBuffers.h"
 #include "TextFunctions.h"
 
 #include <algorithm>
@@ -68,8 +69,7 @@ private:
 
 std::string LineBreaker::run()
 {
-    std::string result;
-    result.reserve(text.size() + text.size() / 16);
+    std::string result = StringWithRoom(text.size() + text.size() / 16);
     size_t from = 0;
     for (size_t angle = text.find('>'); angle != std::string_view::npos; angle = text.find('>', from)) {
         const std::string_view piece = text.substr(from, angle + 1 - from);
@@ -78,7 +78,8 @@ std::string LineBreaker::run()
         if (breaksBehind(piece, from))
             result += lineEnd;
     }
-    return result.append(text, from);
+    result.append(text, from);
+    return result;
 }
 
 /// Whether a line ends behind `piece`, which reaches from the last ">" to this one; `next` is what follows.

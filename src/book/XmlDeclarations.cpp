@@ -27,7 +27,8 @@ std::string ReplaceXmlDeclarations(std::string text, size_t from, std::string_vi
         result += declaration;
         copied = end + 1;
     }
-    return result.append(text, copied);
+    result.append(text, copied);
+    return result;
 }
 
 } // namespace vmk

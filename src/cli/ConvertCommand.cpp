@@ -81,7 +81,7 @@ int RunConvert(const QStringList& arguments)
     if (!page)
         return ExitFailure;
     const BookFile file = FileOfPage(PageAsDisplayed(*std::move(page)), SaveLayoutOfSettings());
-    return WriteOutput(options.file, file.bytes) ? ExitClean : ExitFailure;
+    return WriteOutput(options.file, file.bytes, Durability::Flushed) ? ExitClean : ExitFailure;
 }
 
 } // namespace

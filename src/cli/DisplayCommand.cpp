@@ -1,6 +1,5 @@
 #include "Command.h"
 #include "CommandLine.h"
-#include "FileOperations.h"
 #include "Globals.h"
 #include "PageOfBook.h"
 #include "Settings.h"
@@ -71,7 +70,7 @@ int RunDisplay(const QStringList& arguments)
         return ExitFailure;
     InLineTags = DefaultInLineTags();
     const std::optional<std::string> page = PageOfBook(options.book);
-    return page && WriteOutput(options.page, *page) ? ExitClean : ExitFailure;
+    return page && WriteOutput(options.page, *page, Durability::Scratch) ? ExitClean : ExitFailure;
 }
 
 } // namespace

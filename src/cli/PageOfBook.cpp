@@ -3,7 +3,6 @@
 #include "BookToDisplay.h"
 #include "Boxes.h"
 #include "CommandLine.h"
-#include "FileOperations.h"
 
 #include <cstdio>
 
@@ -31,11 +30,11 @@ std::optional<std::string> PageOfBook(const QString& book)
     return converted ? std::optional(std::move(content.bytes)) : std::nullopt;
 }
 
-bool WriteOutput(const QString& file, std::string_view bytes)
+bool WriteOutput(const QString& file, std::string_view bytes, Durability durability)
 {
     const bool written = file.isEmpty()
         ? std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() && std::fflush(stdout) == 0
-        : WriteFileText(file, bytes);
+        : ReplaceContent(file, bytes, durability);
     if (!written)
         PrintErrorLine(u"vmk: "_s + (file.isEmpty() ? u"standard output"_s : file)
                        + u": cannot be written"_s);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Files.h"
+
 #include <QString>
 
 #include <optional>
@@ -15,7 +17,8 @@ namespace vmk {
 [[nodiscard]] std::optional<std::string> PageOfBook(const QString& book);
 
 /// Puts `bytes` in place of a file, whole or not at all; an empty name means standard output.
+/// \param durability  a page that can be made again need not outlast a failure of the machine
 /// \return false, with a line on standard error, if that fails
-[[nodiscard]] bool WriteOutput(const QString& file, std::string_view bytes);
+[[nodiscard]] bool WriteOutput(const QString& file, std::string_view bytes, Durability durability);
 
 } // namespace vmk

@@ -1,5 +1,7 @@
 #include "XmlSerializer.h"
 
+#include "LargeBuffers.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -49,8 +51,7 @@ size_t XmlTreeText::laidOutSize() const
 
 std::string XmlTreeText::laidOut() const
 {
-    std::string result;
-    result.reserve(laidOutSize());
+    std::string result = StringWithRoom(laidOutSize());
     size_t from = 0;
     for (const Break& place : breaks) {
         result.append(text, from, place.position - from);
@@ -58,13 +59,15 @@ std::string XmlTreeText::laidOut() const
         result.append(place.depth, '\t');
         from = place.position + place.length;
     }
-    return result.append(text, from);
+    result.append(text, from);
+    return result;
 }
 
-XmlSerializer::XmlSerializer(std::vector<std::string> names, std::string newDeclaration)
+XmlSerializer::XmlSerializer(std::vector<std::string> names, std::string newDeclaration, size_t expectedSize)
     : inLineNames(std::move(names))
     , declaration(std::move(newDeclaration))
 {
+    out.text = StringWithRoom(expectedSize);
 }
 
 XmlTreeText XmlSerializer::take()

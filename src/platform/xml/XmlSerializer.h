@@ -53,8 +53,10 @@ class XmlSerializer final : public XmlSaxHandler
 public:
     /// \param inLineNames  names, with prefix, of the elements that stand in the midst of text
     /// \param declaration  what stands in place of the text's own declaration, if it has one
+    /// \param expectedSize  bytes of text to make room for at once
     explicit XmlSerializer(std::vector<std::string> inLineNames,
-                           std::string declaration = std::string(PlainXmlDeclaration));
+                           std::string declaration = std::string(PlainXmlDeclaration),
+                           size_t expectedSize = 0);
 
     /// What has been written. Call once, after an error-free pass.
     [[nodiscard]] XmlTreeText take();
