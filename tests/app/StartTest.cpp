@@ -477,9 +477,10 @@ TEST_F(Start, AnEmptyPageTellsItsWindowAndReplacesTheFile)
     place.Make(u"VMK Office/VMKEmpty.htm"_s, "an old page");
 
     ShowEmptyPage(u"Vellumark"_s, u"ready"_s, u"ParseError.wav"_s, false, false);
-    EXPECT_EQ(events, (QStringList {u"pointer"_s, u"status ready"_s, u"panel 1"_s, u"panel 2"_s, u"panel 3"_s,
-                                    u"panel 4"_s, u"panel 5"_s, u"caption Vellumark"_s,
-                                    u"sound ParseError.wav"_s, u"page VMKEmpty.htm"_s}));
+    EXPECT_EQ(events,
+              (QStringList{u"pointer"_s, u"status ready"_s, u"panel 1"_s, u"panel 2"_s, u"panel 3"_s,
+                           u"panel 4"_s, u"panel 5"_s, u"caption Vellumark"_s, u"sound ParseError.wav"_s,
+                           u"page VMKEmpty.htm"_s}));
     EXPECT_EQ(ReadFileText(EmptyPageFile), "<HTML><BODY></BODY></HTML>");
 
     // Without a caption of its own the window keeps the one that it has.
