@@ -174,6 +174,28 @@ TEST_F(ViewGeometry, AVeryDeepMarginLeavesRoomForText)
     }
 }
 
+TEST_F(ViewGeometry, AnEndTagDoesNotComeApartBehindItsSlash)
+{
+    const QByteArray tag = "<SPAN class=t>&lt;/emphasis&gt;</SPAN>";
+    for (int length = 20; length < 70; ++length) {
+        show("<DIV>" + QByteArray(length, 'w').replace(12, 1, " ") + '.' + tag + "</DIV>");
+        const int end = int(line(0).size());
+        const int slash = end - int(strlen("/emphasis>"));
+        ASSERT_EQ(line(0)[slash], u'/');
+        EXPECT_EQ(view.rowNumber({0, slash}), view.rowNumber({0, slash + 1})) << length;
+    }
+}
+
+TEST_F(ViewGeometry, AHeadingsMarginLiesWithinThePages)
+{
+    view.resize(Width, Height);
+    view.setPage("<HTML><BODY STYLE=\"margin-top:60px\"><H2>heading</H2></BODY></HTML>");
+    const int heading = view.caretRect().top();
+    view.setPage("<HTML><BODY STYLE=\"margin-top:60px\"><DIV>line</DIV></BODY></HTML>");
+    EXPECT_EQ(view.caretRect().top(), 60);
+    EXPECT_EQ(heading, 60);
+}
+
 TEST_F(ViewGeometry, TheMarkOfANonBreakingSpaceIsSeen)
 {
     show("<DIV>a\x7f"

@@ -83,6 +83,21 @@ private:
     int height = 0;
 };
 
+/// A row may be broken behind a slash; the slash of an end tag is the exception, so that `</p>` does not
+/// come apart.
+void keepEndTagsWhole(QTextLine& row, const QString& text, double width)
+{
+    const int end = row.textStart() + row.textLength();
+    const bool apart
+        = end < text.size() && row.textLength() > 2 && text[end - 1] == u'/' && text[end - 2] == u'<';
+    if (!apart)
+        return;
+    row.setNumColumns(row.textLength() - 2, width);
+    // A tag as long as the row has to be broken somewhere.
+    if (row.textLength() == 0 || row.textStart() + row.textLength() >= end)
+        row.setLineWidth(width);
+}
+
 int commonPrefix(QStringView a, QStringView b)
 {
     return int(std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin());
@@ -515,6 +530,7 @@ int LineLayout::layOut(Piece& piece, int end, int lastOffset)
     for (QTextLine row = layout.createLine(); row.isValid(); row = layout.createLine()) {
         row.setLeadingIncluded(true);
         row.setLineWidth(textWidth);
+        keepEndTagsWhole(row, text, textWidth);
         row.setPosition(QPointF(0, height));
         height += int(std::ceil(row.height()));
         reached = piece.start + row.textStart() + row.textLength();

@@ -44,6 +44,7 @@ void PageLayout::setWidth(double width)
     uses.clear();
     longLines.clear();
     preeditLine.reset();
+    placeFirstLine();
     extents.assign(estimates(0, document.lineCount()));
 }
 
@@ -66,6 +67,15 @@ void PageLayout::replaceLines(int first, int removed, int inserted)
     for (auto later = longLines.erase(from, longLineAt(first + removed)); later != longLines.end(); ++later)
         later->index += inserted - removed;
     extents.replace(first, removed, estimates(first, inserted));
+    if (first == 0)
+        placeFirstLine();
+}
+
+/// The first line's own margin lies within the page's, as a browser has it.
+void PageLayout::placeFirstLine()
+{
+    const double own = pageStyle.block(document.line(0).block).marginTop;
+    pageTop = int(std::lround(std::max(0.0, pageStyle.topMargin() - own)));
 }
 
 std::vector<LineExtent> PageLayout::estimates(int first, int count)
@@ -106,17 +116,17 @@ std::vector<QRectF> PageLayout::preeditRects(int from, int to)
 
 int64_t PageLayout::height() const
 {
-    return std::lround(pageStyle.topMargin()) + extents.totalHeight() + std::lround(pageStyle.bottomMargin());
+    return pageTop + extents.totalHeight() + std::lround(pageStyle.bottomMargin());
 }
 
 int64_t PageLayout::lineTop(int line) const
 {
-    return std::lround(pageStyle.topMargin()) + extents.top(line);
+    return pageTop + extents.top(line);
 }
 
 int PageLayout::lineAt(double y) const
 {
-    return extents.lineAt(int64_t(std::floor(y)) - std::lround(pageStyle.topMargin()));
+    return extents.lineAt(int64_t(std::floor(y)) - pageTop);
 }
 
 QRectF PageLayout::caretRect(Position place)

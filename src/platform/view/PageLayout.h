@@ -121,6 +121,7 @@ private:
     [[nodiscard]] Position placeOf(int line, int shownOffset) const;
     LineLayout& layoutOf(int line);
     [[nodiscard]] std::vector<LineExtent> estimates(int first, int count);
+    void placeFirstLine();
     void replaceLines(int first, int removed, int inserted);
     std::vector<LongLine>::iterator longLineAt(int line);
     void noteExtent(int line, const LineLayout& layout);
@@ -130,6 +131,8 @@ private:
     const DisplayDocument& document;
     PageStyle pageStyle;
     double pageWidth = 0;
+    /// Pixels above the first line.
+    int pageTop = 0;
     LineHeights extents;
     std::unordered_map<const Line*, Kept> kept;
     /// The kept lines in the order of their last use, latest first.
