@@ -185,6 +185,8 @@ void DisplayView::documentReset()
     revealPending = false;
     knownSelection = content.selection();
     resetPage();
+    // The page's top margin is in view too.
+    anchor = page.anchorAt(top);
 }
 
 void DisplayView::resetPage()
