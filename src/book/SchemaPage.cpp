@@ -76,7 +76,7 @@ public:
     void startElement(std::string_view name, std::span<const XmlAttribute> attributes) override
     {
         finishLine();
-        line = "<SPAN class=t>&lt;" + Escaped(name);
+        line.append("<SPAN class=t>&lt;").append(Escaped(name));
         for (const XmlAttribute& attribute : attributes) {
             line += "<FONT class=n> " + Escaped(attribute.name) + "=</FONT><FONT class=v>\""
                 + Escaped(Escaped(attribute.value)) + "\"</FONT>";
@@ -148,13 +148,13 @@ private:
 
     static std::string endTag(std::string_view name)
     {
-        return "<SPAN class=t>&lt;/" + Escaped(name) + "&gt;</SPAN>";
+        return std::string("<SPAN class=t>&lt;/").append(Escaped(name)).append("&gt;</SPAN>");
     }
 
     void wholeLine(std::string_view className, const std::string& text)
     {
         finishLine();
-        line = "<SPAN class=" + std::string(className) + ">" + text + "</SPAN>";
+        line.append("<SPAN class=").append(className).append(">").append(text).append("</SPAN>");
         lineDepth = depth;
         finishLine();
     }
