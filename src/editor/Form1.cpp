@@ -1,46 +1,300 @@
 #include "Form1.h"
 
+#include "Boxes.h"
+#include "Desktop.h"
+#include "Dialogs.h"
+#include "DisplayView.h"
+#include "DroppedFiles.h"
+#include "EditorFunctions.h"
+#include "EditorState.h"
 #include "EmptyPage.h"
+#include "FbFunctions.h"
+#include "FileOperations.h"
 #include "Globals.h"
 #include "MainWindowSeams.h"
+#include "PanelBar.h"
 #include "ProcessEnd.h"
+#include "SaveBook.h"
+#include "SchemasF.h"
 #include "Settings.h"
+#include "Start.h"
+#include "ToolbarPictures.h"
 #include "WelcomePage.h"
 
+#include <QApplication>
 #include <QCloseEvent>
-#include <QStatusBar>
+#include <QComboBox>
+#include <QLayout>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QShortcut>
+#include <QTimer>
+#include <QToolBar>
+#include <QToolButton>
+
+#include <algorithm>
+#include <utility>
+
+namespace vmk {
+namespace {
 
 using namespace Qt::StringLiterals;
 
-namespace vmk {
+/// Measures of the window, in twips.
+constexpr float BarHeight = 300;
+constexpr float ExtraHeight = 120;
+constexpr float ExtraWidth = 200;
+constexpr float EdgesWidth = 120;
+constexpr int ToolbarPixels = 27;
+constexpr int PicturePixels = 16;
+
+constexpr float StatusPanelWidths[] = {4000, 1500, 600, 1000};
+
+Form1* TheForm = nullptr;
+
+int PixelsX(float twips)
+{
+    return qRound(twips / TwipsPerPixelX);
+}
+
+int PixelsY(float twips)
+{
+    return qRound(twips / TwipsPerPixelY);
+}
+
+void SetColors(QWidget& widget, const QColor& background, const QColor& text)
+{
+    QPalette palette = QApplication::palette(&widget);
+    palette.setColor(QPalette::All, QPalette::Base, background);
+    palette.setColor(QPalette::All, QPalette::Text, text);
+    widget.setPalette(palette);
+}
+
+} // namespace
 
 Form1::Form1()
 {
+    TheForm = this;
     setObjectName(u"Form1"_s);
     setWindowTitle(u"Vellumark"_s);
-    StatusSeam().Fill([this](const QString& text) {
-        statusBar()->showMessage(text);
-        statusBar()->repaint();
-    });
-    CaptionSeam().Fill([this](const QString& caption, bool preview) {
-        if (!preview)
-            setWindowTitle(caption);
-    });
+    setWindowIcon(ProgramPicture());
+    setAcceptDrops(true);
+    client = new QWidget(this);
+    setCentralWidget(client);
+
+    makeMenus();
+    makeToolbar();
+    makeSchemaControls();
+    makeDisplay();
+    makeBars();
+    makeTimers();
+
+    fillSeams();
 }
 
 Form1::~Form1()
 {
-    StatusSeam().Fill([](const QString&) {});
-    CaptionSeam().Fill([](const QString&, bool) {});
+    // The display still loses the focus while it goes.
+    HTMLread->events = DisplayEvents();
+    emptySeams();
+    ForgetRanges();
+    TheForm = nullptr;
 }
+
+void Form1::fillSeams()
+{
+    StatusSeam().Fill([this](const QString& text) {
+        StatusMsg->setPanelText(1, text);
+        StatusMsg->repaint();
+    });
+    StatusPanelSeam().Fill([this](int panel, const QString& text) { Status->setPanelText(panel, text); });
+    CaptionSeam().Fill([this](const QString& caption, bool preview) {
+        if (!preview)
+            setWindowTitle(caption);
+    });
+    NavigateSeam().Fill([this](const QString& file, bool preview) {
+        if (!preview)
+            HTMLread->Navigate(file);
+    });
+    LoadBookSeam().Fill(LoadBook);
+    IsBookEmptySeam().Fill(IsDisplayBlank);
+    DisplayPageSeam().Fill([this] { return HTMLread->document().savePage().toStdString(); });
+}
+
+void Form1::emptySeams()
+{
+    StatusSeam().Fill([](const QString&) {});
+    StatusPanelSeam().Fill([](int, const QString&) {});
+    CaptionSeam().Fill([](const QString&, bool) {});
+    NavigateSeam().Fill([](const QString&, bool) {});
+    LoadBookSeam().Fill([](const QString&, bool) { return false; });
+    IsBookEmptySeam().Fill([] { return true; });
+    DisplayPageSeam().Fill([] { return std::string(); });
+}
+
+Form1* Form1::Instance()
+{
+    return TheForm;
+}
+
+// ---------------------------------------------------------------- controls
+
+void Form1::makeMenus()
+{
+    for (const Menu& menu : MainMenu()) {
+        QMenu* item = menuBar()->addMenu(QLatin1StringView(menu.caption));
+        item->setObjectName(QLatin1StringView(menu.name));
+        fillMenu(*item, menu.entries);
+    }
+    connect(menuBar()->findChild<QMenu*>(u"uFile"_s), &QMenu::aboutToShow, this, &Form1::fileMenuOpens);
+    connect(menuBar()->findChild<QMenu*>(u"uTools"_s), &QMenu::aboutToShow, this, &Form1::toolsMenuOpens);
+
+    MnRightClick = new QMenu(this);
+    MnRightClick->setObjectName(u"MnRightClick"_s);
+    fillMenu(*MnRightClick, ContextMenu());
+
+    auto* toMenuBar = new QShortcut(Qt::Key_F10, this);
+    connect(toMenuBar, &QShortcut::activated, menuBar(), [this] {
+        menuBar()->setFocus(Qt::MenuBarFocusReason);
+        menuBar()->setActiveAction(menuBar()->actions().first());
+    });
+}
+
+void Form1::fillMenu(QMenu& menu, std::span<const MenuEntry> rows)
+{
+    for (const MenuEntry& row : rows) {
+        QAction* entry = menu.addAction(QLatin1StringView(row.caption));
+        entry->setObjectName(QLatin1StringView(row.name));
+        entry->setVisible(!row.hidden);
+        entry->setEnabled(ProcedureOf(row.command) && !row.disabled);
+        entry->setMenuRole(QAction::NoRole);
+        if (row.accelerator)
+            entry->setShortcut(QKeySequence(QLatin1StringView(row.accelerator)));
+        connect(entry, &QAction::triggered, this, [this, command = row.command] { RunCommand(command); });
+        entries.insert(entry->objectName(), entry);
+        if (row.separatorBehind) {
+            // Only the group of fields takes its separator with it; the others part what stays visible.
+            const bool alone = row.command != Command::InsertTagAttributeValueField;
+            menu.addSeparator()->setVisible(alone);
+        }
+    }
+}
+
+void Form1::makeToolbar()
+{
+    TB = new QToolBar(client);
+    TB->setObjectName(u"TB"_s);
+    TB->setAccessibleName(u"toolbar"_s);
+    TB->setIconSize({PicturePixels, PicturePixels});
+    TB->setToolButtonStyle(Qt::ToolButtonIconOnly);
+    TB->setMovable(false);
+    for (const ToolbarButton& row : ToolbarDesign()) {
+        const QString key = QLatin1StringView(row.key);
+        QAction* button = TB->addAction(ToolbarPicture(key), key);
+        button->setObjectName(key);
+        button->setToolTip(QLatin1StringView(row.toolTip));
+        button->setEnabled(ProcedureOf(row.command));
+        connect(button, &QAction::triggered, this, [this, command = row.command] { RunCommand(command); });
+        // Reached by the Tab key, but a click leaves the focus, and with it the selection, in the display.
+        TB->widgetForAction(button)->setFocusPolicy(Qt::TabFocus);
+    }
+}
+
+void Form1::makeSchemaControls()
+{
+    ValidateOptL = new QComboBox(client);
+    ValidateOptL->setObjectName(u"ValidateOptL"_s);
+    ValidateOptL->addItems({u"schema"_s, u"namespace!"_s});
+    ValidateOptL->setAccessibleName(u"validate against"_s);
+    ValidateOptL->setToolTip(u"validate against"_s);
+    ValidateOptL->setCurrentIndex(ValidateOption.toLower() == "schema"_L1 ? 0 : 1);
+    connect(ValidateOptL, &QComboBox::currentTextChanged, this, [this](const QString& text) {
+        ValidateOption = text;
+        RefreshSchemaField();
+    });
+
+    SchemaFileL = new QLineEdit(client);
+    SchemaFileL->setObjectName(u"SchemaFileL"_s);
+    SchemaFileL->setAccessibleName(u"schema file"_s);
+    SchemaFileL->installEventFilter(this);
+    RefreshSchemaField();
+}
+
+void Form1::makeDisplay()
+{
+    HTMLread = new DisplayView(client);
+    HTMLread->setObjectName(u"HTMLread"_s);
+    HTMLread->setAccessibleName(u"book"_s);
+    HTMLread->installEventFilter(this);
+    connectDisplay();
+}
+
+void Form1::makeBars()
+{
+    StatusMsg = new PanelBar({u"message"_s}, client);
+    StatusMsg->setObjectName(u"StatusMsg"_s);
+    Status = new PanelBar({u"information"_s, u"caret"_s, u"file length"_s, QString(), QString()}, client);
+    Status->setObjectName(u"Status"_s);
+    connect(StatusMsg, &PanelBar::filesDropped, this, &Form1::loadDropped);
+    connect(Status, &PanelBar::filesDropped, this, &Form1::loadDropped);
+}
+
+void Form1::makeTimers()
+{
+    const auto make = [this](const char* name, int interval) {
+        auto* timer = new QTimer(this);
+        timer->setObjectName(QLatin1StringView(name));
+        timer->setInterval(interval);
+        timer->setSingleShot(true);
+        return timer;
+    };
+    TmpBookmarkTimer = make("TmpBookmarkTimer", 50);
+    TimerGetOffset = make("TimerGetOffset", 10);
+    TimerTrOnMouseDown = make("TimerTrOnMouseDown", 10);
+    TimerTripleClick = make("TimerTripleClick", 500);
+    TimerScroll = make("TimerScroll", 10);
+    TimerScroll->setSingleShot(false);
+    TimerPopUp = make("TimerPopUp", 20);
+    TimerWBDrop = make("TimerWBDrop", 200);
+    TimerValidate = make("TimerValidate", 50);
+    TimerDesignMode = make("TimerDesignMode", 50);
+    // Idle by design.
+    TimerShiftClick = make("TimerShiftClick", 0);
+    TimerHtwFocus = make("TimerHtwFocus", 50);
+    TimerColor = make("TimerColor", 50);
+
+    connect(TmpBookmarkTimer, &QTimer::timeout, this, &RestoreTemporalBookmark);
+    connect(TimerGetOffset, &QTimer::timeout, this, &StoreOffsets);
+    connect(TimerTrOnMouseDown, &QTimer::timeout, this, &StoreMouseDownRange);
+    connect(TimerTripleClick, &QTimer::timeout, this, [] { TripleClickPending = false; });
+    connect(TimerScroll, &QTimer::timeout, this, &NoteScrollEnd);
+    connect(TimerPopUp, &QTimer::timeout, this, &Form1::ShowPopUpMenu);
+    connect(TimerWBDrop, &QTimer::timeout, this, [this] { LoadBook(std::exchange(droppedBook, {}), false); });
+    connect(TimerValidate, &QTimer::timeout, this, [] {
+        ValidateAfterLoad = false;
+        ValidateDisplay();
+    });
+    connect(TimerDesignMode, &QTimer::timeout, this, [this] { HTMLread->setDesignMode(u"On"_s); });
+}
+
+QAction* Form1::Entry(const char* name) const
+{
+    return entries.value(QLatin1StringView(name));
+}
+
+QAction* Form1::ToolbarAction(const QString& key) const
+{
+    return TB->findChild<QAction*>(key, Qt::FindDirectChildrenOnly);
+}
+
+// ---------------------------------------------------------------- start and stop
 
 void Form1::Load()
 {
-    const auto pixels = [](float twips, float perPixel) { return qRound(twips / perPixel); };
-    setGeometry(pixels(MainFormLeft, TwipsPerPixelX), pixels(MainFormTop, TwipsPerPixelY),
-                pixels(MainFormWidth, TwipsPerPixelX), pixels(MainFormHeight, TwipsPerPixelY));
+    PlaceForm(MainFormLeft, MainFormTop, MainFormWidth, MainFormHeight);
     show();
     UndoSteps = 0;
+    RemoveDisplayFiles(true);
     if (!ValidateAfterLoad) {
         if (FirstStart)
             ShowWelcomePage();
@@ -50,14 +304,288 @@ void Form1::Load()
     FirstStart = false;
 }
 
+void Form1::ReloadForm1()
+{
+    Load();
+}
+
 void Form1::closeEvent(QCloseEvent* event)
 {
-    (void)WriteSettings({.left = static_cast<float>(x()) * TwipsPerPixelX,
-                         .top = static_cast<float>(y()) * TwipsPerPixelY,
-                         .width = static_cast<float>(width()) * TwipsPerPixelX,
-                         .height = static_cast<float>(height()) * TwipsPerPixelY});
+    // No question about unsaved changes: the book on the disk stays as it was saved last, by design.
+    SetPointer(Pointer::Default);
+    MainFormWindowState = isMaximized() ? 2 : isMinimized() ? 1 : 0;
+    RemoveDisplayFiles(false);
+    (void)WriteSettings({FormLeft(), FormTop(), FormWidth(), FormHeight()});
     event->accept();
     EndProcess();
+}
+
+// ---------------------------------------------------------------- commands
+
+bool Form1::RunCommand(Command command)
+{
+    const CommandProcedure procedure = ProcedureOf(command);
+    if (procedure)
+        procedure(*this);
+    return procedure;
+}
+
+void Form1::LoadNewFbFile_Dialog()
+{
+    const QString name = AskFile({FileDialogRequest::Open, u"Open new Fiction Book file"_s, LastBookFolder,
+                                  QString(), u"Fiction Book Files (*.fb2)|*.fb2|"_s});
+    if (!name.isEmpty() && FileExists(name) && LoadBook(name, false))
+        LastBookFolder = FileOperation(FolderOfMode, name);
+}
+
+void Form1::LoadNewFbSchema_Dialog()
+{
+    const QString name = AskFile({FileDialogRequest::Open, u"Load new Fiction Book Schema"_s,
+                                  FileOperation(FolderOfMode, SchemaFile), u"FictionBook"_s,
+                                  u"Fiction Book Shemes Files (*.xsd)|*.xsd|"_s});
+    if (!name.isEmpty() && FileExists(name))
+        UseSchema(name);
+}
+
+void Form1::UseSchema(const QString& path)
+{
+    if (FileOperation(ExtensionMode, path).toLower() != "xsd"_L1)
+        return;
+    SchemaFile = path;
+    ValidateOptL->setCurrentText(u"schema"_s);
+    RefreshSchemaField();
+}
+
+void Form1::SaveFileAs_Dialog()
+{
+    if (IsBookEmpty()) {
+        PlainBox(u"empty book - nothing to save"_s);
+        return;
+    }
+    const QString name
+        = AskFile({FileDialogRequest::Save, u"Save Fiction Book file as"_s, LastSaveFolder,
+                   FileOperation(NameMode, CurrentBook), u"Fiction Book Files (*.fb2)|*.fb2|"_s});
+    if (name.isEmpty() || !SaveBook(name, false, false))
+        return;
+    LastSaveFolder = FileOperation(FolderOfMode, name);
+    CurrentBook = name;
+    setWindowTitle(u"VMK: "_s + FileOperation(NameMode, name));
+}
+
+void Form1::OpenLastBook()
+{
+    if (!FileExists(LastFile)) {
+        PlainBox(u"last file not found"_s);
+        return;
+    }
+    const QString path = LastFile;
+    if (LoadBook(path, false)) {
+        CurrentBook = path;
+        LastBookFolder = FileOperation(FolderOfMode, path);
+    }
+}
+
+void Form1::SaveCurrentBook()
+{
+    SaveBook(CurrentBook, false, false);
+}
+
+void Form1::SaveAndReload()
+{
+    if (IsBookEmpty()) {
+        PlainBox(u"empty book - nothing to save"_s);
+        return;
+    }
+    if (SaveBook(CurrentBook, true, false))
+        LoadBook(CurrentBook, false);
+}
+
+void Form1::ShowSchemas()
+{
+    if (!schemas)
+        schemas = new SchemasF(this);
+    schemas->ShowList();
+}
+
+void Form1::OpenPortalPage(const char* path)
+{
+    OpenWithSystem(u"http://www.fictionbook.org"_s + QLatin1StringView(path));
+}
+
+void Form1::fileMenuOpens()
+{
+    Entry("uOpenLastFile")->setEnabled(FileExists(LastFile));
+}
+
+void Form1::toolsMenuOpens()
+{
+    const auto enable = [this](const char* name, Command command, bool fits) {
+        Entry(name)->setEnabled(fits && ProcedureOf(command));
+    };
+    enable("uExtractAllImages", Command::ExtractAllImages, !BinaryPart.empty());
+    enable("uShowBinaryList", Command::ShowBinaryList, !BinaryPart.empty());
+    enable("uDeleteExtractedImages", Command::DeleteExtractedImages,
+           FileExists(ExtractedImagesFolder + u"/*"_s));
+}
+
+// ---------------------------------------------------------------- the window's measures
+
+float Form1::FormLeft() const
+{
+    return float(pos().x()) * TwipsPerPixelX;
+}
+
+float Form1::FormTop() const
+{
+    return float(pos().y()) * TwipsPerPixelY;
+}
+
+float Form1::FormWidth() const
+{
+    return float(client->width()) * TwipsPerPixelX + EdgesWidth;
+}
+
+float Form1::FormHeight() const
+{
+    return (float(client->height()) + CaptionHeight) * TwipsPerPixelY + BarHeight + ExtraHeight;
+}
+
+void Form1::PlaceForm(float left, float top, float width, float height)
+{
+    const auto inside = [this](float formWidth, float formHeight) {
+        const float clientHeight = formHeight - CaptionHeight * TwipsPerPixelY - BarHeight - ExtraHeight;
+        return QSize(PixelsX(formWidth - EdgesWidth), PixelsY(clientHeight) + menuBar()->sizeHint().height());
+    };
+    setMinimumSize(inside(MainFormMinWidth, MainFormMinHeight));
+    move(PixelsX(left), PixelsY(top));
+    resize(inside(width, height).expandedTo(minimumSize()));
+}
+
+void Form1::resizeEvent(QResizeEvent* event)
+{
+    QMainWindow::resizeEvent(event);
+    if (!isMinimized())
+        layOut();
+}
+
+void Form1::layOut()
+{
+    // Where the reader is, while the old layout still holds.
+    SetTemporalBookmark();
+
+    const float width = FormWidth();
+    const float height = FormHeight();
+    float general = width;
+    for (int panel = 2; panel <= 5; ++panel) {
+        Status->setPanelWidth(panel, StatusPanelWidths[panel - 2]);
+        general -= StatusPanelWidths[panel - 2];
+    }
+    general -= ExtraWidth;
+    if (general >= 0)
+        Status->setPanelWidth(1, general);
+    const float statusTop = height - CaptionHeight * TwipsPerPixelY - 2 * BarHeight - ExtraHeight;
+    Status->setGeometry(0, PixelsY(statusTop), PixelsX(width + ExtraWidth), PixelsY(BarHeight));
+
+    StatusMsg->setPanelWidth(1, width - 130);
+    StatusMsg->setGeometry(0, PixelsY(statusTop - BarHeight), PixelsX(width + ExtraWidth),
+                           PixelsY(BarHeight));
+
+    TB->setGeometry(0, 0, client->width(), ToolbarPixels);
+    const float band = ToolbarPixels * TwipsPerPixelY;
+    const float shown = height - CaptionHeight * TwipsPerPixelY - 3 * BarHeight - 100 - band;
+    HTMLread->setGeometry(0, ToolbarPixels, PixelsX(width - 10 * TwipsPerPixelX), PixelsY(shown));
+
+    MoveSchemaControls();
+    // The scrolling that the resize causes is no place to remember.
+    SkipPositionRemember = true;
+}
+
+void Form1::MoveSchemaControls()
+{
+    const QList<QAction*> buttons = TB->actions();
+    if (buttons.isEmpty())
+        return;
+    // The buttons must have their places first.
+    TB->layout()->activate();
+    const QRect last = TB->widgetForAction(buttons.last())->geometry();
+    const int gap = 2;
+    ValidateOptL->setGeometry(last.x() + last.width() + gap, last.y(), ValidateOptL->sizeHint().width(),
+                              last.height());
+    const int behind = ValidateOptL->x() + ValidateOptL->width();
+    SchemaFileL->setGeometry(behind + gap, last.y(), PixelsX(FormWidth()) - behind - 12, last.height());
+    SchemaFileL->update();
+}
+
+void Form1::RefreshSchemaField()
+{
+    const QPalette desktop = QApplication::palette(SchemaFileL);
+    // Black on the light backgrounds that desktops have; a dark desktop's own text colour.
+    const bool dark = desktop.color(QPalette::Base).lightness() < 128;
+    const QColor black = dark ? desktop.color(QPalette::Text) : QColor(Qt::black);
+    if (ValidateOptL->currentText().toLower() != "schema"_L1) {
+        SchemaFileL->clear();
+        SetColors(*SchemaFileL, desktop.color(QPalette::Button), black);
+        SchemaFileL->setEnabled(false);
+        return;
+    }
+    const bool found = FileExists(SchemaFile);
+    SchemaFileL->setText(found ? FileOperation(NameMode, SchemaFile)
+                               : u"Schema file not found. Only namespace validatioon is available."_s);
+    SchemaFileL->setCursorPosition(0);
+    SchemaFileL->setReadOnly(!found);
+    SetColors(*SchemaFileL, desktop.color(QPalette::Base), found ? black : QColor(255, 0, 0));
+    SchemaFileL->setEnabled(true);
+}
+
+// ---------------------------------------------------------------- drops
+
+void Form1::loadDropped(const QStringList& paths)
+{
+    if (!paths.isEmpty())
+        LoadBook(paths.first(), false);
+}
+
+void Form1::dragEnterEvent(QDragEnterEvent* event)
+{
+    AcceptFileDrag(*event);
+}
+
+void Form1::dropEvent(QDropEvent* event)
+{
+    loadDropped(DroppedFiles(*event));
+}
+
+bool Form1::isAccelerator(const QKeyEvent& key) const
+{
+    // The key Del is the display's own; only the entry carries it as accelerator.
+    if (key.key() == Qt::Key_Delete)
+        return false;
+    const QKeySequence sequence(key.keyCombination());
+    return std::ranges::any_of(entries, [&](const QAction* entry) { return entry->shortcut() == sequence; });
+}
+
+bool Form1::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == HTMLread && event->type() == QEvent::ShortcutOverride) {
+        // The display takes every key before any menu may. Left to the menus: accelerators, and the keys
+        // that lead into the menu bar.
+        auto& key = static_cast<QKeyEvent&>(*event);
+        if (isAccelerator(key) || key.key() == Qt::Key_Alt || key.key() == Qt::Key_F10) {
+            event->ignore();
+            return true;
+        }
+    }
+    if (watched == SchemaFileL && event->type() == QEvent::DragEnter) {
+        AcceptFileDrag(static_cast<QDropEvent&>(*event));
+        return true;
+    }
+    if (watched == SchemaFileL && event->type() == QEvent::Drop) {
+        const QStringList paths = DroppedFiles(static_cast<QDropEvent&>(*event));
+        if (!paths.isEmpty())
+            UseSchema(paths.first());
+        return true;
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 } // namespace vmk

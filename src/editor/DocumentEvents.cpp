@@ -1,0 +1,331 @@
+#include "CommLineInfoF.h"
+#include "DisplayView.h"
+#include "EditorFunctions.h"
+#include "EditorState.h"
+#include "FbFunctions.h"
+#include "FileOperations.h"
+#include "Form1.h"
+#include "Globals.h"
+#include "MainWindowSeams.h"
+#include "PanelBar.h"
+#include "Sounds.h"
+#include "VirtualKeys.h"
+
+#include <QCursor>
+#include <QMenu>
+#include <QTimer>
+
+#include <algorithm>
+#include <span>
+
+/// The events of the display, as the main window answers them.
+namespace vmk {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr int LeftButton = 1;
+constexpr int RightButton = 2;
+
+/// Keys with a letter's code.
+namespace Key {
+constexpr int B = 66, C = 67, H = 72, I = 73, T = 84, V = 86, X = 88, Y = 89, Z = 90;
+constexpr int F3 = VirtualKey::F1 + 2, F4 = VirtualKey::F1 + 3, F5 = VirtualKey::F1 + 4,
+              F12 = VirtualKey::F1 + 11;
+} // namespace Key
+
+/// A key of the display and what it asks for.
+struct KeyRow
+{
+    int key;
+    Command command;
+};
+
+/// Whatever modifiers are held: Shift with an arrow moves the caret and selects nothing.
+constexpr KeyRow FixedKeys[] = {
+    {Key::F12, Command::LoadNewSchema},
+    {VirtualKey::Left, Command::CaretLeft},
+    {VirtualKey::Right, Command::CaretRight},
+    {VirtualKey::Space, Command::InsertSpace},
+};
+
+constexpr KeyRow PlainKeys[] = {
+    {Key::F3, Command::OpenFile},
+    {Key::F4, Command::SaveFile},
+    {Key::F5, Command::SaveFileAs},
+};
+
+constexpr KeyRow ShiftKeys[] = {
+    {VirtualKey::Insert, Command::Paste},
+    {VirtualKey::Delete, Command::Cut},
+};
+
+constexpr KeyRow CtrlKeys[] = {
+    {Key::Z, Command::Undo},
+    {Key::Y, Command::Redo},
+    {Key::X, Command::Cut},
+    {Key::C, Command::Copy},
+    {VirtualKey::Insert, Command::Copy},
+    {Key::V, Command::Paste},
+    {Key::T, Command::CopyText},
+    {Key::H, Command::PasteHtml},
+    {Key::B, Command::Bold},
+    {Key::I, Command::Italic},
+};
+
+Command CommandOf(std::span<const KeyRow> rows, int key)
+{
+    const auto row = std::ranges::find(rows, key, &KeyRow::key);
+    return row == rows.end() ? Command::None : row->command;
+}
+
+/// True for the keys that never change the text by themselves.
+bool LeavesText(int key)
+{
+    return (key >= VirtualKey::Control && key <= VirtualKey::CapsLock)
+        || (key >= VirtualKey::LeftWindows && key <= VirtualKey::Menu) || key == VirtualKey::Escape
+        || (key >= VirtualKey::PageUp && key <= VirtualKey::Down) || key == VirtualKey::NumLock
+        || key == VirtualKey::ScrollLock || key == VirtualKey::Insert
+        || (key >= VirtualKey::F1 && key <= Key::F12);
+}
+
+/// Clears `BookUnchanged` if the key can change the text. That a letter typed with Shift does not count,
+/// and that Alt is not looked at, is meant.
+void NoteEditKey(const DisplayEvent& event)
+{
+    if (!BookUnchanged)
+        return;
+    const bool changes = event.shiftKey ? event.keyCode == VirtualKey::Insert
+        : event.ctrlKey                 ? event.keyCode == Key::V
+                                        : !LeavesText(event.keyCode);
+    if (changes)
+        BookUnchanged = false;
+}
+
+/// The command that a key asks for and whether the display is to leave the key alone.
+struct KeyAnswer
+{
+    Command command = Command::None;
+    bool cancel = false;
+};
+
+KeyAnswer AnswerEditKey(int key, bool ctrl, bool shift)
+{
+    if (!ctrl) {
+        if (const Command command = CommandOf(PlainKeys, key); command != Command::None)
+            return {command, false};
+    }
+    if (key == VirtualKey::Escape)
+        return {Command::RePaintSelection, true};
+    if (key == VirtualKey::Tab && !shift)
+        return {ctrl ? Command::LeftShift : Command::RightShift, true};
+    if (ctrl)
+        return {CommandOf(CtrlKeys, key), true};
+    if (shift)
+        return {CommandOf(ShiftKeys, key), true};
+    return {};
+}
+
+/// On a scroll bar: beyond what the page shows.
+bool OnScrollBar(const DisplayView& view, const DisplayEvent& event)
+{
+    return event.clientX > view.clientWidth() || event.clientY > view.clientHeight();
+}
+
+} // namespace
+
+void Form1::connectDisplay()
+{
+    DisplayEvents& events = HTMLread->events;
+    events.onkeydown = [this](DisplayEvent& event) { FileDoc_onkeydown(event); };
+    events.onmousedown = [this](DisplayEvent& event) { FileDoc_onmousedown(event); };
+    events.onmouseup = [this](DisplayEvent& event) { FileDoc_onmouseup(event); };
+    events.ondblclick = [this](DisplayEvent& event) { FileDoc_ondblclick(event); };
+    events.oncontextmenu = [this](DisplayEvent& event) { FileDoc_oncontextmenu(event); };
+    events.ondragstart = [this](DisplayEvent& event) { FileDoc_ondragstart(event); };
+    events.onfocusout = [this](DisplayEvent& event) { FileDoc_onfocusout(event); };
+    events.onreadystatechange = [this](DisplayEvent& event) { FileDoc_onreadystatechange(event); };
+    events.onresize = [this](DisplayEvent& event) { HTW_onresize(event); };
+    events.onscroll = [this](DisplayEvent& event) { HTW_onscroll(event); };
+    events.onbeforenavigate
+        = [this](const QString& target, bool& cancel) { HTMLread_BeforeNavigate(target, cancel); };
+    events.ondocumentcomplete = [this](const QString& location) { HTMLread_DocumentComplete(location); };
+}
+
+// ---------------------------------------------------------------- keys
+
+void Form1::FileDoc_onkeydown(DisplayEvent& event)
+{
+    Command fixed = CommandOf(FixedKeys, event.keyCode);
+    if (fixed == Command::InsertSpace && event.ctrlKey)
+        fixed = Command::InsertNbsp;
+    if (RunCommand(fixed)) {
+        event.returnValue = false;
+        return;
+    }
+    NoteEditKey(event);
+    const KeyAnswer answer = AnswerEditKey(event.keyCode, event.ctrlKey, event.shiftKey);
+    if (RunCommand(answer.command) && answer.cancel)
+        event.returnValue = false;
+}
+
+// ---------------------------------------------------------------- clicks
+
+void Form1::FileDoc_onmousedown(DisplayEvent& event)
+{
+    if (OnScrollBar(*HTMLread, event))
+        return;
+    TimerGetOffset->start();
+    const bool left = event.button == LeftButton;
+    // A shift-click is the release's business.
+    if (left && event.shiftKey)
+        return;
+    if (event.clientX < HTMLread->clientWidth())
+        LinesSelected = false;
+    if (left && !TripleClickPending)
+        TimerTrOnMouseDown->start();
+}
+
+void Form1::FileDoc_onmouseup(DisplayEvent& event)
+{
+    if (!OnScrollBar(*HTMLread, event)) {
+        if (event.button == RightButton)
+            TimerPopUp->start();
+        if (event.button == LeftButton) {
+            if (event.shiftKey && ShiftClickSelect()) {
+                event.returnValue = false;
+                DoubleClickSeen = false;
+                return;
+            }
+            LinesSelected = false;
+            if (TripleClickPending)
+                thirdClick();
+            else
+                ShowCaretPosition();
+        }
+    }
+    DoubleClickSeen = false;
+}
+
+void Form1::thirdClick()
+{
+    if (!SelectTagAtCaret() && DoubleClickRange) {
+        TimerTripleClick->stop();
+        // The word alone, without the blanks beside it.
+        const QString word = DoubleClickRange->text();
+        if (word.startsWith(u' '))
+            DoubleClickRange->moveStart(u"character", 1);
+        if (word.endsWith(u' '))
+            DoubleClickRange->moveEnd(u"character", -1);
+        DoubleClickRange->select();
+    }
+    TripleClickPending = false;
+}
+
+void Form1::FileDoc_ondblclick(DisplayEvent& event)
+{
+    TripleClickPending = true;
+    DoubleClickSeen = true;
+    DoubleClickRange = SelectionRange();
+    int first = -1;
+    int last = -1;
+    SelectNodes(first, last, true, false, true, true);
+    if (first >= 1)
+        event.returnValue = false;
+    TimerTripleClick->start();
+}
+
+void Form1::FileDoc_oncontextmenu(DisplayEvent& event)
+{
+    event.returnValue = false;
+}
+
+void Form1::FileDoc_ondragstart(DisplayEvent& event)
+{
+    event.returnValue = false;
+}
+
+// ---------------------------------------------------------------- focus, scrolling, size
+
+void Form1::FileDoc_onfocusout(DisplayEvent&)
+{
+    // The selection stays shown while another window has the focus.
+    TextRange range = SelectionRange();
+    if (range.boundingWidth() > 0)
+        range.select();
+}
+
+void Form1::HTW_onresize(DisplayEvent&)
+{
+    if (++ResizeEventCount < 2)
+        return;
+    ResizeEventCount = 0;
+    TmpBookmarkTimer->start();
+}
+
+void Form1::HTW_onscroll(DisplayEvent&)
+{
+    // A new start puts the tick off, so that it never comes while scrolling is going on.
+    TimerScroll->start();
+}
+
+void Form1::ShowPopUpMenu()
+{
+    Status->setPanelText(1, QString());
+    StatusMsg->setPanelText(1, QString());
+    for (const char* name :
+         {"Ed_GoToLink", "Ed_CheckId", "Ed_ShowImage", "Ed_RemoveImageResource", "Ed_AddImageResource"})
+        Entry(name)->setEnabled(false);
+    MnRightClick->popup(QCursor::pos());
+}
+
+// ---------------------------------------------------------------- from navigation to document
+
+void Form1::HTMLread_BeforeNavigate(const QString& target, bool& cancel)
+{
+    const QString name = FileOperation(NameMode, target);
+    const bool own
+        = name == FileOperation(NameMode, EmptyPageFile) || name == FileOperation(NameMode, WelcomeFile);
+    if (!own && !LoadingByProgram && FileExists(target)
+        && FileOperation(ExtensionMode, target).toLower().startsWith("fb"_L1)) {
+        cancel = true;
+        droppedBook = target;
+        TimerWBDrop->start();
+    } else if (!own) {
+        cancel = CheckNavigation(target);
+    }
+    LoadingByProgram = false;
+    SkipNavigationCheck = false;
+}
+
+void Form1::HTMLread_DocumentComplete(const QString&)
+{
+    CommLineInfoF::Unload();
+    LoadingByProgram = false;
+    // The setting of the design mode must not run inside the display's own event.
+    if (FileExists(DisplayFile))
+        TimerDesignMode->start();
+}
+
+void Form1::FileDoc_onreadystatechange(DisplayEvent&)
+{
+    if (HTMLread->readyState() != "complete"_L1 || HTMLread->designMode() != "On"_L1)
+        return;
+    UndoSteps = 0;
+    BookUnchanged = true;
+    if (HTMLread->location().contains(FileOperation(NameMode, EmptyPageFile))) {
+        ShowStatus(u"ready"_s);
+    } else {
+        RememberPosition(true, true);
+        if (ValidateAfterLoad) {
+            TimerValidate->start();
+        } else {
+            ShowStatus(u"document complete"_s);
+            PlaySoundFile(AppPath + u"/sounds/DocComplete.wav"_s, false);
+        }
+    }
+    ShowFileLength();
+    ValidateAfterLoad = false;
+}
+
+} // namespace vmk

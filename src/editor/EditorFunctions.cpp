@@ -1,0 +1,331 @@
+#include "EditorFunctions.h"
+
+#include "CaretTag.h"
+#include "CodePages.h"
+#include "Desktop.h"
+#include "DisplayView.h"
+#include "EditorState.h"
+#include "FileOperations.h"
+#include "Form1.h"
+#include "Globals.h"
+#include "MainWindowSeams.h"
+#include "Sounds.h"
+#include "TextFunctions.h"
+
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QTimer>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace vmk {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr int MostPositions = 40;
+/// Occurs as an id in no book.
+constexpr char TemporalMarker[] = "()*^^^%^*";
+const QStringView Character = u"character";
+const QStringView TextEdit = u"textedit";
+constexpr int CaretPanel = 2;
+constexpr int FileLengthPanel = 3;
+
+DisplayView& View()
+{
+    return *Form1::Instance()->HTMLread;
+}
+
+DisplayDocument& FileDoc()
+{
+    return View().document();
+}
+
+int LeftMarginPx()
+{
+    QString margin = DisplayLeftMargin;
+    return margin.remove("px"_L1, Qt::CaseInsensitive).trimmed().toInt();
+}
+
+// ---- the status line
+
+struct CharacterCodes
+{
+    QString ansi;
+    QString unicode;
+};
+
+CharacterCodes CodesOf(const QString& character)
+{
+    if (character.isEmpty())
+        return {};
+    if (character == QChar(u'\x7f') || character == QChar(QChar::Nbsp))
+        return {u"160 (nbsp)"_s, u"160 (nbsp)"_s};
+    const std::string byte = EncodeText(character.left(1), SystemCodePage());
+    // The 16-bit code as a signed number: negative from 32768 up.
+    return {QString::number(byte.empty() ? 0 : uchar(byte[0])),
+            QString::number(int16_t(character[0].unicode()))};
+}
+
+/// The depth of a line by its margin; nothing without a node shift to measure by.
+std::optional<long> ShiftOf(int node)
+{
+    const QString html = item(FileDoc(), node).outerHTML();
+    const qsizetype found = html.indexOf("MARGIN-LEFT:"_L1, 0, Qt::CaseInsensitive);
+    if (found < 0)
+        return 0;
+    if (NodeShift <= 0)
+        return std::nullopt;
+    const qsizetype value = found + qsizetype(std::size("MARGIN-LEFT:")) - 1;
+    const qsizetype end = html.indexOf("px\""_L1, value);
+    const double margin = html.mid(value, end < 0 ? 0 : end - value).trimmed().toDouble();
+    // To the nearest whole number, halves to even.
+    return std::lrint(margin / NodeShift);
+}
+
+/// Characters from the beginning of the caret's row, and one.
+int ColumnOf(Position caret)
+{
+    // The first place whose text up to the caret stands on the caret's row alone.
+    const int row = View().clientRects(caret, caret).front().top();
+    int low = 0;
+    int high = caret.offset;
+    while (low < high) {
+        const int middle = (low + high) / 2;
+        if (View().clientRects({caret.line, middle}, caret).front().top() == row)
+            high = middle;
+        else
+            low = middle + 1;
+    }
+    return caret.offset - low + 1;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------- lines and selection
+
+TextRange SelectionRange()
+{
+    return createRange(FileDoc());
+}
+
+QString SelectNodes(int& first, int& last, bool select, bool returnHtml, bool cancelEvent, bool keepAnchor)
+{
+    SelectedNodes nodes = SelectNodes(FileDoc(), select, returnHtml);
+    first = nodes.first;
+    last = nodes.last;
+    if (first < 1)
+        return {};
+    if (cancelEvent)
+        LinesSelected = true;
+    LineAnchorRange.reset();
+    if (keepAnchor)
+        LineAnchorRange = nodes.range;
+    return nodes.html;
+}
+
+void StoreOffsets()
+{
+    const TextRange range = SelectionRange();
+    CaretOffsetLeft = range.offsetLeft();
+    CaretOffsetTop = range.offsetTop();
+    SavedScrollLeft = View().scrollLeft();
+    SavedScrollTop = View().scrollTop();
+}
+
+void StoreMouseDownRange()
+{
+    MouseDownRange = SelectionRange();
+}
+
+bool SelectTagAtCaret()
+{
+    if (!MouseDownRange)
+        return false;
+    const std::optional<TextRange> tag = TagAround(*MouseDownRange);
+    if (tag)
+        tag->select();
+    return tag.has_value();
+}
+
+bool ShiftClickSelect()
+{
+    if (!LineAnchorRange)
+        return false;
+    const int scrollTop = View().scrollTop();
+    TripleClickPending = false;
+    TextRange range = SelectionRange();
+    if (range.compareEndPoints(u"EndToEnd", *LineAnchorRange) == 1)
+        range.setEndPoint(u"StartToStart", *LineAnchorRange);
+    else if (range.compareEndPoints(u"StartToStart", *LineAnchorRange) == -1)
+        range.setEndPoint(u"EndToEnd", *LineAnchorRange);
+    range.select();
+    int first = -1;
+    int last = -1;
+    SelectNodes(first, last, true, false, false, true);
+    View().scroll(0, scrollTop);
+    LineAnchorRange = SelectionRange();
+    LinesSelected = true;
+    return true;
+}
+
+// ---------------------------------------------------------------- status line
+
+void ShowCaretPosition()
+{
+    TextRange range = SelectionRange();
+    if (range.boundingWidth() > 0) {
+        ShowStatusPanel(CaretPanel, QString());
+        return;
+    }
+    const Position caret = range.start();
+    range.moveEnd(Character, 1);
+    const CharacterCodes codes = CodesOf(range.text());
+
+    QString text;
+    const int node = NodeAtRangeStart(SelectionRange());
+    if (node >= 1) {
+        if (const std::optional<long> shift = ShiftOf(node))
+            text = u"sh:%1, "_s.arg(*shift);
+    }
+    text += u"ln:%1, col:%2"_s.arg(View().rowNumber(caret)).arg(ColumnOf(caret));
+    if (!codes.ansi.isEmpty())
+        text += u", ansi:%1, unicode:%2"_s.arg(codes.ansi, codes.unicode);
+    ShowStatusPanel(CaretPanel, text);
+}
+
+void ShowFileLength()
+{
+    ShowStatusPanel(FileLengthPanel, u"file len:"_s + GroupDigits(QFileInfo(CurrentBook).size()));
+}
+
+// ---------------------------------------------------------------- undo
+
+void UndoEdit()
+{
+    for (int i = 0; i < std::max(UndoSteps, 1); ++i)
+        View().undo();
+}
+
+void RedoEdit()
+{
+    for (int i = 0; i < std::max(UndoSteps, 1); ++i)
+        View().redo();
+}
+
+// ---------------------------------------------------------------- positions
+
+void GoToPosition(Direction direction)
+{
+    DocScrollHeight = View().scrollHeight();
+    if (direction == Direction::Down ? PositionIndex >= PositionCount : PositionIndex < 2) {
+        Beep();
+        return;
+    }
+    PositionIndex = int16_t(PositionIndex + (direction == Direction::Down ? 1 : -1));
+    PositionJump = true;
+    View().scroll(0, int(std::lrint(PositionHistory[size_t(PositionIndex)] * DocScrollHeight)));
+}
+
+void RememberPosition(bool force, bool reset)
+{
+    std::vector<double>& history = PositionHistory;
+    const double height = DocScrollHeight = View().scrollHeight();
+    const double top = View().scrollTop();
+    const double entry = height > 0 ? top / height : 0;
+    if (reset) {
+        SkipPositionRemember = false;
+        PositionCount = PositionIndex = 1;
+        history = {0, entry};
+        return;
+    }
+    // Against the last entry, not the current one.
+    if (!force && std::abs(history[size_t(PositionCount)] * height - top) < 1)
+        return;
+    if (PositionCount < MostPositions) {
+        ++PositionCount;
+        ++PositionIndex;
+        history.resize(size_t(PositionCount) + 1);
+        history[size_t(PositionCount)] = 0;
+        // In the middle of the list the old last entry drops out and the last one stays 0, as is meant.
+        for (int i = 1; i <= PositionCount - PositionIndex - 1; ++i)
+            history[size_t(PositionCount - i)] = history[size_t(PositionCount - i - 1)];
+    } else if (PositionIndex <= MostPositions / 2) {
+        // Running downwards, all those entries end with the value of the last, as is meant.
+        for (int i = 1; i <= PositionCount - PositionIndex - 1; ++i)
+            history[size_t(PositionCount - i)] = history[size_t(PositionCount - i + 1)];
+        ++PositionIndex;
+    } else {
+        for (int i = 1; i <= PositionIndex - 1; ++i)
+            history[size_t(i)] = history[size_t(i) + 1];
+    }
+    history[size_t(PositionIndex)] = entry;
+}
+
+void NoteScrollEnd()
+{
+    static bool waiting = false;
+    if (waiting)
+        return;
+    if (QGuiApplication::mouseButtons() & Qt::LeftButton) {
+        PositionJump = false;
+        return;
+    }
+    if (SkipPositionRemember) {
+        SkipPositionRemember = false;
+    } else if (!PositionJump) {
+        waiting = true;
+        WaitForInput(50, nullptr, 0);
+        waiting = false;
+        if (!Form1::Instance())
+            return;
+        RememberPosition(false, false);
+    }
+    Form1::Instance()->TimerScroll->stop();
+    PositionJump = false;
+}
+
+void SetTemporalBookmark()
+{
+    if (View().scrollTop() <= 0)
+        return;
+    TemporalBookmarkSet = true;
+    DeleteTemporalBookmarks();
+    TextRange range = SelectionRange();
+    range.moveToPoint(LeftMarginPx(), 2);
+    range.pasteHTML(u"<A id=%1></A>"_s.arg(QLatin1StringView(TemporalMarker)));
+}
+
+void RestoreTemporalBookmark()
+{
+    GoToAnchor(QString(), QLatin1StringView(TemporalMarker), -1);
+    View().focus();
+    DeleteTemporalBookmarks();
+}
+
+void DeleteTemporalBookmarks()
+{
+    const QString name = QLatin1StringView(TemporalMarker);
+    // Each is looked up anew: taking one out makes the places of the others stale.
+    for (size_t left = getElementsByName(FileDoc(), name).size(); left > 0; --left)
+        getElementsByName(FileDoc(), name).front().setOuterHTML(QString());
+}
+
+void GoToAnchor(const QString& id1, const QString& id2, int fallbackTop)
+{
+    for (const QString& id : {id1, id2}) {
+        if (id.isEmpty())
+            continue;
+        const std::vector<DisplayElement> found = getElementsByName(FileDoc(), id);
+        if (!found.empty() && found.front().sourceIndex() >= 1) {
+            found.front().scrollIntoView();
+            return;
+        }
+    }
+    if (fallbackTop >= 1)
+        View().scroll(0, fallbackTop);
+}
+
+} // namespace vmk

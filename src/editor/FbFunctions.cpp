@@ -1,0 +1,273 @@
+#include "FbFunctions.h"
+
+#include "BookFileCheck.h"
+#include "BookToDisplay.h"
+#include "Boxes.h"
+#include "Desktop.h"
+#include "DisplayView.h"
+#include "EditorFunctions.h"
+#include "EditorState.h"
+#include "FictionBookNamespace.h"
+#include "FileOperations.h"
+#include "Form1.h"
+#include "Globals.h"
+#include "MainWindowSeams.h"
+#include "PanelBar.h"
+#include "SaveBook.h"
+#include "SchemaViewerF.h"
+#include "Sounds.h"
+#include "TextFunctions.h"
+#include "XmlDocument.h"
+
+#include <QComboBox>
+
+#include <algorithm>
+
+namespace vmk {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr int GeneralPanel = 1;
+
+Form1& Window()
+{
+    return *Form1::Instance();
+}
+
+DisplayView& View()
+{
+    return *Window().HTMLread;
+}
+
+/// With sounds off an error beeps and a success is silent.
+enum class Outcome
+{
+    Success,
+    Error
+};
+
+void PlaySound(const char* name, Outcome outcome)
+{
+    PlaySoundFile(AppPath + u"/sounds/"_s + QLatin1StringView(name), outcome == Outcome::Error);
+}
+
+QString NameOf(const QString& path)
+{
+    return FileOperation(NameMode, path);
+}
+
+/// The page file that is not shown now, so that the display never opens the name that it has just shown.
+QString NextDisplayFile()
+{
+    const QString plain = TempFolder + u"/Fb2SourceHtml.htm"_s;
+    return DisplayFile == plain ? TempFolder + u"/Fb2SourceHtml1.htm"_s : plain;
+}
+
+void BringUpWindow()
+{
+    Window().PlaceForm(MainFormLeft, MainFormTop, MainFormWidth, MainFormHeight);
+    Window().show();
+    Window().raise();
+    Window().activateWindow();
+}
+
+} // namespace
+
+// ---------------------------------------------------------------- loading
+
+bool LoadBook(const QString& path, bool opening)
+{
+    if (opening)
+        RemoveDisplayFiles(true);
+    if (!FileExists(path)) {
+        ShowStatus(u"file not found"_s);
+        PlaySound("FileLoadError.wav", Outcome::Error);
+        return false;
+    }
+    if (!CheckBookFile(path, false, false))
+        return false;
+    View().setDesignMode(u"Off"_s);
+    ShowStatus(u"...converting xml to html...wait, please..."_s);
+    MakeFolder(TempFolder);
+    DisplayFile = NextDisplayFile();
+
+    std::string text = ReadFileText(path);
+    if (!ConvertBookToDisplay(text, false)) {
+        ShowStatus(u"cannot load file: parse error"_s);
+        PlaySound("FileLoadError.wav", Outcome::Error);
+        return false;
+    }
+    static_cast<void>(WriteFileText(DisplayFile, text));
+    ShowStatus(u"...loading file...wait, please..."_s);
+    if (opening)
+        BringUpWindow();
+    LoadingByProgram = true;
+    View().Navigate(DisplayFile);
+    CurrentBook = path;
+    Window().setWindowTitle(u" VMK: "_s + NameOf(path));
+    LastBookFolder = FileOperation(FolderOfMode, path);
+    return true;
+}
+
+void RemoveDisplayFiles(bool remake)
+{
+    FileOperation(DeleteFileMode, DisplayFile);
+    FileOperation(DeleteFolderMode, TempFolder);
+    for (const QString& page : {EmptyPageFile, SampleEmptyPageFile, WelcomeFile})
+        FileOperation(DeleteFileMode, page);
+    if (remake)
+        MakeFolder(TempFolder);
+}
+
+bool IsDisplayBlank()
+{
+    if (View().scrollHeight() > View().clientHeight())
+        return false;
+    const DisplayDocument& document = View().document();
+    for (int i = 0; i < document.lineCount(); ++i) {
+        if (!IsBlank(document.line(i).text, true))
+            return false;
+    }
+    return true;
+}
+
+bool CheckNavigation(const QString& url)
+{
+    if (url == DisplayFile)
+        return false;
+    if (!SkipNavigationCheck) {
+        ShowStatus(u"file loading error: not allowed file extension"_s);
+        PlaySound("FileLoadError.wav", Outcome::Error);
+    }
+    return true;
+}
+
+// ---------------------------------------------------------------- reading
+
+void ShowFb2TextPreview()
+{
+    if (IsBookEmpty()) {
+        PlainBox(u"empty book - nothing to read"_s);
+        return;
+    }
+    MakeFolder(TempFolder);
+    const QString copy = TempFolder + u'/' + NameOf(CurrentBook);
+    if (SaveBook(copy, true, false))
+        OpenWithSystem(copy);
+}
+
+// ---------------------------------------------------------------- validation
+
+namespace {
+
+struct Finding
+{
+    qsizetype pos = 0;
+    QString message; ///< empty: no error
+};
+
+QString Shortened(QString reason)
+{
+    reason.remove(u"\r\n"_s);
+    reason.remove(u'{' + FbNamespace + u'}', Qt::CaseInsensitive);
+    reason.remove(FbNamespace, Qt::CaseInsensitive);
+    return reason;
+}
+
+Finding Validate(const QString& text, bool againstSchema)
+{
+    XmlDocument document;
+    if (againstSchema) {
+        FbNamespace = FictionBookNamespace();
+        auto cache = std::make_shared<XmlSchemaCache>();
+        // Without a usable schema the outcome is what the parser gives alone.
+        static_cast<void>(cache->add(FbNamespace, SchemaFile));
+        document.schemas = cache;
+        document.validateOnParse = true;
+    }
+    document.loadXML(text);
+    const XmlParseError& error = document.parseError();
+    if (!error)
+        return {};
+    return {error.filepos, Shortened(error.reason)};
+}
+
+/// Selects the place at `offset` characters from the display's start.
+TextRange SelectPlace(int offset)
+{
+    TextRange range = SelectionRange();
+    const std::vector<DisplayElement> first = getElementsByName(View().document(), u"FirstDiv"_s);
+    if (!first.empty())
+        range.moveToElementText(first.front());
+    range.collapse(true);
+    range.move(u"character", offset);
+    range.select();
+    return range;
+}
+
+/// Widens the selection from the error, behind the "</" of the genre's end tag, to the genre's value.
+void SelectGenreValue(const TextRange& error)
+{
+    TextRange range = error.duplicate();
+    range.moveStart(u"textedit", -1);
+    if (range.findText(u">"_s, -1)) {
+        range.collapse(false);
+        range.setEndPoint(u"EndToEnd", error);
+        range.moveEnd(u"character", -2);
+    } else {
+        range = error.duplicate();
+        range.move(u"character", -2);
+        range.moveStart(u"word", -1);
+    }
+    range.select();
+    SchemaViewerF::Instance().ShowShemaInWB(FileOperation(FolderOfMode, SchemaFile)
+                                            + u"FictionBookGenres.xsd"_s);
+}
+
+} // namespace
+
+int DisplayOffset(QStringView text, qsizetype pos)
+{
+    const QStringView before = text.first(std::clamp<qsizetype>(pos, 0, text.size()));
+    // Where the text has CR and LF, the display has one place; where it has "&amp;", one character.
+    const qsizetype ampersands = before.count(u"&amp;");
+    const qsizetype carriageReturns = before.count(u'\r');
+    return int(before.size() - carriageReturns - 4 * ampersands);
+}
+
+void ValidateDisplay()
+{
+    if (IsBookEmpty()) {
+        PlainBox(u"empty book - nothing to validate"_s);
+        return;
+    }
+    const bool againstSchema = Window().ValidateOptL->currentText().toLower() == "schema"_L1;
+    const QString against = againstSchema ? u"schema"_s : u"namespace"_s;
+    ShowStatus(u"...getting Fiction Book text...wait, please"_s);
+    ShowStatusPanel(GeneralPanel, QString());
+    Finding found;
+    std::optional<TextRange> error;
+    {
+        const HourglassScope hourglass;
+        const QString text = QString::fromStdString(GetFbTextFromDisplay(true));
+        found = Validate(text, againstSchema);
+        if (!found.message.isEmpty()) {
+            ShowStatusPanel(GeneralPanel, u"Error pos: %1"_s.arg(found.pos));
+            error = SelectPlace(DisplayOffset(text, found.pos));
+            View().focus();
+        }
+    }
+    const QString status = error ? u"Error against %1. %2"_s.arg(against, found.message)
+                                 : u"No errors (against %1)"_s.arg(against);
+    ShowStatus(status);
+    if (error)
+        PlaySound("ParseError.wav", Outcome::Error);
+    else
+        PlaySound("NoParseError.wav", Outcome::Success);
+    if (error && status.contains("'genre'"_L1))
+        SelectGenreValue(*error);
+    ShowCaretPosition();
+}
+
+} // namespace vmk

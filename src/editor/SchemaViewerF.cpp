@@ -1,0 +1,65 @@
+#include "SchemaViewerF.h"
+
+#include "DisplayView.h"
+#include "FileOperations.h"
+#include "Form1.h"
+#include "SchemaPage.h"
+
+#include <QKeyEvent>
+#include <QPointer>
+#include <QVBoxLayout>
+
+namespace vmk {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr QSize FormSize(600, 450);
+
+QPointer<SchemaViewerF> TheViewer;
+
+} // namespace
+
+SchemaViewerF::SchemaViewerF(QWidget* owner)
+    : QWidget(owner, Qt::Window)
+{
+    setObjectName(u"SchemaViewerF"_s);
+    SchemaWB = new DisplayView(this);
+    SchemaWB->setAccessibleName(u"schema"_s);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(SchemaWB);
+}
+
+SchemaViewerF& SchemaViewerF::Instance()
+{
+    if (!TheViewer)
+        TheViewer = new SchemaViewerF(Form1::Instance());
+    return *TheViewer;
+}
+
+SchemaViewerF* SchemaViewerF::Existing()
+{
+    return TheViewer;
+}
+
+void SchemaViewerF::ShowShemaInWB(const QString& path)
+{
+    if (!FileExists(path))
+        return;
+    resize(FormSize);
+    setWindowTitle(u" VMK Schema Viewer: "_s + FileOperation(NameMode, path));
+    SchemaWB->setPage(QByteArray::fromStdString(SchemaPage(ReadFileText(path))));
+    show();
+    raise();
+}
+
+void SchemaViewerF::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape)
+        close();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+} // namespace vmk

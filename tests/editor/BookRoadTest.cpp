@@ -1,0 +1,461 @@
+#include "WindowTest.h"
+
+#include "FbFunctions.h"
+#include "FileDrops.h"
+#include "SaveBook.h"
+
+#include <QDir>
+#include <QTreeWidget>
+
+/// The road of a book through the window: open, see, check, save.
+namespace vmk {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+std::string Replaced(std::string text, std::string_view sought, std::string_view replacement)
+{
+    const size_t found = text.find(sought);
+    EXPECT_NE(found, std::string::npos) << sought;
+    return text.replace(found, sought.size(), replacement);
+}
+
+class BookRoad : public WindowTest
+{
+};
+
+// ---------------------------------------------------------------- loading
+
+TEST_F(BookRoad, ALoadedBookIsCompleteAndEditable)
+{
+    OpenBook();
+    EXPECT_EQ(View().designMode(), u"On"_s);
+    EXPECT_EQ(form->windowTitle(), u" VMK: book.fb2"_s);
+    EXPECT_EQ(CurrentBook, workplace.Path(u"book.fb2"_s));
+    EXPECT_EQ(LastBookFolder, workplace.Folder() + u'/');
+    EXPECT_EQ(soundNames, QStringList{u"DocComplete.wav"_s});
+    EXPECT_EQ(UndoSteps, 0);
+    EXPECT_TRUE(BookUnchanged);
+    EXPECT_FALSE(LoadingByProgram);
+    EXPECT_GE(FindLine(u"<p>First words & more.</p>"_s), 0);
+}
+
+TEST_F(BookRoad, ThePanelShowsTheFilesLengthInGroups)
+{
+    OpenBook();
+    EXPECT_EQ(Panel(3), u"file len:%1"_s.arg(std::size(SmallBook) - 1));
+    LoadAndWait(MakeBook(std::string(SmallBook) + std::string(12'345 - std::size(SmallBook) + 1, '\n')));
+    EXPECT_EQ(Panel(3), u"file len:12 345"_s);
+}
+
+TEST_F(BookRoad, TwoLoadsAlternateTheTwoFileNames)
+{
+    OpenBook();
+    EXPECT_EQ(FileOperation(NameMode, DisplayFile), u"Fb2SourceHtml.htm"_s);
+    LoadAndWait(CurrentBook);
+    EXPECT_EQ(FileOperation(NameMode, DisplayFile), u"Fb2SourceHtml1.htm"_s);
+    LoadAndWait(CurrentBook);
+    EXPECT_EQ(FileOperation(NameMode, DisplayFile), u"Fb2SourceHtml.htm"_s);
+}
+
+TEST_F(BookRoad, AMissingFileLeavesTheOldPage)
+{
+    OpenBook();
+    soundNames.clear();
+    EXPECT_FALSE(LoadBook(workplace.Path(u"gone.fb2"_s), false));
+    EXPECT_EQ(Message(), u"file not found"_s);
+    EXPECT_EQ(soundNames, QStringList{u"FileLoadError.wav"_s});
+    EXPECT_EQ(View().designMode(), u"On"_s);
+    EXPECT_GE(FindLine(u"First words"_s), 0);
+}
+
+TEST_F(BookRoad, AWrongExtensionIsRefused)
+{
+    OpenBook();
+    soundNames.clear();
+    workplace.Make(u"book.txt"_s, SmallBook);
+    EXPECT_FALSE(LoadBook(workplace.Path(u"book.txt"_s), false));
+    EXPECT_EQ(Message(), u"file loading error: not allowed file extension"_s);
+    EXPECT_EQ(soundNames, QStringList{u"FileLoadError.wav"_s});
+    EXPECT_EQ(CurrentBook, workplace.Path(u"book.fb2"_s));
+}
+
+TEST_F(BookRoad, ADamagedBinaryPartIsRefusedWithABlankPage)
+{
+    OpenBook();
+    workplace.Make(u"bad.fb2"_s, "<FictionBook><binary id=\"a\"></FictionBook>");
+    EXPECT_FALSE(LoadBook(workplace.Path(u"bad.fb2"_s), false));
+    EXPECT_EQ(boxTexts, QStringList{u"Cannot load file: bad binary part"_s});
+    EXPECT_TRUE(soundNames.contains(u"ParseError.wav"_s));
+    EXPECT_EQ(CurrentBook, workplace.Path(u"book.fb2"_s));
+    EXPECT_TRUE(WaitFor([this] { return View().location() == EmptyPageFile; }));
+    EXPECT_TRUE(IsBookEmpty());
+}
+
+TEST_F(BookRoad, ABookThatIsNotWellFormedIsLoadedWithoutMargins)
+{
+    Open();
+    LoadAndWait(MakeBook(Replaced(SmallBook, "</strong>", "")));
+    EXPECT_EQ(boxTexts, QStringList{u"Namespace error. Tree view is skipped"_s});
+    const int line = FindLine(u"Third line"_s);
+    ASSERT_GE(line, 0);
+    EXPECT_EQ(item(Document(), line + 1).marginLeft(), 0);
+}
+
+TEST_F(BookRoad, TheOpenDialogStartsWithTheSampleBooks)
+{
+    Open();
+    dialogAnswer = MakeBook(SmallBook);
+    form->Entry("uOpenFile")->trigger();
+    ASSERT_EQ(requests.size(), 1u);
+    EXPECT_EQ(requests[0].folder, SampleBooksFolder);
+    EXPECT_EQ(requests[0].title, u"Open new Fiction Book file"_s);
+    EXPECT_EQ(requests[0].filter, u"Fiction Book Files (*.fb2)|*.fb2|"_s);
+    EXPECT_EQ(requests[0].fileName, QString());
+    EXPECT_TRUE(WaitFor([this] { return Message() == u"document complete"_s; }));
+    EXPECT_EQ(LastBookFolder, workplace.Folder() + u'/');
+}
+
+TEST_F(BookRoad, ACancelledDialogDoesNothing)
+{
+    OpenBook();
+    const QString before = View().location();
+    const QString folder = QDir::currentPath();
+    form->LoadNewFbFile_Dialog();
+    form->SaveFileAs_Dialog();
+    EXPECT_EQ(requests.size(), 2u);
+    EXPECT_EQ(View().location(), before);
+    EXPECT_EQ(Message(), u"document complete"_s);
+    EXPECT_EQ(QDir::currentPath(), folder);
+}
+
+TEST_F(BookRoad, TheLastFileOpensFromTheMenu)
+{
+    Open();
+    LastFile = MakeBook(SmallBook);
+    form->RunCommand(Command::OpenLastFile);
+    EXPECT_TRUE(WaitFor([this] { return Message() == u"document complete"_s; }));
+    EXPECT_EQ(CurrentBook, LastFile);
+}
+
+TEST_F(BookRoad, ABookDroppedOnTheDisplayLoadsAfterItsTimer)
+{
+    OpenBook();
+    const QString page = View().location();
+    const QString other = MakeBook(Replaced(SmallBook, "First", "Other"), u"other.fb2"_s);
+    EXPECT_TRUE(DropFile(*View().viewport(), other));
+    EXPECT_TRUE(form->TimerWBDrop->isActive());
+    EXPECT_EQ(View().location(), page);
+    EXPECT_TRUE(WaitFor([&] { return CurrentBook == other && Message() == u"document complete"_s; }));
+    EXPECT_GE(FindLine(u"Other words"_s), 0);
+}
+
+TEST_F(BookRoad, AnotherFileDroppedOnTheDisplayIsRefused)
+{
+    OpenBook();
+    soundNames.clear();
+    workplace.Make(u"notes.txt"_s, "text");
+    DropFile(*View().viewport(), workplace.Path(u"notes.txt"_s));
+    EXPECT_EQ(Message(), u"file loading error: not allowed file extension"_s);
+    EXPECT_EQ(soundNames, QStringList{u"FileLoadError.wav"_s});
+    EXPECT_FALSE(form->TimerWBDrop->isActive());
+    EXPECT_GE(FindLine(u"First words"_s), 0);
+}
+
+TEST_F(BookRoad, ALinkIsRefusedWithTheExtensionMessage)
+{
+    OpenBook();
+    EXPECT_FALSE(View().Navigate(u"http://example.org/"_s));
+    EXPECT_EQ(Message(), u"file loading error: not allowed file extension"_s);
+}
+
+TEST_F(BookRoad, TheReportOfARefusalIsSkippedOnce)
+{
+    OpenBook();
+    SkipNavigationCheck = true;
+    EXPECT_FALSE(View().Navigate(u"http://example.org/"_s));
+    EXPECT_EQ(Message(), u"document complete"_s);
+    EXPECT_FALSE(SkipNavigationCheck);
+}
+
+TEST_F(BookRoad, ABookDroppedOnWindowOrBarsLoads)
+{
+    Open();
+    int number = 0;
+    for (QWidget* target : {static_cast<QWidget*>(form.get()), static_cast<QWidget*>(form->Status),
+                            static_cast<QWidget*>(form->StatusMsg)}) {
+        const QString book = MakeBook(SmallBook, u"drop%1.fb2"_s.arg(++number));
+        EXPECT_TRUE(DropFile(*target, book));
+        EXPECT_TRUE(WaitFor([&] { return CurrentBook == book && Message() == u"document complete"_s; }))
+            << number;
+    }
+}
+
+// ---------------------------------------------------------------- saving
+
+TEST_F(BookRoad, SavingAnUneditedBookTwiceGivesTheSameBytes)
+{
+    OpenBook();
+    form->RunCommand(Command::SaveFile);
+    EXPECT_EQ(Message(), u"file saved as: "_s + CurrentBook);
+    EXPECT_EQ(soundNames.last(), u"FileSaved.wav"_s);
+    const std::string first = ReadFileText(CurrentBook);
+    LoadAndWait(CurrentBook);
+    form->RunCommand(Command::SaveFile);
+    EXPECT_EQ(ReadFileText(CurrentBook), first);
+    EXPECT_NE(first.find("First words &amp; more."), std::string::npos);
+}
+
+TEST_F(BookRoad, ASaveAsTakesTheNewNameOver)
+{
+    OpenBook();
+    dialogAnswer = workplace.Path(u"copy.fb2"_s);
+    form->Entry("uSaveFileAs")->trigger();
+    ASSERT_EQ(requests.size(), 1u);
+    EXPECT_EQ(requests[0].kind, FileDialogRequest::Save);
+    EXPECT_EQ(requests[0].title, u"Save Fiction Book file as"_s);
+    EXPECT_EQ(requests[0].fileName, u"book.fb2"_s);
+    EXPECT_TRUE(FileExists(dialogAnswer));
+    EXPECT_EQ(CurrentBook, dialogAnswer);
+    EXPECT_EQ(form->windowTitle(), u"VMK: copy.fb2"_s);
+    EXPECT_EQ(LastSaveFolder, workplace.Folder() + u'/');
+}
+
+TEST_F(BookRoad, AnEmptyBookIsNotSavedReadOrValidated)
+{
+    Open();
+    for (const Command command : {Command::SaveFile, Command::SaveFileAs, Command::SaveAndReload})
+        form->RunCommand(command);
+    form->RunCommand(Command::ReadInHaaliReader);
+    form->RunCommand(Command::Validate);
+    const QString save = u"empty book - nothing to save"_s;
+    EXPECT_EQ(boxTexts,
+              (QStringList{save, save, save, u"empty book - nothing to read"_s,
+                           u"empty book - nothing to validate"_s}));
+}
+
+TEST_F(BookRoad, ADamagedTreeIsSavedAllTheSame)
+{
+    OpenBook();
+    PutCaret(PlaceOf(u"Third"_s));
+    Type(u"<b>"_s);
+    form->RunCommand(Command::SaveFile);
+    EXPECT_EQ(Message(), u"Namespace error: tree on save skipped. File saved as: "_s + CurrentBook);
+    EXPECT_EQ(soundNames.last(), u"NameSpaceErrorOnSave.wav"_s);
+    EXPECT_NE(ReadFileText(CurrentBook).find("<b>Third line."), std::string::npos);
+}
+
+TEST_F(BookRoad, AFailedSaveIsToldAndTheBookStaysAsEdited)
+{
+    OpenBook();
+    PutCaret(PlaceOf(u"Third"_s));
+    Type(u"x"_s);
+    CurrentBook = workplace.Path(u"no such folder/book.fb2"_s);
+    form->RunCommand(Command::SaveFile);
+    EXPECT_EQ(Message(), u"cannot save file: "_s + CurrentBook);
+    EXPECT_EQ(soundNames.last(), u"ParseError.wav"_s);
+    EXPECT_GE(FindLine(u"xThird"_s), 0);
+}
+
+TEST_F(BookRoad, SaveAndReloadBringsTheTreeInLine)
+{
+    OpenBook();
+    PutCaret(PlaceOf(u"<p>Third"_s));
+    Type(u"</section><section>"_s);
+    form->RunCommand(Command::SaveAndReload);
+    EXPECT_TRUE(WaitFor([this] { return Message() == u"document complete"_s; }));
+    EXPECT_EQ(soundNames.last(), u"DocComplete.wav"_s);
+    EXPECT_EQ(LineText(FindLine(u"Third"_s) - 1), u"<section>"_s);
+    EXPECT_EQ(LineText(FindLine(u"Third"_s) - 2), u"</section>"_s);
+}
+
+TEST_F(BookRoad, ACopyGoesToTheSystemsReader)
+{
+    OpenBook();
+    form->RunCommand(Command::ReadInHaaliReader);
+    EXPECT_EQ(opened, QStringList{TempFolder + u"/book.fb2"_s});
+    EXPECT_TRUE(FileExists(TempFolder + u"/book.fb2"_s));
+    EXPECT_EQ(Message(), QString());
+    EXPECT_EQ(ReadFileText(workplace.Path(u"book.fb2"_s)), SmallBook);
+}
+
+// ---------------------------------------------------------------- validation
+
+TEST_F(BookRoad, AValidBookLeavesTheSelectionAlone)
+{
+    OpenBook();
+    PutCaret(PlaceOf(u"Third"_s));
+    const Selection before = Document().selection();
+    form->RunCommand(Command::Validate);
+    EXPECT_EQ(Message(), u"No errors (against schema)"_s);
+    EXPECT_EQ(soundNames.last(), u"NoParseError.wav"_s);
+    EXPECT_TRUE(Document().selection() == before);
+    EXPECT_EQ(Panel(1), QString());
+
+    form->ValidateOptL->setCurrentText(u"namespace!"_s);
+    form->RunCommand(Command::Validate);
+    EXPECT_EQ(Message(), u"No errors (against namespace)"_s);
+}
+
+TEST_F(BookRoad, TheCaretLandsInFrontOfATagThatTheSchemaRefuses)
+{
+    OpenBook();
+    PutCaret(PlaceOf(u"Third"_s));
+    Type(u"<q/>"_s);
+    const Position tag = PlaceOf(u"<q/>"_s);
+    form->RunCommand(Command::Validate);
+    EXPECT_TRUE(Message().startsWith(u"Error against schema. "_s)) << Message().toStdString();
+    EXPECT_FALSE(Message().contains(u"gribuser"_s));
+    EXPECT_TRUE(Panel(1).startsWith(u"Error pos: "_s));
+    EXPECT_EQ(soundNames.last(), u"ParseError.wav"_s);
+    EXPECT_EQ(Document().selection().focus, tag);
+    EXPECT_TRUE(Panel(2).startsWith(u"sh:"_s)) << Panel(2).toStdString();
+}
+
+TEST_F(BookRoad, TheCaretLandsRightBehindAmpersandsToo)
+{
+    OpenBook(Replaced(SmallBook, "Second", "a &amp; b &amp;&amp; &amp;lt; c"));
+    PutCaret(PlaceOf(u"Third"_s));
+    Type(u"<q/>"_s);
+    form->RunCommand(Command::Validate);
+    EXPECT_EQ(Document().selection().focus, PlaceOf(u"<q/>"_s));
+}
+
+TEST_F(BookRoad, AnErrorOnTheFirstLineIsFound)
+{
+    OpenBook();
+    PutCaret({0, int(LineText(0).size())});
+    Type(u"<"_s);
+    form->RunCommand(Command::Validate);
+    EXPECT_TRUE(Message().startsWith(u"Error against schema. "_s));
+    EXPECT_LE(Document().selection().focus.line, 1);
+}
+
+TEST_F(BookRoad, AgainstTheNamespaceOnlyWellFormednessCounts)
+{
+    OpenBook();
+    form->ValidateOptL->setCurrentText(u"namespace!"_s);
+    PutCaret(PlaceOf(u"Third"_s));
+    Type(u"<q/>"_s);
+    form->RunCommand(Command::Validate);
+    EXPECT_EQ(Message(), u"No errors (against namespace)"_s);
+    Type(u"<q>"_s);
+    form->RunCommand(Command::Validate);
+    EXPECT_TRUE(Message().startsWith(u"Error against namespace. "_s));
+}
+
+TEST_F(BookRoad, AMissingSchemaLeavesWellFormednessToTest)
+{
+    OpenBook();
+    SchemaFile = workplace.Path(u"gone.xsd"_s);
+    form->RunCommand(Command::Validate);
+    EXPECT_EQ(Message(), u"No errors (against schema)"_s);
+}
+
+TEST_F(BookRoad, AWrongGenreIsSelectedAndTheListOfGenresOpens)
+{
+    OpenBook(Replaced(SmallBook, "prose_classic", "no_such &amp; genre"));
+    form->RunCommand(Command::Validate);
+    EXPECT_TRUE(Message().contains(u"'genre'"_s)) << Message().toStdString();
+    EXPECT_EQ(SelectedText(), u"no_such & genre"_s);
+    ASSERT_NE(SchemaViewerF::Existing(), nullptr);
+    EXPECT_TRUE(SchemaViewerF::Existing()->isVisible());
+    EXPECT_EQ(SchemaViewerF::Existing()->windowTitle(), u" VMK Schema Viewer: FictionBookGenres.xsd"_s);
+    EXPECT_EQ(Panel(2), QString());
+}
+
+TEST_F(BookRoad, AWrongGenreIsSelectedWithoutTheListWhenItsFileIsMissing)
+{
+    OpenBook(Replaced(SmallBook, "prose_classic", "nothing"));
+    workplace.MakeFolders(u"elsewhere"_s);
+    for (const QString& name : QDir(SchemasFolder).entryList({u"*.xsd"_s}))
+        FileOperation(CopyFileMode, SchemasFolder + u'/' + name, workplace.Path(u"elsewhere/"_s + name));
+    // The list under another name: the schema works, and there is nothing to show.
+    const QString genres = workplace.Path(u"elsewhere/FictionBookGenres.xsd"_s);
+    FileOperation(MoveFileMode, genres, workplace.Path(u"elsewhere/G.xsd"_s));
+    const QString main = workplace.Path(u"elsewhere/FictionBook.xsd"_s);
+    ASSERT_TRUE(WriteFileText(main, Replaced(ReadFileText(main), "FictionBookGenres.xsd", "G.xsd")));
+    SchemaFile = main;
+    form->RunCommand(Command::Validate);
+    EXPECT_EQ(SelectedText(), u"nothing"_s) << Message().toStdString();
+    EXPECT_TRUE(!SchemaViewerF::Existing() || !SchemaViewerF::Existing()->isVisible());
+}
+
+TEST_F(BookRoad, AFailedCommandLineRunValidatesOnceTheDisplayIsComplete)
+{
+    ValidateAfterLoad = true;
+    form->Load();
+    ASSERT_TRUE(LoadBook(MakeBook(Replaced(SmallBook, "<p>Third line.</p>", "<q/>")), true));
+    EXPECT_TRUE(WaitFor([this] { return Message().startsWith(u"Error against schema. "_s); }));
+    EXPECT_FALSE(ValidateAfterLoad);
+    EXPECT_EQ(Document().selection().focus, PlaceOf(u"<q/>"_s));
+    EXPECT_FALSE(soundNames.contains(u"DocComplete.wav"_s));
+}
+
+TEST(DisplayOffset, CountsALineEndAndAnAmpersandOnce)
+{
+    const QString text = u"a&amp;b\r\nc\r\n&amp;&amp;d"_s;
+    EXPECT_EQ(DisplayOffset(text, 0), 0);
+    EXPECT_EQ(DisplayOffset(text, 6), 2);
+    EXPECT_EQ(DisplayOffset(text, 9), 4);
+    EXPECT_EQ(DisplayOffset(text, text.size()), 9);
+    EXPECT_EQ(DisplayOffset(text, 1'000), 9);
+}
+
+// ---------------------------------------------------------------- schemas
+
+TEST_F(BookRoad, TheSchemaListShowsFilesWithTheirState)
+{
+    Open();
+    form->Entry("uShowSchema")->trigger();
+    auto* list = form->findChild<QTreeWidget*>(u"SchemasL"_s);
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(list->window()->windowTitle(), u" Shemas List (click on the item to see schema)"_s);
+    QStringList columns;
+    for (int i = 0; i < list->columnCount(); ++i)
+        columns.append(list->headerItem()->text(i));
+    EXPECT_EQ(columns, (QStringList{u"schema"_s, u"type"_s, u"status"_s, u"created"_s}));
+    ASSERT_GE(list->topLevelItemCount(), 2);
+    EXPECT_EQ(list->topLevelItem(0)->text(0), u"FictionBook.xsd"_s);
+    EXPECT_EQ(list->topLevelItem(0)->text(1), u"main"_s);
+    EXPECT_EQ(list->topLevelItem(1)->text(1), u"complimentary"_s);
+    EXPECT_EQ(list->topLevelItem(1)->text(2), u"found"_s);
+}
+
+TEST_F(BookRoad, AClickOnASchemaShowsItAndClosingTheListClosesBoth)
+{
+    Open();
+    form->ShowSchemas();
+    auto* list = form->findChild<QTreeWidget*>(u"SchemasL"_s);
+    const QRect row = list->visualItemRect(list->topLevelItem(0));
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::NoModifier, row.center());
+    SchemaViewerF* viewer = SchemaViewerF::Existing();
+    ASSERT_NE(viewer, nullptr);
+    EXPECT_EQ(viewer->windowTitle(), u" VMK Schema Viewer: FictionBook.xsd"_s);
+    EXPECT_EQ(viewer->size(), QSize(600, 450));
+    EXPECT_GT(viewer->SchemaWB->document().lineCount(), 100);
+    EXPECT_EQ(viewer->SchemaWB->designMode(), u"Off"_s);
+    list->window()->close();
+    EXPECT_FALSE(viewer->isVisible());
+}
+
+// ---------------------------------------------------------------- tutorial books
+
+TEST_F(BookRoad, EveryTutorialBookIsValid)
+{
+    Open();
+    QStringList books;
+    for (const QString& folder : {SampleBooksFolder, SampleBooksFolder + u"/English"_s}) {
+        for (const QString& name : QDir(folder).entryList({u"*.fb2"_s}, QDir::Files, QDir::Name))
+            books.append(folder + u'/' + name);
+    }
+    ASSERT_GE(books.size(), 8);
+    for (const QString& book : books) {
+        LoadAndWait(book);
+        form->RunCommand(Command::Validate);
+        EXPECT_EQ(Message(), u"No errors (against schema)"_s) << book.toStdString();
+    }
+}
+
+} // namespace
+} // namespace vmk
