@@ -63,6 +63,7 @@ QString quotedValue(const QString& value)
     QString escaped = value;
     escaped.replace(u'&', QStringLiteral("&amp;")).replace(u'"', QStringLiteral("&quot;"));
     escaped.replace(u'<', QStringLiteral("&lt;")).replace(u'>', QStringLiteral("&gt;"));
+    escaped.replace(u'\r', QStringLiteral("&#13;")).replace(u'\n', QStringLiteral("&#10;"));
     return u'"' + escaped + u'"';
 }
 

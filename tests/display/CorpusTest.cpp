@@ -1,0 +1,90 @@
+// Real books in the display: each page loads line by line, and what the display writes holds the same text.
+
+#include "BookToDisplay.h"
+#include "DisplayPage.h"
+#include "DisplayToBook.h"
+#include "Globals.h"
+#include "HtmlCharacters.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace vmk {
+
+namespace {
+
+/// The book's page with highlighting and the colours as they come.
+std::string pageOf(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    NamespaceErrorWarning = 0;
+    ShowNbsp = 1;
+    TagHighlighting = true;
+    std::string text = file.readAll().toStdString();
+    return ConvertBookToDisplay(text, false) ? text : std::string();
+}
+
+/// The lines of a page's text with the white space that a browser shows: all kinds of it in a row are one
+/// blank, and none stands at a line's ends.
+std::vector<std::string> shownLines(const std::string& page)
+{
+    QString text = QString::fromStdString(TextOfPage(page, AngleMarks::Keep));
+    // A book that is not well-formed may hold references, which the display shows as their characters.
+    text = resolveReferences(text);
+    text.replace(QRegularExpression(QStringLiteral("[ \\t\\x{A0}]+")), QStringLiteral(" "));
+    std::vector<std::string> lines;
+    for (const QString& line : text.split(QRegularExpression(QStringLiteral("[\r\n]+")))) {
+        if (const QString shown = line.trimmed(); !shown.isEmpty())
+            lines.push_back(shown.toStdString());
+    }
+    return lines;
+}
+
+/// What stands around the first place where two texts differ; empty when they are equal.
+std::string firstDifference(const std::string& a, const std::string& b)
+{
+    const auto [inA, inB] = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
+    if (inA == a.end() && inB == b.end())
+        return {};
+    const auto at = std::size_t(inA - a.begin());
+    const std::size_t from = at < 40 ? 0 : at - 40;
+    return '"' + a.substr(from, 80) + "\" and \"" + b.substr(from, 80) + '"';
+}
+
+} // namespace
+
+TEST(Corpus, EachBooksTextComesThroughTheDisplay)
+{
+    const QDir corpus(QStringLiteral(VMK_CORPUS_DIR));
+    const QStringList books = corpus.entryList({QStringLiteral("*.fb2")}, QDir::Files);
+    if (books.isEmpty())
+        GTEST_SKIP() << "no books in " VMK_CORPUS_DIR;
+    for (const QString& book : books) {
+        SCOPED_TRACE(book.toStdString());
+        const std::string page = pageOf(corpus.filePath(book));
+        ASSERT_FALSE(page.empty());
+        DisplayDocument document;
+        document.loadPage(QByteArray::fromStdString(page));
+        const std::string saved = document.savePage().toStdString();
+        const std::vector<std::string> written = shownLines(saved);
+        const std::vector<std::string> expected = shownLines(PageAsDisplayed(page));
+        for (std::size_t i = 0; i < std::min(written.size(), expected.size()); ++i)
+            ASSERT_EQ(firstDifference(written[i], expected[i]), std::string());
+        EXPECT_EQ(written.size(), expected.size());
+        EXPECT_EQ(item(document, 1).id(), QStringLiteral("FirstDiv"));
+        EXPECT_EQ(saved.substr(0, saved.find("<DIV")), page.substr(0, page.find("<DIV")));
+
+        DisplayDocument again;
+        again.loadPage(QByteArray::fromStdString(saved));
+        EXPECT_EQ(again.savePage().toStdString(), saved);
+    }
+}
+
+} // namespace vmk
