@@ -1,0 +1,408 @@
+#include "BookParts.h"
+#include "BookTestSupport.h"
+#include "BookToDisplay.h"
+#include "Boxes.h"
+#include "CodePages.h"
+#include "DisplayToBook.h"
+#include "EmptyPage.h"
+#include "Globals.h"
+#include "MainWindowSeams.h"
+#include "SaveBook.h"
+#include "Settings.h"
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+using namespace Qt::StringLiterals;
+
+namespace vmk::test {
+namespace {
+
+/// Conversions with the default settings; what the program says is gathered.
+class Conversion : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ReadSettings(true);
+        InLineTags = DefaultInLineTags();
+        SoundsOn = 1;
+    }
+
+    std::string page(std::string book)
+    {
+        EXPECT_TRUE(ConvertBookToDisplay(book, false));
+        return book;
+    }
+
+    /// The lines of the page, without its frame.
+    std::string lines(const std::string& book)
+    {
+        std::string all = page(book);
+        all.erase(0, all.find("bgColor="));
+        all.erase(0, all.find("\r\n") + 2);
+        return all.substr(0, all.size() - std::string("</BODY></HTML>").size());
+    }
+
+    BookFile saved(const std::string& book, const QString& style = u"tags tree"_s,
+                   const QString& encoding = u"original"_s)
+    {
+        OutputStyle = style;
+        OutputEncoding = encoding;
+        const std::string shown = PageAsDisplayed(page(book));
+        return FileOfPage(shown, SaveLayoutOfSettings());
+    }
+
+    QStringList boxes;
+    QStringList statuses;
+    SeamGuard<bool(BoxKind, const QString&, const QString&)> boxGuard{
+        BoxSeam(), [this](BoxKind, const QString& text, const QString&) {
+            boxes.append(text);
+            return false;
+        }};
+    SeamGuard<void(const QString&)> statusGuard{StatusSeam(),
+                                                [this](const QString& text) { statuses.append(text); }};
+};
+
+const std::string Declaration = "<?xml version=\"1.0\" encoding=\"utf-8\"?>";
+
+TEST_F(Conversion, GenuineMarksAreSavedAsEntities)
+{
+    const BookFile file = saved(Declaration + "<a>\xe2\x80\xb9x\xe2\x80\xba &lt;y&gt;</a>");
+    EXPECT_EQ(file.bytes, Declaration + "\r\n<a>&lt;x&gt; &lt;y&gt;</a>");
+}
+
+TEST_F(Conversion, ABookOfOneLineHasNoMargins)
+{
+    EXPECT_EQ(lines("<a>text</a>"),
+              "<DIV id=FirstDiv><SPAN class=t>&lt;a&gt;</SPAN>text<SPAN class=t>&lt;/a&gt;</SPAN></DIV>");
+}
+
+TEST_F(Conversion, AttributesInTextArePaintedAndStay)
+{
+    const std::string book = Declaration + "<a>see id=\"x\"</a>";
+    EXPECT_NE(lines(book).find("see<FONT class=n> id=</FONT><FONT class=v>\"x\"</FONT>"), std::string::npos);
+    EXPECT_NE(saved(book).bytes.find("<a>see id=\"x\"</a>"), std::string::npos);
+}
+
+TEST_F(Conversion, NamespacesArePaintedWithoutTheirValues)
+{
+    EXPECT_EQ(lines("<a xmlns=\"u\" xmlns:l=\"v\" l:href=\"w\"/>"),
+              "<DIV id=FirstDiv><SPAN class=t>&lt;a<FONT class=n> xmlns=</FONT>\"u\"<FONT class=n> "
+              "xmlns:l=</FONT>\"v\""
+              " l<FONT class=n>:href=</FONT><FONT class=v>\"w\"</FONT>/&gt;</SPAN></DIV>");
+}
+
+TEST_F(Conversion, AttributesStayInTheirOrder)
+{
+    EXPECT_NE(saved("<a b=\"1\" xmlns:x=\"u\" x:c=\"2\" xmlns=\"v\"/>")
+                  .bytes.find("<a b=\"1\" xmlns:x=\"u\" x:c=\"2\" xmlns=\"v\"/>"),
+              std::string::npos);
+}
+
+TEST_F(Conversion, TagsInACommentStayInItsSpan)
+{
+    EXPECT_EQ(lines("<a><!-- binary --></a>"),
+              "<DIV id=FirstDiv><SPAN class=t>&lt;a&gt;</SPAN></DIV>\r<DIV style=\"MARGIN-LEFT: 5px\"><SPAN "
+              "class=c>&lt;!-- binary "
+              "--&gt;</SPAN></DIV>\r<DIV><SPAN class=t>&lt;/a&gt;</SPAN></DIV>");
+}
+
+TEST_F(Conversion, ReferencesOfACodePageBookBecomeCharacters)
+{
+    const std::string head = "<?xml version=\"1.0\" encoding=\"windows-1251\"?>";
+    // A letter and a reference to it, a reference to a character that the page lacks, and one in hex beside
+    // them.
+    const std::string text = lines(head + "<a>\xc6&#1078;&#1488;&#x5d1;</a>");
+    EXPECT_NE(text.find("\xd0\x96\xd0\xb6\xd7\x90\xd7\x91"), std::string::npos) << text;
+    EXPECT_EQ(text.find('?', text.find("&gt;")), std::string::npos);
+    EXPECT_FALSE(BookHasCharRefs);
+}
+
+TEST_F(Conversion, ProtectedBracketsOfSuchABookAreReadInItsCodePage)
+{
+    const std::string head = "<?xml version=\"1.0\" encoding=\"windows-1251\"?>";
+    EXPECT_NE(lines(head + "<a>&lt;&#1078;</a>").find("\xd0\xb2\xd0\x82\xe2\x84\x96"), std::string::npos);
+    EXPECT_EQ(saved(head + "<a>&lt;&#1078;</a>").bytes.find("&lt;"), std::string::npos);
+    EXPECT_NE(saved(head + "<a>&lt;\xe6</a>").bytes.find("<a>&lt;\xe6</a>"), std::string::npos)
+        << "without references";
+}
+
+TEST_F(Conversion, ReferencesOfAUtf8BookAreResolvedByTheParserAlone)
+{
+    EXPECT_NE(lines(Declaration + "<a>\xd0\x96&#1078;</a>").find("\xd0\x96\xd0\xb6"), std::string::npos);
+}
+
+TEST_F(Conversion, ABrokenBookOfACodePageIsShownInUtf8)
+{
+    NamespaceErrorWarning = 0;
+    const std::string text
+        = lines("<?xml version=\"1.0\" encoding=\"windows-1251\"?><a>\xc6&#1078;&lt;<b></a>");
+    EXPECT_TRUE(IsValidUtf8(text));
+    EXPECT_NE(text.find("\xd0\x96&#1078;\xe2\x80\xb9"), std::string::npos) << text;
+}
+
+TEST_F(Conversion, ABrokenBookIsShownWithoutMarginsAfterABox)
+{
+    EXPECT_EQ(lines("<a>\t<p>x</p><b></a>").find("MARGIN"), std::string::npos);
+    EXPECT_EQ(boxes, QStringList(u"Namespace error. Tree view is skipped"_s));
+    boxes.clear();
+    NamespaceErrorWarning = 0;
+    (void)lines("<a>");
+    EXPECT_TRUE(boxes.isEmpty());
+}
+
+TEST_F(Conversion, LineEndsThatPartATagAreNoLossOfTheBook)
+{
+    // Joined, the tag is no longer well-formed: the text is shown without a tree.
+    const std::string text = lines("<a\nb=\"c\">text</a>");
+    EXPECT_NE(text.find("&lt;ab=\"c\"&gt;"), std::string::npos);
+    EXPECT_NE(text.find("text"), std::string::npos);
+}
+
+TEST_F(Conversion, TabsInAParagraphAddNoLevel)
+{
+    EXPECT_EQ(lines("<a><p>x\t\t\t\ty</p></a>"),
+              "<DIV id=FirstDiv><SPAN class=t>&lt;a&gt;</SPAN></DIV>\r<DIV style=\"MARGIN-LEFT: 5px\"><SPAN "
+              "class=t>&lt;p&gt;</SPAN>"
+              "x\t\t\t\ty<SPAN class=t>&lt;/p&gt;</SPAN></DIV>\r<DIV><SPAN class=t>&lt;/a&gt;</SPAN></DIV>");
+}
+
+TEST_F(Conversion, AnEmptyParagraphIsALine)
+{
+    EXPECT_NE(
+        lines("<a><p/></a>").find("<DIV style=\"MARGIN-LEFT: 5px\"><SPAN class=t>&lt;p/&gt;</SPAN></DIV>"),
+        std::string::npos);
+}
+
+TEST_F(Conversion, ALineOfOneBlankDisappears)
+{
+    EXPECT_EQ(lines("<a>x<i/>&#10; &#10;</a>").find("<DIV> </DIV>"), std::string::npos);
+}
+
+TEST_F(Conversion, TheBreakBehindAnInLineImageBelongsToTheText)
+{
+    EXPECT_NE(lines("<a><p>x<image/>y</p></a>").find("&lt;image/&gt;</SPAN></DIV>\r<DIV>y"),
+              std::string::npos);
+    EXPECT_NE(saved(Declaration + "<a><p>x<image/>y</p></a>").bytes.find("<p>x<image/>\r\ny</p>"),
+              std::string::npos);
+}
+
+TEST_F(Conversion, BlanksBetweenInLineElementsStay)
+{
+    const std::string paragraph = "<p><strong>a</strong> <emphasis>b</emphasis></p>";
+    EXPECT_NE(saved(Declaration + "<a>" + paragraph + "</a>").bytes.find(paragraph), std::string::npos);
+    EXPECT_NE(saved(Declaration + "<b> <p>x</p> <p>y</p> </b>")
+                  .bytes.find("<b>\r\n\t<p>x</p>\r\n\t<p>y</p>\r\n</b>"),
+              std::string::npos);
+}
+
+TEST_F(Conversion, AListOfOneEmptyEntryTakesAllBreaksOut)
+{
+    InLineTags = QStringList(QString());
+    EXPECT_NE(lines("<a><p>x<image/>y</p></a>").find("&lt;image/&gt;</SPAN>y"), std::string::npos);
+    EXPECT_NE(lines("<a><p>x</p></a>").find("MARGIN-LEFT: 5px"), std::string::npos)
+        << "a tree still comes out";
+}
+
+TEST_F(Conversion, ACommentEndsAtItsFirstAngleBracket)
+{
+    EXPECT_NE(lines("<a>x<!-- a > b --></a>").find("<SPAN class=c>&lt;!-- a &gt;</SPAN> b --&gt;</SPAN>"),
+              std::string::npos);
+}
+
+TEST_F(Conversion, DeepNestingIsNoMatter)
+{
+    std::string book;
+    for (int i = 0; i < 4000; ++i)
+        book += "<d>";
+    for (int i = 0; i < 4000; ++i)
+        book += "</d>";
+    EXPECT_NE(lines(book).find("MARGIN-LEFT: 19995px"), std::string::npos);
+}
+
+TEST_F(Conversion, NbspIsShownByTheMarkerAndComesBack)
+{
+    const std::string book = Declaration + "<a>x\xc2\xa0y</a>";
+    EXPECT_NE(lines(book).find("x\x7fy"), std::string::npos);
+    EXPECT_NE(saved(book).bytes.find("x\xc2\xa0y"), std::string::npos);
+    ShowNbsp = 0;
+    EXPECT_NE(lines(book).find("x\xc2\xa0y"), std::string::npos);
+}
+
+// ------------------------------------------------------------------ preparation
+
+TEST_F(Conversion, ABinaryPartWithoutAnEndIsRefused)
+{
+    std::string book = "<a><!-- <binary --></a>";
+    EXPECT_FALSE(ConvertBookToDisplay(book, false));
+    EXPECT_TRUE(book.empty());
+    EXPECT_TRUE(BadBinaryPart);
+    EXPECT_EQ(boxes, QStringList(u"Cannot load file: bad binary part"_s));
+    EXPECT_TRUE(statuses.contains(u"cannot open file: bad binary part"_s));
+}
+
+TEST_F(Conversion, ABinaryEndBeforeTheFirstBinaryIsRefused)
+{
+    std::string book = "<a></binary><binary>x</a>";
+    EXPECT_FALSE(SplitBinaryPart(book, true));
+    EXPECT_FALSE(BadBinaryPart) << "a preview leaves it alone";
+    EXPECT_EQ(book, "<a></binary><binary>x</a>");
+}
+
+TEST_F(Conversion, WhatStandsBehindTheBinariesGoes)
+{
+    std::string book
+        = "<FictionBook><b/><binary id=\"1\">AA==</binary> <binary>B</binary> x <!-- c --></FictionBook>";
+    EXPECT_TRUE(SplitBinaryPart(book, false));
+    EXPECT_EQ(book, "<FictionBook><b/></FictionBook>");
+    EXPECT_EQ(BinaryPart, "<binary id=\"1\">AA==</binary> <binary>B</binary>");
+}
+
+TEST(Description, NamesTheProgramOnce)
+{
+    std::string text
+        = "<description><document-info><program-used>Foo</program-used></document-info></description>";
+    UpdateDescription(text);
+    EXPECT_EQ(text,
+              "<description><document-info><program-used>Foo, "
+              "Vellumark</program-used></document-info></description>");
+    const std::string named = text;
+    UpdateDescription(text);
+    EXPECT_EQ(text, named);
+}
+
+TEST(Description, KeepsLettersThatHoldTheByteOfANonBreakingSpace)
+{
+    std::string text = "<program-used>\xd0\xa0\xd0\xb5\xd0\xb4</program-used>";
+    UpdateDescription(text);
+    EXPECT_EQ(text, "<program-used>\xd0\xa0\xd0\xb5\xd0\xb4, Vellumark</program-used>");
+}
+
+// ------------------------------------------------------------------ extraction and saving
+
+TEST(Extraction, TypedMarkUpIsMarkUp)
+{
+    EXPECT_EQ(TextOfPage("<DIV>&lt;b&gt;x &amp; y</DIV>", AngleMarks::Keep), "<b>x &amp; y");
+}
+
+TEST(Extraction, BlanksTypedTwiceComeOutAsTwo)
+{
+    EXPECT_EQ(TextOfPage("<DIV>a &nbsp;b \r\nc\x7f</DIV>", AngleMarks::Keep), "a  b c\xc2\xa0");
+}
+
+TEST_F(Conversion, GetFbTextKeepsTheMarksForPositions)
+{
+    const SeamGuard display(DisplayPageSeam(), [] {
+        return std::string("<HEAD></HEAD>x&lt;?xml version=\"1.0\"?&gt;\r\n&lt;a&gt;\xe2\x80\xb9&lt;/a&gt;");
+    });
+    EXPECT_EQ(GetFbTextFromDisplay(true), "<?xml version=\"1.0\"?>\r\n<a>\xe2\x80\xb9</a>");
+    EXPECT_EQ(statuses.first(), u"...getting Fiction Book text...wait, please"_s);
+}
+
+TEST_F(Conversion, AnUneditedBookOfACodePageKeepsItsDeclaration)
+{
+    const std::string head = "<?xml version=\"1.0\" encoding=\"windows-1251\"?>";
+    EXPECT_EQ(saved(head + "<a>\xc6</a>").bytes, head + "\r\n<a>\xc6</a>");
+}
+
+TEST_F(Conversion, AUnicodeBookIsSavedAsUtf8)
+{
+    std::string book("\xff\xfe", 2);
+    for (const char c : std::string("<?xml version=\"1.0\"?><a>plain</a>"))
+        book += {c, '\0'};
+    EXPECT_EQ(saved(book).bytes, Declaration + "\r\n<a>plain</a>");
+}
+
+TEST_F(Conversion, AnUnknownDeclarationIsReplacedByUtf8)
+{
+    EXPECT_TRUE(saved("<?xml version=\"1.0\" encoding=\"koi8-r\"?><a/>").bytes.starts_with(Declaration));
+}
+
+TEST_F(Conversion, CompactIsOneLineAndTheBinariesStandApart)
+{
+    const BookFile file = saved(
+        Declaration + "<FictionBook><p>x</p><!-- c --><binary>AA==</binary></FictionBook>", u"compact"_s);
+    EXPECT_EQ(file.bytes,
+              Declaration + "<FictionBook> <p>x</p> <!-- c -->\r\n<binary>AA==</binary>\r\n</FictionBook>");
+}
+
+TEST_F(Conversion, ADamagedTreeIsSavedByLinesAndSaysSo)
+{
+    QTemporaryDir folder;
+    const QString path = folder.filePath(u"book.fb2"_s);
+    const SeamGuard filled(IsBookEmptySeam(), [] { return false; });
+    const SeamGuard display(DisplayPageSeam(),
+                            [] { return std::string("<DIV>&lt;b&gt;</DIV>\r\n<DIV>&lt;p&gt;x</DIV>"); });
+    FileEncodingName = "utf-8";
+    EXPECT_TRUE(SaveBook(path, false, true));
+    EXPECT_EQ(statuses.last(), u"Namespace error: tree on save skipped. File saved as: "_s + path);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll().toStdString(), Declaration + "\r\n<b>\r\n<p>x");
+}
+
+TEST_F(Conversion, EveryEndOfTheBookGetsTheBinaries)
+{
+    SaveLayout layout;
+    layout.style = LayoutStyle::LineEnds;
+    layout.declaration = Declaration;
+    layout.codePage = CodePageUtf8;
+    layout.binaryPart = "<binary/>";
+    const std::string bytes
+        = FileOfPage("&lt;!-- &lt;/FictionBook&gt; --&gt;&lt;/FictionBook&gt;", layout).bytes;
+    EXPECT_EQ(bytes.find("<binary/>") == bytes.rfind("<binary/>"), false) << bytes;
+}
+
+TEST_F(Conversion, NothingIsSavedOfAnEmptyDisplay)
+{
+    EXPECT_FALSE(SaveBook(u"/nowhere/book.fb2"_s, false, false));
+    EXPECT_EQ(boxes, QStringList(u"empty book - nothing to save"_s));
+}
+
+TEST_F(Conversion, AFailedWriteIsReportedEvenWhenQuiet)
+{
+    const SeamGuard filled(IsBookEmptySeam(), [] { return false; });
+    const SeamGuard display(DisplayPageSeam(), [] { return std::string("<DIV>&lt;a/&gt;</DIV>"); });
+    EXPECT_FALSE(SaveBook(u"/nowhere/book.fb2"_s, true, false));
+    EXPECT_EQ(statuses.last(), u"cannot save file: /nowhere/book.fb2"_s);
+}
+
+TEST_F(Conversion, IllegalSettingsOfTheOutputAreReset)
+{
+    OutputStyle = u"spiral"_s;
+    OutputEncoding = u"koi8-r"_s;
+    FileEncodingName = "windows-1250";
+    const SaveLayout layout = SaveLayoutOfSettings();
+    EXPECT_EQ(layout.style, LayoutStyle::TagsTree);
+    EXPECT_EQ(layout.codePage, 1250);
+    EXPECT_EQ(OutputStyle, u"tags tree"_s);
+    EXPECT_EQ(OutputEncoding, u"original"_s);
+}
+
+TEST_F(Conversion, LettersThatEndInTheByteOfANonBreakingSpaceSurviveLineEnds)
+{
+    const BookFile file = saved(Declaration + "<a>\xd0\xa0&#10;x</a>");
+    EXPECT_NE(file.bytes.find("\xd0\xa0"), std::string::npos);
+    EXPECT_TRUE(IsValidUtf8(file.bytes));
+}
+
+TEST_F(Conversion, TheBlankPageIsWrittenAndShown)
+{
+    QTemporaryDir folder;
+    EmptyPageFile = folder.filePath(u"empty.htm"_s);
+    QStringList shown;
+    const SeamGuard navigate(NavigateSeam(), [&shown](const QString& file, bool) { shown.append(file); });
+    const SeamGuard caption(CaptionSeam(), [&shown](const QString& text, bool) { shown.append(text); });
+    ShowEmptyPage(u"title"_s, u"status"_s, QString(), false, false);
+    EXPECT_EQ(shown, QStringList({u"title"_s, EmptyPageFile}));
+    EXPECT_EQ(statuses.last(), u"status"_s);
+    QFile file(EmptyPageFile);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), "<HTML><BODY></BODY></HTML>");
+    EmptyPageFile.clear();
+}
+
+} // namespace
+} // namespace vmk::test

@@ -1,0 +1,62 @@
+// Any bytes may be opened as a book. The page must be made, be UTF-8 where the book allows it, and give back
+// a file; and what was saved as a tree must be well-formed.
+
+#include "BookToDisplay.h"
+#include "Boxes.h"
+#include "CodePages.h"
+#include "DisplayToBook.h"
+#include "Globals.h"
+#include "SaveBook.h"
+#include "Settings.h"
+#include "XmlDocument.h"
+
+#include <cstdlib>
+#include <string>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+void Check(const std::string& book, const QString& style, const QString& encoding)
+{
+    vmk::OutputStyle = style;
+    vmk::OutputEncoding = encoding;
+    std::string page = book;
+    if (!vmk::ConvertBookToDisplay(page, false)) {
+        if (!page.empty())
+            std::abort();
+        return;
+    }
+    const bool readable = vmk::IsValidUtf8(page);
+    if (!readable && vmk::WorkCodePage != vmk::CodePageUtf8 && vmk::WorkCodePage != vmk::CodePageUtf16)
+        std::abort();
+    const vmk::SaveLayout layout = vmk::SaveLayoutOfSettings();
+    const vmk::BookFile file = vmk::FileOfPage(vmk::PageAsDisplayed(std::move(page)), layout);
+    // Pictures are put back as they were, whatever they hold.
+    const bool tree
+        = layout.style == vmk::LayoutStyle::TagsTree && !file.treeSkipped && layout.binaryPart.empty();
+    if (tree && vmk::HasParseError(file.bytes, vmk::XmlEncoding::byDeclaration()))
+        std::abort();
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
+{
+    static const vmk::SeamGuard silent(vmk::BoxSeam(), [](auto&&...) { return false; });
+    static const bool ready = [] {
+        vmk::ReadSettings(true);
+        vmk::NamespaceErrorWarning = 0;
+        vmk::SoundsOn = 1;
+        vmk::InLineTags = vmk::DefaultInLineTags();
+        return true;
+    }();
+    if (!ready || size < 2)
+        return 0;
+    // The first two bytes choose how the book is saved and read.
+    const std::string book(reinterpret_cast<const char*>(data) + 2, size - 2);
+    vmk::TagHighlighting = data[1] & 1;
+    vmk::InputEncoding = (data[1] & 2) != 0 ? u"utf-8"_s : u"original"_s;
+    Check(book, vmk::OutputStyles[data[0] % 3], vmk::OutputEncodings[data[0] / 3 % 5]);
+    return 0;
+}
