@@ -296,6 +296,20 @@ TEST_F(ViewKeyboard, ACancelledKeyDoesNothing)
     EXPECT_EQ(caret(), (Position{1, 3}));
 }
 
+TEST_F(ViewKeyboard, KeysComeBeforeShortcutsButMenusKeepTheirLetters)
+{
+    show(ThreeLines);
+    const auto taken = [this](int key, Qt::KeyboardModifiers modifiers) {
+        QKeyEvent event(QEvent::ShortcutOverride, key, modifiers);
+        event.ignore();
+        QApplication::sendEvent(&view, &event);
+        return event.isAccepted();
+    };
+    EXPECT_TRUE(taken(Qt::Key_Z, Qt::ControlModifier));
+    EXPECT_TRUE(taken(Qt::Key_F3, Qt::NoModifier));
+    EXPECT_FALSE(taken(Qt::Key_F, Qt::AltModifier));
+}
+
 // ---------------------------------------------------------------- read-only pages
 
 TEST_F(ViewKeyboard, AReadOnlyPageScrollsByKeyAndCannotBeChanged)

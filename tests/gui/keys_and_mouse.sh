@@ -83,7 +83,11 @@ drag() { at 0 1; xdotool mousedown 1; at 3 1; at 7 1; xdotool mouseup 1; words '
 shifted() { keys ctrl+Home shift+Right shift+Right shift+Right shift+Right shift+Right Delete; }
 copying() {
     keys ctrl+Home shift+Down ctrl+c
-    xclip -selection clipboard -o >"$folder/clipboard"
+    # The copy is made when its key has been handled.
+    for _ in $(seq 50); do
+        xclip -selection clipboard -o >"$folder/clipboard" 2>/dev/null && break
+        sleep 0.1
+    done
     keys ctrl+End ctrl+v
 }
 cutting() { keys ctrl+End shift+Home ctrl+x ctrl+Home ctrl+v; }

@@ -171,7 +171,6 @@ void DisplayView::selectionChanged()
     }
     viewport()->update();
     showCaret();
-    updateMicroFocus();
     if (QAccessible::isActive())
         ReportCaretMove(*this);
     Q_EMIT selectionOrTextChanged();
@@ -227,10 +226,8 @@ void DisplayView::placePage(double wantedTop)
     }
     anchor = page.anchorAt(top);
     updateScrollBar();
-    if (top != before) {
+    if (top != before)
         viewport()->update();
-        updateMicroFocus();
-    }
 }
 
 /// Moves what is seen by so many pixels. What comes into view above is measured first, so that no row
@@ -449,9 +446,12 @@ QRect DisplayView::caretRect()
 
 bool DisplayView::event(QEvent* event)
 {
-    // Keys are the document's before they are any menu's shortcut: the owner's handler decides.
+    // Keys are the document's before they are any menu's shortcut: the owner's handler decides. The menus
+    // keep Alt and a letter.
     if (event->type() == QEvent::ShortcutOverride) {
-        event->accept();
+        const Qt::KeyboardModifiers modifiers = static_cast<QKeyEvent*>(event)->modifiers();
+        const bool menuKey = modifiers.testFlag(Qt::AltModifier) && !modifiers.testFlag(Qt::ControlModifier);
+        event->setAccepted(!menuKey);
         return true;
     }
     return QAbstractScrollArea::event(event);
@@ -585,6 +585,17 @@ void DisplayView::paintEvent(QPaintEvent* event)
 
     paintPreedit(painter);
     paintCaret(painter);
+    tellInputMethod();
+}
+
+/// The input method's window follows the caret.
+void DisplayView::tellInputMethod()
+{
+    const QRect rect = inputCaretRect();
+    if (rect != toldCaretRect && hasFocus()) {
+        toldCaretRect = rect;
+        updateMicroFocus();
+    }
 }
 
 void DisplayView::paintCaret(QPainter& painter)

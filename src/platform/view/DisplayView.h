@@ -190,6 +190,7 @@ private:
     // Input methods.
     void takePreedit(const QInputMethodEvent& event);
     [[nodiscard]] QRect inputCaretRect();
+    void tellInputMethod();
 
     // Mouse.
     void dragTo(QPoint point);
@@ -237,6 +238,9 @@ private:
     bool preeditCaretShown = true;
     /// How parts of that text are marked.
     QList<QTextLayout::FormatRange> preeditFormats;
+
+    /// The caret as the input method knows it.
+    QRect toldCaretRect;
 
     QBasicTimer blinkTimer;
     QBasicTimer dragTimer;
