@@ -115,10 +115,21 @@ std::string StripPainting(std::string html)
     return ReplaceAll(html, "</B>", "");
 }
 
+/// No bracket has closed the comment that the text begins with.
+static bool IsOpen(const std::string& comment)
+{
+    return comment.find("&gt;") == std::string::npos && comment.find('\x04') == std::string::npos;
+}
+
 std::string PaintLines(std::string html, const PaintRequest& request)
 {
     html = ReplaceAll(html, "&lt;!--", "\x03!--");
-    html = ReplaceAll(html, "--&lt;", "--\x04");
+    for (std::size_t at = html.find("--&lt;"); at != std::string::npos; at = html.find("--&lt;", at + 1)) {
+        // The last comment in front of it, which no bracket has closed yet.
+        const std::size_t comment = html.rfind('\x03', at);
+        if (comment != std::string::npos && IsOpen(html.substr(comment, at + 2 - comment)))
+            html.replace(at, 6, "--\x04");
+    }
     if (request.tagHighlighting) {
         html = ReplaceAll(html, "&lt;", "<SPAN class=t>&lt;");
         html = ReplaceAll(html, "&gt;", "&gt;</SPAN>");

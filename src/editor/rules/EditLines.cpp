@@ -42,12 +42,13 @@ SelectedLines TakeSelectedLines(DisplayDocument& document)
     }
     lines.first = NodeAtRangeStart(range);
     lines.last = NodeAtRangeEnd(range);
-    if (lines && lines.first != lines.last) {
-        range = TextRange(document, item(document, lines.first).contentStart(),
-                          item(document, lines.last).contentEnd());
-        range.select();
-    }
     return lines;
+}
+
+void SelectLines(DisplayDocument& document, const SelectedLines& lines)
+{
+    TextRange(document, item(document, lines.first).contentStart(), item(document, lines.last).contentEnd())
+        .select();
 }
 
 void ReplaceLines(DisplayDocument& document, const SelectedLines& lines, std::vector<LinePtr> newLines)

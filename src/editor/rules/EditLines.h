@@ -24,8 +24,11 @@ struct SelectedLines
     explicit operator bool() const { return first >= 1 && last >= 1; }
 };
 
-/// Takes the lines under the selection, grown to whole ones; several become the selection.
+/// Takes the lines under the selection, which stays as it is: undo brings it back as the user made it.
 [[nodiscard]] SelectedLines TakeSelectedLines(DisplayDocument& document);
+
+/// Makes whole lines the selection.
+void SelectLines(DisplayDocument& document, const SelectedLines& lines);
 
 /// Puts new lines in the place of the taken ones, in the two undo steps of such a command: the old ones go,
 /// the new ones come. Nothing around them changes, not even when they are all that there is.

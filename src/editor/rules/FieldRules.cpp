@@ -92,6 +92,29 @@ bool TouchesSpan(const TextRange& caret)
     return HoldsSpan(neighbour);
 }
 
+/// Selected text in a field; where it goes over several lines, a field in each of them.
+QString FieldOf(const TextRange& range, const FieldForm& form)
+{
+    const DisplayDocument& document = *range.ofDocument();
+    const bool oneLine = range.start().line == range.end().line;
+    QString html;
+    for (int i = range.start().line; i <= range.end().line; ++i) {
+        const Line& line = document.line(i);
+        const int from = i == range.start().line ? range.start().offset : 0;
+        const int to = i == range.end().line ? range.end().offset : int(line.text.size());
+        if (!oneLine)
+            document.tags()[line.block].writeStart(html);
+        if (from < to) {
+            html += form.start;
+            writeText(html, QStringView(line.text).mid(from, to - from));
+            html += form.end;
+        }
+        if (!oneLine)
+            document.tags()[line.block].writeEnd(html);
+    }
+    return html;
+}
+
 } // namespace
 
 void InsertInlineTag(DisplayDocument& document, InlineTag kind)
@@ -119,12 +142,12 @@ void InsertField(DisplayDocument& document, Field kind)
     const FieldForm form = FormOf(kind);
     TextRange range = createRange(document);
     if (range.boundingWidth() > 0) {
-        QString html = form.start;
-        writeText(html, range.text());
-        range.pasteHTML(html + form.end);
+        range.pasteHTML(FieldOf(range, form));
         range.select();
         return;
     }
+    // Empty lines show no selection; none of them is to be lost.
+    range.collapse();
     if (TouchesSpan(range))
         return;
     range.pasteHTML(form.empty);

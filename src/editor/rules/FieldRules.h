@@ -38,8 +38,8 @@ enum class Field
     Value
 };
 
-/// Puts the selected text into a painted field; at a caret makes an empty one that takes what is typed
-/// next, unless a painted piece touches the caret. Notes no edit.
+/// Puts the selected text into a painted field, line by line; at a caret makes an empty one that takes what
+/// is typed next, unless a painted piece touches the caret. Notes no edit.
 void InsertField(DisplayDocument& document, Field kind);
 
 } // namespace vmk

@@ -91,16 +91,15 @@ std::vector<LinePtr> ShiftLines(DisplayDocument& document, const SelectedLines& 
 /// Puts caret or selection where the user expects them behind a shift.
 void SelectShifted(DisplayDocument& document, const SelectedLines& lines, int caretMove, int characters)
 {
+    if (!lines.caret) {
+        SelectLines(document, lines);
+        return;
+    }
     TextRange range = createRange(document);
-    if (lines.caret) {
-        range.moveToPoint(lines.place.x() + caretMove, lines.place.y());
-        if (characters != 0) {
-            range.moveStart(u"character", characters);
-            range.moveEnd(u"character", characters);
-        }
-    } else {
-        range = TextRange(document, item(document, lines.first).contentStart(),
-                          item(document, lines.last).contentEnd());
+    range.moveToPoint(lines.place.x() + caretMove, lines.place.y());
+    if (characters != 0) {
+        range.moveStart(u"character", characters);
+        range.moveEnd(u"character", characters);
     }
     range.select();
 }
@@ -145,7 +144,6 @@ void LeftShift(DisplayDocument& document)
     if (!lines)
         return;
 
-    // Without any margin there is nothing to take away; the selection made of whole lines stays.
     TagTable& tags = document.tags();
     bool anyMargin = false;
     bool anyShifted = false;
@@ -156,8 +154,13 @@ void LeftShift(DisplayDocument& document)
         anyShifted = anyShifted || shifted;
         return shifted ? Intern(tags, tag, *shifted) : block;
     });
-    if (!anyMargin || (lines.first == lines.last && !anyShifted))
+    if (lines.first == lines.last && !anyShifted)
         return;
+    if (!anyMargin) {
+        // There is nothing to take away, yet the whole lines become the selection.
+        SelectLines(document, lines);
+        return;
+    }
     ReplaceLines(document, lines, std::move(newLines));
     MarkEdit(2);
     SelectShifted(document, lines, 0, -1);

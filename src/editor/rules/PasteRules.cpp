@@ -7,6 +7,8 @@
 #include "TextFunctions.h"
 #include "TextRange.h"
 
+#include <algorithm>
+
 namespace vmk {
 namespace {
 
@@ -14,18 +16,21 @@ using namespace Qt::StringLiterals;
 
 constexpr QLatin1StringView LineEnd = "</DIV>"_L1;
 
+/// Nothing but white space that shows nothing; a non-breaking space is text.
+bool IsEmptyText(const QString& text)
+{
+    return std::ranges::all_of(text, [](QChar c) { return QStringView(u" \t\r\n").contains(c); });
+}
+
 bool HoldsLines(const QString& html)
 {
     return html.contains("<DIV"_L1, Qt::CaseInsensitive);
 }
 
-/// The line's own start tag; a bare one if it stands in another block.
-QString OpeningOf(const DisplayElement& line)
+/// A line's start tag with its class and style; a bare one if it stands in another block.
+QString OpeningOf(const Tag& tag)
 {
-    const QString html = line.outerHTML();
-    const qsizetype start = html.indexOf("<DIV"_L1, 0, Qt::CaseInsensitive);
-    const qsizetype end = start < 0 ? -1 : html.indexOf(u'>', start);
-    return end < 0 ? u"<DIV>"_s : html.mid(start, end - start + 1);
+    return tag.name == "DIV"_L1 ? tag.startTag() : u"<DIV>"_s;
 }
 
 /// Paragraphs become lines; a text without any becomes one line.
@@ -42,19 +47,24 @@ QString WithBlocksAsLines(QString html, const QString& opening)
 struct SplitLine
 {
     DisplayElement line;
-    QString opening;
+    QString opening; ///< Of the line itself.
+    QString alike; ///< For further lines like it: an identifier stays with the first.
     TextRange left;
     TextRange right;
 
-    [[nodiscard]] bool hasLeft() const { return !left.text().trimmed().isEmpty(); }
-    [[nodiscard]] bool hasRight() const { return !right.text().trimmed().isEmpty(); }
+    [[nodiscard]] bool hasLeft() const { return !IsEmptyText(left.text()); }
+    [[nodiscard]] bool hasRight() const { return !IsEmptyText(right.text()); }
 };
 
 SplitLine SplitAt(DisplayDocument& document, const TextRange& caret, int node)
 {
     SplitLine split;
     split.line = item(document, node);
-    split.opening = OpeningOf(split.line);
+    TagTable& tags = document.tags();
+    const TagId block = document.line(split.line.line()).block;
+    split.opening = OpeningOf(tags[block]);
+    split.alike = tags[block].id.isEmpty() ? split.opening
+                                           : OpeningOf(tags[tags.withAttribute(block, u"id", QString())]);
     split.left = TextRange(document, split.line.contentStart(), split.line.contentEnd());
     split.right = split.left.duplicate();
     split.left.setEndPoint(u"EndToStart", caret);
@@ -82,7 +92,7 @@ int TextLengthOfHtml(QString html)
 
 void PasteText(DisplayDocument& document, QString clipboard, QPoint lastPress)
 {
-    if (clipboard.trimmed().isEmpty())
+    if (IsEmptyText(clipboard))
         return;
     QString html = CollapseRepeats(ReplaceAll(std::move(clipboard), u"&nbsp;", u" "), u" ");
     if (ShowNbsp != 1)
@@ -104,7 +114,7 @@ void PasteText(DisplayDocument& document, QString clipboard, QPoint lastPress)
     }
 
     SplitLine split = SplitAt(document, range, node);
-    html = WithBlocksAsLines(std::move(html), split.opening);
+    html = WithBlocksAsLines(std::move(html), split.alike);
     int length = TextLengthOfHtml(html);
     if (!split.hasLeft() && split.hasRight()) {
         split.line.insertAdjacentHTML(u"beforeBegin", html);
@@ -123,7 +133,7 @@ void PasteText(DisplayDocument& document, QString clipboard, QPoint lastPress)
 
 void PasteHtml(DisplayDocument& document, QString clipboard, QPoint lastPress)
 {
-    if (clipboard.trimmed().isEmpty())
+    if (IsEmptyText(clipboard))
         return;
     const QString nbsp = ShowNbsp == 1 ? QString(QLatin1Char(NbspMarker)) : QString(QChar(0xa0));
     QString html = ReplaceAll(std::move(clipboard), u"&nbsp;", nbsp);
@@ -136,7 +146,7 @@ void PasteHtml(DisplayDocument& document, QString clipboard, QPoint lastPress)
     }
 
     SplitLine split = SplitAt(document, range, node);
-    html = WithBlocksAsLines(std::move(html), split.opening);
+    html = WithBlocksAsLines(std::move(html), split.alike);
     if (!split.hasLeft() && split.hasRight()) {
         split.line.insertAdjacentHTML(u"beforeBegin", html);
         range.move(u"character", -1);
@@ -145,7 +155,7 @@ void PasteHtml(DisplayDocument& document, QString clipboard, QPoint lastPress)
     } else {
         const int length = TextLengthOfHtml(html) + 1;
         if (split.hasLeft() && split.hasRight())
-            split.line.setOuterHTML(split.opening + split.left.htmlText() + LineEnd + html + split.opening
+            split.line.setOuterHTML(split.opening + split.left.htmlText() + LineEnd + html + split.alike
                                     + split.right.htmlText() + LineEnd);
         else
             split.line.insertAdjacentHTML(u"afterEnd", html);

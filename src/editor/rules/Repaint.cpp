@@ -50,6 +50,7 @@ std::string PaintTags(std::string_view html, std::string_view tagStart, std::str
 {
     std::string painted;
     painted.reserve(html.size() + html.size() / 2);
+    bool inComment = false;
     while (true) {
         const size_t at = html.find_first_of("&\x03\x04");
         painted += html.substr(0, at);
@@ -60,13 +61,17 @@ std::string PaintTags(std::string_view html, std::string_view tagStart, std::str
         size_t length = Less.size();
         if (html.starts_with("&lt;!--") || html.front() == '\x03') {
             painted += "<SPAN class=c>&lt;";
-        } else if (html.front() == '\x04' || (html.starts_with(Less) && behindDashes)) {
+            inComment = true;
+        } else if (html.front() == '\x04' || (html.starts_with(Less) && behindDashes && inComment)) {
             // A "<" right behind two dashes ends a comment; that it is this sign and not ">" is meant.
+            // Outside a comment it begins a tag, as in "so--</p>", and the book's text stays as it is.
             painted += "&gt;</SPAN>";
+            inComment = false;
         } else if (html.starts_with(Less)) {
             painted.append(tagStart).append(Less);
         } else if (html.starts_with(Greater)) {
             painted.append(Greater).append(tagEnd);
+            inComment = false;
         } else {
             painted += '&';
             length = 1;

@@ -123,3 +123,28 @@ TEST_F(Fields, ASelectedTextGoesIntoAFieldCharacterByCharacter)
         EXPECT_TRUE(BookUnchanged);
     }
 }
+
+TEST_F(Fields, ASelectionOverLinesGetsAFieldInEachOfThem)
+{
+    show("<DIV>one</DIV>\r<DIV style=\"MARGIN-LEFT: 5px\">a &lt; b</DIV>\r<DIV>two</DIV>");
+    select(0, 1, 2, 2);
+    InsertField(document, Field::Tag);
+    EXPECT_EQ(lines(),
+              "<DIV>o<SPAN class=et>ne</SPAN></DIV>\n"
+              "<DIV style=\"MARGIN-LEFT: 5px\"><SPAN class=et>a &lt; b</SPAN></DIV>\n"
+              "<DIV><SPAN class=et>tw</SPAN>o</DIV>");
+}
+
+TEST_F(Fields, ASelectionOfEmptyLinesLosesNone)
+{
+    for (const Field kind : {Field::Text, Field::Tag, Field::Attribute, Field::Value}) {
+        show("<DIV>a</DIV>\r<DIV></DIV>\r<DIV></DIV>\r<DIV></DIV>\r<DIV>b</DIV>");
+        select(1, 0, 3, 0);
+        InsertField(document, kind);
+        EXPECT_EQ(document.lineCount(), 5);
+        select(0, 1, 4, 0);
+        InsertField(document, kind);
+        EXPECT_EQ(document.lineCount(), 5);
+        EXPECT_EQ(text(0) + text(4), "ab");
+    }
+}

@@ -248,3 +248,61 @@ TEST(HtmlToPlainText, DropsTheHeadTheTagsAndTheWraps)
               u"a b\u00a0<p>\rc&amp;"_s);
     EXPECT_EQ(HtmlToPlainText(u"x</head>&lt;"_s, false), u"&lt;"_s);
 }
+
+TEST_F(Pasting, TheIdentifierStaysWithTheFirstLineWhenItIsBroken)
+{
+    show(TwoLines);
+    caret(0, 2);
+    pasteHtml("words");
+    EXPECT_EQ(lines(),
+              "<DIV id=FirstDiv>fi</DIV>\n<DIV>words</DIV>\n<DIV>rst</DIV>\n"
+              "<DIV style=\"MARGIN-LEFT: 5px\">second</DIV>");
+}
+
+TEST_F(Pasting, ANonBreakingSpaceCountsAsText)
+{
+    ShowNbsp = 0;
+    show("<DIV>&nbsp;word</DIV>");
+    caret(0, 1);
+    pasteHtml("<DIV>new</DIV>");
+    EXPECT_EQ(allText(), "\xc2\xa0\nnew\nword\n");
+    show("<DIV>ab</DIV>");
+    caret(0, 1);
+    pasteText("\xc2\xa0");
+    EXPECT_EQ(text(0),
+              "a\xc2\xa0"
+              "b");
+}
+
+TEST_F(Pasting, HtmlOfABrowserKeepsItsWordsInLines)
+{
+    show(TwoLines);
+    caret(0, 5);
+    pasteHtml(
+        "<meta charset='utf-8'><h2 style=\"color: rgb(0, 0, 0);\">Heading</h2><p>One <b>bold</b>&nbsp;word"
+        "<br>next</p><ul><li>item</li></ul><script>var x;</script>");
+    EXPECT_EQ(allText(), "first\nHeading\nOne bold\x7fword\nnext\nitem\nsecond\n");
+    undo();
+    EXPECT_EQ(allText(), "first\nsecond\n");
+}
+
+TEST_F(Pasting, HtmlOfAnOfficeProgramKeepsItsWordsInLines)
+{
+    show(TwoLines);
+    caret(0, 5);
+    pasteText("<html xmlns:o=\"urn:schemas-microsoft-com:office:office\">\r\n<head><style><!-- p.MsoNormal "
+              "{margin:0cm;}"
+              " --></style></head>\r\n<body lang=EN-US>\r\n<!--StartFragment-->\r\n"
+              "<p class=MsoNormal style='margin-bottom:0cm'><span lang=EN-US>First "
+              "<i>words</i><o:p></o:p></span></p>"
+              "\r\n<p class=MsoNormal>Second</p>\r\n<!--EndFragment-->\r\n</body>\r\n</html>");
+    EXPECT_EQ(allText(), "first\nFirst words\nSecond\nsecond\n");
+}
+
+TEST_F(Pasting, PlainTextWithLineEndsGoesIntoTheLineWithBlanksForThem)
+{
+    show(TwoLines);
+    caret(1, 3);
+    pasteText("one\r\ntwo\nthree");
+    EXPECT_EQ(allText(), "first\nsecone two threeond\n");
+}

@@ -95,7 +95,14 @@ TEST_F(Repainting, FromAStringNothingInTheDocumentMoves)
 
 TEST_F(Repainting, TheSignBehindTwoDashesEndsAComment)
 {
-    EXPECT_EQ(RePaintHtml(u"--&lt;"_s), u"--&gt;</SPAN>"_s);
+    EXPECT_EQ(RePaintHtml(u"&lt;!-- a --&lt;b"_s), u"<SPAN class=c>&lt;!-- a --&gt;</SPAN>b"_s);
+}
+
+TEST_F(Repainting, ATagRightBehindDashesOfTheTextStaysATag)
+{
+    EXPECT_EQ(RePaintHtml(u"so--&lt;/p&gt;"_s), u"so--<SPAN class=t>&lt;/p&gt;</SPAN>"_s);
+    EXPECT_EQ(RePaintHtml(u"&lt;!-- a --&gt;--&lt;p&gt;"_s),
+              u"<SPAN class=c>&lt;!-- a --&gt;</SPAN>--<SPAN class=t>&lt;p&gt;</SPAN>"_s);
 }
 
 TEST_F(Repainting, ASelectionEndsAsACaretAtTheLastPressOnTheScrolledPage)
