@@ -310,9 +310,12 @@ TagFacts Reader<Char>::makeTagFacts(View inner)
     attributes.replace(u'\r', u' ').replace(u'\n', u' ');
     attributes = attributes.trimmed();
     closeLastQuote(attributes);
-    // The slash of `<BR/>`, but not the one that ends an unquoted address.
-    if (attributes == u"/" || attributes.endsWith(QStringLiteral(" /"))
-        || attributes.endsWith(QStringLiteral("\"/")))
+    // The slash of `<BR/>`, but not the one that ends an unquoted address; again if another one shows.
+    const auto endsInSlash = [&attributes] {
+        return attributes == u"/" || attributes.endsWith(QStringLiteral(" /"))
+            || attributes.endsWith(QStringLiteral("\"/"));
+    };
+    while (endsInSlash())
         attributes = attributes.chopped(1).trimmed();
 
     facts.name = tags.intern(name, {});
