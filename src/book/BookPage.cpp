@@ -83,9 +83,11 @@ std::string HeadBlock(const DisplayValues& values)
 
 std::optional<XmlTreeText> TreeOfBook(const std::string& text, const PageRequest& request)
 {
-    // Whether the text itself is well-formed is found out while its tree is made.
+    // Whether the text itself is well-formed is found out while its tree is made, or along with it.
+    const bool sameFault = LinesAreBetweenTags(text);
     std::future<bool> broken
-        = std::async(std::launch::async, [&text, &request] { return HasParseError(text, request.encoding); });
+        = std::async(sameFault ? std::launch::deferred : std::launch::async,
+                     [&text, &request] { return HasParseError(text, request.encoding); });
 
     ShowStatus(u"...converting xml to html: preparing tree view..."_s);
     const std::string lines = TreeLines(text, "\r", request.inLineTags);
@@ -95,7 +97,7 @@ std::optional<XmlTreeText> TreeOfBook(const std::string& text, const PageRequest
     const bool laidOut = document.loadXML(lines, request.encoding, &serializer);
 
     // Joining lines can break a text: a line end alone may part a tag's name from its attribute.
-    if (broken.get() || !laidOut)
+    if (!laidOut || (!sameFault && broken.get()))
         return std::nullopt;
     return serializer.take();
 }

@@ -20,6 +20,8 @@ namespace vmk {
 
 namespace {
 
+/// Between two lines of a page as it was made.
+constexpr std::string_view LineBorder = "</DIV>\r<";
 constexpr std::string_view BookEnd = "</FictionBook>";
 
 /// What visible text is written back as.
@@ -240,7 +242,20 @@ Seam<std::string()>& DisplayPageSeam()
 
 std::string PageAsDisplayed(std::string page)
 {
-    return ReplaceAll(std::move(page), "</DIV>\r<DIV", "</DIV>\r\n<DIV");
+    // From the end on, in place: a page is large, and so is its room.
+    const auto lines = static_cast<size_t>(CountOccurrences(page, LineBorder));
+    size_t from = page.size();
+    size_t to = from + lines;
+    page.resize(to);
+    while (from < to) {
+        const size_t border
+            = std::string_view(page).substr(0, from).rfind(LineBorder) + LineBorder.size() - 1;
+        std::char_traits<char>::move(page.data() + to - (from - border), page.data() + border, from - border);
+        to -= from - border;
+        page[--to] = '\n';
+        from = border;
+    }
+    return page;
 }
 
 std::string TextOfPage(std::string_view page, AngleMarks marks)
@@ -265,10 +280,11 @@ std::string GetFbTextFromDisplay(bool realCharacters)
     return text;
 }
 
-BookFile FileOfPage(std::string_view page, const SaveLayout& layout)
+BookFile FileOfPage(std::string page, const SaveLayout& layout)
 {
     BookFile file;
     std::string text = TextOfPage(page, AngleMarks::Restore);
+    page = std::string(); // no longer needed
     SetDeclaration(text, layout.declaration);
     text = LaidOut(std::move(text), layout, file.treeSkipped);
 

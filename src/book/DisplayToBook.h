@@ -59,6 +59,6 @@ struct BookFile
 };
 
 /// The file of the book that a page shows. Characters that the code page lacks are substituted.
-[[nodiscard]] BookFile FileOfPage(std::string_view page, const SaveLayout& layout);
+[[nodiscard]] BookFile FileOfPage(std::string page, const SaveLayout& layout);
 
 } // namespace vmk

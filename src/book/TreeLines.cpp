@@ -184,6 +184,22 @@ std::string TreeLines(std::string text, std::string_view lineEnd, const InLineTa
     return LineBreaker(text, lineEnd, inLineTags).run();
 }
 
+bool LinesAreBetweenTags(std::string_view text)
+{
+    constexpr std::string_view White = " \t\r\n";
+    if (!text.starts_with('<') && !text.starts_with("\xef\xbb\xbf<"))
+        return false;
+    for (const char lineEnd : {'\n', '\r'})
+        for (size_t at = text.find(lineEnd); at != std::string_view::npos; at = text.find(lineEnd, at)) {
+            const size_t before = text.find_last_not_of(White, at);
+            const size_t behind = text.find_first_not_of(White, at);
+            if (text[before] != '>' || (behind != std::string_view::npos && text[behind] != '<'))
+                return false;
+            at = std::min(behind, text.size());
+        }
+    return true;
+}
+
 void PrepareTreeLines(std::string& text)
 {
     text = TreeLines(std::move(text), "\r", InLineTagSet(InLineTags));

@@ -46,6 +46,12 @@ private:
 [[nodiscard]] std::string TreeLines(std::string text, std::string_view lineEnd,
                                     const InLineTagSet& inLineTags);
 
+/// True if the text begins with a tag and each of its line ends stands in white space between a ">" and a "<"
+/// or at the end. Then a fault of the text is also one of its `TreeLines`: what these take out or put in
+/// never mends anything. (Elsewhere it may: "<sec", a line end, "tion>" is broken, and its joined form is
+/// not.)
+[[nodiscard]] bool LinesAreBetweenTags(std::string_view text);
+
 /// `TreeLines` with CR and the list `InLineTags`.
 void PrepareTreeLines(std::string& text);
 
