@@ -10,7 +10,7 @@
 namespace vmk {
 namespace {
 
-constexpr int TextMargin = 4;
+constexpr int TextMargin = 3;
 
 /// Draws its text cut short with an ellipsis; its `text()` stays whole for screen readers.
 class PanelLabel : public QLabel
@@ -23,7 +23,13 @@ protected:
     {
         QPainter painter(this);
         const QRect place = rect().adjusted(TextMargin, 0, -TextMargin, 0);
-        const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, place.width());
+        // A text a little too wide is drawn narrower before anything of it is left out.
+        QFont narrow = font();
+        for (int stretch = 100;
+             stretch >= 80 && QFontMetrics(narrow).horizontalAdvance(text()) > place.width(); stretch -= 5)
+            narrow.setStretch(stretch);
+        painter.setFont(narrow);
+        const QString shown = QFontMetrics(narrow).elidedText(text(), Qt::ElideRight, place.width());
         setToolTip(shown == text() ? QString() : text());
         style()->drawItemText(&painter, place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
                               palette(), true, shown, QPalette::WindowText);
@@ -41,6 +47,10 @@ PanelBar::PanelBar(const QStringList& names, QWidget* parent)
         label->setAccessibleName(name);
         panels.push_back({label, 0});
     }
+    // A little smaller than the desktop's font, as bars are.
+    QFont small = font();
+    small.setPointSizeF(small.pointSizeF() * 0.9);
+    setFont(small);
     setAutoFillBackground(true);
     setAcceptDrops(true);
 }
