@@ -66,7 +66,7 @@ bool ConvertBookToDisplay(std::string& text, bool preview)
 
     const std::optional<XmlTreeText> tree = TreeOfBook(text, request);
     if (tree) {
-        text = std::string(); // the tree holds it all
+        std::string().swap(text); // the tree holds it all
         text = PageWithTree(*tree, request);
     } else {
         WarnOfNamespaceError();

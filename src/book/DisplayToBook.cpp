@@ -171,7 +171,7 @@ std::optional<std::string> TreeForm(std::string& lines, const SaveLayout& layout
     constexpr size_t TimesTheText = 16;
     if (tree.laidOutSize() > AlwaysFine + TimesTheText * tree.text.size())
         return std::nullopt;
-    lines = std::string(); // room for the tree
+    std::string().swap(lines); // room for the tree
     return ReplaceXmlDeclarations(tree.laidOut(), layout.declaration.size(), layout.declaration);
 }
 
@@ -189,6 +189,21 @@ std::string LaidOut(std::string text, const SaveLayout& layout, bool& treeSkippe
         treeSkipped = true;
     }
     return text;
+}
+
+/// Puts the lines of pictures before each end of the book, one in a comment too.
+std::string WithBinaries(std::string_view text, const std::string& binaries)
+{
+    std::string result = StringWithRoom(text.size() + CountOccurrences(text, BookEnd) * binaries.size());
+    size_t copied = 0;
+    for (size_t at = text.find(BookEnd); at != std::string_view::npos; at = text.find(BookEnd, copied)) {
+        result.append(text, copied, at - copied);
+        result += binaries;
+        result += BookEnd;
+        copied = at + BookEnd.size();
+    }
+    result.append(text, copied);
+    return result;
 }
 
 /// One stretch of line ends, blanks and non-breaking spaces.
@@ -284,7 +299,7 @@ BookFile FileOfPage(std::string page, const SaveLayout& layout)
 {
     BookFile file;
     std::string text = TextOfPage(page, AngleMarks::Restore);
-    page = std::string(); // no longer needed
+    std::string().swap(page); // no longer needed
     SetDeclaration(text, layout.declaration);
     text = LaidOut(std::move(text), layout, file.treeSkipped);
 
@@ -295,8 +310,7 @@ BookFile FileOfPage(std::string page, const SaveLayout& layout)
     // Pictures are plain ASCII and go past the encoding. The tree has a line end there already.
     if (!layout.binaryPart.empty()) {
         const bool tree = layout.style == LayoutStyle::TagsTree && !file.treeSkipped;
-        const std::string end = (tree ? std::string() : CrLf) + std::string(layout.binaryPart) + CrLf;
-        text = ReplaceAll(std::move(text), BookEnd, end + std::string(BookEnd));
+        text = WithBinaries(text, (tree ? std::string() : CrLf) + std::string(layout.binaryPart) + CrLf);
     }
     file.bytes = TidyLineEnds(text, isUtf8 ? std::string_view(Utf8Nbsp) : std::string_view("\xa0"));
     return file;
