@@ -34,7 +34,7 @@ public:
         return QAccessibleWidget::interface_cast(type);
     }
 
-    QAccessible::State state() const override
+    [[nodiscard]] QAccessible::State state() const override
     {
         QAccessible::State state = QAccessibleWidget::state();
         state.multiLine = true;
@@ -44,7 +44,7 @@ public:
         return state;
     }
 
-    QString text(QAccessible::Text kind) const override
+    [[nodiscard]] QString text(QAccessible::Text kind) const override
     {
         return kind == QAccessible::Value ? text(0, characterCount()) : QAccessibleWidget::text(kind);
     }
@@ -58,7 +58,7 @@ public:
         *start = there ? offsetOf(selection.start()) : 0;
         *end = there ? offsetOf(selection.end()) : 0;
     }
-    int selectionCount() const override { return document().selection().isEmpty() ? 0 : 1; }
+    [[nodiscard]] int selectionCount() const override { return document().selection().isEmpty() ? 0 : 1; }
     void addSelection(int start, int end) override { select(start, end); }
     void removeSelection(int index) override
     {
@@ -70,10 +70,10 @@ public:
         if (index == 0)
             select(start, end);
     }
-    int cursorPosition() const override { return offsetOf(document().selection().focus); }
+    [[nodiscard]] int cursorPosition() const override { return offsetOf(document().selection().focus); }
     void setCursorPosition(int offset) override { select(offset, offset); }
 
-    QString text(int start, int end) const override
+    [[nodiscard]] QString text(int start, int end) const override
     {
         const Position from = placeOf(start);
         const Position to = placeOf(end);
@@ -89,15 +89,15 @@ public:
         }
         return text;
     }
-    int characterCount() const override { return offsetOf(document().end()); }
+    [[nodiscard]] int characterCount() const override { return offsetOf(document().end()); }
 
-    QRect characterRect(int offset) const override
+    [[nodiscard]] QRect characterRect(int offset) const override
     {
         const Position from = placeOf(offset);
         const std::vector<QRect> rects = view().clientRects(from, placeOf(offset + 1));
         return rects.empty() ? QRect() : rects.front().translated(screenOrigin());
     }
-    int offsetAtPoint(const QPoint& point) const override
+    [[nodiscard]] int offsetAtPoint(const QPoint& point) const override
     {
         const QPoint local = point - screenOrigin();
         return view().viewport()->rect().contains(local) ? offsetOf(view().positionAt(local)) : -1;

@@ -11,7 +11,6 @@
 #include <QScreen>
 #include <QScrollBar>
 #include <QStyleHints>
-#include <QTimer>
 
 #include <algorithm>
 #include <cmath>
@@ -71,7 +70,7 @@ bool DisplayView::Navigate(const QString& target)
         return false;
     loading = true;
     pendingLocation = PathOfPage(target);
-    QTimer::singleShot(0, this, &DisplayView::completeNavigation);
+    QMetaObject::invokeMethod(this, &DisplayView::completeNavigation, Qt::QueuedConnection);
     return true;
 }
 
@@ -112,10 +111,13 @@ void DisplayView::setDesignMode(const QString& mode)
 {
     editable = mode.compare(u"On", Qt::CaseInsensitive) == 0;
     showCaret();
-    QTimer::singleShot(0, this, [this] {
-        DisplayEvent event = makeEvent("readystatechange"_L1, {});
-        raise(events.onreadystatechange, event);
-    });
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            DisplayEvent event = makeEvent("readystatechange"_L1, {});
+            raise(events.onreadystatechange, event);
+        },
+        Qt::QueuedConnection);
 }
 
 // ---------------------------------------------------------------- events to the owner

@@ -13,7 +13,6 @@ namespace {
 
 /// Margins of a page whose body tag says nothing.
 constexpr double DefaultPageMargin = 8;
-constexpr double PixelsPerInch = 96;
 
 QFont fontOf(const TextLook& look, double dotsPerInch)
 {

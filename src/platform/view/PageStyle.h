@@ -104,7 +104,7 @@ private:
     LookId intern(const TextLook& look);
     [[nodiscard]] const TagStyle& tagStyle(TagId tag);
     [[nodiscard]] TextLook lookWithin(const TextLook& outer, const TagStyle& style) const;
-    [[nodiscard]] QTextCharFormat format(LookId look, LookId block);
+    [[nodiscard]] QTextCharFormat format(LookId id, LookId blockId);
 
     const DisplayDocument* document = nullptr;
     double dotsPerInch = 96;
