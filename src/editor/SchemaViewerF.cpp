@@ -4,6 +4,7 @@
 #include "FileOperations.h"
 #include "Form1.h"
 #include "SchemaPage.h"
+#include "WindowFunctions.h"
 
 #include <QKeyEvent>
 #include <QPointer>
@@ -15,6 +16,7 @@ namespace {
 using namespace Qt::StringLiterals;
 
 constexpr QSize FormSize(600, 450);
+constexpr int RightOfReference = 0;
 
 QPointer<SchemaViewerF> TheViewer;
 
@@ -50,6 +52,9 @@ void SchemaViewerF::ShowShemaInWB(const QString& path)
     resize(FormSize);
     setWindowTitle(u" VMK Schema Viewer: "_s + FileOperation(NameMode, path));
     SchemaWB->setPage(QByteArray::fromStdString(SchemaPage(ReadFileText(path))));
+    // Beside the book, so that a value can be read off while it is typed.
+    if (!isVisible() && parentWidget())
+        PlaceFormBeside(*this, *parentWidget(), RightOfReference, 0, 0);
     show();
     raise();
 }
