@@ -98,7 +98,8 @@ bool LoadBook(const QString& path, bool opening)
         PlaySound("FileLoadError.wav", Outcome::Error);
         return false;
     }
-    static_cast<void>(WriteFileText(DisplayFile, text));
+    // A page that cannot be written shows as an empty one.
+    static_cast<void>(WriteScratchFile(DisplayFile, text));
     ShowStatus(u"...loading file...wait, please..."_s);
     if (opening)
         BringUpWindow();
