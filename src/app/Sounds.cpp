@@ -22,7 +22,7 @@ void PlaySoundFile(const QString& path, bool beepInstead)
         Beep();
 }
 
-void PlayProgramSound(QLatin1StringView name, bool beepInstead)
+void PlayProgramSound(const QString& name, bool beepInstead)
 {
     PlaySoundFile(AppPath + QDir::separator() + QLatin1StringView("sounds") + QDir::separator() + name,
                   beepInstead);

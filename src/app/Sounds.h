@@ -11,7 +11,7 @@ namespace vmk {
 void PlaySoundFile(const QString& path, bool beepInstead);
 
 /// The same for one of the program's own sounds, by its file name in the folder `sounds`.
-void PlayProgramSound(QLatin1StringView name, bool beepInstead);
+void PlayProgramSound(const QString& name, bool beepInstead);
 
 /// Result of `WaitForInput` when the time has passed.
 inline constexpr int WaitTimeOut = 258;

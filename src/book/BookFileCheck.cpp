@@ -52,7 +52,7 @@ bool CheckBookFile(const QString& path, bool boxes, bool endOnError)
         RefuseInBox(refusal, path, endOnError);
     } else {
         ShowStatus(refusal);
-        PlaySoundFile(AppPath + u"/sounds/FileLoadError.wav"_s, true);
+        PlayProgramSound(u"FileLoadError.wav"_s, true);
     }
     return false;
 }

@@ -5,8 +5,6 @@
 #include "MainWindowSeams.h"
 #include "Sounds.h"
 
-#include <QDir>
-
 namespace vmk {
 
 Seam<void(const QString&, bool)>& CaptionSeam()
@@ -34,8 +32,7 @@ void ShowEmptyPage(const QString& caption, const QString& status, const QString&
     if (!caption.isEmpty() && (preview || !skipStatus))
         CaptionSeam()(caption, preview);
     if (!sound.isEmpty())
-        PlaySoundFile(AppPath + QDir::separator() + QStringLiteral("sounds") + QDir::separator() + sound,
-                      true);
+        PlayProgramSound(sound, true);
 
     // Without a workspace there is no page to show.
     const QString& page = preview ? SampleEmptyPageFile : EmptyPageFile;

@@ -8,8 +8,6 @@
 #include "Sounds.h"
 #include "TextFunctions.h"
 
-#include <QDir>
-
 using namespace Qt::StringLiterals;
 
 namespace vmk {
@@ -27,7 +25,7 @@ void Report(const QString& status, const QString& sound, bool isError)
 {
     ShowStatus(status);
     if (!sound.isEmpty())
-        PlaySoundFile(AppPath + QDir::separator() + u"sounds"_s + QDir::separator() + sound, isError);
+        PlayProgramSound(sound, isError);
 }
 
 void ReportOutcome(const QString& path, const BookFile& file, bool written, bool quiet, bool silent)

@@ -1,9 +1,17 @@
 #include "Commands.h"
 
+#include "CaretTag.h"
+#include "ClipboardRules.h"
+#include "Desktop.h"
 #include "DisplayView.h"
 #include "EditorFunctions.h"
+#include "EditorState.h"
 #include "FbFunctions.h"
+#include "FieldRules.h"
 #include "Form1.h"
+#include "NodeShift.h"
+#include "PasteRules.h"
+#include "Repaint.h"
 #include "TypingRules.h"
 
 #include <algorithm>
@@ -19,6 +27,21 @@ struct CommandRow
     CommandProcedure procedure;
 };
 
+DisplayDocument& Book(Form1& form)
+{
+    return form.HTMLread->document();
+}
+
+QPoint PressedCaret()
+{
+    return {CaretOffsetLeft, CaretOffsetTop};
+}
+
+LastPress PressedPlace()
+{
+    return {PressedCaret(), {SavedScrollLeft, SavedScrollTop}};
+}
+
 constexpr CommandRow Procedures[] = {
     {OpenFile, [](Form1& form) { form.LoadNewFbFile_Dialog(); }},
     {OpenLastFile, [](Form1& form) { form.OpenLastBook(); }},
@@ -28,8 +51,12 @@ constexpr CommandRow Procedures[] = {
     {Exit, [](Form1& form) { form.close(); }},
     {Undo, [](Form1&) { UndoEdit(); }},
     {Redo, [](Form1&) { RedoEdit(); }},
-    {CaretLeft, [](Form1& form) { MoveCaret(form.HTMLread->document(), CaretDirection::Left); }},
-    {CaretRight, [](Form1& form) { MoveCaret(form.HTMLread->document(), CaretDirection::Right); }},
+    {CaretLeft, [](Form1& form) { MoveCaret(Book(form), CaretDirection::Left); }},
+    {CaretRight, [](Form1& form) { MoveCaret(Book(form), CaretDirection::Right); }},
+    {Copy, [](Form1& form) { CopySelection(Book(form), false); }},
+    {CopyText, [](Form1& form) { CopyAsText(Book(form)); }},
+    {GoToLink, [](Form1& form) { GoToBookmark(Book(form), TagUnderCaret); }},
+    {CheckId, [](Form1& form) { vmk::CheckId(Book(form), TagUnderCaret); }},
     {PreviousPosition, [](Form1&) { GoToPosition(Direction::Up); }},
     {NextPosition, [](Form1&) { GoToPosition(Direction::Down); }},
     {Validate, [](Form1&) { ValidateDisplay(); }},
@@ -39,6 +66,36 @@ constexpr CommandRow Procedures[] = {
     {CheckForSchemaUpdates, [](Form1& form) { form.OpenPortalPage("/ru/programs/redact.html"); }},
     {FictionBookCite, [](Form1& form) { form.OpenPortalPage("/ru/news/"); }},
 };
+
+/// The commands that change the book.
+constexpr CommandRow EditProcedures[] = {
+    {Delete, [](Form1& form) { DeleteSelection(Book(form)); }},
+    {Cut, [](Form1& form) { CopySelection(Book(form), true); }},
+    {Paste, [](Form1& form) { PasteText(Book(form), ClipboardText(), PressedCaret()); }},
+    {PasteHtml, [](Form1& form) { vmk::PasteHtml(Book(form), ClipboardText(), PressedCaret()); }},
+    {RePaintSelection, [](Form1& form) { vmk::RePaintSelection(Book(form), PressedPlace()); }},
+    {RightShift, [](Form1& form) { vmk::RightShift(Book(form)); }},
+    {LeftShift, [](Form1& form) { vmk::LeftShift(Book(form)); }},
+    {InsertTextField, [](Form1& form) { InsertField(Book(form), Field::Text); }},
+    {InsertTagField, [](Form1& form) { InsertField(Book(form), Field::Tag); }},
+    {InsertTagAttributeField, [](Form1& form) { InsertField(Book(form), Field::Attribute); }},
+    {InsertTagAttributeValueField, [](Form1& form) { InsertField(Book(form), Field::Value); }},
+    {InsertNbsp, [](Form1& form) { vmk::InsertNbsp(Book(form)); }},
+    {InsertSpace, [](Form1& form) { vmk::InsertSpace(Book(form), false); }},
+    {Bold, [](Form1& form) { InsertInlineTag(Book(form), InlineTag::Bold); }},
+    {Italic, [](Form1& form) { InsertInlineTag(Book(form), InlineTag::Italic); }},
+    {Superscript, [](Form1& form) { InsertInlineTag(Book(form), InlineTag::Superscript); }},
+    {Subscript, [](Form1& form) { InsertInlineTag(Book(form), InlineTag::Subscript); }},
+    {LowerCase, [](Form1& form) { ChangeCase(Book(form), LetterCase::Lower); }},
+    {UpperCase, [](Form1& form) { ChangeCase(Book(form), LetterCase::Upper); }},
+    {ProperCase, [](Form1& form) { ChangeCase(Book(form), LetterCase::Proper); }},
+};
+
+CommandProcedure ProcedureIn(std::span<const CommandRow> rows, Command command)
+{
+    const auto row = std::ranges::find(rows, command, &CommandRow::command);
+    return row == rows.end() ? nullptr : row->procedure;
+}
 
 constexpr bool Hidden = true;
 constexpr bool SeparatorBehind = true;
@@ -188,8 +245,13 @@ constexpr ToolbarButton Buttons[] = {
 
 CommandProcedure ProcedureOf(Command command)
 {
-    const auto row = std::ranges::find(Procedures, command, &CommandRow::command);
-    return row == std::end(Procedures) ? nullptr : row->procedure;
+    const CommandProcedure procedure = ProcedureIn(Procedures, command);
+    return procedure ? procedure : ProcedureIn(EditProcedures, command);
+}
+
+bool ChangesBook(Command command)
+{
+    return ProcedureIn(EditProcedures, command);
 }
 
 std::span<const Menu> MainMenu()

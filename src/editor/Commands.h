@@ -78,6 +78,9 @@ using CommandProcedure = void (*)(Form1&);
 /// its keys are left to the display.
 [[nodiscard]] CommandProcedure ProcedureOf(Command command);
 
+/// True for the commands that edit the book: they do nothing while a page is shown that is not one.
+[[nodiscard]] bool ChangesBook(Command command);
+
 /// One entry of a menu. The caption is shown as it stands.
 struct MenuEntry
 {

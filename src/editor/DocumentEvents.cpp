@@ -273,9 +273,13 @@ void Form1::ShowPopUpMenu()
 {
     Status->setPanelText(1, QString());
     StatusMsg->setPanelText(1, QString());
-    for (const char* name :
-         {"Ed_GoToLink", "Ed_CheckId", "Ed_ShowImage", "Ed_RemoveImageResource", "Ed_AddImageResource"})
-        Entry(name)->setEnabled(false);
+    TagUnderCaret = GetTagUnderCaret(HTMLread->document());
+    const TagEntries fit = EntriesFor(TagUnderCaret, BinaryPart);
+    Entry("Ed_GoToLink")->setEnabled(fit.goToLink);
+    Entry("Ed_CheckId")->setEnabled(fit.checkId);
+    Entry("Ed_ShowImage")->setEnabled(fit.showImage);
+    Entry("Ed_RemoveImageResource")->setEnabled(fit.removeImageResource);
+    Entry("Ed_AddImageResource")->setEnabled(fit.addImageResource);
     MnRightClick->popup(QCursor::pos());
 }
 
@@ -321,7 +325,7 @@ void Form1::FileDoc_onreadystatechange(DisplayEvent&)
             TimerValidate->start();
         } else {
             ShowStatus(u"document complete"_s);
-            PlaySoundFile(AppPath + u"/sounds/DocComplete.wav"_s, false);
+            PlayProgramSound(u"DocComplete.wav"_s, false);
         }
     }
     ShowFileLength();

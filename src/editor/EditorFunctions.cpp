@@ -1,6 +1,5 @@
 #include "EditorFunctions.h"
 
-#include "CaretTag.h"
 #include "CodePages.h"
 #include "Desktop.h"
 #include "DisplayView.h"

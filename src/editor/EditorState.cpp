@@ -9,6 +9,7 @@ std::optional<TextRange> DoubleClickRange;
 std::optional<TextRange> MouseDownRange;
 std::optional<TextRange> LineAnchorRange;
 int32_t CaretOffsetLeft = 0, CaretOffsetTop = 0, SavedScrollLeft = 0, SavedScrollTop = 0;
+CaretTag TagUnderCaret;
 
 std::vector<double> PositionHistory(2);
 int16_t PositionCount = 1;

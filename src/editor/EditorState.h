@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CaretTag.h"
 #include "TextRange.h"
 
 #include <cstdint>
@@ -27,6 +28,9 @@ extern std::optional<TextRange> LineAnchorRange;
 
 /// The selection's place and the page's scrolling, pixels, 10 ms after each press.
 extern int32_t CaretOffsetLeft, CaretOffsetTop, SavedScrollLeft, SavedScrollTop;
+
+/// The tag under the caret; good until the next right click.
+extern CaretTag TagUnderCaret;
 
 // ---------------------------------------------------------------- positions
 

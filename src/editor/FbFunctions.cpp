@@ -40,18 +40,6 @@ DisplayView& View()
     return *Window().HTMLread;
 }
 
-/// With sounds off an error beeps and a success is silent.
-enum class Outcome
-{
-    Success,
-    Error
-};
-
-void PlaySound(const char* name, Outcome outcome)
-{
-    PlaySoundFile(AppPath + u"/sounds/"_s + QLatin1StringView(name), outcome == Outcome::Error);
-}
-
 QString NameOf(const QString& path)
 {
     return FileOperation(NameMode, path);
@@ -82,7 +70,7 @@ bool LoadBook(const QString& path, bool opening)
         RemoveDisplayFiles(true);
     if (!FileExists(path)) {
         ShowStatus(u"file not found"_s);
-        PlaySound("FileLoadError.wav", Outcome::Error);
+        PlayProgramSound(u"FileLoadError.wav"_s, true);
         return false;
     }
     if (!CheckBookFile(path, false, false))
@@ -95,7 +83,7 @@ bool LoadBook(const QString& path, bool opening)
     std::string text = ReadFileText(path);
     if (!ConvertBookToDisplay(text, false)) {
         ShowStatus(u"cannot load file: parse error"_s);
-        PlaySound("FileLoadError.wav", Outcome::Error);
+        PlayProgramSound(u"FileLoadError.wav"_s, true);
         return false;
     }
     // A page that cannot be written shows as an empty one.
@@ -139,7 +127,7 @@ bool CheckNavigation(const QString& url)
         return false;
     if (!SkipNavigationCheck) {
         ShowStatus(u"file loading error: not allowed file extension"_s);
-        PlaySound("FileLoadError.wav", Outcome::Error);
+        PlayProgramSound(u"FileLoadError.wav"_s, true);
     }
     return true;
 }
@@ -263,9 +251,9 @@ void ValidateDisplay()
                                  : u"No errors (against %1)"_s.arg(against);
     ShowStatus(status);
     if (error)
-        PlaySound("ParseError.wav", Outcome::Error);
+        PlayProgramSound(u"ParseError.wav"_s, true);
     else
-        PlaySound("NoParseError.wav", Outcome::Success);
+        PlayProgramSound(u"NoParseError.wav"_s, false);
     if (error && status.contains("'genre'"_L1))
         SelectGenreValue(*error);
     ShowCaretPosition();

@@ -325,7 +325,8 @@ void Form1::closeEvent(QCloseEvent* event)
 bool Form1::RunCommand(Command command)
 {
     const CommandProcedure procedure = ProcedureOf(command);
-    if (procedure)
+    const bool mayRun = !ChangesBook(command) || HTMLread->designMode() == "On"_L1;
+    if (procedure && mayRun)
         procedure(*this);
     return procedure;
 }

@@ -20,11 +20,6 @@ namespace vmk {
 
 namespace {
 
-QString SoundFile(const char* name)
-{
-    return AppPath + u"/sounds/"_s + QLatin1StringView(name);
-}
-
 /// An existing book by its full path, which stays right when the current folder changes.
 QString FullPath(const QString& path)
 {
@@ -50,14 +45,14 @@ void OpenBookWithErrors(const QString& path)
                    + u"...loading file to VMK...wait, please..."_s,
                false);
     OpenMainWindowSeam()();
-    PlaySoundFile(SoundFile("bul'.wav"), true);
+    PlayProgramSound(u"bul'.wav"_s, true);
     LoadBookSeam()(path, true);
 }
 
 void ReportCleanBook(const QString& path)
 {
     SkipNavigationCheck = true;
-    PlaySoundFile(SoundFile("NoParseError.wav"), false);
+    PlayProgramSound(u"NoParseError.wav"_s, false);
     if (CommandLineInfo == 1) {
         CommLineInfoF::Unload();
         const QString result = ValidateOption.toLower() == u"schema" ? u"No errors (against schema)"_s
@@ -126,7 +121,7 @@ bool LoadFromCommandLine(const QString& path, bool quiet)
     if (quiet)
         RefuseMissingFile(path);
     ShowStatus(u"file not found"_s);
-    PlaySoundFile(SoundFile("FileLoadError.wav"), true);
+    PlayProgramSound(u"FileLoadError.wav"_s, true);
     return !quiet;
 }
 

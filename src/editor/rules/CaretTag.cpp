@@ -1,9 +1,12 @@
 #include "CaretTag.h"
 
+#include "CodePages.h"
 #include "DisplayPage.h"
+#include "Globals.h"
 #include "MainWindowSeams.h"
 #include "Sounds.h"
 #include "TagFunctions.h"
+#include "TextFunctions.h"
 
 #include <QStringList>
 
@@ -11,42 +14,6 @@ namespace vmk {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-/// How far a tag's angle brackets are looked for, in characters to either side.
-constexpr int ScanLimit = 50;
-
-/// Moves one end of a range outwards up to a bracket. False when the other bracket comes first, or none.
-bool ReachLeft(TextRange& range)
-{
-    range.collapse(true);
-    if (range.moveStart(u"character", -1) == 0)
-        return false;
-    for (int steps = 0; steps <= ScanLimit; ++steps) {
-        const QString character = range.text();
-        if (character == u"<")
-            return true;
-        if (character == u">" || range.moveStart(u"character", -1) == 0)
-            return false;
-        range.moveEnd(u"character", -1);
-    }
-    return false;
-}
-
-bool ReachRight(TextRange& range)
-{
-    range.collapse(false);
-    if (range.moveEnd(u"character", 1) == 0)
-        return false;
-    for (int steps = 0; steps <= ScanLimit; ++steps) {
-        const QString character = range.text();
-        if (character == u">")
-            return true;
-        if (character == u"<" || range.moveEnd(u"character", 1) == 0)
-            return false;
-        range.moveStart(u"character", 1);
-    }
-    return false;
-}
 
 QString Attribute(const QString& tag, const char* name)
 {
@@ -66,16 +33,6 @@ void Report(const QString& text, bool good)
 
 } // namespace
 
-std::optional<TextRange> TagAround(const TextRange& range)
-{
-    TextRange left = range.duplicate();
-    TextRange right = range.duplicate();
-    if (!ReachLeft(left) || !ReachRight(right))
-        return std::nullopt;
-    left.setEndPoint(u"EndToEnd", right);
-    return left;
-}
-
 CaretTag GetTagUnderCaret(DisplayDocument& document)
 {
     const std::optional<TextRange> tag = TagAround(createRange(document));
@@ -87,6 +44,22 @@ CaretTag ParseTagAttributes(const QString& tag)
     QString bare = tag;
     bare.remove(u'<').remove(u'>');
     return {tag, Attribute(tag, "href"), Attribute(tag, "id"), bare.split(u' ').constFirst().trimmed()};
+}
+
+TagEntries EntriesFor(const CaretTag& tag, std::string_view binaryPart)
+{
+    TagEntries entries;
+    if (!tag.hasTarget())
+        return entries;
+    if (tag.isImage()) {
+        const std::string id = EncodeText("id=\""_L1 + tag.href, WorkCodePage);
+        const bool known = FindText(binaryPart, id, 0, true) != std::string_view::npos;
+        entries.showImage = entries.removeImageResource = known;
+        entries.addImageResource = !known;
+    }
+    entries.goToLink = tag.isLink();
+    entries.checkId = !tag.id.isEmpty();
+    return entries;
 }
 
 void GoToBookmark(DisplayDocument& document, const CaretTag& tag)

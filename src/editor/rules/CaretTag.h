@@ -1,18 +1,14 @@
 #pragma once
 
 #include "DisplayDocument.h"
-#include "TextRange.h"
 
 #include <QString>
 
-#include <optional>
+#include <string_view>
 
 /// The tag under the caret, and what the context menu does with it. A tag is text of the display, so it is
 /// found by its angle brackets, at most 50 characters away on either side.
 namespace vmk {
-
-/// The tag around a range, from its "<" to its ">"; nothing if there is none near enough.
-[[nodiscard]] std::optional<TextRange> TagAround(const TextRange& range);
 
 /// The tag under the caret, as the last right click found it.
 struct CaretTag
@@ -37,6 +33,22 @@ struct CaretTag
 
 /// Reads a tag's link, id and name out of its text.
 [[nodiscard]] CaretTag ParseTagAttributes(const QString& tag);
+
+/// The entries of the context menu that fit a tag.
+struct TagEntries
+{
+    bool goToLink = false;
+    bool checkId = false;
+    bool showImage = false;
+    bool removeImageResource = false;
+    bool addImageResource = false;
+
+    friend bool operator==(const TagEntries&, const TagEntries&) = default;
+};
+
+/// @param binaryPart the book's resources as they stand in its file: an image whose link is the beginning of
+///     one's id can be shown or removed, another one can be added.
+[[nodiscard]] TagEntries EntriesFor(const CaretTag& tag, std::string_view binaryPart);
 
 /// Selects the place with the id that the tag links to, and says in the message bar whether there is one.
 void GoToBookmark(DisplayDocument& document, const CaretTag& tag);

@@ -93,24 +93,25 @@ int nodeIndex(const DisplayDocument* document, int line)
     return document && document->line(line).block != NoTag ? line + 1 : -1;
 }
 
-/// Looks for a character of one of two kinds next to the caret and on, one character at a time.
+/// Looks for a character of one of two kinds next to a place and on, one character at a time.
 /// @param step -1 to the left, 1 to the right.
-/// @return true when `wanted` comes before `unwanted` and within the limit.
-bool comesFirst(DisplayDocument& document, Position caret, int step, QStringView wanted, QStringView unwanted)
+/// @return where `wanted` stands, if it comes before `unwanted` and within the limit.
+std::optional<Position> whicheverFirst(DisplayDocument& document, Position place, int step,
+                                       QStringView wanted, QStringView unwanted)
 {
     constexpr int Limit = 50;
-    TextRange character(document, caret, caret);
+    TextRange character(document, place, place);
     for (int i = 0; i <= Limit; ++i) {
         character.move(u"character", i == 0 && step > 0 ? 0 : step);
         TextRange next = character;
         next.moveEnd(u"character", 1);
         const QString text = next.text();
         if (text == wanted)
-            return true;
+            return character.start();
         if (text == unwanted || (step < 0 && character.start() == Position()))
-            return false;
+            return std::nullopt;
     }
-    return false;
+    return std::nullopt;
 }
 
 } // namespace
@@ -159,11 +160,19 @@ SelectedNodes SelectNodes(DisplayDocument& document, bool select, bool returnHtm
     return nodes;
 }
 
+std::optional<TextRange> TagAround(const TextRange& range)
+{
+    DisplayDocument& document = *range.ofDocument();
+    const auto left = whicheverFirst(document, range.start(), -1, u"<", u">");
+    const auto right = left ? whicheverFirst(document, range.end(), 1, u">", u"<") : std::nullopt;
+    if (!right)
+        return std::nullopt;
+    return TextRange(document, *left, {right->line, right->offset + 1});
+}
+
 bool CaretInsideTag(DisplayDocument& document)
 {
-    const Selection& selection = document.selection();
-    return comesFirst(document, selection.start(), -1, u"<", u">")
-        && comesFirst(document, selection.end(), 1, u">", u"<");
+    return TagAround(createRange(document)).has_value();
 }
 
 } // namespace vmk

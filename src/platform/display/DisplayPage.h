@@ -6,6 +6,7 @@
 
 #include <QString>
 
+#include <optional>
 #include <vector>
 
 /// The page as the editing logic knows it: the objects behind `FileDoc.selection`, `FileDoc.all`,
@@ -60,8 +61,10 @@ struct SelectedNodes
 /// @param returnHtml the lines' HTML is wanted: of one line its `outerHTML`.
 [[nodiscard]] SelectedNodes SelectNodes(DisplayDocument& document, bool select, bool returnHtml);
 
-/// True when the caret stands inside a tag, between its angle brackets, with not more than 50 characters
-/// on either side of it.
+/// The tag around a range, from its "<" to its ">", with not more than 50 characters of it on either side of
+/// the range; nothing if there is none.
+[[nodiscard]] std::optional<TextRange> TagAround(const TextRange& range);
+/// True when the caret, or what is selected, stands inside such a tag.
 [[nodiscard]] bool CaretInsideTag(DisplayDocument& document);
 
 } // namespace vmk
