@@ -162,6 +162,8 @@ TEST_F(Form1Test, AnEntryIsEnabledExactlyWhenItsCommandIsThere)
     for (const auto& menu : MainMenu()) {
         for (const MenuEntry& row : menu.entries) {
             if (!row.disabled) {
+                // The toolkit counts what is hidden as disabled; such an entry works once it is shown.
+                form->Entry(row.name)->setVisible(true);
                 EXPECT_EQ(form->Entry(row.name)->isEnabled(), ProcedureOf(row.command) != nullptr)
                     << row.name;
             }
