@@ -40,6 +40,13 @@ protected:
 
     void TearDown() override
     {
+        if (HasFailure()) {
+            program.waitForFinished(100);
+            ADD_FAILURE() << "The program's state is " << program.state() << ", its exit code "
+                          << program.exitCode()
+                          << "; it said: " << program.readAllStandardError().toStdString()
+                          << "\nwindows: " << desktop->windows(u".*"_s).join(u' ').toStdString();
+        }
         program.kill();
         program.waitForFinished();
     }

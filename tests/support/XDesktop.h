@@ -25,12 +25,12 @@ public:
 
     XDesktop()
     {
-        // A server that starts anew whenever its last client leaves would lose the next one. It picks a free
-        // display and writes its number as soon as it can be reached.
+        // It picks a free display and writes its number as soon as it can be reached. One that starts anew
+        // whenever its last client leaves would lose the next.
         server.start(QStringLiteral("Xvfb"),
                      {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
                       QStringLiteral("0"), QStringLiteral("1024x768x24"), QStringLiteral("-nolisten"),
-                      QStringLiteral("tcp")});
+                      QStringLiteral("tcp"), QStringLiteral("-noreset")});
         QElapsedTimer timer;
         timer.start();
         while (!server.canReadLine() && timer.elapsed() < PatienceMilliseconds)

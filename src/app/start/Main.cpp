@@ -9,20 +9,23 @@
 
 #include <cstdio>
 #include <memory>
+#include <string>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 /// The program says what it has to say in its windows. Hints of the toolkit are for developers, who get them
-/// by setting the environment variable; only what ends the program is always told.
-void DropToolkitHints()
+/// by setting the environment variable. Only where the program cannot go on is all of it told.
+void KeepToolkitHints()
 {
     if (qEnvironmentVariableIsSet("VELLUMARK_HINTS"))
         return;
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
-        if (type == QtFatalMsg || type == QtCriticalMsg)
-            std::fprintf(stderr, "vellumark: %s\n", qPrintable(text));
+        static std::string hints;
+        hints += "vellumark: " + text.toStdString() + "\n";
+        if (type == QtFatalMsg)
+            std::fputs(hints.c_str(), stderr);
     });
 }
 
@@ -30,7 +33,7 @@ void DropToolkitHints()
 
 int main(int argc, char* argv[])
 {
-    DropToolkitHints();
+    KeepToolkitHints();
     QApplication::setApplicationName(u"Vellumark"_s);
     QApplication::setDesktopFileName(u"vellumark"_s);
     const QApplication application(argc, argv);
