@@ -109,11 +109,19 @@ TEST_F(Program, ACleanBookIsReportedUntilTheUserClosesTheForm)
     expectEnd();
 }
 
-TEST_F(Program, ABookWithAnErrorIsOpenedInTheMainWindow)
+TEST_F(Program, ABookWithAnErrorIsOpenedAndTheReportGoesWhenItIsComplete)
 {
     start({u"broken.fb2"_s, u"-V"_s});
-    ASSERT_FALSE(desktop->waitForWindow(MainWindow).isEmpty());
+    ASSERT_FALSE(desktop->waitForWindow(u"^ VMK: broken.fb2$"_s).isEmpty());
+    EXPECT_TRUE(XDesktop::WaitUntil([&] { return desktop->windows(Report).isEmpty(); }));
     EXPECT_FALSE(program.waitForFinished(500)) << "the main window stays open";
+    EXPECT_EQ(program.readAllStandardError(), QByteArray());
+}
+
+TEST_F(Program, ABarePathIsOpened)
+{
+    start({u"clean book.fb2"_s});
+    EXPECT_FALSE(desktop->waitForWindow(u"^ VMK: clean book.fb2$"_s).isEmpty());
 }
 
 TEST_F(Program, ValidatingAWrongExtensionEndsBehindItsBox)

@@ -9,6 +9,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <mutex>
 #include <string>
 
 using namespace Qt::StringLiterals;
@@ -22,7 +23,9 @@ void KeepToolkitHints()
     if (qEnvironmentVariableIsSet("VELLUMARK_HINTS"))
         return;
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
+        static std::mutex mutex;
         static std::string hints;
+        const std::lock_guard lock(mutex);
         hints += "vellumark: " + text.toStdString() + "\n";
         if (type == QtFatalMsg)
             std::fputs(hints.c_str(), stderr);
