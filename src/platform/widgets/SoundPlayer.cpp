@@ -20,8 +20,9 @@ namespace vmk {
 
 namespace {
 
-/// A device that swallows samples without ever saying that it is done must not hold the program up.
-constexpr auto Patience = 400ms;
+/// What a device may need beyond the sound's length to start. One that is stuck holds the program up no
+/// longer.
+constexpr auto Patience = 1000ms;
 
 struct Block
 {
@@ -61,12 +62,20 @@ void PlayHere(const WaveSound& sound, const QAudioDevice& device, const QAudioFo
     QAudioSink sink(device, format);
     QEventLoop loop;
     QObject::connect(&sink, &QAudioSink::stateChanged, &loop, [&loop](QAudio::State state) {
-        if (state == QAudio::IdleState || state == QAudio::StoppedState)
+        if (state == QAudio::StoppedState)
             loop.quit();
     });
     sink.start(&samples);
     if (sink.error() != QAudio::NoError)
         return;
+
+    // The device goes idle when it has taken the last samples; they are heard only when it has played them.
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
+        if (std::chrono::microseconds(sink.processedUSecs()) >= sound.length())
+            loop.quit();
+    });
+    look.start(10ms);
     QTimer::singleShot(sound.length() + Patience, &loop, &QEventLoop::quit);
     loop.exec();
 }
@@ -123,7 +132,7 @@ void PlayToEnd(const QString& path)
     std::unique_ptr<QThread> player(
         QThread::create([sound = *sound, device, format = *format] { PlayHere(sound, device, format); }));
     player->start();
-    if (player->wait(QDeadlineTimer(sound->length() + 2 * Patience)))
+    if (player->wait(QDeadlineTimer(sound->length() + Patience + Patience / 2)))
         return;
     // The device is stuck. The thread is left behind and frees itself, should it ever come back.
     QObject::connect(player.get(), &QThread::finished, player.get(), &QObject::deleteLater);

@@ -24,7 +24,7 @@ struct WaveSound
 [[nodiscard]] std::optional<WaveSound> ReadWaveSound(const QByteArray& file);
 
 /// Plays a wave file and returns when it has ended. Returns at once when the file cannot be played or there
-/// is no sound device, and shortly behind the sound's length when a device does not report its end.
+/// is no sound device, and a second behind the sound's length when the device is stuck.
 void PlayToEnd(const QString& path);
 
 } // namespace vmk
