@@ -24,7 +24,7 @@ struct ConvertOptions
 QString ListedValue(CommandLine& line, const QStringList& list)
 {
     const QString option = line.option();
-    const QString value = line.value();
+    QString value = line.value();
     if (!list.contains(value))
         line.fail(option + u" needs one of: \""_s + list.join(u"\", \""_s) + u'"');
     return value;

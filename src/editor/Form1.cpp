@@ -154,10 +154,9 @@ void Form1::makeMenus()
     fillMenu(*MnRightClick, ContextMenu());
 
     auto* toMenuBar = new QShortcut(Qt::Key_F10, this);
-    connect(toMenuBar, &QShortcut::activated, menuBar(), [this] {
-        menuBar()->setFocus(Qt::MenuBarFocusReason);
-        menuBar()->setActiveAction(menuBar()->actions().first());
-    });
+    // The display keeps the focus, so that typing goes on where it was once the menu is closed.
+    connect(toMenuBar, &QShortcut::activated, menuBar(),
+            [this] { menuBar()->setActiveAction(menuBar()->actions().first()); });
 }
 
 void Form1::fillMenu(QMenu& menu, std::span<const MenuEntry> rows)

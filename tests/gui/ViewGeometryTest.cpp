@@ -389,4 +389,31 @@ TEST_F(ViewGeometry, EditsOfALongLineLeadToTheRowsOfAFreshLayout)
 }
 
 } // namespace
+
+TEST_F(ViewGeometry, APageAtRestIsNotPaintedAgain)
+{
+    struct PaintCounter : QObject
+    {
+        int paints = 0;
+        bool eventFilter(QObject*, QEvent* event) override
+        {
+            paints += event->type() == QEvent::Paint;
+            return false;
+        }
+    } counter;
+    QByteArray lines;
+    for (int i = 0; i < 300; ++i)
+        lines += "<DIV>a line of some words</DIV>";
+    show(lines);
+    caretTo(1, 3);
+    while (!view.isMeasured())
+        QApplication::processEvents();
+    QTest::qWait(50);
+    view.viewport()->installEventFilter(&counter);
+    // Less than a blink of the caret; without one there is nothing to paint.
+    for (int round = 0; round < 20; ++round)
+        QApplication::processEvents(QEventLoop::AllEvents, 5);
+    EXPECT_LE(counter.paints, 1);
+}
+
 } // namespace vmk

@@ -220,15 +220,18 @@ void DisplayView::settle()
 void DisplayView::placePage(double wantedTop)
 {
     const int before = top;
+    bool laidOut = false;
     for (int round = 0; round < PlacingRounds; ++round) {
         const auto lowest = std::max(0.0, double(page.height() - clientHeight()));
         top = int(std::lround(std::clamp(wantedTop, 0.0, lowest)));
         if (!page.prepare(top, top + clientHeight()))
             break;
+        laidOut = true;
     }
     anchor = page.anchorAt(top);
     updateScrollBar();
-    if (top != before)
+    // Only what is seen counts: a paint asks where the caret is, and must not call for the next paint.
+    if (top != before || laidOut)
         viewport()->update();
 }
 
@@ -246,10 +249,7 @@ void DisplayView::movePage(int distance)
 
 void DisplayView::holdAnchor()
 {
-    const int before = top;
     placePage(page.heightOf(anchor));
-    if (top == before)
-        viewport()->update();
 }
 
 void DisplayView::updateScrollBar()
