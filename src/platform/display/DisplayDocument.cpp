@@ -519,8 +519,10 @@ bool DisplayDocument::undo()
     if (!canUndo())
         return false;
     const UndoStep& step = steps[--undoSteps];
-    for (auto change = step.changes.rbegin(); change != step.changes.rend(); ++change)
-        exchange(change->first, int(change->after.size()), change->before, change->map.inverse());
+    for (std::size_t i = step.changes.size(); i-- > 0;) {
+        const Change& change = step.changes[i];
+        exchange(change.first, int(change.after.size()), change.before, change.map.inverse());
+    }
     endTypingRun();
     setSelection(step.selectionBefore.anchor, step.selectionBefore.focus);
     return true;

@@ -97,7 +97,7 @@ private:
     const TagFacts& tagFacts(View inner);
     TagFacts makeTagFacts(View inner);
     bool skipElement(TagId name);
-    std::size_t findEndTag(QStringView name) const;
+    [[nodiscard]] std::size_t findEndTag(QStringView name) const;
 
     // Text.
     void readText(std::size_t stop);

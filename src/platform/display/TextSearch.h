@@ -15,9 +15,9 @@ class TextSearch
 {
 public:
     /// @param sought not empty; CrLf, CR and LF in it match a line break.
-    /// @param matchCase otherwise letters are equal to their other case.
-    /// @param wholeWord only hits with no letter, digit or underscore beside them.
-    TextSearch(const QString& sought, bool matchCase, bool wholeWord);
+    /// @param caseMatters otherwise letters are equal to their other case.
+    /// @param wholeWordsOnly only hits with no letter, digit or underscore beside them.
+    TextSearch(const QString& sought, bool caseMatters, bool wholeWordsOnly);
 
     using Hit = std::pair<Position, Position>;
 
