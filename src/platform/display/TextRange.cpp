@@ -99,6 +99,8 @@ TextRange::TextRange(const TextRange& other)
 
 TextRange& TextRange::operator=(const TextRange& other)
 {
+    if (this == &other)
+        return *this;
     attach(other.document);
     first = other.first;
     last = other.last;
