@@ -457,7 +457,7 @@ void DisplayView::takePreedit(const QInputMethodEvent& event)
             preeditCursor = std::clamp(attribute.start, 0, int(event.preeditString().size()));
             preeditCaretShown = attribute.length != 0;
         } else if (attribute.type == QInputMethodEvent::TextFormat) {
-            const QTextFormat format = attribute.value.value<QTextFormat>();
+            const auto format = attribute.value.value<QTextFormat>();
             preeditFormats.append({attribute.start, attribute.length, format.toCharFormat()});
         }
     }
