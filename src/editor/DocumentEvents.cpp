@@ -306,6 +306,8 @@ void Form1::HTMLread_DocumentComplete(const QString&)
 {
     CommLineInfoF::Unload();
     LoadingByProgram = false;
+    // What was clicked in the page before means nothing in this one.
+    ForgetRanges();
     // The setting of the design mode must not run inside the display's own event.
     if (FileExists(DisplayFile))
         TimerDesignMode->start();

@@ -185,7 +185,7 @@ void ShowCaretPosition()
 
     QString text;
     const int node = NodeAtRangeStart(SelectionRange());
-    if (node >= 1) {
+    if (item(FileDoc(), node).nodeName() == "DIV"_L1) {
         if (const std::optional<long> shift = ShiftOf(node))
             text = u"sh:%1, "_s.arg(*shift);
     }

@@ -37,7 +37,8 @@ void ShowFileLength();
 
 // ---- undo
 
-/// Takes back the last edit: `UndoSteps` steps of the display, one at least.
+/// Takes back the last edit: `UndoSteps` steps of the display, one at least. Typing does not change that
+/// number, so that behind a shift and a typed character both steps go with one undo, which is meant.
 void UndoEdit();
 void RedoEdit();
 
@@ -58,7 +59,8 @@ void RememberPosition(bool force, bool reset);
 /// One tick of `TimerScroll`: enters a place when scrolling has come to rest.
 void NoteScrollEnd();
 
-/// Plants an anchor in front of the first line in view, unless the page stands at its top.
+/// Plants an anchor in front of the first line in view, unless the page stands at its top. Planting it and
+/// taking it out are steps of the display's undo that nothing compensates for, which is meant.
 void SetTemporalBookmark();
 /// Scrolls back to the anchor and takes it out.
 void RestoreTemporalBookmark();

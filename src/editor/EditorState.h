@@ -51,7 +51,7 @@ extern int16_t ResizeEventCount;
 /// A marker is planted.
 extern bool TemporalBookmarkSet;
 
-/// Forgets every range; runs before their document goes.
+/// Forgets every range; runs when another page has come, and before their document goes.
 void ForgetRanges();
 
 } // namespace vmk

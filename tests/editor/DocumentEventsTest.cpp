@@ -490,5 +490,151 @@ TEST_F(Events, AtTheTopNoMarkerIsPlanted)
     EXPECT_EQ(Document().savePage(), before);
 }
 
+TEST_F(Events, AFullListEnteredInItsFirstHalfEndsInCopiesOfItsLastEntry)
+{
+    OpenBook(LongBook());
+    for (int i = 1; i < 40; ++i) {
+        View().scroll(0, i * 20);
+        RememberPosition(false, false);
+    }
+    ASSERT_EQ(PositionCount, 40);
+    const std::vector<double> before = PositionHistory;
+    PositionIndex = 10;
+    View().scroll(0, 1'111);
+    RememberPosition(false, false);
+    EXPECT_EQ(PositionCount, 40);
+    EXPECT_EQ(PositionIndex, 11);
+    for (size_t i = 1; i <= 10; ++i)
+        EXPECT_EQ(PositionHistory[i], before[i]) << i;
+    EXPECT_DOUBLE_EQ(PositionHistory[11], View().scrollTop() / DocScrollHeight);
+    for (size_t i = 12; i <= 40; ++i)
+        EXPECT_EQ(PositionHistory[i], before[40]) << i;
+}
+
+TEST_F(Events, AFullListEnteredInItsSecondHalfLosesItsOldestEntry)
+{
+    OpenBook(LongBook());
+    for (int i = 1; i < 40; ++i) {
+        View().scroll(0, i * 20);
+        RememberPosition(false, false);
+    }
+    const std::vector<double> before = PositionHistory;
+    PositionIndex = 30;
+    View().scroll(0, 1'111);
+    RememberPosition(false, false);
+    EXPECT_EQ(PositionIndex, 30);
+    for (size_t i = 1; i < 30; ++i)
+        EXPECT_EQ(PositionHistory[i], before[i + 1]) << i;
+    EXPECT_DOUBLE_EQ(PositionHistory[30], View().scrollTop() / DocScrollHeight);
+    for (size_t i = 31; i <= 40; ++i)
+        EXPECT_EQ(PositionHistory[i], before[i]) << i;
+}
+
+TEST_F(Events, PlantingAndTakingOutTheMarkerAreStepsOfUndo)
+{
+    OpenBook(LongBook());
+    const QByteArray before = Document().savePage();
+    View().scroll(0, 500);
+    SetTemporalBookmark();
+    EXPECT_EQ(getElementsByName(Document(), u"()*^^^%^*"_s).size(), 1u);
+    EXPECT_TRUE(BookUnchanged);
+    DeleteTemporalBookmarks();
+    EXPECT_EQ(Document().savePage(), before);
+    ASSERT_TRUE(Document().undo());
+    ASSERT_TRUE(Document().undo());
+    EXPECT_FALSE(Document().canUndo());
+    EXPECT_EQ(Document().savePage(), before);
+}
+
+TEST_F(Events, ARealNonBreakingSpaceIsToldByNameToo)
+{
+    ShowNbsp = 0;
+    std::string text = SmallBook;
+    OpenBook(text.insert(text.find("words"), "\xc2\xa0"));
+    PutCaret(PlaceOf(QString(QChar(QChar::Nbsp))));
+    ShowCaretPosition();
+    EXPECT_TRUE(Panel(2).endsWith(u"ansi:160 (nbsp), unicode:160 (nbsp)"_s)) << Panel(2).toStdString();
+}
+
+TEST_F(Events, ALineInAnotherBlockHasNoShiftPart)
+{
+    OpenBook();
+    const int line = FindLine(u"Third"_s);
+    item(Document(), line + 1).setOuterHTML(u"<P>a paragraph</P>"_s);
+    PutCaret({line, 2});
+    ShowCaretPosition();
+    EXPECT_TRUE(Panel(2).startsWith(u"ln:"_s)) << Panel(2).toStdString();
+}
+
+TEST_F(Events, CtrlSpaceInsertsANonBreakingSpaceAndAltSpaceABlank)
+{
+    OpenBook();
+    const Position place = PlaceOf(u"words"_s);
+    PutCaret({place.line, place.offset + 2});
+    Key(Qt::Key_Space, Qt::ControlModifier);
+    EXPECT_TRUE(LineText(place.line).contains(u"wo\x7frds"_s));
+    Key(Qt::Key_Space, Qt::AltModifier);
+    EXPECT_TRUE(LineText(place.line).contains(u"wo\x7f rds"_s));
+}
+
+TEST_F(Events, ATripleClickTooFarFromATagsStartChoosesTheWord)
+{
+    std::string text = SmallBook;
+    const std::string name = std::string(40, 'x') + ' ' + std::string(20, 'y');
+    OpenBook(text.replace(text.find("Third line."), 11, "<image l:href=\"#" + name + "\"/>"));
+    const Position word = PlaceOf(QString(20, u'y'));
+    Click({word.line, word.offset + 5});
+    ASSERT_TRUE(WaitFor([this] { return MouseDownRange && !form->TimerTrOnMouseDown->isActive(); }));
+    DoubleClick({word.line, word.offset + 5});
+    Click({word.line, word.offset + 5});
+    EXPECT_EQ(SelectedText(), QString(20, u'y'));
+    EXPECT_FALSE(form->TimerTripleClick->isActive());
+}
+
+TEST_F(Events, AnotherBookForgetsTheLinesOfAShiftClick)
+{
+    OpenBook();
+    DoubleClick(PlaceOf(u"words"_s));
+    ASSERT_TRUE(LineAnchorRange.has_value());
+    LoadAndWait(CurrentBook);
+    EXPECT_FALSE(LineAnchorRange.has_value());
+    PutCaret(PlaceOf(u"Third"_s));
+    Click(PlaceOf(u"line."_s), Qt::ShiftModifier);
+    EXPECT_EQ(SelectedText(), u"Third "_s);
+}
+
+TEST_F(Events, APasteWithoutLinesIsNotedByItsKeyAndNotByItsEntry)
+{
+    OpenBook();
+    SetClipboardText(u"new"_s);
+    PutCaret(PlaceOf(u"words"_s));
+    form->Entry("uPaste")->trigger();
+    EXPECT_TRUE(BookUnchanged);
+    EXPECT_GE(FindLine(u"newwords"_s), 0);
+    Key(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_FALSE(BookUnchanged);
+}
+
+TEST_F(Events, ARangeOverAnEmptyLineIsInThatLine)
+{
+    OpenBook();
+    PutCaret(PlaceOf(u"<p>Third"_s));
+    Key(Qt::Key_Return);
+    const int empty = FindLine(u"<p>Third"_s) - 1;
+    ASSERT_EQ(LineText(empty), QString());
+    PutCaret({empty, 0});
+    EXPECT_EQ(NodeAtRangeStart(SelectionRange()), empty + 1);
+    EXPECT_EQ(NodeAtRangeEnd(SelectionRange()), empty + 1);
+    for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Escape}) {
+        const QByteArray before = Document().savePage();
+        const int count = Document().lineCount();
+        PutCaret({empty, 0});
+        Key(key);
+        EXPECT_EQ(Document().lineCount(), count);
+        Key(Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_EQ(Document().savePage(), before);
+    }
+}
+
 } // namespace
 } // namespace vmk

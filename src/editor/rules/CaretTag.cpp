@@ -25,10 +25,10 @@ QString IdText(const QString& id)
     return "id=\""_L1 + id + u'"';
 }
 
-void Report(const QString& text, bool good)
+void Report(const QString& text, bool good, bool beepInstead)
 {
     ShowStatus(text);
-    PlayProgramSound(good ? "NoParseError.wav"_L1 : "ParseError.wav"_L1, !good);
+    PlayProgramSound(good ? "NoParseError.wav"_L1 : "ParseError.wav"_L1, beepInstead);
 }
 
 } // namespace
@@ -69,7 +69,7 @@ void GoToBookmark(DisplayDocument& document, const CaretTag& tag)
     const bool found = range.findText(sought);
     if (found)
         range.select();
-    Report((found ? "found: "_L1 : "not found: "_L1) + sought, found);
+    Report((found ? "found: "_L1 : "not found: "_L1) + sought, found, !found);
     ShowStatusPanel(1, QString());
 }
 
@@ -86,7 +86,8 @@ void CheckId(DisplayDocument& document, const CaretTag& tag)
         range.moveStart(u"character", 4);
         twice = range.findText(sought);
     }
-    Report((twice ? "id already exists: "_L1 : "id is OK: "_L1) + sought, !twice);
+    // With sounds off a second one is told by the text alone, without a beep, as is meant.
+    Report((twice ? "id already exists: "_L1 : "id is OK: "_L1) + sought, !twice, false);
 }
 
 } // namespace vmk

@@ -2,6 +2,7 @@
 
 #include "Desktop.h"
 #include "DisplayPage.h"
+#include "EditLines.h"
 #include "Globals.h"
 #include "TextFunctions.h"
 #include "TextRange.h"
@@ -31,7 +32,7 @@ QStringView BehindHead(QStringView html)
 void CopySelection(DisplayDocument& document, bool cut)
 {
     // Long lines come wrapped behind a blank from some displays; the wrap is undone.
-    SetClipboardText(ReplaceAll(createRange(document).htmlText(), u" \r\n", u" "));
+    SetClipboardText(ReplaceAll(HtmlToCopy(createRange(document)), u" \r\n", u" "));
     if (cut)
         DeleteSelection(document);
 }

@@ -2,6 +2,8 @@
 
 #include "DisplayPage.h"
 #include "Globals.h"
+#include "HtmlWriter.h"
+#include "LineEdit.h"
 
 namespace vmk {
 namespace {
@@ -22,6 +24,15 @@ EditMap MapOfRemoval(const DisplayDocument& document, int first, int count)
         return {{first, 0}, {behind, 0}, {first, 0}};
     const Position before = first > 0 ? EndOfLine(document, first - 1) : Position{};
     return {before, document.end(), before};
+}
+
+/// True when each element that begins or ends between two marks does both there.
+bool IsBalanced(const Line& line, std::size_t from, std::size_t to)
+{
+    int depth = 0;
+    for (std::size_t i = from; i < to && depth >= 0; ++i)
+        depth += line.marks[i].open ? 1 : -1;
+    return depth == 0;
 }
 
 } // namespace
@@ -72,6 +83,39 @@ void ReplaceLines(DisplayDocument& document, const SelectedLines& lines, std::ve
         const Position newEnd{first - 1 + added, int(newLines.back()->text.size())};
         document.splice(first, 0, std::move(newLines), {before, before, newEnd});
     }
+}
+
+QString HtmlBetween(const DisplayDocument& document, int line, Cut from, Cut to)
+{
+    QString html;
+    writeContent(html, document.tags(), contentBetween(document.line(line), from, to));
+    return html;
+}
+
+QString HtmlToCopy(const TextRange& range)
+{
+    if (range.isNull() || range.isEmpty() || range.start().line != range.end().line)
+        return range.htmlText();
+
+    const DisplayDocument& document = *range.ofDocument();
+    const Line& line = document.line(range.start().line);
+    Cut from = rangeStartCut(line, range.start().offset);
+    Cut to = rangeEndCut(line, range.end().offset);
+    const auto beginsHere = [&] {
+        return from.mark > 0 && line.marks[from.mark - 1].open
+            && line.marks[from.mark - 1].pos == from.offset;
+    };
+    const auto endsHere = [&] {
+        return to.mark < line.marks.size() && !line.marks[to.mark].open
+            && line.marks[to.mark].pos == to.offset;
+    };
+    if (IsBalanced(line, from.mark, to.mark)) {
+        while (beginsHere() && endsHere()) {
+            --from.mark;
+            ++to.mark;
+        }
+    }
+    return HtmlBetween(document, range.start().line, from, to);
 }
 
 void PlaceCaret(DisplayDocument& document, QPoint clientPoint)

@@ -4,6 +4,7 @@
 #include "TextRange.h"
 
 #include <QPoint>
+#include <QString>
 
 #include <vector>
 
@@ -33,6 +34,13 @@ void SelectLines(DisplayDocument& document, const SelectedLines& lines);
 /// Puts new lines in the place of the taken ones, in the two undo steps of such a command: the old ones go,
 /// the new ones come. Nothing around them changes, not even when they are all that there is.
 void ReplaceLines(DisplayDocument& document, const SelectedLines& lines, std::vector<LinePtr> newLines);
+
+/// The HTML of what stands between two cuts of a line; elements that reach over one of them are closed there.
+[[nodiscard]] QString HtmlBetween(const DisplayDocument& document, int line, Cut from, Cut to);
+
+/// The HTML of a range as it is copied: within a line with the elements that it covers from end to end, so
+/// that a whole painted tag keeps its painting.
+[[nodiscard]] QString HtmlToCopy(const TextRange& range);
 
 /// Puts the caret at the character nearest to a client point.
 void PlaceCaret(DisplayDocument& document, QPoint clientPoint);

@@ -3,6 +3,7 @@
 #include "DisplayPage.h"
 #include "EditLines.h"
 #include "Globals.h"
+#include "LineEdit.h"
 #include "RegExp.h"
 #include "TextFunctions.h"
 #include "TextRange.h"
@@ -16,10 +17,10 @@ using namespace Qt::StringLiterals;
 
 constexpr QLatin1StringView LineEnd = "</DIV>"_L1;
 
-/// Nothing but white space that shows nothing; a non-breaking space is text.
-bool IsEmptyText(const QString& text)
+/// Nothing but blanks; a tab, a line end or a non-breaking space is text.
+bool IsEmptyText(QStringView text)
 {
-    return std::ranges::all_of(text, [](QChar c) { return QStringView(u" \t\r\n").contains(c); });
+    return std::ranges::all_of(text, [](QChar c) { return c == u' '; });
 }
 
 bool HoldsLines(const QString& html)
@@ -49,11 +50,10 @@ struct SplitLine
     DisplayElement line;
     QString opening; ///< Of the line itself.
     QString alike; ///< For further lines like it: an identifier stays with the first.
-    TextRange left;
-    TextRange right;
-
-    [[nodiscard]] bool hasLeft() const { return !IsEmptyText(left.text()); }
-    [[nodiscard]] bool hasRight() const { return !IsEmptyText(right.text()); }
+    bool hasLeft = false; ///< There is text to the left of the caret.
+    bool hasRight = false;
+    QString left; ///< The HTML to the left of the caret, with its painting.
+    QString right;
 };
 
 SplitLine SplitAt(DisplayDocument& document, const TextRange& caret, int node)
@@ -65,10 +65,17 @@ SplitLine SplitAt(DisplayDocument& document, const TextRange& caret, int node)
     split.opening = OpeningOf(tags[block]);
     split.alike = tags[block].id.isEmpty() ? split.opening
                                            : OpeningOf(tags[tags.withAttribute(block, u"id", QString())]);
-    split.left = TextRange(document, split.line.contentStart(), split.line.contentEnd());
-    split.right = split.left.duplicate();
-    split.left.setEndPoint(u"EndToStart", caret);
-    split.right.setEndPoint(u"StartToEnd", caret);
+
+    const int index = split.line.line();
+    const Line& line = document.line(index);
+    const Cut lineEnd{int(line.text.size()), line.marks.size()};
+    split.left = HtmlBetween(document, index, {}, rangeEndCut(line, caret.start().offset));
+    split.hasLeft = !IsEmptyText(QStringView(line.text).first(caret.start().offset));
+    // A selection that ends in another line leaves nothing to the right.
+    if (caret.end().line == index) {
+        split.right = HtmlBetween(document, index, rangeStartCut(line, caret.end().offset), lineEnd);
+        split.hasRight = !IsEmptyText(QStringView(line.text).sliced(caret.end().offset));
+    }
     return split;
 }
 
@@ -116,13 +123,12 @@ void PasteText(DisplayDocument& document, QString clipboard, QPoint lastPress)
     SplitLine split = SplitAt(document, range, node);
     html = WithBlocksAsLines(std::move(html), split.alike);
     int length = TextLengthOfHtml(html);
-    if (!split.hasLeft() && split.hasRight()) {
+    if (!split.hasLeft && split.hasRight) {
         split.line.insertAdjacentHTML(u"beforeBegin", html);
-    } else if (split.hasLeft() && split.hasRight()) {
+    } else if (split.hasLeft && split.hasRight) {
         html = RegExpReplace(QStringView(html), u"<DIV[^>]*>", u"", false);
         html = ReplaceAll(std::move(html), u"</DIV>", u"");
-        split.line.setOuterHTML(split.opening + split.left.htmlText() + html + split.right.htmlText()
-                                + LineEnd);
+        split.line.setOuterHTML(split.opening + split.left + html + split.right + LineEnd);
     } else {
         split.line.insertAdjacentHTML(u"afterEnd", html);
         ++length;
@@ -147,16 +153,16 @@ void PasteHtml(DisplayDocument& document, QString clipboard, QPoint lastPress)
 
     SplitLine split = SplitAt(document, range, node);
     html = WithBlocksAsLines(std::move(html), split.alike);
-    if (!split.hasLeft() && split.hasRight()) {
+    if (!split.hasLeft && split.hasRight) {
         split.line.insertAdjacentHTML(u"beforeBegin", html);
         range.move(u"character", -1);
         range.collapse();
         range.select();
     } else {
         const int length = TextLengthOfHtml(html) + 1;
-        if (split.hasLeft() && split.hasRight())
-            split.line.setOuterHTML(split.opening + split.left.htmlText() + LineEnd + html + split.alike
-                                    + split.right.htmlText() + LineEnd);
+        if (split.hasLeft && split.hasRight)
+            split.line.setOuterHTML(split.opening + split.left + LineEnd + html + split.alike + split.right
+                                    + LineEnd);
         else
             split.line.insertAdjacentHTML(u"afterEnd", html);
         PlaceBehind(range, lastPress, length);

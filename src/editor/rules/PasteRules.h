@@ -6,7 +6,8 @@
 #include <QString>
 
 /// Paste. Whatever the clipboard's text holds is taken as HTML: text from this display comes back with its
-/// painting, whole lines as lines.
+/// painting, whole lines as lines. A tag in a text that was copied as text becomes an element of the display
+/// and is mark-up of the book no more, which is meant.
 namespace vmk {
 
 /// Pastes into the line: blanks collapse, whole lines become part of the caret's line when it stands inside

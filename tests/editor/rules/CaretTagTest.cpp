@@ -1,4 +1,5 @@
 #include "CaretTag.h"
+#include "Desktop.h"
 #include "MainWindowSeams.h"
 #include "RulesFixture.h"
 
@@ -84,4 +85,38 @@ TEST_F(Tags, AnIdThatStandsTwiceIsToldAlsoWhenItStandsInText)
     status.clear();
     CheckId(document, ParseTagAttributes(u"<p>"_s));
     EXPECT_TRUE(status.isEmpty());
+}
+
+TEST_F(Tags, WithSoundsOffALinkWithoutTargetBeepsAndADoubleIdDoesNot)
+{
+    SoundsOn = 0;
+    int beeps = 0;
+    const SeamGuard<void()> ear{BeepSeam(), [&beeps] { ++beeps; }};
+    show("<DIV>&lt;p id=\"b\"&gt;&lt;p id=\"b\"&gt;</DIV>");
+    CheckId(document, ParseTagAttributes(u"<p id=\"b\">"_s));
+    EXPECT_EQ(status, u"id already exists: id=\"b\""_s);
+    EXPECT_EQ(beeps, 0);
+    GoToBookmark(document, ParseTagAttributes(u"<a href=\"#b\">"_s));
+    EXPECT_EQ(beeps, 0);
+    GoToBookmark(document, ParseTagAttributes(u"<a href=\"#c\">"_s));
+    EXPECT_EQ(beeps, 1);
+}
+
+TEST_F(Tags, AnIdThatIsGoneFromTheBookIsOk)
+{
+    show("<DIV>text</DIV>");
+    CheckId(document, ParseTagAttributes(u"<p id=\"gone\">"_s));
+    EXPECT_EQ(status, u"id is OK: id=\"gone\""_s);
+}
+
+TEST_F(Tags, AnImageIsKnownByTheBeginningOfItsResourcesId)
+{
+    const CaretTag image = ParseTagAttributes(u"<IMAGE l:href=\"#pic\"/>"_s);
+    const TagEntries known = EntriesFor(image, "<binary ID=\"PIC.png\">");
+    EXPECT_EQ(known, (TagEntries{.showImage = true, .removeImageResource = true}));
+    EXPECT_EQ(EntriesFor(image, "<binary id=\"other.png\">"), TagEntries{.addImageResource = true});
+    // An anchor is no image, a tag with an id alone only that.
+    EXPECT_EQ(EntriesFor(ParseTagAttributes(u"<annotation l:href=\"#x\" id=\"y\">"_s), {}),
+              (TagEntries{.goToLink = true, .checkId = true}));
+    EXPECT_EQ(EntriesFor(ParseTagAttributes(u"<p style=\"x\">"_s), {}), TagEntries());
 }

@@ -148,3 +148,46 @@ TEST_F(Fields, ASelectionOfEmptyLinesLosesNone)
         EXPECT_EQ(text(0) + text(4), "ab");
     }
 }
+
+TEST_F(Fields, AValueFieldClosesWithTheEndOfAnotherElementAndLeavesTheRestUnpainted)
+{
+    show("<DIV>one two three</DIV>");
+    select(0, 4, 0, 7);
+    InsertField(document, Field::Value);
+    EXPECT_EQ(lines(), "<DIV>one <FONT class=ev>two</FONT> three</DIV>");
+}
+
+TEST_F(Fields, AnAttributeFieldAtACaretHoldsABlankAndOthersNothing)
+{
+    const std::pair<Field, const char*> kinds[] = {{Field::Tag, "<DIV>a<SPAN class=et></SPAN>b</DIV>"},
+                                                   {Field::Attribute, "<DIV>a<FONT class=en> </FONT>b</DIV>"},
+                                                   {Field::Value, "<DIV>a<FONT class=ev></FONT>b</DIV>"},
+                                                   {Field::Text, "<DIV>a<SPAN class=b></SPAN>b</DIV>"}};
+    for (const auto& [kind, expected] : kinds) {
+        show("<DIV>ab</DIV>");
+        caret(0, 1);
+        InsertField(document, kind);
+        EXPECT_EQ(lines(), expected);
+        EXPECT_TRUE(BookUnchanged);
+        EXPECT_EQ(UndoSteps, 0);
+    }
+}
+
+TEST_F(Fields, BoldAroundLinesPutsTheTagsOutsideThem)
+{
+    show("<DIV>one</DIV>\r<DIV style=\"MARGIN-LEFT: 5px\">two</DIV>");
+    select(0, 0, 1, 3);
+    InsertInlineTag(document, InlineTag::Bold);
+    std::string all;
+    for (int line = 0; line < document.lineCount(); ++line)
+        all += text(line) + '|';
+    EXPECT_EQ(all, "<strong>|one|two|</strong>|");
+}
+
+TEST_F(Fields, AChangedTagStandsUnpaintedUntilItIsRepainted)
+{
+    show("<DIV>a <SPAN class=t>&lt;p&gt;</SPAN>b</DIV>");
+    select(0, 1, 0, 6);
+    ChangeCase(document, LetterCase::Upper);
+    EXPECT_EQ(lines(), "<DIV>a &lt;P&gt;B</DIV>");
+}

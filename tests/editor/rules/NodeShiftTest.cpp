@@ -174,3 +174,38 @@ TEST_F(Shifting, AgreesWithTheOracleOnRandomLines)
         }
     }
 }
+
+TEST_F(Shifting, TheCaretIsLookedForTwoPixelsToTheRightOfItsOldPlace)
+{
+    NodeShift = GridLayout::CellWidth;
+    show("<DIV>word word</DIV>");
+    caret(0, 4);
+    RightShift(document);
+    // The text has moved a cell to the right under the old place.
+    EXPECT_EQ(document.selection(), (Selection{{0, 3}, {0, 3}}));
+}
+
+TEST_F(Shifting, TheCaretIsSetBackByACharacterBehindALeftShift)
+{
+    NodeShift = GridLayout::CellWidth;
+    show("<DIV style=\"MARGIN-LEFT: 10px\">word word</DIV>");
+    caret(0, 4);
+    LeftShift(document);
+    // A cell to the left under the old place, and one character back.
+    EXPECT_EQ(document.selection(), (Selection{{0, 4}, {0, 4}}));
+}
+
+TEST_F(Shifting, OneUndoBehindATypedCharacterTakesItAndPartOfTheShift)
+{
+    show(ThreeLines);
+    caret(1, 3);
+    RightShift(document);
+    document.setSelection({1, 3}, {1, 3});
+    document.typeText(u"x"_s);
+    undo();
+    // The line taken out by the shift is not back yet, which is meant.
+    EXPECT_EQ(document.lineCount(), 2);
+    document.undo();
+    EXPECT_EQ(text(1), "two");
+    EXPECT_FALSE(document.canUndo());
+}

@@ -306,3 +306,116 @@ TEST_F(Pasting, PlainTextWithLineEndsGoesIntoTheLineWithBlanksForThem)
     pasteText("one\r\ntwo\nthree");
     EXPECT_EQ(allText(), "first\nsecone two threeond\n");
 }
+
+TEST_F(Pasting, ACopiedTagIsPastedWithItsPainting)
+{
+    show("<DIV><SPAN class=t>&lt;image<FONT class=n> l:href=</FONT>/&gt;</SPAN>word</DIV>");
+    select(0, 0, 0, 16);
+    CopySelection(document, false);
+    EXPECT_EQ(ClipboardText().toStdString(),
+              "<SPAN class=t>&lt;image<FONT class=n> l:href=</FONT>/&gt;</SPAN>");
+    caret(0, 20);
+    PasteText(document, ClipboardText(), press());
+    EXPECT_EQ(lines(),
+              "<DIV><SPAN class=t>&lt;image<FONT class=n> l:href=</FONT>/&gt;</SPAN>word"
+              "<SPAN class=t>&lt;image<FONT class=n> l:href=</FONT>/&gt;</SPAN></DIV>");
+}
+
+TEST_F(Pasting, OfAPaintedTagCopiedInPartTheTextAloneIsTaken)
+{
+    show("<DIV><SPAN class=t>&lt;p&gt;</SPAN>word<SPAN class=t>&lt;/p&gt;</SPAN></DIV>");
+    select(0, 0, 0, 2);
+    CopySelection(document, false);
+    EXPECT_EQ(ClipboardText(), u"&lt;p"_s);
+    select(0, 1, 0, 3);
+    CopySelection(document, false);
+    EXPECT_EQ(ClipboardText(), u"p&gt;"_s);
+    // Both ends stand beside a painted piece, but they are two pieces.
+    select(0, 0, 0, 11);
+    CopySelection(document, false);
+    EXPECT_EQ(ClipboardText(), u"<SPAN class=t>&lt;p&gt;</SPAN>word<SPAN class=t>&lt;/p&gt;</SPAN>"_s);
+}
+
+TEST_F(Pasting, APasteInsideAPaintedTagLeavesBothSidesPainted)
+{
+    show("<DIV><SPAN class=t>&lt;pp&gt;</SPAN></DIV>");
+    caret(0, 2);
+    pasteText("<DIV>new</DIV>");
+    EXPECT_EQ(lines(), "<DIV><SPAN class=t>&lt;p</SPAN>new<SPAN class=t>p&gt;</SPAN></DIV>");
+    show("<DIV><SPAN class=t>&lt;pp&gt;</SPAN></DIV>");
+    caret(0, 2);
+    pasteHtml("<DIV>new</DIV>");
+    EXPECT_EQ(lines(),
+              "<DIV><SPAN class=t>&lt;p</SPAN></DIV>\n<DIV>new</DIV>\n"
+              "<DIV><SPAN class=t>p&gt;</SPAN></DIV>");
+}
+
+TEST_F(Pasting, TheFirstLineTakesAPasteLikeAnyOther)
+{
+    for (const bool asHtml : {false, true}) {
+        show(TwoLines);
+        caret(0, 0);
+        if (asHtml)
+            pasteHtml("<DIV>new</DIV>");
+        else
+            pasteText("<DIV>new</DIV>");
+        EXPECT_EQ(allText(), "new\nfirst\nsecond\n");
+        EXPECT_EQ(UndoSteps, 1);
+    }
+}
+
+TEST_F(Pasting, ATagCopiedAsTextComesBackAsAnElementAndIsNoMarkUpAnyMore)
+{
+    show("<DIV><SPAN class=t>&lt;b&gt;</SPAN>word<SPAN class=t>&lt;/b&gt;</SPAN></DIV>");
+    select(0, 0, 0, 11);
+    CopyAsText(document);
+    EXPECT_EQ(ClipboardText(), u"<b>word</b>"_s);
+    caret(0, 5);
+    PasteText(document, ClipboardText(), press());
+    EXPECT_EQ(text(0), "<b>wowordrd</b>");
+    EXPECT_NE(lines().find("wo<B>word</B>rd"), std::string::npos) << lines();
+}
+
+TEST_F(Pasting, AsHtmlOutsideALineNothingIsPastedYetAnEditIsNoted)
+{
+    show("");
+    pasteHtml("new");
+    EXPECT_EQ(UndoSteps, 1);
+    EXPECT_FALSE(BookUnchanged);
+    EXPECT_EQ(allText(), "\n");
+}
+
+TEST_F(Pasting, OnlyBlanksMakeAClipboardEmpty)
+{
+    show(TwoLines);
+    caret(1, 3);
+    pasteText("\t");
+    EXPECT_EQ(allText(), "first\nsec\tond\n");
+    EXPECT_EQ(UndoSteps, 1);
+    undo();
+    pasteText("\r\n");
+    EXPECT_EQ(UndoSteps, 1);
+}
+
+TEST_F(Pasting, TheCaretIsCountedFromTheLastPressOfTheMouse)
+{
+    show("<DIV>some text</DIV>\r<DIV>word</DIV>");
+    caret(1, 4);
+    PasteText(document, u"<DIV>new</DIV>"_s, {2 * GridLayout::CellWidth, 0});
+    EXPECT_EQ(caretPlace(), (Position{0, 2 + 3 + 1}));
+    caret(1, 0);
+    PasteText(document, u"<DIV>new</DIV>"_s, {2 * GridLayout::CellWidth, 0});
+    EXPECT_EQ(caretPlace(), (Position{0, 2 + 3}));
+}
+
+TEST_F(Pasting, CopyAndCutLeaveTheRestOfTheStateAlone)
+{
+    show(TwoLines);
+    select(0, 0, 0, 5);
+    CopySelection(document, false);
+    EXPECT_EQ(UndoSteps, 0);
+    EXPECT_TRUE(BookUnchanged);
+    CopySelection(document, true);
+    EXPECT_EQ(UndoSteps, 1);
+    EXPECT_FALSE(BookUnchanged);
+}

@@ -1,4 +1,5 @@
 #include "TypingRules.h"
+#include "Repaint.h"
 #include "RulesFixture.h"
 
 using namespace vmk;
@@ -99,4 +100,18 @@ TEST_F(Typing, DeleteSelectionNotesAnEditAlsoAtACaret)
     DeleteSelection(document);
     EXPECT_EQ(text(0), "one");
     EXPECT_EQ(UndoSteps, 1);
+}
+
+TEST_F(Typing, BackspaceInsideAPaintedTagLeavesItsColoursUntilARepaint)
+{
+    show("<DIV><SPAN class=t>&lt;p&gt;</SPAN>word</DIV>");
+    caret(0, 3);
+    document.deleteBackward();
+    EXPECT_EQ(lines(), "<DIV><SPAN class=t>&lt;p</SPAN>word</DIV>");
+    RePaintSelection(document, {});
+    EXPECT_EQ(lines(), "<DIV><SPAN class=t>&lt;pword</SPAN></DIV>");
+    caret(0, 1);
+    document.deleteBackward();
+    RePaintSelection(document, {});
+    EXPECT_EQ(lines(), "<DIV>pword</DIV>");
 }
