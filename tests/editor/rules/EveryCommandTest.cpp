@@ -2,6 +2,7 @@
 #include "BookToDisplay.h"
 #include "CaretTag.h"
 #include "ClipboardRules.h"
+#include "CommandModel.h"
 #include "Desktop.h"
 #include "FieldRules.h"
 #include "NodeShift.h"
@@ -11,8 +12,6 @@
 #include "TreeLines.h"
 #include "TypingRules.h"
 
-#include <QStringList>
-
 #include <functional>
 #include <random>
 #include <utility>
@@ -21,122 +20,10 @@
 /// Every editing command on random selections: the text afterwards is the one that a plain reading of the
 /// command gives, undo by the counted steps brings page and selection back, redo does it again.
 using namespace vmk;
+using namespace vmk::test;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr char16_t LineBreak = u'\n';
-constexpr char16_t Marker = u'\x7f';
-
-/// The page's text in front of a command, cut up at the selection. A line break is one character.
-struct Place
-{
-    QStringList lines;
-    Selection selection;
-    QString left;
-    QString selected;
-    QString right;
-
-    [[nodiscard]] bool caret() const { return selection.isEmpty(); }
-    [[nodiscard]] bool lineBreaksOnly() const
-    {
-        return !caret() && QString(selected).remove(LineBreak).isEmpty();
-    }
-    [[nodiscard]] Position start() const { return selection.start(); }
-    [[nodiscard]] Position end() const { return selection.end(); }
-    [[nodiscard]] bool wholeLines() const
-    {
-        return start().line < end().line && start().offset == 0 && end().offset == lines[end().line].size();
-    }
-};
-
-QStringList TextLines(const DisplayDocument& document)
-{
-    QStringList lines;
-    for (int i = 0; i < document.lineCount(); ++i)
-        lines.append(document.line(i).text);
-    return lines;
-}
-
-Place PlaceOf(const DisplayDocument& document)
-{
-    Place place{TextLines(document), document.selection(), {}, {}, {}};
-    const QString all = place.lines.join(LineBreak);
-    const auto from = qsizetype(document.characterIndex(place.start()));
-    const auto to = qsizetype(document.characterIndex(place.end()));
-    place.left = all.left(from);
-    place.selected = all.mid(from, to - from);
-    place.right = all.mid(to);
-    return place;
-}
-
-// ---------------------------------------------------------------- what each command makes of the text
-
-QString Unchanged(const Place& place)
-{
-    return place.lines.join(LineBreak);
-}
-
-/// Between two tags; several lines stay lines of their own between them.
-QString Around(const Place& place, const QString& before, const QString& behind)
-{
-    const QString lineEnd = place.start().line < place.end().line ? QString(LineBreak) : QString();
-    return place.left + before + lineEnd + place.selected + lineEnd + behind + place.right;
-}
-
-QString With(const Place& place, const QString& text)
-{
-    return place.left + text + place.right;
-}
-
-QString Deleted(const Place& place)
-{
-    if (!place.wholeLines())
-        return With(place, {});
-    // Several whole lines go as lines, with one of the line breaks around them.
-    return place.right.isEmpty() ? place.left.chopped(place.left.isEmpty() ? 0 : 1)
-                                 : place.left + place.right.mid(1);
-}
-
-QString WithSpace(const Place& place)
-{
-    const bool swallowed = place.left.endsWith(u' ') || place.right.startsWith(u' ');
-    return swallowed ? Unchanged(place) : With(place, u" "_s);
-}
-
-QString ProperOf(const QString& text)
-{
-    QString made;
-    bool first = true;
-    for (const QChar c : text) {
-        made += first ? c.toUpper() : c.toLower();
-        first = c == u' ';
-    }
-    return made;
-}
-
-/// Lines pasted by the rule of the caret's line.
-QString WithLines(const Place& place, const QStringList& pasted, bool asHtml)
-{
-    const int line = place.start().line;
-    const QString& text = place.lines[line];
-    const QString left = text.left(place.start().offset);
-    // A selection that goes on in another line leaves nothing to the right.
-    const QString right = place.end().line == line ? text.mid(place.end().offset) : QString();
-    const auto blank = [](QString part) { return part.remove(u' ').isEmpty(); };
-
-    QStringList lines = place.lines;
-    if (!blank(left) && !blank(right)) {
-        QStringList made{left + pasted.join(u' ') + right};
-        if (asHtml)
-            made = QStringList{left} + pasted + QStringList{right};
-        lines = lines.mid(0, line) + made + lines.mid(line + 1);
-    } else {
-        const int at = blank(left) && !blank(right) ? line : line + 1;
-        lines = lines.mid(0, at) + pasted + lines.mid(at);
-    }
-    return lines.join(LineBreak);
-}
 
 // ---------------------------------------------------------------- the commands
 

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "DisplayDocument.h"
+
+#include <QString>
+#include <QStringList>
+
+/// What each editing command makes of the page's text, in a plain reading: text in, text out.
+namespace vmk::test {
+
+/// Between the lines of a text; it counts as one character.
+inline constexpr char16_t LineBreak = u'\n';
+/// The visible mark of a non-breaking space.
+inline constexpr char16_t Marker = u'\x7f';
+
+/// The page's text in front of a command, cut up at the selection.
+struct Place
+{
+    QStringList lines;
+    Selection selection;
+    QString left;
+    QString selected;
+    QString right;
+
+    [[nodiscard]] bool caret() const { return selection.isEmpty(); }
+    [[nodiscard]] bool lineBreaksOnly() const
+    {
+        return !caret() && QString(selected).remove(LineBreak).isEmpty();
+    }
+    [[nodiscard]] Position start() const { return selection.start(); }
+    [[nodiscard]] Position end() const { return selection.end(); }
+    [[nodiscard]] bool wholeLines() const
+    {
+        return start().line < end().line && start().offset == 0 && end().offset == lines[end().line].size();
+    }
+};
+
+[[nodiscard]] QStringList TextLines(const DisplayDocument& document);
+[[nodiscard]] Place PlaceOf(const DisplayDocument& document);
+
+[[nodiscard]] QString Unchanged(const Place& place);
+/// With a text in the selection's place.
+[[nodiscard]] QString With(const Place& place, const QString& text);
+/// Between two tags; several lines stay lines of their own between them.
+[[nodiscard]] QString Around(const Place& place, const QString& before, const QString& behind);
+[[nodiscard]] QString Deleted(const Place& place);
+[[nodiscard]] QString WithSpace(const Place& place);
+[[nodiscard]] QString ProperOf(const QString& text);
+/// Lines pasted by the rule of the caret's line.
+[[nodiscard]] QString WithLines(const Place& place, const QStringList& pasted, bool asHtml);
+
+} // namespace vmk::test
