@@ -28,7 +28,6 @@ constexpr int MostPositions = 40;
 /// Occurs as an id in no book.
 constexpr char TemporalMarker[] = "()*^^^%^*";
 const QStringView Character = u"character";
-const QStringView TextEdit = u"textedit";
 constexpr int CaretPanel = 2;
 constexpr int FileLengthPanel = 3;
 
@@ -249,16 +248,16 @@ void RememberPosition(bool force, bool reset)
         history.resize(size_t(PositionCount) + 1);
         history[size_t(PositionCount)] = 0;
         // In the middle of the list the old last entry drops out and the last one stays 0, as is meant.
-        for (int i = 1; i <= PositionCount - PositionIndex - 1; ++i)
-            history[size_t(PositionCount - i)] = history[size_t(PositionCount - i - 1)];
+        for (auto to = size_t(PositionCount) - 1; to > size_t(PositionIndex); --to)
+            history[to] = history[to - 1];
     } else if (PositionIndex <= MostPositions / 2) {
         // Running downwards, all those entries end with the value of the last, as is meant.
-        for (int i = 1; i <= PositionCount - PositionIndex - 1; ++i)
-            history[size_t(PositionCount - i)] = history[size_t(PositionCount - i + 1)];
+        for (auto to = size_t(PositionCount) - 1; to > size_t(PositionIndex); --to)
+            history[to] = history[to + 1];
         ++PositionIndex;
     } else {
-        for (int i = 1; i <= PositionIndex - 1; ++i)
-            history[size_t(i)] = history[size_t(i) + 1];
+        for (size_t to = 1; to < size_t(PositionIndex); ++to)
+            history[to] = history[to + 1];
     }
     history[size_t(PositionIndex)] = entry;
 }
