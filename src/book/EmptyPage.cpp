@@ -34,10 +34,12 @@ void ShowEmptyPage(const QString& caption, const QString& status, const QString&
     if (!sound.isEmpty())
         PlayProgramSound(sound, true);
 
-    // Without a workspace there is no page to show.
+    // Without a workspace there is no page to show. One that cannot be written shows as empty too.
     const QString& page = preview ? SampleEmptyPageFile : EmptyPageFile;
-    if (!page.isEmpty() && WriteFileText(page, "<HTML><BODY></BODY></HTML>"))
-        NavigateSeam()(page, preview);
+    if (page.isEmpty())
+        return;
+    (void)WriteFileText(page, "<HTML><BODY></BODY></HTML>");
+    NavigateSeam()(page, preview);
 }
 
 } // namespace vmk

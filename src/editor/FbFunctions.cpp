@@ -7,6 +7,7 @@
 #include "DisplayView.h"
 #include "EditorFunctions.h"
 #include "EditorState.h"
+#include "EmptyPage.h"
 #include "FictionBookNamespace.h"
 #include "FileOperations.h"
 #include "Form1.h"
@@ -29,6 +30,7 @@ namespace {
 using namespace Qt::StringLiterals;
 
 constexpr int GeneralPanel = 1;
+constexpr int32_t WholeFile = -1;
 
 Form1& Window()
 {
@@ -50,6 +52,13 @@ QString NextDisplayFile()
 {
     const QString plain = TempFolder + u"/Fb2SourceHtml.htm"_s;
     return DisplayFile == plain ? TempFolder + u"/Fb2SourceHtml1.htm"_s : plain;
+}
+
+/// Tells that a book could not be loaded for a reason that lies outside it.
+void RefuseBook(const QString& path)
+{
+    ShowStatus(u"cannot load file: "_s + path);
+    PlayProgramSound(u"FileLoadError.wav"_s, true);
 }
 
 void BringUpWindow()
@@ -75,19 +84,31 @@ bool LoadBook(const QString& path, bool opening)
     }
     if (!CheckBookFile(path, false, false))
         return false;
+    // A file that cannot be read whole must not be taken for a shorter one, and be saved as such.
+    std::string text;
+    int32_t length = WholeFile;
+    if (!ReadFileBytes(path, text, length)) {
+        RefuseBook(path);
+        return false;
+    }
     View().setDesignMode(u"Off"_s);
     ShowStatus(u"...converting xml to html...wait, please..."_s);
     MakeFolder(TempFolder);
     DisplayFile = NextDisplayFile();
+    // The page of the last book but one stands there; no failure from here on may bring it back.
+    FileOperation(DeleteFileMode, DisplayFile);
 
-    std::string text = ReadFileText(path);
     if (!ConvertBookToDisplay(text, false)) {
         ShowStatus(u"cannot load file: parse error"_s);
         PlayProgramSound(u"FileLoadError.wav"_s, true);
         return false;
     }
-    // A page that cannot be written shows as an empty one.
-    static_cast<void>(WriteScratchFile(DisplayFile, text));
+    if (!WriteScratchFile(DisplayFile, text)) {
+        // The old page cannot stay: what a save puts behind it is the new book's by now.
+        ShowEmptyPage(u"Vellumark"_s, QString(), QString(), false, false);
+        RefuseBook(path);
+        return false;
+    }
     ShowStatus(u"...loading file...wait, please..."_s);
     if (opening)
         BringUpWindow();
