@@ -1,5 +1,6 @@
 #include "Boxes.h"
 #include "Desktop.h"
+#include "DialogOwner.h"
 #include "Dialogs.h"
 #include "MainWindowSeams.h"
 #include "SoundPlayer.h"
@@ -14,6 +15,7 @@
 #include <QElapsedTimer>
 #include <QFileDialog>
 #include <QFontDialog>
+#include <QMainWindow>
 #include <QMediaDevices>
 #include <QMessageBox>
 #include <QTimer>
@@ -154,6 +156,46 @@ TEST_F(Dialogs, ASaveDialogOffersTheNameAndDoesNotAskAboutReplacing)
                                   .fileName = u"old.fb2"_s,
                                   .filter = {}});
     EXPECT_EQ(QFileInfo(path).fileName(), u"old.fb2"_s);
+}
+
+TEST_F(Dialogs, ASaveDialogGivesANameWithoutExtensionTheOneOfItsFilter)
+{
+    const Workplace place;
+    const auto saved = [&](const QString& filter) {
+        WithNextDialog<QFileDialog>([](QFileDialog& dialog) {
+            dialog.selectFile(u"new"_s);
+            static_cast<QDialog&>(dialog).accept();
+        });
+        const QString path = AskFile({.kind = FileDialogRequest::Save,
+                                      .title = {},
+                                      .folder = place.Folder(),
+                                      .fileName = {},
+                                      .filter = filter});
+        return QFileInfo(path).fileName();
+    };
+    EXPECT_EQ(saved(u"Fiction Book Files (*.fb2)|*.fb2|"_s), u"new.fb2"_s);
+    EXPECT_EQ(saved(u"All files|*.*"_s), u"new"_s);
+    EXPECT_EQ(saved(u"Pictures|*.png;*.jpg"_s), u"new"_s);
+}
+
+TEST_F(Dialogs, ABoxStandsBeforeTheMainWindowWhateverFormIsActive)
+{
+    QMainWindow mainWindow;
+    mainWindow.show();
+    QWidget form;
+    form.show();
+    QApplication::setActiveWindow(&form);
+    ASSERT_EQ(QApplication::activeWindow(), &form);
+    EXPECT_EQ(DialogOwner(), &mainWindow);
+
+    QDialog tool(&mainWindow);
+    tool.show();
+    QApplication::setActiveWindow(&tool);
+    EXPECT_EQ(DialogOwner(), &tool);
+
+    mainWindow.hide();
+    QApplication::setActiveWindow(&form);
+    EXPECT_EQ(DialogOwner(), &form);
 }
 
 TEST_F(Dialogs, AFontDialogStartsWithTheFontGivenAndReturnsTheOneChosen)

@@ -1,6 +1,7 @@
 #include "MessageBoxes.h"
 
-#include <QApplication>
+#include "DialogOwner.h"
+
 #include <QMessageBox>
 
 using namespace Qt::StringLiterals;
@@ -28,7 +29,7 @@ QMessageBox::Icon IconOf(BoxKind kind)
 
 bool ShowMessageBox(BoxKind kind, const QString& text, const QString& title)
 {
-    QMessageBox box(QApplication::activeWindow());
+    QMessageBox box(DialogOwner());
     box.setIcon(IconOf(kind));
     box.setWindowTitle(title);
     box.setTextFormat(Qt::PlainText);

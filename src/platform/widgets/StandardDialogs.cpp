@@ -1,6 +1,7 @@
 #include "StandardDialogs.h"
 
-#include <QApplication>
+#include "DialogOwner.h"
+
 #include <QColorDialog>
 #include <QFileDialog>
 #include <QFontDialog>
@@ -8,6 +9,21 @@
 using namespace Qt::StringLiterals;
 
 namespace vmk {
+
+namespace {
+
+/// Room for long names beside sizes and dates.
+constexpr QSize LeastFileDialog(760, 480);
+
+/// The extension that the filter's first pattern asks for; empty if it leaves the choice.
+QString ExtensionOf(const QString& filter)
+{
+    const QString pattern = filter.section(u'|', 1, 1);
+    const QString extension = pattern.startsWith(u"*."_s) ? pattern.mid(2) : QString();
+    return extension.contains(u'*') || extension.contains(u';') ? QString() : extension;
+}
+
+} // namespace
 
 QStringList NameFilters(const QString& filter)
 {
@@ -24,7 +40,7 @@ QStringList NameFilters(const QString& filter)
 
 QStringList ShowFileDialog(const FileDialogRequest& request)
 {
-    QFileDialog dialog(QApplication::activeWindow(), request.title);
+    QFileDialog dialog(DialogOwner(), request.title);
     const bool saving = request.kind == FileDialogRequest::Save;
     dialog.setAcceptMode(saving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(saving                                               ? QFileDialog::AnyFile
@@ -32,6 +48,10 @@ QStringList ShowFileDialog(const FileDialogRequest& request)
                                                                             : QFileDialog::ExistingFile);
     // Replacing is the caller's question.
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    // A name typed without an extension gets the one that the program looks for later.
+    if (saving)
+        dialog.setDefaultSuffix(ExtensionOf(request.filter));
+    dialog.resize(dialog.sizeHint().expandedTo(LeastFileDialog));
     if (const QStringList filters = NameFilters(request.filter); !filters.isEmpty())
         dialog.setNameFilters(filters);
     if (QDir(request.folder).exists() && !request.folder.isEmpty())
@@ -54,7 +74,7 @@ std::optional<FontChoice> ShowFontDialog(const FontChoice& current)
     font.setItalic(current.italic);
 
     bool chosen = false;
-    const QFont answer = QFontDialog::getFont(&chosen, font, QApplication::activeWindow());
+    const QFont answer = QFontDialog::getFont(&chosen, font, DialogOwner());
     if (!chosen)
         return std::nullopt;
     return FontChoice{.name = answer.family(),
@@ -66,8 +86,7 @@ std::optional<FontChoice> ShowFontDialog(const FontChoice& current)
 std::optional<QString> ShowColorDialog(const QString& current)
 {
     const QColor start(current);
-    const QColor answer
-        = QColorDialog::getColor(start.isValid() ? start : QColor(Qt::black), QApplication::activeWindow());
+    const QColor answer = QColorDialog::getColor(start.isValid() ? start : QColor(Qt::black), DialogOwner());
     if (!answer.isValid())
         return std::nullopt;
     return answer.name(QColor::HexRgb).toUpper();
