@@ -365,11 +365,18 @@ void Form1::SaveFileAs_Dialog()
     const QString name
         = AskFile({FileDialogRequest::Save, u"Save Fiction Book file as"_s, LastSaveFolder,
                    FileOperation(NameMode, CurrentBook), u"Fiction Book Files (*.fb2)|*.fb2|"_s});
-    if (name.isEmpty() || !SaveBook(name, false, false))
+    if (name.isEmpty() || !mayReplace(name) || !SaveBook(name, false, false))
         return;
     LastSaveFolder = FileOperation(FolderOfMode, name);
     CurrentBook = name;
     setWindowTitle(u"VMK: "_s + FileOperation(NameMode, name));
+}
+
+bool Form1::mayReplace(const QString& path)
+{
+    // The open book is saved without a question; another one is not lost to a slip of the hand.
+    return path == CurrentBook || !FileExists(path)
+        || YesNoBox(path + u" exists\r\nDo you want to replace it?"_s, u"File Exists"_s);
 }
 
 void Form1::OpenLastBook()
@@ -524,6 +531,7 @@ void Form1::RefreshSchemaField()
     const QColor black = dark ? desktop.color(QPalette::Text) : QColor(Qt::black);
     if (ValidateOptL->currentText().toLower() != "schema"_L1) {
         SchemaFileL->clear();
+        SchemaFileL->setToolTip(QString());
         SetColors(*SchemaFileL, desktop.color(QPalette::Button), black);
         SchemaFileL->setEnabled(false);
         return;
@@ -532,6 +540,8 @@ void Form1::RefreshSchemaField()
     SchemaFileL->setText(found ? FileOperation(NameMode, SchemaFile)
                                : u"Schema file not found. Only namespace validatioon is available."_s);
     SchemaFileL->setCursorPosition(0);
+    // The field is short in a small window.
+    SchemaFileL->setToolTip(found ? SchemaFile : SchemaFileL->text());
     SchemaFileL->setReadOnly(!found);
     SetColors(*SchemaFileL, desktop.color(QPalette::Base), found ? black : QColor(255, 0, 0));
     SchemaFileL->setEnabled(true);
@@ -541,8 +551,10 @@ void Form1::RefreshSchemaField()
 
 void Form1::loadDropped(const QStringList& paths)
 {
+    // Behind the drop: what a load may ask must not keep the program that was dragged from waiting.
     if (!paths.isEmpty())
-        LoadBook(paths.first(), false);
+        QMetaObject::invokeMethod(
+            this, [book = paths.first()] { LoadBook(book, false); }, Qt::QueuedConnection);
 }
 
 void Form1::dragEnterEvent(QDragEnterEvent* event)
@@ -552,7 +564,19 @@ void Form1::dragEnterEvent(QDragEnterEvent* event)
 
 void Form1::dropEvent(QDropEvent* event)
 {
-    loadDropped(DroppedFiles(*event));
+    AcceptFileDrag(*event);
+    // The schema's field passes on what is dropped on it while it is disabled.
+    const QPoint place = client->mapFrom(this, event->position().toPoint());
+    if (SchemaFileL->geometry().contains(place))
+        useDroppedSchema(DroppedFiles(*event));
+    else
+        loadDropped(DroppedFiles(*event));
+}
+
+void Form1::useDroppedSchema(const QStringList& paths)
+{
+    if (!paths.isEmpty())
+        UseSchema(paths.first());
 }
 
 bool Form1::isAccelerator(const QKeyEvent& key) const
@@ -580,9 +604,9 @@ bool Form1::eventFilter(QObject* watched, QEvent* event)
         return true;
     }
     if (watched == SchemaFileL && event->type() == QEvent::Drop) {
-        const QStringList paths = DroppedFiles(static_cast<QDropEvent&>(*event));
-        if (!paths.isEmpty())
-            UseSchema(paths.first());
+        auto& drop = static_cast<QDropEvent&>(*event);
+        AcceptFileDrag(drop);
+        useDroppedSchema(DroppedFiles(drop));
         return true;
     }
     return QMainWindow::eventFilter(watched, event);

@@ -149,7 +149,9 @@ private:
     void layOut();
     void fileMenuOpens();
     void toolsMenuOpens();
+    [[nodiscard]] static bool mayReplace(const QString& path);
     void loadDropped(const QStringList& paths);
+    void useDroppedSchema(const QStringList& paths);
 
     QWidget* client = nullptr;
     SchemasF* schemas = nullptr;

@@ -117,6 +117,7 @@ void PanelBar::dragEnterEvent(QDragEnterEvent* event)
 
 void PanelBar::dropEvent(QDropEvent* event)
 {
+    AcceptFileDrag(*event);
     Q_EMIT filesDropped(DroppedFiles(*event));
 }
 

@@ -26,6 +26,8 @@ SchemaViewerF::SchemaViewerF(QWidget* owner)
     : QWidget(owner, Qt::Window)
 {
     setObjectName(u"SchemaViewerF"_s);
+    // It is read beside the book or the list, which keeps the focus: a wrong value is typed over at once.
+    setAttribute(Qt::WA_ShowWithoutActivating);
     SchemaWB = new DisplayView(this);
     SchemaWB->setAccessibleName(u"schema"_s);
     auto* layout = new QVBoxLayout(this);

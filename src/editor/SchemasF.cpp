@@ -70,6 +70,9 @@ void SchemasF::fillList()
 
 void SchemasF::fitColumns()
 {
+    // Before the list has its style its measures are too small.
+    SchemasL->ensurePolished();
+    SchemasL->header()->ensurePolished();
     int width = FormMargin;
     for (int column = 0; column < SchemasL->columnCount(); ++column) {
         SchemasL->resizeColumnToContents(column);
@@ -77,7 +80,9 @@ void SchemasF::fitColumns()
         width += SchemasL->columnWidth(column);
     }
     const int rowHeight = SchemasL->sizeHintForRow(0);
-    resize(width, SchemasL->header()->sizeHint().height() + rowHeight * std::max(5, int(rows.size()) + 1));
+    const int header = SchemasL->header()->sizeHint().height();
+    const int shownRows = std::max(5, int(rows.size()) + 1);
+    resize(width, header + rowHeight * shownRows + 2 * SchemasL->frameWidth());
 }
 
 void SchemasF::showRow(int row)

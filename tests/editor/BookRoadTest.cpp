@@ -5,6 +5,7 @@
 #include "SaveBook.h"
 
 #include <QDir>
+#include <QScrollBar>
 #include <QTreeWidget>
 
 /// The road of a book through the window: open, see, check, save.
@@ -90,6 +91,51 @@ TEST_F(BookRoad, ADamagedBinaryPartIsRefusedWithABlankPage)
     EXPECT_EQ(CurrentBook, workplace.Path(u"book.fb2"_s));
     EXPECT_TRUE(WaitFor([this] { return View().location() == EmptyPageFile; }));
     EXPECT_TRUE(IsBookEmpty());
+}
+
+TEST_F(BookRoad, TheBlankPageBehindADamagedBinaryPartCannotBeTypedInto)
+{
+    // Two loads before leave a page file under the name that the third one takes.
+    OpenBook();
+    LoadAndWait(MakeBook(SmallBook, u"second.fb2"_s));
+    workplace.Make(u"bad.fb2"_s, "<FictionBook><binary id=\"a\"></FictionBook>");
+    EXPECT_FALSE(LoadBook(workplace.Path(u"bad.fb2"_s), false));
+    EXPECT_EQ(soundNames.last(), u"FileLoadError.wav"_s);
+    ASSERT_TRUE(WaitFor([this] { return View().location() == EmptyPageFile; }));
+    QTest::qWait(2 * form->TimerDesignMode->interval());
+    EXPECT_EQ(View().designMode(), u"Off"_s);
+    EXPECT_EQ(Message(), u"cannot load file: parse error"_s);
+}
+
+TEST_F(BookRoad, AFileThatCannotBeReadLeavesTheOldPage)
+{
+    OpenBook();
+    const QString old = CurrentBook;
+    const QString path = workplace.Path(u"folder.fb2"_s);
+    ASSERT_TRUE(MakeFolder(path));
+    EXPECT_FALSE(LoadBook(path, false));
+    EXPECT_EQ(Message(), u"cannot load file: "_s + path);
+    EXPECT_EQ(soundNames.last(), u"FileLoadError.wav"_s);
+    EXPECT_EQ(CurrentBook, old);
+    EXPECT_EQ(View().designMode(), u"On"_s);
+    EXPECT_GE(FindLine(u"First words"_s), 0);
+}
+
+TEST_F(BookRoad, APageThatCannotBeWrittenShowsNoOtherBookInItsPlace)
+{
+    OpenBook();
+    const QString old = CurrentBook;
+    // A folder with something in it can neither be replaced nor deleted.
+    ASSERT_TRUE(MakeFolder(TempFolder + u"/Fb2SourceHtml1.htm"_s));
+    ASSERT_TRUE(WriteFileText(TempFolder + u"/Fb2SourceHtml1.htm/file"_s, "text"));
+    const QString path = MakeBook(SmallBook, u"second.fb2"_s);
+    EXPECT_FALSE(LoadBook(path, false));
+    ASSERT_TRUE(WaitFor([this] { return View().location() == EmptyPageFile; }));
+    EXPECT_EQ(Message(), u"cannot load file: "_s + path);
+    EXPECT_EQ(CurrentBook, old);
+    EXPECT_TRUE(IsBookEmpty());
+    form->RunCommand(Command::SaveFile);
+    EXPECT_EQ(ReadFileText(old), SmallBook);
 }
 
 TEST_F(BookRoad, ABookThatIsNotWellFormedIsLoadedWithoutMargins)
@@ -219,6 +265,26 @@ TEST_F(BookRoad, ASaveAsTakesTheNewNameOver)
     EXPECT_EQ(CurrentBook, dialogAnswer);
     EXPECT_EQ(form->windowTitle(), u"VMK: copy.fb2"_s);
     EXPECT_EQ(LastSaveFolder, workplace.Folder() + u'/');
+}
+
+TEST_F(BookRoad, ASaveAsReplacesAnotherBookOnlyWhenTheUserAgrees)
+{
+    OpenBook();
+    const QString book = CurrentBook;
+    dialogAnswer = MakeBook("another book", u"other.fb2"_s);
+    form->Entry("uSaveFileAs")->trigger();
+    EXPECT_EQ(boxTexts, QStringList{dialogAnswer + u" exists\r\nDo you want to replace it?"_s});
+    EXPECT_EQ(ReadFileText(dialogAnswer), "another book");
+    EXPECT_EQ(CurrentBook, book);
+
+    boxAnswer = true;
+    form->Entry("uSaveFileAs")->trigger();
+    EXPECT_TRUE(ReadFileText(dialogAnswer).starts_with("<?xml"));
+    EXPECT_EQ(CurrentBook, dialogAnswer);
+
+    boxTexts.clear();
+    form->Entry("uSaveFileAs")->trigger();
+    EXPECT_TRUE(boxTexts.isEmpty()) << "the open book itself is saved without a question";
 }
 
 TEST_F(BookRoad, AnEmptyBookIsNotSavedReadOrValidated)
@@ -420,6 +486,8 @@ TEST_F(BookRoad, TheSchemaListShowsFilesWithTheirState)
     EXPECT_EQ(list->topLevelItem(0)->text(1), u"main"_s);
     EXPECT_EQ(list->topLevelItem(1)->text(1), u"complimentary"_s);
     EXPECT_EQ(list->topLevelItem(1)->text(2), u"found"_s);
+    EXPECT_FALSE(list->verticalScrollBar()->isVisible()) << "the form is as large as its list";
+    EXPECT_FALSE(list->horizontalScrollBar()->isVisible());
 }
 
 TEST_F(BookRoad, AClickOnASchemaShowsItAndClosingTheListClosesBoth)
@@ -433,6 +501,7 @@ TEST_F(BookRoad, AClickOnASchemaShowsItAndClosingTheListClosesBoth)
     ASSERT_NE(viewer, nullptr);
     EXPECT_EQ(viewer->windowTitle(), u" VMK Schema Viewer: FictionBook.xsd"_s);
     EXPECT_EQ(viewer->size(), QSize(600, 450));
+    EXPECT_TRUE(viewer->testAttribute(Qt::WA_ShowWithoutActivating)) << "book and list keep the focus";
     EXPECT_GT(viewer->SchemaWB->document().lineCount(), 100);
     EXPECT_EQ(viewer->SchemaWB->designMode(), u"Off"_s);
     list->window()->close();

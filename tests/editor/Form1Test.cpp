@@ -389,6 +389,31 @@ TEST_F(Form1Test, ASchemaIsDroppedOnItsField)
     EXPECT_EQ(form->SchemaFileL->text(), u"Mine.XSD"_s);
 }
 
+TEST_F(Form1Test, ASchemaDroppedOnItsDisabledFieldBringsValidationAgainstItBack)
+{
+    Open();
+    workplace.Make(u"Mine.xsd"_s, "<xs:schema/>");
+    form->ValidateOptL->setCurrentText(u"namespace!"_s);
+    ASSERT_FALSE(form->SchemaFileL->isEnabled());
+    // A disabled control hands the drag on to the window.
+    const QPoint place = form->SchemaFileL->mapTo(form.get(), form->SchemaFileL->rect().center());
+    EXPECT_TRUE(DropUrls(*form, {QUrl::fromLocalFile(workplace.Path(u"Mine.xsd"_s))}, place));
+    EXPECT_EQ(SchemaFile, workplace.Path(u"Mine.xsd"_s));
+    EXPECT_EQ(form->ValidateOptL->currentText(), u"schema"_s);
+    EXPECT_TRUE(form->SchemaFileL->isEnabled());
+}
+
+TEST_F(Form1Test, TheSchemaFieldsToolTipTellsWhatTheFieldIsTooShortFor)
+{
+    Open();
+    EXPECT_EQ(form->SchemaFileL->toolTip(), SchemaFile);
+    SchemaFile = workplace.Path(u"nowhere.xsd"_s);
+    form->RefreshSchemaField();
+    EXPECT_EQ(form->SchemaFileL->toolTip(), form->SchemaFileL->text());
+    form->ValidateOptL->setCurrentText(u"namespace!"_s);
+    EXPECT_EQ(form->SchemaFileL->toolTip(), QString());
+}
+
 // ---------------------------------------------------------------- start and stop
 
 TEST_F(Form1Test, TheWindowOpensAtItsSavedRectangle)

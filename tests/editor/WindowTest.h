@@ -54,7 +54,7 @@ protected:
         : boxes(BoxSeam(),
                 [this](BoxKind, const QString& text, const QString&) {
                     boxTexts.append(text);
-                    return false;
+                    return boxAnswer;
                 })
         , dialogs(FileDialogSeam(),
                   [this](const FileDialogRequest& request) {
@@ -170,6 +170,8 @@ protected:
     bool roomy = true;
     const Workplace workplace;
     QStringList boxTexts;
+    /// What a box that asks is answered.
+    bool boxAnswer = false;
     std::vector<FileDialogRequest> requests;
     QString dialogAnswer;
     QStringList soundNames;

@@ -227,12 +227,18 @@ protected:
         file.write(bytes);
         return path;
     }
-    void drop(const QMimeData& data)
+    /// Gives what the source is told that has been done with its data.
+    Qt::DropAction drop(const QMimeData& data)
     {
-        QDragEnterEvent enter({20, 20}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        const Qt::DropActions offered = Qt::CopyAction | Qt::MoveAction;
+        QDragEnterEvent enter({20, 20}, offered, &data, Qt::LeftButton, {});
+        enter.setDropAction(Qt::MoveAction);
         QApplication::sendEvent(view.viewport(), &enter);
-        QDropEvent event({20, 20}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QDropEvent event({20, 20}, offered, &data, Qt::LeftButton, {});
+        event.setDropAction(Qt::MoveAction);
+        event.ignore();
         QApplication::sendEvent(view.viewport(), &event);
+        return event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
     }
 
     QTemporaryDir folder;
@@ -287,11 +293,11 @@ TEST_F(ViewNavigation, ADroppedFileIsANavigationAndDroppedTextIsNothing)
     };
     QMimeData file;
     file.setUrls({QUrl::fromLocalFile(u"/some/folder/book.fb2"_s)});
-    drop(file);
+    EXPECT_EQ(drop(file), Qt::CopyAction) << "a move would let the source take its file away";
     EXPECT_EQ(targets, QStringList{u"/some/folder/book.fb2"_s});
     QMimeData words;
     words.setText(u"dropped"_s);
-    drop(words);
+    EXPECT_EQ(drop(words), Qt::IgnoreAction);
     EXPECT_EQ(targets.size(), 1);
     EXPECT_EQ(text(), before);
 }

@@ -8,20 +8,26 @@
 
 namespace vmk {
 
-/// Drags URLs onto the middle of a widget and lets go; true when the widget took the drag.
-inline bool DropUrls(QWidget& widget, const QList<QUrl>& urls)
+/// Drags URLs onto a place in a widget and lets go; true when the widget took both drag and drop, as a copy.
+inline bool DropUrls(QWidget& widget, const QList<QUrl>& urls, QPoint place)
 {
     QMimeData data;
     data.setUrls(urls);
-    const QPoint place = widget.rect().center();
     QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     enter.ignore();
     QCoreApplication::sendEvent(&widget, &enter);
     if (!enter.isAccepted())
         return false;
     QDropEvent drop(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    drop.ignore();
     QCoreApplication::sendEvent(&widget, &drop);
-    return true;
+    return drop.isAccepted() && drop.dropAction() == Qt::CopyAction;
+}
+
+/// The same onto the middle of a widget.
+inline bool DropUrls(QWidget& widget, const QList<QUrl>& urls)
+{
+    return DropUrls(widget, urls, widget.rect().center());
 }
 
 inline bool DropFile(QWidget& widget, const QString& path)

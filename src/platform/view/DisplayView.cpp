@@ -518,24 +518,31 @@ void DisplayView::timerEvent(QTimerEvent* event)
     }
 }
 
+bool DisplayView::acceptUrls(QDropEvent& event)
+{
+    if (!event.mimeData()->hasUrls())
+        return false;
+    // As a copy: a source told of a move may take its file away.
+    event.setDropAction(Qt::CopyAction);
+    event.accept();
+    return true;
+}
+
 void DisplayView::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (event->mimeData()->hasUrls())
-        event->acceptProposedAction();
+    acceptUrls(*event);
 }
 
 void DisplayView::dragMoveEvent(QDragMoveEvent* event)
 {
-    if (event->mimeData()->hasUrls())
-        event->acceptProposedAction();
+    acceptUrls(*event);
 }
 
 void DisplayView::dropEvent(QDropEvent* event)
 {
     // A file dropped is a navigation, for the owner to decide on; text is never dropped in.
-    if (!event->mimeData()->hasUrls())
+    if (!acceptUrls(*event))
         return;
-    event->acceptProposedAction();
     const QUrl url = event->mimeData()->urls().constFirst();
     Navigate(url.isLocalFile() ? url.toLocalFile() : url.toString());
 }

@@ -152,6 +152,8 @@ private:
     void selectionChanged() override;
     void documentReset() override;
 
+    static bool acceptUrls(QDropEvent& event);
+
     // Events to the owner.
     [[nodiscard]] DisplayEvent makeEvent(QLatin1StringView type, Qt::KeyboardModifiers modifiers) const;
     bool raise(const DisplayEvents::Handler& handler, DisplayEvent& event);
