@@ -137,7 +137,7 @@ private:
     void fillSeams();
     void emptySeams();
     void makeMenus();
-    void fillMenu(QMenu& menu, std::span<const MenuEntry> entries);
+    void fillMenu(QMenu& menu, std::span<const MenuEntry> rows);
     void makeToolbar();
     void makeSchemaControls();
     void makeDisplay();

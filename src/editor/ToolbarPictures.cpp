@@ -104,7 +104,7 @@ public:
         return picture;
     }
 
-    QIconEngine* clone() const override { return new PictureEngine(name, drawing); }
+    [[nodiscard]] QIconEngine* clone() const override { return new PictureEngine(name, drawing); }
     bool isNull() override { return drawing.isEmpty(); }
 
 private:

@@ -71,7 +71,8 @@ std::vector<LinePtr> ShiftLines(DisplayDocument& document, const SelectedLines& 
 {
     QHash<TagId, TagId> shifted;
     std::vector<LinePtr> newLines;
-    newLines.reserve(std::size_t(lines.last - lines.first + 1));
+    const int count = lines.last - lines.first + 1;
+    newLines.reserve(std::size_t(count));
     for (int i = lines.first - 1; i < lines.last; ++i) {
         const LinePtr& old = document.linePtr(i);
         auto block = shifted.constFind(old->block);

@@ -45,7 +45,7 @@ public:
 
 namespace {
 
-constexpr size_t PieceSize = 16 * 1024;
+constexpr size_t PieceSize = 16'384;
 constexpr size_t LongestCharacter = 8;
 
 /// One byte a character.
@@ -113,7 +113,8 @@ public:
     IconvDecoder(const IconvDecoder&) = delete;
     IconvDecoder& operator=(const IconvDecoder&) = delete;
 
-    [[nodiscard]] bool isOpen() const { return handle != reinterpret_cast<iconv_t>(-1); }
+    // iconv_open() tells of a failure by a pointer of -1.
+    [[nodiscard]] bool isOpen() const { return reinterpret_cast<intptr_t>(handle) != -1; }
 
     Step decode(std::string_view in, char* out, size_t room) override
     {
@@ -188,17 +189,16 @@ bool IsEncodingName(std::string_view name)
 /// Two or four bytes a character: what is declared in single bytes can't be in one of these.
 bool IsWide(std::string_view lowerName)
 {
-    for (const std::string_view start :
-         {"utf-16", "utf16", "utf-32", "utf32", "ucs", "iso-10646-ucs", "unicode"})
-        if (lowerName.starts_with(start))
-            return true;
-    return false;
+    static constexpr std::array<std::string_view, 7> Starts
+        = {"utf-16", "utf16", "utf-32", "utf32", "ucs", "iso-10646-ucs", "unicode"};
+    return std::ranges::any_of(Starts,
+                               [lowerName](std::string_view start) { return lowerName.starts_with(start); });
 }
 
 } // namespace
 
-XmlInput::XmlInput(std::string_view text, XmlEncoding encoding)
-    : bytes(text)
+XmlInput::XmlInput(std::string_view source, XmlEncoding encoding)
+    : bytes(source)
 {
     choose(encoding);
 }

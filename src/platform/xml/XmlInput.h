@@ -66,7 +66,7 @@ public:
         std::string reason;
     };
 
-    XmlInput(std::string_view bytes, XmlEncoding encoding);
+    XmlInput(std::string_view source, XmlEncoding encoding);
     XmlInput(const XmlInput&) = delete;
     XmlInput& operator=(const XmlInput&) = delete;
     ~XmlInput();

@@ -210,7 +210,7 @@ qsizetype Pass::placeOf(const Found& error) const
         return orHere(before.rfind('&'));
     if (error.place == Place::Text) {
         // Behind a start tag the parser's place is before its ">".
-        size_t at = static_cast<size_t>(markupEnd);
+        auto at = static_cast<size_t>(markupEnd);
         if (at < before.size() && before[at] == '/')
             ++at;
         if (at < before.size() && before[at] == '>')
@@ -390,19 +390,19 @@ void Pass::sendStart(const xmlChar* name, const xmlChar* prefix, int namespaceCo
                      const xmlChar** namespaces, int attributeCount, const xmlChar** attributes)
 {
     // All names first, as views into them need them in their final places.
-    const auto count = static_cast<size_t>(namespaceCount + attributeCount);
+    const auto count = static_cast<size_t>(namespaceCount) + static_cast<size_t>(attributeCount);
     std::vector<std::string> names;
     names.reserve(count);
     std::vector<std::string> values;
     values.reserve(count);
     std::vector<XmlAttribute> sent;
     sent.reserve(count);
-    for (int i = 0; i < namespaceCount; ++i) {
+    for (ptrdiff_t i = 0; i < namespaceCount; ++i) {
         const xmlChar** declaration = namespaces + 2 * i; // prefix, URI
         names.push_back(declaration[0] == nullptr ? "xmlns" : "xmlns:" + std::string(View(declaration[0])));
         sent.push_back({names.back(), resolved(declaration[1], View(declaration[1]), values)});
     }
-    for (int i = 0; i < attributeCount; ++i) {
+    for (ptrdiff_t i = 0; i < attributeCount; ++i) {
         const xmlChar** attribute = attributes + 5 * i; // name, prefix, URI, value, end of value
         names.push_back(QName(attribute[0], attribute[1]));
         const auto length = static_cast<int>(attribute[4] - attribute[3]);

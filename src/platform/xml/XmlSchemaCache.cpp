@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr std::string_view SchemaNamespace = "http://www.w3.org/2001/XMLSchema";
-constexpr qint64 LargestSchemaFile = 64 * 1024 * 1024;
+constexpr qint64 LargestSchemaFile = 64LL * 1024 * 1024;
 
 /// What is read while one schema is compiled on this thread.
 class Compilation
@@ -131,7 +131,7 @@ XmlDocPtr ReadTree(const QByteArray& bytes, const QByteArray& url)
 std::string Attribute(const xmlNode* node, const char* name)
 {
     xmlChar* value = xmlGetNoNsProp(const_cast<xmlNode*>(node), reinterpret_cast<const xmlChar*>(name));
-    const std::string text = value == nullptr ? std::string() : reinterpret_cast<const char*>(value);
+    std::string text = value == nullptr ? std::string() : reinterpret_cast<const char*>(value);
     xmlFree(value);
     return text;
 }

@@ -64,7 +64,7 @@ std::optional<Validation::Problem> Validation::checkIds(const xmlChar* element, 
                                                         const xmlChar** attributes)
 {
     constexpr std::string_view Blanks = " \t\r\n";
-    for (int i = 0; i < attributeCount; ++i) {
+    for (ptrdiff_t i = 0; i < attributeCount; ++i) {
         const xmlChar** attribute = attributes + 5 * i; // name, prefix, URI, value, end of value
         if (attribute[2] != nullptr || std::ranges::find(idNames, attribute[0]) == idNames.end())
             continue;
