@@ -17,6 +17,8 @@ class ViewTest : public testing::Test
 protected:
     static constexpr int Width = 500;
     static constexpr int Height = 400;
+    /// Milliseconds; only a failure takes that long.
+    static constexpr int Patience = 20'000;
 
     void show(const QByteArray& lines, QSize size = {Width, Height})
     {
@@ -74,7 +76,7 @@ protected:
     void measureAll()
     {
         static_cast<void>(view.scrollTop());
-        ASSERT_TRUE(QTest::qWaitFor([this] { return view.isMeasured(); }, 20000));
+        ASSERT_TRUE(QTest::qWaitFor([this] { return view.isMeasured(); }, Patience));
     }
 
     [[nodiscard]] QPoint pointOf(Position place)

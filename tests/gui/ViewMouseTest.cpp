@@ -183,11 +183,11 @@ TEST_F(ViewMouse, ThePageScrollsWhileADragIsHeldOutside)
     show(Lines.repeated(100));
     press(pointOf({1, 3}));
     drag({60, view.clientHeight() + 40});
-    ASSERT_TRUE(QTest::qWaitFor([this] { return view.scrollTop() > Height; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return view.scrollTop() > Height; }, Patience));
     EXPECT_GT(caret().line, 30);
     EXPECT_EQ(document().selection().anchor, (Position{1, 3}));
     drag({60, -40});
-    ASSERT_TRUE(QTest::qWaitFor([this] { return view.scrollTop() == 0; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return view.scrollTop() == 0; }, Patience));
     release({60, 10});
     const int still = view.scrollTop();
     QTest::qWait(100);
@@ -255,7 +255,7 @@ TEST_F(ViewNavigation, APageCompletesFromTheEventLoopReadOnly)
     EXPECT_TRUE(view.Navigate(path));
     EXPECT_EQ(order, QStringList{u"before "_s + path});
     EXPECT_EQ(view.readyState(), u"loading"_s);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return order.size() == 3; }, 2000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return order.size() == 3; }, Patience));
     EXPECT_EQ(order[1], u"complete "_s + path);
     EXPECT_EQ(order[2], u"completeOff"_s);
     EXPECT_EQ(text(), u"from a file"_s);
@@ -265,7 +265,7 @@ TEST_F(ViewNavigation, APageCompletesFromTheEventLoopReadOnly)
     // Making it editable is told again, behind the call.
     view.setDesignMode(u"On"_s);
     EXPECT_EQ(order.size(), 3);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return order.size() == 4; }, 2000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return order.size() == 4; }, Patience));
     EXPECT_EQ(order[3], u"completeOn"_s);
     type("x");
     EXPECT_EQ(text(), u"xfrom a file"_s);
@@ -310,7 +310,7 @@ TEST_F(ViewNavigation, APageInItsCodePageIsReadByItsCharset)
                     "http-equiv=\"Content-Type\"><BODY><DIV>\xcf\xf0\xe8\xe2\xe5\xf2</DIV></BODY></HTML>");
     show(Lines);
     view.Navigate(path);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return view.readyState() == u"complete"; }, 2000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return view.readyState() == u"complete"; }, Patience));
     EXPECT_EQ(text(), u"Привет"_s);
 }
 
@@ -318,7 +318,7 @@ TEST_F(ViewNavigation, AMissingFileShowsAnEmptyPage)
 {
     show(Lines);
     view.Navigate(folder.filePath(u"nothing.htm"_s));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return view.readyState() == u"complete"; }, 2000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return view.readyState() == u"complete"; }, Patience));
     EXPECT_EQ(text(), QString());
     EXPECT_LE(view.scrollHeight(), view.clientHeight());
 }

@@ -259,15 +259,25 @@ TEST(Sound, WhatIsNoUncompressedWaveIsRefused)
     EXPECT_FALSE(ReadWaveSound(QByteArray("RIFF1234WAVEfmt \xff\xff\xff\xff", 20) + QByteArray(40, '\1')));
 }
 
+namespace {
+
+// Plays of nothing that a busy machine, too, gets through before as many sounds would have ended.
+constexpr int ManyPlays = 20;
+constexpr int ShortestSound = 300; // milliseconds
+
+} // namespace
+
 TEST(Sound, AMissingOrBrokenFileIsPassedOverAtOnce)
 {
     const Workplace place;
     place.Make(u"broken.wav"_s, "RIFF....WAVE");
     QElapsedTimer timer;
     timer.start();
-    PlayToEnd(place.Path(u"missing.wav"_s));
-    PlayToEnd(place.Path(u"broken.wav"_s));
-    EXPECT_LT(timer.elapsed(), 100);
+    for (int i = 0; i < ManyPlays; ++i) {
+        PlayToEnd(place.Path(u"missing.wav"_s));
+        PlayToEnd(place.Path(u"broken.wav"_s));
+    }
+    EXPECT_LT(timer.elapsed(), ManyPlays * ShortestSound / 2);
 }
 
 TEST(Sound, AMachineWithoutADeviceStaysSilentAndGoesOnAtOnce)
@@ -276,8 +286,9 @@ TEST(Sound, AMachineWithoutADeviceStaysSilentAndGoesOnAtOnce)
         GTEST_SKIP() << "this machine has a sound device";
     QElapsedTimer timer;
     timer.start();
-    PlayToEnd(QLatin1StringView(VMK_BIN_DIR "/sounds/NoParseError.wav"));
-    EXPECT_LT(timer.elapsed(), 100);
+    for (int i = 0; i < ManyPlays; ++i)
+        PlayToEnd(QLatin1StringView(VMK_BIN_DIR "/sounds/NoParseError.wav"));
+    EXPECT_LT(timer.elapsed(), ManyPlays * ShortestSound / 2);
 }
 
 TEST(Sound, TheProgramStandsStillUntilTheSoundHasEnded)

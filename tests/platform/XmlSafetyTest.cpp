@@ -1,5 +1,6 @@
 // Hostile and broken input: always a clear error, in bounded time and memory.
 
+#include "ProcessorTime.h"
 #include "XmlDocument.h"
 #include "XmlSaxReader.h"
 
@@ -7,7 +8,6 @@
 
 #include <QTemporaryDir>
 
-#include <ctime>
 #include <fstream>
 #include <string>
 #include <thread>
@@ -60,11 +60,9 @@ public:
 
 int ErrorCode(std::string_view text, XmlSaxHandler* handler = nullptr)
 {
-    // The processor's time: how busy the machine is otherwise does not matter.
-    const std::clock_t start = std::clock();
+    const ProcessorTime time;
     const XmlParseError error = ReadXml(text, XmlEncoding::byDeclaration(), handler);
-    const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-    EXPECT_LT(seconds, MostSeconds) << text.substr(0, 200);
+    EXPECT_LT(time.seconds(), MostSeconds) << text.substr(0, 200);
     EXPECT_EQ(error.reason.isEmpty(), error.errorCode == 0);
     EXPECT_FALSE(error.reason.contains(u'\n'));
     return error.errorCode;
