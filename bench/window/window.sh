@@ -9,14 +9,8 @@
 
 set -eu
 bin=$1
-folder=$(mktemp -d)
-server=
-trap '[ -n "$server" ] && kill "$server" 2>/dev/null; rm -rf "$folder"' EXIT
-Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$folder/display" 2>/dev/null &
-server=$!
-until [ -s "$folder/display" ]; do sleep 0.1; done
-DISPLAY=:$(cat "$folder/display")
-export DISPLAY QT_QPA_PLATFORM=xcb LC_ALL=C.UTF-8
+. "$(dirname "$0")/../../packaging/x-display.sh"
+start_x_display
 
 mkdir "$folder/program"
 cp -r "$bin/vellumark" "$bin/VMK Office" "$folder/program/"

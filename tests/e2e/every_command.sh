@@ -11,52 +11,22 @@ set -u
 bin=$1
 source=$2
 pictures=${3:-}
-for program in Xvfb xdotool import identify; do
-    command -v "$program" >/dev/null || { echo "skipped: $program is not installed"; exit 77; }
-done
+. "$(dirname "$0")/program.sh"
 [ -f "$source" ] || { echo "skipped: no book $source"; exit 77; }
 
-folder=$(mktemp -d)
-server=
-program=
-stop() {
-    [ -n "$program" ] && kill "$program" 2>/dev/null
-    [ -n "$server" ] && kill "$server" 2>/dev/null
-    wait 2>/dev/null
-    rm -rf "$folder"
-}
-trap stop EXIT
-
-Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$folder/display" 2>/dev/null &
-server=$!
-for _ in $(seq 100); do
-    [ -s "$folder/display" ] && break
-    sleep 0.1
-done
-DISPLAY=:$(cat "$folder/display")
-export DISPLAY QT_QPA_PLATFORM=xcb LC_ALL=C.UTF-8
-[ "$DISPLAY" = : ] && { echo "Xvfb did not start"; exit 1; }
-
-mkdir "$folder/program"
-cp -r "$bin/vellumark" "$bin/VMK Office" "$folder/program/"
+open_display
 cp "$source" "$folder/book.fb2"
-
-"$folder/program/vellumark" "$folder/book.fb2" 2>/dev/null &
-program=$!
-window=$(timeout 60 xdotool search --sync --onlyvisible --name 'VMK: ' | head -n 1)
-for _ in $(seq 240); do
-    # The panel of the file's length is written when the document is complete.
-    [ "$(import -window root -crop 90x14+494+460 png:- | identify -format %k -)" -gt 4 ] && break
-    sleep 0.25
-done
-xdotool windowfocus --sync "$window" sleep 0.2 mousemove 300 300 click 1 sleep 0.3
+launch "$folder/book.fb2"
+wait_for_document || { echo "FAILED: the document was never complete"; exit 1; }
+xdotool mousemove 300 300 click 1
+settle "$program"
 
 keys() { xdotool key --delay 15 "$@"; }
 words() { xdotool type --delay 15 -- "$1"; }
 repeat() { local times=$1; shift; for _ in $(seq "$times"); do keys "$@"; done; }
-picture() { [ -n "$pictures" ] && import -window root "$pictures/$1.png"; }
+picture() { [ -z "$pictures" ] || { settle "$program"; import -window root "$pictures/$1.png"; }; }
 # An entry of the menu Edit, counted from its last one.
-edit_menu() { keys F10 Right; repeat "$1" Up; keys Return; sleep 0.2; }
+edit_menu() { keys F10 Right; repeat "$1" Up; keys Return; settle "$program"; }
 # A finished line: paragraph tags around what stands in it, and a new line behind.
 end_line() { keys Home; words '<p>'; keys End; words '</p>'; keys Return; }
 
@@ -83,24 +53,20 @@ words 'undone'; keys shift+Home ctrl+b ctrl+z End; end_line
 words 'redone'; keys shift+Home ctrl+b ctrl+z ctrl+y End; end_line
 
 # The other paste makes a line of its own; its caret is counted from the last press of the mouse.
-words 'lower'; keys shift+Home ctrl+x; words 'upper'; keys ctrl+h; sleep 0.2
+words 'lower'; keys shift+Home ctrl+x; words 'upper'; keys ctrl+h; settle "$program"
 to_section_end
 for _ in 1 2; do keys Up Home; words '<p>'; keys End; words '</p>'; done
 keys Down End Return
 
 # Shifts and a repaint leave the text alone.
-words '<p>painted</p>'; sleep 0.2; picture before-repaint
-keys Escape; sleep 0.3; picture after-repaint
+words '<p>painted</p>'; picture before-repaint
+keys Escape; settle "$program"; picture after-repaint
 keys Tab Tab ctrl+Tab
 # Everything painted, and taken back at one stroke.
-keys ctrl+a Escape ctrl+z; sleep 0.5
-keys F4; sleep 1
+keys ctrl+a Escape ctrl+z; settle "$program"
+keys F4
 picture saved
-keys F10 Down Up Return
-for _ in $(seq 100); do
-    kill -0 "$program" 2>/dev/null || break
-    sleep 0.1
-done
+leave_by_menu || { echo "FAILED: the program did not end by its menu"; exit 1; }
 
 python3 - "$source" "$folder/expected.fb2" <<'PY'
 import sys

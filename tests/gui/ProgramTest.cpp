@@ -66,6 +66,7 @@ protected:
     {
         program.setProcessEnvironment(desktop->environment());
         program.setWorkingDirectory(place.Folder());
+        program.setChildProcessModifier(XDesktop::GoWithTheTest);
         program.start(executable(), arguments);
         ASSERT_TRUE(program.waitForStarted());
     }
@@ -105,7 +106,7 @@ TEST_F(Program, ACleanBookIsReportedUntilTheUserClosesTheForm)
     ASSERT_FALSE(report.isEmpty());
     EXPECT_FALSE(program.waitForFinished(500)) << "it waits for the user";
     EXPECT_TRUE(desktop->windows(MainWindow).isEmpty());
-    desktop->press(desktop->waitForWindow(Report), u"Escape"_s);
+    ASSERT_TRUE(desktop->press(desktop->waitForWindow(Report), u"Escape"_s));
     expectEnd();
 }
 
@@ -142,7 +143,7 @@ TEST_F(Program, ValidatingAWrongExtensionEndsBehindItsBox)
     const QString box = desktop->waitForWindow(u"^VMK: notes.txt$"_s);
     ASSERT_FALSE(box.isEmpty());
     EXPECT_TRUE(desktop->windows(MainWindow).isEmpty());
-    desktop->press(box, u"Return"_s);
+    ASSERT_TRUE(desktop->press(box, u"Return"_s));
     expectEnd();
 }
 
@@ -151,7 +152,7 @@ TEST_F(Program, ValidatingAMissingFileEndsBehindItsBox)
     start({u"missing.fb2"_s, u"-V"_s});
     const QString box = desktop->waitForWindow(u"^VMK: missing.fb2$"_s);
     ASSERT_FALSE(box.isEmpty());
-    desktop->press(box, u"Return"_s);
+    ASSERT_TRUE(desktop->press(box, u"Return"_s));
     expectEnd();
 }
 
@@ -160,9 +161,9 @@ TEST_F(Program, LoadingAWrongExtensionLeavesTheMainWindowBehindTheBox)
     start({u"notes.txt"_s, u"-L"_s});
     const QString box = desktop->waitForWindow(u"^VMK: notes.txt$"_s);
     ASSERT_FALSE(box.isEmpty());
-    desktop->press(box, u"Return"_s);
+    ASSERT_TRUE(desktop->press(box, u"Return"_s));
     EXPECT_TRUE(XDesktop::WaitUntil([&] { return desktop->windows(u"^VMK: notes.txt$"_s).isEmpty(); }));
-    EXPECT_FALSE(desktop->windows(MainWindow).isEmpty());
+    EXPECT_FALSE(desktop->waitForWindow(MainWindow).isEmpty());
     EXPECT_TRUE(runs());
 }
 
@@ -196,6 +197,7 @@ TEST_F(Program, TwoProgramsRunSideBySide)
     ASSERT_FALSE(desktop->waitForWindow(MainWindow).isEmpty());
     QProcess second;
     second.setProcessEnvironment(desktop->environment());
+    second.setChildProcessModifier(XDesktop::GoWithTheTest);
     second.start(executable(), {});
     EXPECT_TRUE(XDesktop::WaitUntil([&] { return desktop->windows(MainWindow).size() == 2; }));
     second.kill();

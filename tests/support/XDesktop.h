@@ -10,6 +10,9 @@
 
 #include <functional>
 
+#include <csignal>
+#include <sys/prctl.h>
+
 namespace vmk {
 
 /// A virtual X display of a test's own, gone afterwards, and the user's hands on it.
@@ -27,6 +30,7 @@ public:
     {
         // It picks a free display and writes its number as soon as it can be reached. One that starts anew
         // whenever its last client leaves would lose the next.
+        server.setChildProcessModifier(GoWithTheTest);
         server.start(QStringLiteral("Xvfb"),
                      {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
                       QStringLiteral("0"), QStringLiteral("1024x768x24"), QStringLiteral("-nolisten"),
@@ -72,11 +76,21 @@ public:
         return found;
     }
 
-    /// Types a key, named as X names it, into a window.
-    void press(const QString& window, const QString& key) const
+    /// Types a key, named as X names it, into a window; false if the window does not take the keys in time.
+    [[nodiscard]] bool press(const QString& window, const QString& key) const
     {
-        hand({QStringLiteral("windowfocus"), QStringLiteral("--sync"), window, QStringLiteral("key"), key});
+        // One that has only just appeared may refuse.
+        const bool taken = WaitUntil([&] {
+            hand({QStringLiteral("windowfocus"), window});
+            return hand({QStringLiteral("getwindowfocus")}).trimmed() == window.toLatin1();
+        });
+        if (taken)
+            hand({QStringLiteral("key"), key});
+        return taken;
     }
+
+    /// For a process that is about to start: it does not outlive the test, even one that crashes.
+    static void GoWithTheTest() { ::prctl(PR_SET_PDEATHSIG, SIGTERM); }
 
     /// False if the condition did not come true in time.
     static bool WaitUntil(const std::function<bool()>& condition)
@@ -91,7 +105,7 @@ public:
         return true;
     }
 
-    static constexpr int PatienceMilliseconds = 30000;
+    static constexpr int PatienceMilliseconds = 60000;
 
 private:
     /// What the user's hand finds or does.
@@ -101,7 +115,7 @@ private:
         tool.setProcessEnvironment(environment());
         tool.start(QStringLiteral("xdotool"), arguments);
         // A window that goes while the tool looks at it can leave the tool waiting for ever.
-        constexpr int ToolPatienceMilliseconds = 2000;
+        constexpr int ToolPatienceMilliseconds = 20000;
         if (!tool.waitForFinished(ToolPatienceMilliseconds)) {
             tool.kill();
             tool.waitForFinished();
