@@ -117,7 +117,7 @@ TEST_F(Program, ATornBookIsOpenedBehindItsBoxWhichOutlivesTheReport)
     // The window, still without a book, and the box before it.
     ASSERT_TRUE(XDesktop::WaitUntil([&] { return desktop->windows(u"^Vellumark$"_s).size() >= 2; }));
     EXPECT_TRUE(XDesktop::WaitUntil([&] { return desktop->windows(Report).isEmpty(); }));
-    desktop->press(desktop->windows(u"^Vellumark$"_s).last(), u"Return"_s);
+    ASSERT_TRUE(desktop->press(desktop->windows(u"^Vellumark$"_s).last(), u"Return"_s));
     EXPECT_FALSE(desktop->waitForWindow(u"^ VMK: torn.fb2$"_s).isEmpty());
     EXPECT_FALSE(program.waitForFinished(500)) << "the main window stays open";
 }
