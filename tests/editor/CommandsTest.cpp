@@ -260,6 +260,34 @@ TEST_F(Commands, OneUndoTakesAShiftOrARepaintBackWithItsSelection)
     }
 }
 
+TEST_F(Commands, ALineHigherThanTheViewStaysWhereItIsUnderAShiftOrARepaint)
+{
+    // A narrower line breaks elsewhere, and so do the pieces that a long one is laid out in.
+    const std::pair<int, int> lines[] = {{550, 20}, {4'000, 200}};
+    for (const auto& [count, tolerance] : lines) {
+        std::string text = SmallBook;
+        std::string words;
+        for (int i = 0; i < count; ++i)
+            words += "word" + std::to_string(i) + " and ";
+        OpenBook(text.insert(text.find("Third"), words));
+        form->resize(700, 350);
+        const QString word = u"word%1 "_s.arg(count / 2);
+        const Position caret = PlaceOf(word);
+        for (const Keys& keys : {Keys{Qt::Key_Escape, {}}, {Qt::Key_Tab, {}}, {Qt::Key_Tab, Ctrl}}) {
+            PutCaret(caret);
+            View().scrollIntoView({caret.line, caret.offset - 400});
+            const int top = View().scrollTop();
+            ASSERT_GT(top, View().clientHeight());
+            Key(keys.key, keys.modifiers);
+            EXPECT_NEAR(View().scrollTop(), top, tolerance);
+            EXPECT_EQ(Document().selection().focus.line, caret.line);
+            EXPECT_NEAR(Document().selection().focus.offset, caret.offset, 3) << count;
+            Key(Qt::Key_Z, Ctrl);
+            EXPECT_EQ(Document().selection().focus, caret);
+        }
+    }
+}
+
 // ---------------------------------------------------------------- the context menu
 
 namespace {

@@ -631,6 +631,7 @@ TEST_F(Events, ARangeOverAnEmptyLineIsInThatLine)
         PutCaret({empty, 0});
         Key(key);
         EXPECT_EQ(Document().lineCount(), count);
+        EXPECT_EQ(Document().selection().focus, (Position{empty, 0}));
         Key(Qt::Key_Z, Qt::ControlModifier);
         EXPECT_EQ(Document().savePage(), before);
     }

@@ -47,6 +47,7 @@ SelectedLines TakeSelectedLines(DisplayDocument& document)
 {
     TextRange range = createRange(document);
     SelectedLines lines;
+    lines.at = range.start();
     if (range.boundingWidth() <= 0) {
         lines.caret = true;
         lines.place = {range.offsetLeft(), range.offsetTop()};
@@ -122,6 +123,16 @@ void PlaceCaret(DisplayDocument& document, QPoint clientPoint)
 {
     TextRange range = createRange(document);
     range.moveToPoint(clientPoint.x(), clientPoint.y());
+    range.select();
+}
+
+void PutCaretBack(DisplayDocument& document, const SelectedLines& lines, QPoint move, int characters)
+{
+    TextRange range(document, lines.at, lines.at);
+    if (range.offsetTop() == lines.place.y()) {
+        range.moveToPoint(lines.place.x() + move.x(), lines.place.y() + move.y());
+        range.move(u"character", characters);
+    }
     range.select();
 }
 

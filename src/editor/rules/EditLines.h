@@ -21,6 +21,7 @@ struct SelectedLines
     int last = -1;
     bool caret = false; ///< Nothing was selected.
     QPoint place; ///< The caret's client coordinates, pixels; only with `caret`.
+    Position at; ///< Where the selection begins.
 
     explicit operator bool() const { return first >= 1 && last >= 1; }
 };
@@ -44,5 +45,11 @@ void ReplaceLines(DisplayDocument& document, const SelectedLines& lines, std::ve
 
 /// Puts the caret at the character nearest to a client point.
 void PlaceCaret(DisplayDocument& document, QPoint clientPoint);
+
+/// Puts the caret back into its line, which has been replaced by one of the same text: at the character
+/// nearest to its old client point. Where the row has moved away from there the caret goes with its text.
+/// @param move    pixels from the old point to the one that counts
+/// @param characters  how many characters to move on from there
+void PutCaretBack(DisplayDocument& document, const SelectedLines& lines, QPoint move, int characters);
 
 } // namespace vmk

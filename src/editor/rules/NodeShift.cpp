@@ -92,17 +92,10 @@ std::vector<LinePtr> ShiftLines(DisplayDocument& document, const SelectedLines& 
 /// Puts caret or selection where the user expects them behind a shift.
 void SelectShifted(DisplayDocument& document, const SelectedLines& lines, int caretMove, int characters)
 {
-    if (!lines.caret) {
+    if (lines.caret)
+        PutCaretBack(document, lines, {caretMove, 0}, characters);
+    else
         SelectLines(document, lines);
-        return;
-    }
-    TextRange range = createRange(document);
-    range.moveToPoint(lines.place.x() + caretMove, lines.place.y());
-    if (characters != 0) {
-        range.moveStart(u"character", characters);
-        range.moveEnd(u"character", characters);
-    }
-    range.select();
 }
 
 } // namespace

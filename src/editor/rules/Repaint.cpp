@@ -116,7 +116,7 @@ void RePaintSelection(DisplayDocument& document, const LastPress& lastPress)
     UndoSteps = 2;
 
     if (lines.caret) {
-        PlaceCaret(document, lines.place - QPoint(1, 0));
+        PutCaretBack(document, lines, {-1, 0}, 0);
         return;
     }
     if (document.layout() != nullptr)

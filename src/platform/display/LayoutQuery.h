@@ -16,7 +16,7 @@ class LayoutQuery
 {
 public:
     /// One rectangle for each line box that the text from `from` to `to` touches, top down, in client
-    /// coordinates; a bare place gives one of width 0. Empty lines give none.
+    /// coordinates; a bare place gives one of width 0. Within a longer range empty lines may give none.
     [[nodiscard]] virtual std::vector<QRect> clientRects(Position from, Position to) = 0;
     /// The rectangle around all of `clientRects`. A view need not lay out a long text for it: lines between
     /// the first and the last may count with the whole width of their blocks.

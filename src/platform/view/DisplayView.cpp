@@ -207,8 +207,10 @@ void DisplayView::settle()
     if (settling)
         return;
     settling = true;
-    if (std::exchange(unsettled, false))
+    if (std::exchange(unsettled, false)) {
+        lostAnchor.reset();
         holdAnchor();
+    }
     if (std::exchange(revealPending, false))
         revealNow(content.selection().focus);
     settling = false;
@@ -265,10 +267,16 @@ void DisplayView::updateScrollBar()
 void DisplayView::moveAnchor(int first, int removed, int inserted)
 {
     Position& place = anchor.place;
-    if (place.line >= first + removed)
+    const std::optional<LostAnchor> lost = std::exchange(lostAnchor, std::nullopt);
+    if (lost && lost->first == first && removed < inserted) {
+        // The lines that were taken out have come again, changed: what was in view stays there.
+        anchor = lost->anchor;
+    } else if (place.line >= first + removed) {
         place.line += inserted - removed;
-    else if (place.line >= first + inserted)
+    } else if (place.line >= first + inserted) {
+        lostAnchor = LostAnchor{first, anchor};
         place = {std::max(0, first + inserted - 1), 0};
+    }
     place = content.valid(place);
 }
 

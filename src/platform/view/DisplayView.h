@@ -214,6 +214,13 @@ private:
 
     /// The first visible row: what the page is held by while heights change.
     LayoutAnchor anchor;
+    /// The anchor in lines that have just been taken out, the first of them `first`.
+    struct LostAnchor
+    {
+        int first;
+        LayoutAnchor anchor;
+    };
+    std::optional<LostAnchor> lostAnchor;
     /// The height of the page that stands at the view's top edge.
     int top = 0;
     /// Something has changed since the page was last placed.

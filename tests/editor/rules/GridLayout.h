@@ -29,7 +29,7 @@ public:
         for (int line = from.line; line <= to.line; ++line) {
             const int begin = line == from.line ? from.offset : 0;
             const int end = line == to.line ? to.offset : int(document.line(line).text.size());
-            if (!document.line(line).text.isEmpty())
+            if (from == to || !document.line(line).text.isEmpty())
                 rects.emplace_back(margin(line) + begin * CellWidth, line * RowHeight - scrolled.y(),
                                    (end - begin) * CellWidth, RowHeight);
         }
