@@ -79,13 +79,16 @@ bool CutBinaryPart(std::string& text, std::string& binaryPart)
 bool SplitBinaryPart(std::string& text, bool preview)
 {
     BadBinaryPart = false;
-    BinaryPart.clear();
-    if (CutBinaryPart(text, BinaryPart))
+    // The pictures of a preview go: those of the open book stay, or its next save would lose them.
+    std::string ofPreview;
+    std::string& binaries = preview ? ofPreview : BinaryPart;
+    binaries.clear();
+    if (CutBinaryPart(text, binaries))
         return true;
 
     const QString sound = u"ParseError.wav"_s;
     if (preview) {
-        ShowEmptyPage(u"Cannot open file: bad binary part"_s, QString(), sound, true, true);
+        ShowEmptyPage(u"Cannot open file: bad binary part"_s, QString(), sound, true, false);
     } else {
         ShowEmptyPage(u"Vellumark"_s, u"cannot open file: bad binary part"_s, sound, false, false);
         BadBinaryPart = true;

@@ -12,8 +12,8 @@ namespace vmk {
 /// \return false, with both left as they are, if the part is damaged: no end tag behind the first start tag
 [[nodiscard]] bool CutBinaryPart(std::string& text, std::string& binaryPart);
 
-/// `CutBinaryPart` into `BinaryPart`. A damaged part is refused with the blank page, a box, and
-/// `BadBinaryPart` set unless for a preview.
+/// `CutBinaryPart` into `BinaryPart`; for a preview into nowhere. A damaged part is refused with the blank
+/// page, a box, and `BadBinaryPart` set unless for a preview.
 [[nodiscard]] bool SplitBinaryPart(std::string& text, bool preview);
 
 /// Writes every `&lt;` and `&gt;` as U+2039 and U+203A, so that each angle bracket left is mark-up.

@@ -16,12 +16,13 @@ namespace vmk {
 namespace {
 
 /// Tells that the book will be shown without a tree.
-void WarnOfNamespaceError()
+void WarnOfNamespaceError(bool preview)
 {
-    // The setting counts for a preview too.
+    // The setting counts for a preview too. The page of the open book stays then: nothing else holds it.
     if (NamespaceErrorWarning != 1)
         return;
-    ShowEmptyPage(QString(), QString(), QString(), false, true);
+    if (!preview)
+        ShowEmptyPage(QString(), QString(), QString(), false, true);
     InformationBox(u"Namespace error. Tree view is skipped"_s, u"Vellumark"_s);
 }
 
@@ -69,7 +70,7 @@ bool ConvertBookToDisplay(std::string& text, bool preview)
         std::string().swap(text); // the tree holds it all
         text = PageWithTree(*tree, request);
     } else {
-        WarnOfNamespaceError();
+        WarnOfNamespaceError(preview);
         if (BookHasCharRefs)
             ConvertUnresolved(text);
         text = PageWithoutTree(std::move(text), request);

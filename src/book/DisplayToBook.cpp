@@ -191,10 +191,14 @@ std::string LaidOut(std::string text, const SaveLayout& layout, bool& treeSkippe
     return text;
 }
 
-/// Puts the lines of pictures before each end of the book, one in a comment too.
+/// Puts the lines of pictures before each end of the book, one in a comment too. A book whose end has been
+/// damaged keeps its pictures behind the text.
 std::string WithBinaries(std::string_view text, const std::string& binaries)
 {
-    std::string result = StringWithRoom(text.size() + CountOccurrences(text, BookEnd) * binaries.size());
+    const size_t ends = CountOccurrences(text, BookEnd);
+    std::string result = StringWithRoom(text.size() + std::max<size_t>(ends, 1) * binaries.size() + 2);
+    if (ends == 0)
+        return result.append(text).append(CrLf).append(binaries);
     size_t copied = 0;
     for (size_t at = text.find(BookEnd); at != std::string_view::npos; at = text.find(BookEnd, copied)) {
         result.append(text, copied, at - copied);
@@ -204,6 +208,20 @@ std::string WithBinaries(std::string_view text, const std::string& binaries)
     }
     result.append(text, copied);
     return result;
+}
+
+/// Pictures are ASCII and go past the encoding as they are. Only names with other letters need converting.
+std::string BinariesInEncoding(const SaveLayout& layout)
+{
+    std::string binaries(layout.binaryPart);
+    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+    if (layout.binaryCodePage == layout.codePage || std::ranges::all_of(binaries, isAscii))
+        return binaries;
+    if (layout.binaryCodePage != CodePageUtf8)
+        CodePageToUtf8(binaries, layout.binaryCodePage);
+    if (layout.codePage != CodePageUtf8)
+        Utf8ToCodePage(binaries, layout.codePage);
+    return binaries;
 }
 
 /// One stretch of line ends, blanks and non-breaking spaces.
@@ -279,7 +297,9 @@ std::string TextOfPage(std::string_view page, AngleMarks marks)
     if (const size_t head = FindText(page, HeadEnd, 0, true); head != std::string_view::npos)
         page.remove_prefix(head + HeadEnd.size());
     std::string text = PageStripper(page, marks).run();
-    if (const size_t start = text.find(XmlDeclarationStart); start != std::string::npos)
+    // Only the first tag is a declaration; one further on, in a comment, must not take the book away.
+    if (const size_t start = text.find(XmlDeclarationStart);
+        start != std::string::npos && text.find('<') == start)
         text.erase(0, start);
     return text;
 }
@@ -307,10 +327,10 @@ BookFile FileOfPage(std::string page, const SaveLayout& layout)
     if (!isUtf8)
         Utf8ToCodePage(text, layout.codePage);
 
-    // Pictures are plain ASCII and go past the encoding. The tree has a line end there already.
+    // The tree has a line end there already.
     if (!layout.binaryPart.empty()) {
         const bool tree = layout.style == LayoutStyle::TagsTree && !file.treeSkipped;
-        text = WithBinaries(text, (tree ? std::string() : CrLf) + std::string(layout.binaryPart) + CrLf);
+        text = WithBinaries(text, (tree ? std::string() : CrLf) + BinariesInEncoding(layout) + CrLf);
     }
     file.bytes = TidyLineEnds(text, isUtf8 ? std::string_view(Utf8Nbsp) : std::string_view("\xa0"));
     return file;

@@ -47,8 +47,10 @@ struct SaveLayout
     std::string declaration;
     int32_t codePage = 0;
     InLineTagSet inLineTags;
-    /// Put back before each "</FictionBook>", as it is.
+    /// Put back before each "</FictionBook>", or at the end of a text without one.
     std::string_view binaryPart;
+    /// The one that `binaryPart` came in.
+    int32_t binaryCodePage = 0;
 };
 
 struct BookFile

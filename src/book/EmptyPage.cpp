@@ -19,26 +19,39 @@ Seam<void(const QString&, bool)>& NavigateSeam()
     return seam;
 }
 
+namespace {
+
+void TellMainWindow(const QString& caption, const QString& status)
+{
+    constexpr int StatusPanels = 5;
+    SetPointer(Pointer::Default);
+    ShowStatus(status);
+    for (int panel = 1; panel <= StatusPanels; ++panel)
+        ShowStatusPanel(panel, QString());
+    if (!caption.isEmpty())
+        CaptionSeam()(caption, false);
+}
+
+} // namespace
+
 void ShowEmptyPage(const QString& caption, const QString& status, const QString& sound, bool preview,
                    bool skipStatus)
 {
-    constexpr int StatusPanels = 5;
     if (!skipStatus) {
-        SetPointer(Pointer::Default);
-        ShowStatus(status);
-        for (int panel = 1; panel <= StatusPanels; ++panel)
-            ShowStatusPanel(panel, QString());
+        if (!preview)
+            TellMainWindow(caption, status);
+        else if (!caption.isEmpty())
+            CaptionSeam()(caption, true);
+        if (!sound.isEmpty())
+            PlayProgramSound(sound, true);
     }
-    if (!caption.isEmpty() && (preview || !skipStatus))
-        CaptionSeam()(caption, preview);
-    if (!sound.isEmpty())
-        PlayProgramSound(sound, true);
 
-    // Without a workspace there is no page to show. One that cannot be written shows as empty too.
     const QString& page = preview ? SampleEmptyPageFile : EmptyPageFile;
-    if (page.isEmpty())
+    if (page.isEmpty()) // without a workspace there is no page to show
         return;
-    (void)WriteFileText(page, "<HTML><BODY></BODY></HTML>");
+    FileOperation(DeleteFileMode, page);
+    // Where nothing can be written the browser shows an empty page.
+    static_cast<void>(WriteScratchFile(page, "<HTML><BODY></BODY></HTML>"));
     NavigateSeam()(page, preview);
 }
 

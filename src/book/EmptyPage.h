@@ -13,10 +13,11 @@ namespace vmk {
 [[nodiscard]] Seam<void(const QString& file, bool preview)>& NavigateSeam();
 
 /// Clears the display, or that of the preview: opens a blank page, written anew.
-/// \param caption   of the window; empty leaves it as it is
-/// \param status    for the main window's message panel
-/// \param sound     file of the folder `sounds`; empty for none
-/// \param skipStatus  leaves the main window's pointer, status bars and caption alone
+/// \param caption     of the window concerned; empty leaves it as it is
+/// \param status      for the main window's message panel; its other panels are cleared, its pointer is put
+///                    back. A preview leaves the main window alone.
+/// \param sound       file of the folder `sounds`; empty for none
+/// \param skipStatus  the page alone: no window is told, and nothing is heard
 void ShowEmptyPage(const QString& caption, const QString& status, const QString& sound, bool preview,
                    bool skipStatus);
 

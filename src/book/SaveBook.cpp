@@ -1,6 +1,7 @@
 #include "SaveBook.h"
 
 #include "Boxes.h"
+#include "CodePages.h"
 #include "Encodings.h"
 #include "FileOperations.h"
 #include "Globals.h"
@@ -69,6 +70,8 @@ SaveLayout SaveLayoutOfSettings()
     layout.codePage = encoding.codePage;
     layout.inLineTags = InLineTagSet(InLineTags);
     layout.binaryPart = BinaryPart;
+    // In a book of UTF-16 no picture is found: those that it has now were put in by the editor.
+    layout.binaryCodePage = WorkCodePage == CodePageUtf16 ? CodePageUtf8 : WorkCodePage;
     return layout;
 }
 

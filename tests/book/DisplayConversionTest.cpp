@@ -3,6 +3,7 @@
 #include "BookToDisplay.h"
 #include "Boxes.h"
 #include "CodePages.h"
+#include "Desktop.h"
 #include "DisplayToBook.h"
 #include "EmptyPage.h"
 #include "Globals.h"
@@ -28,6 +29,7 @@ protected:
         ReadSettings(true);
         InLineTags = DefaultInLineTags();
         SoundsOn = 1;
+        BinaryPart.clear();
     }
 
     std::string page(std::string book)
@@ -71,6 +73,11 @@ TEST_F(Conversion, GenuineMarksAreSavedAsEntities)
 {
     const BookFile file = saved(Declaration + "<a>\xe2\x80\xb9x\xe2\x80\xba &lt;y&gt;</a>");
     EXPECT_EQ(file.bytes, Declaration + "\r\n<a>&lt;x&gt; &lt;y&gt;</a>");
+}
+
+TEST_F(Conversion, AGenuineMarkerIsSavedAsANonBreakingSpace)
+{
+    EXPECT_NE(saved(Declaration + "<a>x\x7fy</a>").bytes.find("x\xc2\xa0y"), std::string::npos);
 }
 
 TEST_F(Conversion, ABookOfOneLineHasNoMargins)
@@ -212,6 +219,12 @@ TEST_F(Conversion, ACommentEndsAtItsFirstAngleBracket)
               std::string::npos);
 }
 
+TEST_F(Conversion, ACommentOfSeveralLinesComesToStandOnOne)
+{
+    EXPECT_NE(lines("<a><p>x</p><!-- one\r\ntwo\nthree --></a>").find("&lt;!-- onetwothree --&gt;"),
+              std::string::npos);
+}
+
 TEST_F(Conversion, DeepNestingIsNoMatter)
 {
     std::string book;
@@ -249,6 +262,48 @@ TEST_F(Conversion, ABinaryEndBeforeTheFirstBinaryIsRefused)
     EXPECT_FALSE(SplitBinaryPart(book, true));
     EXPECT_FALSE(BadBinaryPart) << "a preview leaves it alone";
     EXPECT_EQ(book, "<a></binary><binary>x</a>");
+}
+
+TEST_F(Conversion, ARefusedPreviewIsToldInItsOwnWindow)
+{
+    QTemporaryDir folder;
+    SampleEmptyPageFile = folder.filePath(u"sample.htm"_s);
+    QStringList events;
+    const SeamGuard navigate(NavigateSeam(), [&events](const QString& file, bool preview) {
+        EXPECT_TRUE(preview);
+        events.append(file);
+    });
+    const SeamGuard caption(CaptionSeam(), [&events](const QString& text, bool preview) {
+        EXPECT_TRUE(preview);
+        events.append(text);
+    });
+    const SeamGuard sound(SoundSeam(),
+                          [&events](const QString& file) { events.append(file.section(u'/', -1)); });
+    std::string book = "<a><binary></a>";
+    EXPECT_FALSE(ConvertBookToDisplay(book, true));
+    EXPECT_EQ(
+        events,
+        QStringList({u"Cannot open file: bad binary part"_s, u"ParseError.wav"_s, SampleEmptyPageFile}));
+    EXPECT_EQ(boxes, QStringList(u"Cannot load file: bad binary part"_s));
+    EXPECT_TRUE(statuses.isEmpty()) << "the main window is not told";
+    SampleEmptyPageFile.clear();
+}
+
+TEST_F(Conversion, APreviewLeavesPageAndPicturesOfTheOpenBookAlone)
+{
+    QTemporaryDir folder;
+    EmptyPageFile = folder.filePath(u"empty.htm"_s);
+    int blanked = 0;
+    const SeamGuard navigate(NavigateSeam(), [&blanked](const QString&, bool) { ++blanked; });
+    BinaryPart = "<binary id=\"open\">AA==</binary>";
+    std::string sample = "<FictionBook><p>x<binary id=\"sample\">BB==</binary></FictionBook>";
+    EXPECT_TRUE(ConvertBookToDisplay(sample, true));
+    EXPECT_EQ(boxes, QStringList(u"Namespace error. Tree view is skipped"_s)) << "the setting counts";
+    EXPECT_EQ(blanked, 0);
+    EXPECT_EQ(BinaryPart, "<binary id=\"open\">AA==</binary>");
+    EXPECT_EQ(sample.find("sample"), std::string::npos);
+    EmptyPageFile.clear();
+    BinaryPart.clear();
 }
 
 TEST_F(Conversion, WhatStandsBehindTheBinariesGoes)
@@ -290,6 +345,26 @@ TEST(Extraction, TypedMarkUpIsMarkUp)
 TEST(Extraction, BlanksTypedTwiceComeOutAsTwo)
 {
     EXPECT_EQ(TextOfPage("<DIV>a &nbsp;b \r\nc\x7f</DIV>", AngleMarks::Keep), "a  b c\xc2\xa0");
+}
+
+TEST(Extraction, ANonBreakingSpaceShownAsSuchComesOutAsABlank)
+{
+    // The display writes it so; the marker is what protects it.
+    EXPECT_EQ(TextOfPage("<DIV>a&nbsp;b</DIV>", AngleMarks::Keep), "a b");
+}
+
+TEST(Extraction, WhatStandsBeforeTheDeclarationIsDropped)
+{
+    EXPECT_EQ(TextOfPage("<DIV>typed</DIV>\r\n<DIV>&lt;?xml version=\"1.0\"?&gt;</DIV>", AngleMarks::Keep),
+              "<?xml version=\"1.0\"?>");
+}
+
+TEST_F(Conversion, ADeclarationQuotedInACommentTakesNothingAway)
+{
+    const std::string book = "<a><p>keep</p><!-- <?xml version=\"1.0\"?> --></a>";
+    for (const QString& style : OutputStyles)
+        EXPECT_NE(saved(book, style).bytes.find("<p>keep</p>"), std::string::npos) << style.toStdString();
+    EXPECT_EQ(TextOfPage("&lt;a&gt;&lt;?xml version", AngleMarks::Keep), "<a><?xml version");
 }
 
 TEST_F(Conversion, GetFbTextKeepsTheMarksForPositions)
@@ -355,6 +430,33 @@ TEST_F(Conversion, EveryEndOfTheBookGetsTheBinaries)
     EXPECT_EQ(bytes.find("<binary/>") == bytes.rfind("<binary/>"), false) << bytes;
 }
 
+TEST_F(Conversion, ABookWhoseEndIsDamagedKeepsItsBinaries)
+{
+    BinaryPart = "<binary>AA==</binary>";
+    FileEncodingName = "utf-8";
+    for (const QString& style : OutputStyles) {
+        OutputStyle = style;
+        std::string book
+            = FileOfPage("&lt;FictionBook&gt;x&lt;/FictonBook&gt;", SaveLayoutOfSettings()).bytes;
+        EXPECT_TRUE(book.ends_with("\r\n<binary>AA==</binary>\r\n")) << book;
+        BinaryPart.clear();
+        EXPECT_TRUE(SplitBinaryPart(book, false));
+        EXPECT_EQ(BinaryPart, "<binary>AA==</binary>") << "they come back with the next load";
+    }
+    BinaryPart.clear();
+}
+
+TEST_F(Conversion, NamesOfBinariesBeyondAsciiFollowTheEncoding)
+{
+    const std::string cyrillic = "<?xml version=\"1.0\" encoding=\"windows-1251\"?><FictionBook>";
+    const std::string book = cyrillic + "<binary id=\"\xc6.png\">AA==</binary></FictionBook>";
+    EXPECT_NE(saved(book).bytes.find("id=\"\xc6.png\""), std::string::npos) << "as it is";
+    const std::string utf8 = saved(book, u"tags tree"_s, u"utf-8"_s).bytes;
+    EXPECT_NE(utf8.find("id=\"\xd0\x96.png\""), std::string::npos) << utf8;
+    EXPECT_NE(saved(utf8, u"compact"_s, u"windows-1251"_s).bytes.find("id=\"\xc6.png\""), std::string::npos);
+    BinaryPart.clear();
+}
+
 TEST_F(Conversion, NothingIsSavedOfAnEmptyDisplay)
 {
     EXPECT_FALSE(SaveBook(u"/nowhere/book.fb2"_s, false, false));
@@ -401,6 +503,24 @@ TEST_F(Conversion, TheBlankPageIsWrittenAndShown)
     QFile file(EmptyPageFile);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll(), "<HTML><BODY></BODY></HTML>");
+
+    // Without the status there is the page alone: nothing is told, nothing is heard.
+    shown.clear();
+    statuses.clear();
+    const SeamGuard sound(SoundSeam(), [&shown](const QString& name) { shown.append(name); });
+    ShowEmptyPage(u"title"_s, u"status"_s, u"ParseError.wav"_s, false, true);
+    EXPECT_EQ(shown, QStringList(EmptyPageFile));
+    EXPECT_TRUE(statuses.isEmpty());
+    EmptyPageFile.clear();
+}
+
+TEST_F(Conversion, ABlankPageThatCannotBeWrittenIsShownAllTheSame)
+{
+    EmptyPageFile = u"/nowhere/empty.htm"_s;
+    QStringList shown;
+    const SeamGuard navigate(NavigateSeam(), [&shown](const QString& file, bool) { shown.append(file); });
+    ShowEmptyPage(QString(), QString(), QString(), false, true);
+    EXPECT_EQ(shown, QStringList(EmptyPageFile));
     EmptyPageFile.clear();
 }
 

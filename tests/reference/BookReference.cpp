@@ -362,6 +362,14 @@ std::string PlainBranch(std::string text, const PageRequest& request)
     return ReplaceAll(text, "\r", "</DIV>\r<DIV>");
 }
 
+// Without what stands before the declaration; one behind another tag is none, or a comment that quotes one
+// would take the book away.
+std::string FromDeclarationOn(const std::string& text)
+{
+    const size_t at = text.find("<?xml version");
+    return at != std::string::npos && text.find('<') == at ? text.substr(at) : text;
+}
+
 } // namespace
 
 std::string ReplaceAll(std::string text, std::string_view sought, std::string_view replacement)
@@ -541,9 +549,7 @@ std::string ExtractText(std::string page)
     page = ReplaceWholeTags(page, "<", "", false);
     page = ReplaceAll(page, "&lt;", "<");
     page = ReplaceAll(page, "&gt;", ">");
-    if (const size_t at = page.find("<?xml version"); at != std::string::npos)
-        page.erase(0, at);
-    return page;
+    return FromDeclarationOn(page);
 }
 
 std::string SaveText(std::string page, const SaveRequest& request, bool& treeSkipped)
@@ -561,9 +567,8 @@ std::string SaveText(std::string page, const SaveRequest& request, bool& treeSki
     page = ReplaceAll(page, RightMark, "&gt;");
 
     constexpr std::string_view Start = "<?xml version";
-    if (const size_t at = page.find(Start); at != std::string::npos)
-        page.erase(0, at);
-    if (page.find(Start) == std::string::npos) {
+    page = FromDeclarationOn(page);
+    if (page.find(Start) != 0) {
         page = request.declaration + page;
     } else if (const size_t next = page.find('<', Start.size()); next != std::string::npos) {
         page = request.declaration + page.substr(next);
@@ -589,9 +594,11 @@ std::string FinishFile(std::string text, const SaveRequest& request, bool treeSk
 {
     const std::string end(CrLf);
     const bool tree = request.style == "tags tree" && !treeSkipped;
-    if (!request.binaryPart.empty())
-        text = ReplaceAll(text, "</FictionBook>",
-                          (tree ? std::string() : end) + request.binaryPart + end + "</FictionBook>");
+    const std::string binaries = (tree ? std::string() : end) + request.binaryPart + end;
+    if (!request.binaryPart.empty() && text.find("</FictionBook>") == std::string::npos)
+        text += end + binaries; // nothing of a damaged book is lost
+    else if (!request.binaryPart.empty())
+        text = ReplaceAll(text, "</FictionBook>", binaries + "</FictionBook>");
     text = ReplaceAll(text, " " + end, end);
     text = ReplaceAll(text, end + " ", end);
     text = ReplaceAll(text, request.nbsp + end, end);
