@@ -1,4 +1,5 @@
 #include "Files.h"
+#include "ProcessFiles.h"
 #include "Workplace.h"
 
 #include <gtest/gtest.h>
@@ -290,6 +291,72 @@ TEST_F(Files, AKilledWriterLeavesAWholeFile)
         ASSERT_TRUE(text == one || text == two) << "round " << round << ", " << text.size() << " bytes";
     }
     EXPECT_TRUE(hasHit());
+}
+
+TEST_F(Files, TwoWritersAtOnceLeaveTheWholeContentOfOne)
+{
+    const std::string one(300'000, '1');
+    const std::string two(400'000, '2');
+    Make(u"book"_s, one);
+    const pid_t other = ::fork();
+    if (other == 0) {
+        for (int i = 0; i < 50; ++i)
+            if (!ReplaceContent(Path(u"book"_s), two, Durability::Scratch))
+                ::_exit(1);
+        ::_exit(0);
+    }
+    for (int i = 0; i < 50; ++i) {
+        EXPECT_TRUE(ReplaceContent(Path(u"book"_s), one, Durability::Scratch));
+        const std::string text = Text(u"book"_s);
+        EXPECT_TRUE(text == one || text == two) << text.size() << " bytes";
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(other, &status, 0), other);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(place.Names(), QStringList{u"book"_s});
+}
+
+// ---------------------------------------------------------------- the process
+
+TEST_F(Files, AFileNeverGetsTheNumberOfAClosedStandardHandle)
+{
+    const int failed = RunInChild([&] {
+        for (const int handle : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+            ::close(handle);
+        HoldStandardHandles();
+        const int opened = ::open(SystemPath(u"book"_s).constData(), O_WRONLY | O_CREAT, 0600);
+        const bool isBehind = opened > STDERR_FILENO;
+        const bool isTold = ::write(STDOUT_FILENO, "x", 1) < 0 && ::write(STDERR_FILENO, "x", 1) < 0;
+        char c = 0;
+        return isBehind && isTold && ::read(STDIN_FILENO, &c, 1) < 0 ? 0 : 1;
+    });
+    EXPECT_EQ(failed, 0);
+}
+
+TEST_F(Files, AWriteBeyondTheSizeLimitFailsWithoutEndingTheProcess)
+{
+    Make(u"book"_s, "old");
+    const int failed = RunInChild([&] {
+        const rlimit limit = {1000, 1000};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        SurviveFileSizeLimit();
+        return ReplaceContent(Path(u"book"_s), std::string(2000, 'n')) ? 0 : 7;
+    });
+    EXPECT_EQ(failed, 7);
+    EXPECT_EQ(Text(u"book"_s), "old");
+}
+
+TEST_F(Files, AWriteIntoABrokenPipeFailsWithoutEndingTheProcess)
+{
+    const int failed = RunInChild([] {
+        int ends[2] = {};
+        if (::pipe(ends) != 0)
+            return 1;
+        ::close(ends[0]);
+        SurviveBrokenPipes();
+        return ::write(ends[1], "x", 1) < 0 ? 7 : 0;
+    });
+    EXPECT_EQ(failed, 7);
 }
 
 // ---------------------------------------------------------------- copying, moving, deleting

@@ -1,6 +1,7 @@
 #include "CommLineInfoF.h"
 #include "CommandText.h"
 #include "Form1.h"
+#include "ProcessFiles.h"
 #include "Start.h"
 #include "WidgetSeams.h"
 
@@ -36,6 +37,10 @@ void KeepToolkitHints()
 
 int main(int argc, char* argv[])
 {
+    vmk::HoldStandardHandles();
+    // An edited book must outlive a failed save, and a terminal that is gone.
+    vmk::SurviveFileSizeLimit();
+    vmk::SurviveBrokenPipes();
     KeepToolkitHints();
     QApplication::setApplicationName(u"Vellumark"_s);
     QApplication::setDesktopFileName(u"vellumark"_s);

@@ -16,6 +16,7 @@ enum XmlErrorCode : int
     XmlExternalEntity,
     XmlDuplicateId,
     XmlNoParser,
+    XmlTagTooLarge,
 };
 
 /// The first error of a text: `parseError` of the document.

@@ -87,6 +87,7 @@ private:
     };
 
     void parse();
+    [[nodiscard]] qsizetype readOn(char* out, qsizetype capacity);
     void fail(int code, Place place, std::string reason);
     [[nodiscard]] qsizetype offset() const;
     void noteMarkupEnd();
@@ -147,11 +148,11 @@ void Pass::parse()
     InitLibXml();
     const std::unique_ptr<xmlParserCtxt, LibXmlDeleter<xmlFreeParserCtxt>> owner(xmlNewParserCtxt());
     context = owner.get();
-    const auto read = [](void* source, char* buffer, int length) {
-        return static_cast<int>(static_cast<XmlInput*>(source)->read(buffer, length));
+    const auto read = [](void* pass, char* out, int capacity) {
+        return static_cast<int>(of(pass).readOn(out, capacity));
     };
     xmlParserInputBufferPtr buffer
-        = xmlParserInputBufferCreateIO(read, nullptr, &input, XML_CHAR_ENCODING_NONE);
+        = xmlParserInputBufferCreateIO(read, nullptr, this, XML_CHAR_ENCODING_NONE);
     xmlParserInputPtr stream
         = buffer == nullptr ? nullptr : xmlNewIOInputStream(context, buffer, XML_CHAR_ENCODING_NONE);
     if (stream == nullptr || inputPush(context, stream) < 0) {
@@ -160,7 +161,7 @@ void Pass::parse()
     }
 
     // The stream is UTF-8 already: its declaration no longer counts, and nothing is to be guessed. The
-    // parser's own bounds on size are off; depth and entities are bounded here.
+    // parser's own bounds on size are off; depth, entities and attributes are bounded here.
     xmlCtxtUseOptions(context, XML_PARSE_NONET | XML_PARSE_IGNORE_ENC | XML_PARSE_HUGE);
     context->encoding = xmlStrdup(reinterpret_cast<const xmlChar*>("UTF-8"));
     *context->sax = callbacks();
@@ -172,6 +173,21 @@ void Pass::parse()
         fail(context->errNo, Place::Here, "The text is not well-formed");
     const XmlDocPtr declarations(context->myDoc);
     context->myDoc = nullptr;
+}
+
+/// Hands the text to the parser piece by piece. The parser compares the attributes of a tag each with each,
+/// behind the last of them, and looks through all namespaces in force for each name: what would take it
+/// minutes is told by the room that it has made for them.
+qsizetype Pass::readOn(char* out, qsizetype capacity)
+{
+    constexpr int MostAttributes = 10'000;
+    constexpr int MostNamespaces = 2000;
+    constexpr int SlotsOfAttribute = 5;
+    constexpr int SlotsOfNamespace = 2;
+    if (context->maxatts > MostAttributes * SlotsOfAttribute
+        || context->nsMax > MostNamespaces * SlotsOfNamespace)
+        fail(XmlTagTooLarge, Place::StartTag, "The tag has too many attributes");
+    return input.read(out, capacity);
 }
 
 void Pass::fail(int code, Place place, std::string reason)
