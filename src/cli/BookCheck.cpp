@@ -1,5 +1,6 @@
 #include "BookCheck.h"
 
+#include "CommandLine.h"
 #include "FictionBookNamespace.h"
 #include "Files.h"
 #include "XmlDocument.h"
@@ -65,11 +66,12 @@ BookCheck CheckBook(const QString& book, std::shared_ptr<const XmlSchemaCache> s
 
 QString ResultLine(const BookCheck& check, bool againstSchema)
 {
+    const QString name = ShownName(check.book);
     if (!check.failure.isEmpty())
-        return check.book + u": "_s + check.failure;
+        return name + u": "_s + check.failure;
     if (!check.error)
-        return check.book + u": No errors (against "_s + Against(againstSchema) + u')';
-    return check.book + u':' + QString::number(check.error.line) + u':' + QString::number(check.error.linepos)
+        return name + u": No errors (against "_s + Against(againstSchema) + u')';
+    return name + u':' + QString::number(check.error.line) + u':' + QString::number(check.error.linepos)
         + u": Error against "_s + Against(againstSchema) + u". "_s + ShownReason(check.error);
 }
 

@@ -41,12 +41,14 @@ bool CommandLine::next()
 
 QString CommandLine::value()
 {
+    QString value;
     if (attached)
-        return *std::exchange(attached, std::nullopt);
-    if (at < arguments.size())
-        return arguments[at++];
-    fail(currentOption + u" needs a value"_s);
-    return {};
+        value = *std::exchange(attached, std::nullopt);
+    else if (at < arguments.size())
+        value = arguments[at++];
+    if (value.isEmpty())
+        fail(currentOption + u" needs a value"_s);
+    return value;
 }
 
 int CommandLine::number(int low, int high)
@@ -75,6 +77,20 @@ void CommandLine::failUnknownOption()
 QString CommandLine::error() const
 {
     return firstError;
+}
+
+QString ShownName(const QString& name)
+{
+    QString shown;
+    for (const QChar c : name) {
+        if (c == u'\n')
+            shown += u"\\n"_s;
+        else if (c.category() == QChar::Other_Control)
+            shown += u"\\x%1"_s.arg(c.unicode(), 2, 16, QChar(u'0'));
+        else
+            shown += c;
+    }
+    return shown;
 }
 
 void PrintLine(const QString& line)

@@ -19,7 +19,7 @@ public:
     /// The option taken, with its hyphens; empty for an operand.
     [[nodiscard]] const QString& option() const { return currentOption; }
     [[nodiscard]] const QString& operand() const { return currentOperand; }
-    /// The value of the option taken; an error is noted when there is none.
+    /// The value of the option taken; an error is noted when there is none, or an empty one.
     [[nodiscard]] QString value();
     /// The value as a whole number from `low` to `high`; an error is noted when it is none.
     [[nodiscard]] int number(int low, int high);
@@ -39,6 +39,9 @@ private:
     std::optional<QString> attached; // a value written behind "="
     QString firstError;
 };
+
+/// A file's name for a line of text: a line end or another control character in it as `\n` or `\x1b`.
+[[nodiscard]] QString ShownName(const QString& name);
 
 /// Writes to standard output or standard error in the system's encoding, a line end behind it.
 void PrintLine(const QString& line);

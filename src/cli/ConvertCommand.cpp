@@ -1,9 +1,14 @@
+#include "CodePages.h"
 #include "Command.h"
 #include "CommandLine.h"
+#include "Encodings.h"
 #include "Globals.h"
 #include "PageOfBook.h"
 #include "SaveBook.h"
 #include "Settings.h"
+#include "TextFunctions.h"
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -63,6 +68,31 @@ ConvertOptions ReadOptions(CommandLine& line)
     return options;
 }
 
+/// Whether reading the book in its encoding would leave text behind: UTF-16 keeps all of it only where it is
+/// ASCII, and the code pages have no character 0.
+bool WouldLoseText(std::string_view bytes, const QString& inputEncoding)
+{
+    const int32_t codePage = FindBookEncoding(bytes, inputEncoding.toStdString()).work.codePage;
+    if (codePage != CodePageUtf16)
+        return codePage != CodePageUtf8 && bytes.find('\0') != std::string_view::npos;
+    constexpr char16_t ByteOrderMark = 0xfeff;
+    constexpr char16_t LastAscii = 0x7f;
+    const QString text = DecodeBytes(bytes, CodePageUtf16);
+    const QStringView rest = QStringView(text).mid(text.startsWith(ByteOrderMark) ? 1 : 0);
+    return bytes.size() % 2 != 0
+        || std::ranges::any_of(rest, [](QChar c) { return c.isNull() || c.unicode() > LastAscii; });
+}
+
+/// Why the book is not to be converted; empty if it is.
+QString Refusal(std::string_view bytes, const QString& inputEncoding)
+{
+    if (IsBlank(bytes))
+        return u"empty book - nothing to save"_s;
+    return WouldLoseText(bytes, inputEncoding)
+        ? u"not converted: text would be lost in reading its encoding"_s
+        : QString();
+}
+
 int RunConvert(const QStringList& arguments)
 {
     CommandLine line(arguments);
@@ -77,7 +107,14 @@ int RunConvert(const QStringList& arguments)
     InputEncoding = options.inputEncoding;
     OutputEncoding = options.encoding;
     OutputStyle = options.style;
-    std::optional<std::string> page = PageOfBook(options.book);
+    std::optional<std::string> book = ReadBook(options.book);
+    if (!book)
+        return ExitFailure;
+    if (const QString refusal = Refusal(*book, options.inputEncoding); !refusal.isEmpty()) {
+        PrintErrorLine(u"vmk: "_s + ShownName(options.book) + u": "_s + refusal);
+        return ExitFailure;
+    }
+    std::optional<std::string> page = PageOfBook(options.book, *std::move(book));
     if (!page)
         return ExitFailure;
     const BookFile file = FileOfPage(PageAsDisplayed(*std::move(page)), SaveLayoutOfSettings());
@@ -100,7 +137,8 @@ the text vanish, runs of blanks shrink to one.
   --input-encoding NAME  read BOOK in this encoding, one of those above or unicode, whatever it declares
   --help                 show this text
 
-A book that is not well-formed is saved without indentation, and a line on standard error says so.
+A book that is not well-formed is saved without indentation, and a line on standard error says so. An empty
+book, and one that cannot be read without loss (UTF-16 with other than ASCII characters), is refused.
 
 Exit status: 0 the file was written, 2 wrong use, or a file that cannot be read or written.
 )",

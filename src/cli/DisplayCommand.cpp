@@ -50,7 +50,7 @@ bool TakeSettings(const QString& record)
     if (problem.isEmpty() && !DecodeSettings(content.bytes))
         problem = u"is no settings record"_s;
     if (!problem.isEmpty()) {
-        PrintErrorLine(u"vmk: "_s + record + u": "_s + problem);
+        PrintErrorLine(u"vmk: "_s + ShownName(record) + u": "_s + problem);
         return false;
     }
     IniFilePath = record;
@@ -69,7 +69,10 @@ int RunDisplay(const QStringList& arguments)
     if (!TakeSettings(options.settings))
         return ExitFailure;
     InLineTags = DefaultInLineTags();
-    const std::optional<std::string> page = PageOfBook(options.book);
+    std::optional<std::string> book = ReadBook(options.book);
+    if (!book)
+        return ExitFailure;
+    const std::optional<std::string> page = PageOfBook(options.book, *std::move(book));
     return page && WriteOutput(options.page, *page, Durability::Scratch) ? ExitClean : ExitFailure;
 }
 

@@ -10,24 +10,27 @@ using namespace Qt::StringLiterals;
 
 namespace vmk {
 
-std::optional<std::string> PageOfBook(const QString& book)
+std::optional<std::string> ReadBook(const QString& book)
 {
     FileContent content = ReadContent(book);
-    if (content.outcome != ReadOutcome::Ok) {
-        PrintErrorLine(u"vmk: "_s + book + u": "_s + ReadFailureText(content));
-        return std::nullopt;
-    }
+    if (content.outcome == ReadOutcome::Ok)
+        return std::move(content.bytes);
+    PrintErrorLine(u"vmk: "_s + ShownName(book) + u": "_s + ReadFailureText(content));
+    return std::nullopt;
+}
 
+std::optional<std::string> PageOfBook(const QString& book, std::string bytes)
+{
     // What the editor would say in a box.
     QString remark;
     const SeamGuard box(BoxSeam(), [&remark](BoxKind, const QString& text, const QString&) {
         remark = text;
         return false;
     });
-    const bool converted = ConvertBookToDisplay(content.bytes, false);
+    const bool converted = ConvertBookToDisplay(bytes, false);
     if (!remark.isEmpty())
-        PrintErrorLine(u"vmk: "_s + book + u": "_s + remark);
-    return converted ? std::optional(std::move(content.bytes)) : std::nullopt;
+        PrintErrorLine(u"vmk: "_s + ShownName(book) + u": "_s + remark);
+    return converted ? std::optional(std::move(bytes)) : std::nullopt;
 }
 
 bool WriteOutput(const QString& file, std::string_view bytes, Durability durability)
@@ -36,7 +39,7 @@ bool WriteOutput(const QString& file, std::string_view bytes, Durability durabil
         ? std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() && std::fflush(stdout) == 0
         : ReplaceContent(file, bytes, durability);
     if (!written)
-        PrintErrorLine(u"vmk: "_s + (file.isEmpty() ? u"standard output"_s : file)
+        PrintErrorLine(u"vmk: "_s + (file.isEmpty() ? u"standard output"_s : ShownName(file))
                        + u": cannot be written"_s);
     return written;
 }

@@ -1,5 +1,6 @@
 #include "Command.h"
 #include "CommandLine.h"
+#include "ProcessFiles.h"
 
 #include <QCoreApplication>
 
@@ -61,6 +62,8 @@ void UseUtf8Locale()
 
 int main(int count, char** values)
 {
+    HoldStandardHandles();
+    SurviveFileSizeLimit();
     UseUtf8Locale();
     const QCoreApplication application(count, values);
     QStringList arguments = QCoreApplication::arguments().mid(1);

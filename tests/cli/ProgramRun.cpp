@@ -68,6 +68,14 @@ ProgramRun RunProgram(const std::string& name, const std::vector<std::string>& a
         dup2(isElsewhere ? open(setting.outputFile.c_str(), O_WRONLY) : output.descriptor(), STDOUT_FILENO);
         dup2(errors.descriptor(), STDERR_FILENO);
         setenv("LC_ALL", setting.locale.c_str(), 1);
+        if (setting.largestFile >= 0) {
+            const auto limit = static_cast<rlim_t>(setting.largestFile);
+            const rlimit both = {limit, limit};
+            setrlimit(RLIMIT_FSIZE, &both);
+        }
+        for (const int handle : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+            if (setting.closedHandles)
+                close(handle);
         const auto user = static_cast<uid_t>(setting.userId);
         if (setting.userId >= 0 && setuid(user) != 0)
             _exit(126);

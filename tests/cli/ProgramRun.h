@@ -22,6 +22,8 @@ struct ProgramSetting
     std::string outputFile; ///< where standard output goes instead of `ProgramRun::output`
     int userId = -1; ///< as which user; -1 for this one
     std::string locale = "C.UTF-8"; ///< for LC_ALL
+    long largestFile = -1; ///< limit in bytes on each file that it writes; -1 for none
+    bool closedHandles = false; ///< without standard input, output and error
 };
 
 /// Runs a program of the build folder, such as "vmk", to its end.
