@@ -6,6 +6,7 @@
 #include "XmlDocument.h"
 
 #include <future>
+#include <system_error>
 
 using namespace Qt::StringLiterals;
 
@@ -61,6 +62,18 @@ void ShowPaintingSteps(const DisplayValues& values)
         ShowStatus(u"...converting xml to html: non-broken spaces..."_s);
 }
 
+/// Answers a question on another thread; `later`, and where none can be started, when the answer is asked
+/// for.
+template <typename Question>
+std::future<bool> Along(const Question& question, bool later)
+{
+    try {
+        return std::async(later ? std::launch::deferred : std::launch::async, question);
+    } catch (const std::system_error&) {
+        return std::async(std::launch::deferred, question);
+    }
+}
+
 } // namespace
 
 std::string HeadBlock(const DisplayValues& values)
@@ -86,8 +99,7 @@ std::optional<XmlTreeText> TreeOfBook(const std::string& text, const PageRequest
     // Whether the text itself is well-formed is found out while its tree is made, or along with it.
     const bool sameFault = LinesAreBetweenTags(text);
     std::future<bool> broken
-        = std::async(sameFault ? std::launch::deferred : std::launch::async,
-                     [&text, &request] { return HasParseError(text, request.encoding); });
+        = Along([&text, &request] { return HasParseError(text, request.encoding); }, sameFault);
 
     ShowStatus(u"...converting xml to html: preparing tree view..."_s);
     const std::string lines = TreeLines(text, "\r", request.inLineTags);

@@ -15,7 +15,8 @@ namespace vmk {
 
 namespace {
 
-/// Tells that the book will be shown without a tree.
+/// Tells that the book will be shown without a tree. The words mean any failure to parse; they stay as users
+/// know them.
 void WarnOfNamespaceError(bool preview)
 {
     // The setting counts for a preview too. The page of the open book stays then: nothing else holds it.

@@ -11,6 +11,8 @@
 #include <QJsonObject>
 
 #include <cstdio>
+#include <new>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -36,6 +38,19 @@ FileContent ReadStandardInput()
     return content;
 }
 
+void ReadAndCheck(BookCheck& check, std::shared_ptr<const XmlSchemaCache> schemas)
+{
+    const FileContent content = check.book == u"-" ? ReadStandardInput() : ReadContent(check.book);
+    if (content.outcome != ReadOutcome::Ok) {
+        check.failure = ReadFailureText(content);
+        return;
+    }
+    XmlDocument document;
+    document.schemas = std::move(schemas);
+    document.loadXML(content.bytes, XmlEncoding::byDeclaration());
+    check.error = document.parseError();
+}
+
 QString Against(bool schema)
 {
     return schema ? u"schema"_s : u"namespace"_s;
@@ -52,15 +67,11 @@ BookCheck CheckBook(const QString& book, std::shared_ptr<const XmlSchemaCache> s
 {
     BookCheck check;
     check.book = book;
-    const FileContent content = book == u"-" ? ReadStandardInput() : ReadContent(book);
-    if (content.outcome != ReadOutcome::Ok) {
-        check.failure = ReadFailureText(content);
-        return check;
+    try {
+        ReadAndCheck(check, std::move(schemas));
+    } catch (const std::bad_alloc&) {
+        check.failure = u"not enough memory"_s;
     }
-    XmlDocument document;
-    document.schemas = std::move(schemas);
-    document.loadXML(content.bytes, XmlEncoding::byDeclaration());
-    check.error = document.parseError();
     return check;
 }
 

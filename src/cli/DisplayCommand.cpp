@@ -66,6 +66,11 @@ int RunDisplay(const QStringList& arguments)
         PrintErrorLine(u"vmk display: "_s + line.error() + u"; try vmk display --help"_s);
         return ExitFailure;
     }
+    if (IsSameFile(options.book, options.page)) {
+        PrintErrorLine(u"vmk: "_s + ShownName(options.page)
+                       + u": is the book itself; the page needs another file"_s);
+        return ExitFailure;
+    }
     if (!TakeSettings(options.settings))
         return ExitFailure;
     InLineTags = DefaultInLineTags();

@@ -10,6 +10,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <optional>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -40,13 +41,19 @@ public:
         , results(static_cast<size_t>(bookNames.size()))
     {
         const auto threads = std::min<qsizetype>(jobs, books.size());
-        for (qsizetype i = 0; i < threads; ++i)
-            workers.emplace_back([this] { work(); });
+        try {
+            for (qsizetype i = 0; i < threads; ++i)
+                workers.emplace_back([this] { work(); });
+        } catch (const std::system_error&) {
+            // The system gives no more threads. Fewer do the same; without any, `take` does the work.
+        }
     }
 
     /// Waits for the check of book number `index`, from 0; to be asked once for each.
     [[nodiscard]] BookCheck take(size_t index)
     {
+        if (workers.empty())
+            work();
         std::unique_lock lock(guard);
         ready.wait(lock, [&] { return results[index].has_value(); });
         return *std::exchange(results[index], std::nullopt);

@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <langinfo.h>
+#include <new>
 
 using namespace Qt::StringLiterals;
 using namespace vmk;
@@ -85,5 +86,10 @@ int main(int count, char** values)
     const auto operands = arguments.indexOf(u"--"_s);
     if (arguments.mid(0, operands).contains(u"--help"_s))
         return ShowHelp(name);
-    return command->run(arguments);
+    try {
+        return command->run(arguments);
+    } catch (const std::bad_alloc&) {
+        PrintErrorLine(u"vmk: not enough memory"_s);
+        return ExitFailure;
+    }
 }

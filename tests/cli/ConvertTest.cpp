@@ -191,6 +191,50 @@ TEST_F(Convert, OneBadPathLeavesTheFileThatStoodThere)
     }
 }
 
+TEST_F(Convert, APageNeverReplacesItsBook)
+{
+    const std::string book = write("book.fb2", Book);
+    std::filesystem::create_symlink("book.fb2", path("link.fb2"));
+    const ProgramRun run = RunProgram("vmk", {"display", book, "--out", path("link.fb2")});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_EQ(run.errors, "vmk: " + path("link.fb2") + ": is the book itself; the page needs another file\n");
+    EXPECT_EQ(read("book.fb2"), Book);
+}
+
+TEST_F(Convert, WithoutEnoughMemoryTheOldFileStays)
+{
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "a sanitizer needs all the room there is";
+#endif
+    const std::string book = write("book.fb2", Declaration + "<a>" + std::string(80'000'000, 'x') + "</a>");
+    write("out.fb2", "old");
+    ProgramSetting small;
+    small.mostMemory = 200'000'000;
+    const ProgramRun run = RunProgram("vmk", {"convert", book, "--out", path("out.fb2")}, small);
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_EQ(run.errors, "vmk: not enough memory\n");
+    EXPECT_EQ(read("out.fb2"), "old");
+    small.mostMemory = 100'000'000;
+    EXPECT_EQ(RunProgram("vmk", {"validate", book}, small).errors, "vmk: " + book + ": not enough memory\n");
+}
+
+TEST_F(Convert, WithoutFurtherThreadsOneDoesTheWork)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can act as a user without any other process";
+    ASSERT_EQ(chmod(folder.path().toUtf8().constData(), 0755), 0);
+    const std::string book = write("book.fb2", Declaration + "<a>x\ny</a>");
+    ProgramSetting alone;
+    alone.userId = 65533;
+    alone.mostThreads = 1;
+    EXPECT_EQ(RunProgram("vmk", {"display", book}, alone).exitCode, 0);
+    const ProgramRun run
+        = RunProgram("vmk", {"validate", "--against", "namespace", "--jobs", "4", book, book}, alone);
+    EXPECT_EQ(run.exitCode, 0) << run.errors;
+    EXPECT_EQ(run.output,
+              book + ": No errors (against namespace)\n" + book + ": No errors (against namespace)\n");
+}
+
 TEST_F(Convert, AFullDeviceIsTold)
 {
     const std::string book = write("book.fb2", Book);

@@ -46,6 +46,15 @@ private:
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> file;
 };
 
+/// Does nothing for a negative limit.
+void LimitResource(__rlimit_resource resource, long most)
+{
+    const auto limit = static_cast<rlim_t>(most);
+    const rlimit both = {limit, limit};
+    if (most >= 0)
+        setrlimit(resource, &both);
+}
+
 } // namespace
 
 ProgramRun RunProgram(const std::string& name, const std::vector<std::string>& arguments,
@@ -68,11 +77,9 @@ ProgramRun RunProgram(const std::string& name, const std::vector<std::string>& a
         dup2(isElsewhere ? open(setting.outputFile.c_str(), O_WRONLY) : output.descriptor(), STDOUT_FILENO);
         dup2(errors.descriptor(), STDERR_FILENO);
         setenv("LC_ALL", setting.locale.c_str(), 1);
-        if (setting.largestFile >= 0) {
-            const auto limit = static_cast<rlim_t>(setting.largestFile);
-            const rlimit both = {limit, limit};
-            setrlimit(RLIMIT_FSIZE, &both);
-        }
+        LimitResource(RLIMIT_FSIZE, setting.largestFile);
+        LimitResource(RLIMIT_AS, setting.mostMemory);
+        LimitResource(RLIMIT_NPROC, setting.mostThreads);
         for (const int handle : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
             if (setting.closedHandles)
                 close(handle);

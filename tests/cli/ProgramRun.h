@@ -23,6 +23,8 @@ struct ProgramSetting
     int userId = -1; ///< as which user; -1 for this one
     std::string locale = "C.UTF-8"; ///< for LC_ALL
     long largestFile = -1; ///< limit in bytes on each file that it writes; -1 for none
+    long mostMemory = -1; ///< limit in bytes on its address space; -1 for none
+    long mostThreads = -1; ///< limit on the processes and threads of its user; -1 for none
     bool closedHandles = false; ///< without standard input, output and error
 };
 

@@ -213,6 +213,27 @@ TEST_F(Validate, WritesOneJsonObjectABook)
     EXPECT_FALSE(objects[2].contains("valid"_L1));
 }
 
+TEST_F(Validate, AResultIsOneLineWhateverTheFileIsCalled)
+{
+    const std::string book = write("a\nb\t\"c\".fb2", BookWith("<p/>"));
+    EXPECT_EQ(validate({book}).output, path("a\\nb\\x09\"c\".fb2") + ": No errors (against schema)\n");
+    EXPECT_EQ(validate({path("none\n")}).errors, "vmk: " + path("none\\n") + ": file not found\n");
+    const std::string json = validate({"--json", book}).output;
+    EXPECT_EQ(std::ranges::count(json, '\n'), 1);
+    EXPECT_EQ(
+        QJsonDocument::fromJson(QByteArray::fromStdString(json)).object()["book"_L1].toString().toStdString(),
+        book);
+}
+
+TEST_F(Validate, ABadBookAmongSeveralHidesNoneOfThem)
+{
+    const std::string clean = write("clean.fb2", BookWith("<p/>"));
+    const ProgramRun run = validate({path("none.fb2"), clean, folder.path().toStdString(), clean});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_EQ(run.output, Repeated(clean + ": No errors (against schema)\n", 2));
+    EXPECT_EQ(std::ranges::count(run.errors, '\n'), 2);
+}
+
 TEST_F(Validate, JsonTellsThePlaceInFourWays)
 {
     const std::string bad = write("bad.fb2", "<a>\r\n\xD0\xB6\xF0\x9D\x84\x9E</b>");
@@ -268,6 +289,12 @@ TEST_F(Validate, ReadsItsOptions)
                                                   {"--against"},
                                                   {"--jobs", "0", clean},
                                                   {"--jobs", "x", clean},
+                                                  {"--jobs", "-1", clean},
+                                                  {"--jobs", "257", clean},
+                                                  {"--jobs"},
+                                                  {"--schema", "", clean},
+                                                  {"--schema=", clean},
+                                                  {"-x", clean},
                                                   {"--json=yes", clean},
                                                   {"-", "-"},
                                                   {"--against", "namespace", "--schema", Schema, clean}}) {
