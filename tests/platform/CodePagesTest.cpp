@@ -5,6 +5,7 @@
 
 #include <QStringConverter>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <optional>
@@ -246,6 +247,49 @@ TEST(CodePages, DirectRoutesAgreeWithTheRouteOverText)
         for (const int page : Pages) {
             ASSERT_EQ(Utf8ToBytes(bytes, page), EncodeText(text, page)) << testing::PrintToString(bytes);
             ASSERT_EQ(BytesToUtf8(bytes, page), DecodeBytes(bytes, page).toStdString());
+        }
+    }
+}
+
+TEST(CodePages, TheValidBeginningEndsBehindTheLastWholeCharacter)
+{
+    const std::string characters[] = {"a", "\xd0\x96", "\xe2\x82\xac", "\xf0\x9f\x98\x80"};
+    std::mt19937 random(3);
+    for (const size_t longest : {size_t{1}, size_t{2}, std::size(characters)}) {
+        std::string text;
+        std::vector<size_t> ends = {0};
+        while (text.size() < 2'000) {
+            text += characters[random() % longest];
+            ends.push_back(text.size());
+        }
+        EXPECT_EQ(ValidUtf8Prefix(text), text.size());
+        for (size_t cut = 0; cut < text.size(); ++cut) {
+            const size_t whole = *std::prev(std::ranges::upper_bound(ends, cut));
+            ASSERT_EQ(ValidUtf8Prefix(std::string_view(text).substr(0, cut)), whole);
+            for (const char wrong : {'\xff', '\xc0', '\xf8'}) {
+                std::string damaged = text;
+                damaged[cut] = wrong;
+                ASSERT_EQ(ValidUtf8Prefix(damaged), whole);
+            }
+        }
+    }
+}
+
+TEST(CodePages, EverySequenceOfFourBytesIsJudgedAsTheToolkitDoes)
+{
+    // One byte of each kind that the rules tell apart.
+    const std::string kinds("\x00\x41\x7f\x80\x8f\x90\x9f\xa0\xbf\xc0\xc1\xc2\xdf\xe0\xe1\xec\xed\xee\xef"
+                            "\xf0\xf1\xf3\xf4\xf5\xff",
+                            25);
+    for (const char a : kinds) {
+        for (const char b : kinds) {
+            for (const char c : kinds) {
+                for (const char d : kinds) {
+                    const std::string bytes{a, b, c, d};
+                    ASSERT_EQ(IsValidUtf8(bytes), QByteArrayView(bytes).isValidUtf8())
+                        << testing::PrintToString(bytes);
+                }
+            }
         }
     }
 }

@@ -294,6 +294,80 @@ Utf8Character ReadUtf8(const char* from, const char* end)
     return {Replacement, 0};
 }
 
+/// The same as `ValidUtf8Prefix`, character by character.
+size_t ValidCharacters(std::string_view bytes)
+{
+    const char* from = bytes.data();
+    const char* const end = from + bytes.size();
+    while (from != end) {
+        from += AsciiRun(from, end);
+        if (from == end)
+            break;
+        if (static_cast<unsigned char>(*from) < 0x80) {
+            ++from;
+            continue;
+        }
+        const size_t length = ReadUtf8(from, end).length;
+        if (length == 0)
+            break;
+        from += length;
+    }
+    return static_cast<size_t>(from - bytes.data());
+}
+
+/// What may follow, as an automaton over the bytes of UTF-8. A state is the place of its successor in a
+/// byte's word, so that a step is one shift and no branch: text that mixes scripts would have every other one
+/// guessed wrong.
+enum Utf8State : unsigned int
+{
+    CharacterEnd = 0,
+    BadUtf8 = 6,
+    OneMore = 12,
+    TwoMore = 18,
+    ThreeMore = 24,
+    BehindE0 = 30,
+    BehindEd = 36,
+    BehindF0 = 42,
+    BehindF4 = 48
+};
+
+constexpr Utf8State StateBehindLead(unsigned int byte)
+{
+    if (byte < 0x80)
+        return CharacterEnd;
+    if (byte < 0xC2 || byte > 0xF4)
+        return BadUtf8;
+    if (byte < 0xE0)
+        return OneMore;
+    if (byte < 0xF0)
+        return byte == 0xE0 ? BehindE0 : byte == 0xED ? BehindEd : TwoMore;
+    return byte == 0xF0 ? BehindF0 : byte == 0xF4 ? BehindF4 : ThreeMore;
+}
+
+/// The state behind `byte` where it must be from `first` to `last`.
+constexpr Utf8State StateWithin(unsigned int byte, unsigned int first, unsigned int last, Utf8State then)
+{
+    return byte >= first && byte <= last ? then : BadUtf8;
+}
+
+constexpr std::array<uint64_t, 256> MakeUtf8Steps()
+{
+    std::array<uint64_t, 256> steps{};
+    for (unsigned int byte = 0; byte < steps.size(); ++byte) {
+        const auto from = [&](Utf8State state, Utf8State to) { steps[byte] |= uint64_t{to} << state; };
+        from(CharacterEnd, StateBehindLead(byte));
+        from(BadUtf8, BadUtf8);
+        from(OneMore, StateWithin(byte, 0x80, 0xBF, CharacterEnd));
+        from(TwoMore, StateWithin(byte, 0x80, 0xBF, OneMore));
+        from(ThreeMore, StateWithin(byte, 0x80, 0xBF, TwoMore));
+        from(BehindE0, StateWithin(byte, 0xA0, 0xBF, OneMore));
+        from(BehindEd, StateWithin(byte, 0x80, 0x9F, OneMore));
+        from(BehindF0, StateWithin(byte, 0x90, 0xBF, TwoMore));
+        from(BehindF4, StateWithin(byte, 0x80, 0x8F, TwoMore));
+    }
+    return steps;
+}
+
 /// Output grows by blocks that stay in the nearest cache.
 constexpr size_t BlockSize = 16'384;
 
@@ -472,22 +546,28 @@ std::string Utf8ToBytes(std::string_view utf8, int codePage)
 
 size_t ValidUtf8Prefix(std::string_view bytes)
 {
-    const char* from = bytes.data();
-    const char* const end = from + bytes.size();
-    while (from != end) {
-        from += AsciiRun(from, end);
-        if (from == end)
+    static constexpr std::array<uint64_t, 256> Steps = MakeUtf8Steps();
+    constexpr uint64_t StateMask = 63;
+    constexpr size_t SmallestBlock = 16;
+    constexpr size_t LargestBlock = 256;
+    // Blocks grow, so that a call costs what it finds; what is wrong within one is found byte by byte.
+    size_t valid = 0; // up to the end of a character
+    uint64_t state = CharacterEnd;
+    size_t block = SmallestBlock;
+    for (size_t at = 0; at < bytes.size(); block = std::min(2 * block, LargestBlock)) {
+        std::string_view part = bytes.substr(at, block);
+        at += part.size();
+        if (state == CharacterEnd)
+            part.remove_prefix(AsciiRun(part.data(), part.data() + part.size()));
+        for (const char c : part)
+            state = Steps[static_cast<unsigned char>(c)] >> (state & StateMask);
+        state &= StateMask;
+        if (state == BadUtf8)
             break;
-        if (static_cast<unsigned char>(*from) < 0x80) {
-            ++from;
-            continue;
-        }
-        const size_t length = ReadUtf8(from, end).length;
-        if (length == 0)
-            break;
-        from += length;
+        if (state == CharacterEnd)
+            valid = at;
     }
-    return static_cast<size_t>(from - bytes.data());
+    return valid + ValidCharacters(bytes.substr(valid));
 }
 
 bool IsValidUtf8(std::string_view bytes)

@@ -340,40 +340,65 @@ public:
 
     void count(std::string_view text)
     {
-        for (const char c : text) {
-            const auto byte = static_cast<unsigned char>(c);
-            if ((byte & 0xC0) == 0x80)
-                continue; // within a character
-            position.filepos += byte >= 0xF0 ? 2 : 1;
-            if (byte == '\n' && afterCr) {
-                afterCr = false;
-                continue; // the second half of CR LF
-            }
-            afterCr = byte == '\r';
-            if (byte == '\r' || byte == '\n') {
-                ++position.line;
-                position.linepos = 1;
-            } else {
-                ++position.linepos;
-            }
+        if (text.empty())
+            return;
+        addSums(text.front(), afterCr ? '\r' : '\0');
+        for (size_t at = 1; at < text.size(); at += BlockSize)
+            addSums(text.data() + at, std::min(BlockSize, text.size() - at));
+        afterCr = text.back() == '\r';
+
+        // The column is counted in the last line alone.
+        if (const size_t lineEnd = text.find_last_of("\r\n"); lineEnd != std::string_view::npos) {
+            position.linepos = 1;
+            text.remove_prefix(lineEnd + 1);
         }
+        position.linepos += static_cast<int>(std::ranges::count_if(text, IsCharacterStart));
     }
 
 private:
+    /// What a byte-sized sum can hold; such sums take many bytes in one step of the processor.
+    static constexpr size_t BlockSize = 64;
+
+    static bool IsCharacterStart(char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80; }
+    static bool IsCharacterOfTwoUnits(char c) { return static_cast<unsigned char>(c) >= 0xF0; }
+    /// Line ends are counted at their first character: CR LF is one.
+    static bool IsLineEnd(char c, char before) { return c == '\r' || (c == '\n' && before != '\r'); }
+
+    void addSums(char c, char before)
+    {
+        position.filepos += (IsCharacterStart(c) ? 1 : 0) + (IsCharacterOfTwoUnits(c) ? 1 : 0);
+        position.line += IsLineEnd(c, before) ? 1 : 0;
+    }
+
+    /// For bytes that others stand in front of.
+    void addSums(const char* bytes, size_t count)
+    {
+        uint8_t units = 0;
+        uint8_t lineEnds = 0;
+        for (size_t i = 0; i < count; ++i) {
+            units += static_cast<uint8_t>(IsCharacterStart(bytes[i]));
+            units += static_cast<uint8_t>(IsCharacterOfTwoUnits(bytes[i]));
+            lineEnds
+                += static_cast<uint8_t>((bytes[i] == '\r') | ((bytes[i] == '\n') & (bytes[i - 1] != '\r')));
+        }
+        position.filepos += units;
+        position.line += lineEnds;
+    }
+
     XmlPosition& position;
     bool afterCr = false;
 };
 
 } // namespace
 
-std::string XmlInput::prefix(qsizetype length) const
+std::string_view XmlInput::prefix(qsizetype length, std::string& room) const
 {
     const size_t limit = static_cast<size_t>(std::max<qsizetype>(length, 0));
     if (!decoder)
-        return std::string(bytes.substr(0, limit));
-    std::string text;
-    DecodeFront(*decoder, bytes, limit, [&text](std::string_view piece) { text += piece; });
-    return text;
+        return bytes.substr(0, limit);
+    room.clear();
+    DecodeFront(*decoder, bytes, limit, [&room](std::string_view piece) { room += piece; });
+    return room;
 }
 
 XmlPosition XmlInput::locate(qsizetype offset) const

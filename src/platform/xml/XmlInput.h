@@ -80,8 +80,9 @@ public:
     /// Set when the encoding is not known, or once `read` has met bytes that are no character of it.
     [[nodiscard]] const std::optional<Failure>& failure() const { return failed; }
 
-    /// The first `length` bytes of the stream, decoded anew; a character cut by the limit is left out.
-    [[nodiscard]] std::string prefix(qsizetype length) const;
+    /// The first `length` bytes of the stream; a character cut by the limit is left out of text that has to
+    /// be decoded anew, which `room` then holds.
+    [[nodiscard]] std::string_view prefix(qsizetype length, std::string& room) const;
     /// The place of the stream's byte `offset` in the text that was given.
     [[nodiscard]] XmlPosition locate(qsizetype offset) const;
 

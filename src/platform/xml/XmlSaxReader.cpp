@@ -219,9 +219,10 @@ qsizetype Pass::placeOf(const Found& error) const
 {
     if (error.place == Place::Here)
         return error.offset;
-    const std::string before = input.prefix(error.offset);
+    std::string room;
+    const std::string_view before = input.prefix(error.offset, room);
     const auto orHere
-        = [&error](size_t at) { return at == std::string::npos ? error.offset : qsizetype(at); };
+        = [&error](size_t at) { return at == std::string_view::npos ? error.offset : qsizetype(at); };
     if (error.place == Place::Reference)
         return orHere(before.rfind('&'));
     if (error.place == Place::Text) {
@@ -352,10 +353,11 @@ void Pass::startDocument()
 void Pass::docTypeEnd()
 {
     if (handler != nullptr && !found) {
-        const std::string before = input.prefix(offset());
+        std::string room;
+        const std::string_view before = input.prefix(offset(), room);
         const size_t start = before.rfind("<!DOCTYPE", static_cast<size_t>(markupEnd));
-        if (start != std::string::npos)
-            handler->docType(std::string_view(before).substr(start));
+        if (start != std::string_view::npos)
+            handler->docType(before.substr(start));
     }
     noteMarkupEnd();
 }
