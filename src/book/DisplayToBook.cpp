@@ -267,9 +267,9 @@ std::string TidyLineEnds(const std::string& text, std::string_view nbsp)
 
 } // namespace
 
-Seam<std::string()>& DisplayPageSeam()
+Seam<std::string(AngleMarks marks)>& DisplayTextSeam()
 {
-    static Seam<std::string()> seam([] { return std::string(); });
+    static Seam<std::string(AngleMarks)> seam([](AngleMarks) { return std::string(); });
     return seam;
 }
 
@@ -308,7 +308,7 @@ std::string GetFbTextFromDisplay(bool realCharacters)
 {
     const HourglassScope hourglass;
     ShowStatus(u"...getting Fiction Book text...wait, please"_s);
-    std::string text = TextOfPage(DisplayPageSeam()(), AngleMarks::Keep);
+    std::string text = DisplayTextSeam()(AngleMarks::Keep);
     if (!realCharacters)
         Utf8ToCodePage(text, WorkCodePage);
     ShowStatus(QString());
@@ -317,9 +317,14 @@ std::string GetFbTextFromDisplay(bool realCharacters)
 
 BookFile FileOfPage(std::string page, const SaveLayout& layout)
 {
-    BookFile file;
     std::string text = TextOfPage(page, AngleMarks::Restore);
     std::string().swap(page); // no longer needed
+    return FileOfText(std::move(text), layout);
+}
+
+BookFile FileOfText(std::string text, const SaveLayout& layout)
+{
+    BookFile file;
     SetDeclaration(text, layout.declaration);
     text = LaidOut(std::move(text), layout, file.treeSkipped);
 

@@ -10,9 +10,6 @@
 /// From the page of the display back to XML text and to the bytes of a book.
 namespace vmk {
 
-/// The page as the display writes it, in UTF-8. Empty without a window.
-[[nodiscard]] Seam<std::string()>& DisplayPageSeam();
-
 /// A page as the display writes it when nothing has been edited: with `CrLf` between its lines.
 [[nodiscard]] std::string PageAsDisplayed(std::string page);
 
@@ -28,6 +25,9 @@ enum class AngleMarks
 /// one, from the XML declaration on if there is one. The display's wraps of long lines are undone,
 /// `NbspMarker` becomes U+00A0, `&nbsp;` a blank; line ends between lines remain.
 [[nodiscard]] std::string TextOfPage(std::string_view page, AngleMarks marks);
+
+/// The text of the page that the display shows, as `TextOfPage` makes it. Empty without a window.
+[[nodiscard]] Seam<std::string(AngleMarks marks)>& DisplayTextSeam();
 
 /// The open book's XML text without its binary part, for the parser.
 /// \param realCharacters  in UTF-8; otherwise in the code page that the book was read in
@@ -60,7 +60,10 @@ struct BookFile
     bool treeSkipped = false;
 };
 
-/// The file of the book that a page shows. Characters that the code page lacks are substituted.
+/// The file of a book, from its text with angle marks restored. Characters that the code page lacks are
+/// substituted.
+[[nodiscard]] BookFile FileOfText(std::string text, const SaveLayout& layout);
+/// The file of the book that a page shows.
 [[nodiscard]] BookFile FileOfPage(std::string page, const SaveLayout& layout);
 
 } // namespace vmk

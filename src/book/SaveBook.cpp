@@ -84,7 +84,7 @@ bool SaveBook(const QString& path, bool quiet, bool silent)
     const HourglassScope hourglass;
     ShowStatus(u"...saving Fiction Book file...wait, please"_s);
     const SaveLayout layout = SaveLayoutOfSettings();
-    const BookFile file = FileOfPage(DisplayPageSeam()(), layout);
+    const BookFile file = FileOfText(DisplayTextSeam()(AngleMarks::Restore), layout);
     const bool written = WriteFileText(path, file.bytes);
     ReportOutcome(path, file, written, quiet, silent);
     return written;

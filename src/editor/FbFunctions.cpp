@@ -173,7 +173,7 @@ namespace {
 
 struct Finding
 {
-    qsizetype pos = 0;
+    XmlPosition place;
     QString message; ///< empty: no error
 };
 
@@ -185,7 +185,7 @@ QString Shortened(QString reason)
     return reason;
 }
 
-Finding Validate(const QString& text, bool againstSchema)
+Finding Validate(std::string_view text, bool againstSchema)
 {
     XmlDocument document;
     if (againstSchema) {
@@ -196,11 +196,11 @@ Finding Validate(const QString& text, bool againstSchema)
         document.schemas = cache;
         document.validateOnParse = true;
     }
-    document.loadXML(text);
+    document.loadXML(text, XmlEncoding::utf8());
     const XmlParseError& error = document.parseError();
     if (!error)
         return {};
-    return {error.filepos, Shortened(error.reason)};
+    return {error, Shortened(error.reason)};
 }
 
 /// Selects the place at `offset` characters from the display's start.
@@ -237,13 +237,14 @@ void SelectGenreValue(const TextRange& error)
 
 } // namespace
 
-int DisplayOffset(QStringView text, qsizetype pos)
+int DisplayOffset(std::string_view text, const XmlPosition& place)
 {
-    const QStringView before = text.first(std::clamp<qsizetype>(pos, 0, text.size()));
     // Where the text has CR and LF, the display has one place; where it has "&amp;", one character.
-    const qsizetype ampersands = before.count(u"&amp;");
-    const qsizetype carriageReturns = before.count(u'\r');
-    return int(before.size() - carriageReturns - 4 * ampersands);
+    constexpr std::string_view Ampersand = "&amp;";
+    const std::string_view before = text.substr(0, static_cast<size_t>(place.fileByte));
+    const size_t uncounted
+        = CountOccurrences(before, "\r") + (Ampersand.size() - 1) * CountOccurrences(before, Ampersand);
+    return static_cast<int>(place.filepos - static_cast<qsizetype>(uncounted));
 }
 
 void ValidateDisplay()
@@ -260,11 +261,11 @@ void ValidateDisplay()
     std::optional<TextRange> error;
     {
         const HourglassScope hourglass;
-        const QString text = QString::fromStdString(GetFbTextFromDisplay(true));
+        const std::string text = GetFbTextFromDisplay(true);
         found = Validate(text, againstSchema);
         if (!found.message.isEmpty()) {
-            ShowStatusPanel(GeneralPanel, u"Error pos: %1"_s.arg(found.pos));
-            error = SelectPlace(DisplayOffset(text, found.pos));
+            ShowStatusPanel(GeneralPanel, u"Error pos: %1"_s.arg(found.place.filepos));
+            error = SelectPlace(DisplayOffset(text, found.place));
             View().focus();
         }
     }

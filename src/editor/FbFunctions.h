@@ -1,7 +1,10 @@
 #pragma once
 
+#include "XmlError.h"
+
 #include <QString>
-#include <QStringView>
+
+#include <string_view>
 
 /// A book's life in the main window: loading, validating, reading.
 namespace vmk {
@@ -28,9 +31,9 @@ void ShowFb2TextPreview();
 void ValidateDisplay();
 
 /// The place in the display of a place in the text that was validated.
-/// @param text  lines end with CR and LF; of the characters only the ampersand is escaped
-/// @param pos   UTF-16 units, 0 to the text's length
-/// @return characters from the display's start, a line break counting as one
-[[nodiscard]] int DisplayOffset(QStringView text, qsizetype pos);
+/// @param text   UTF-8; lines end with CR and LF; of the characters only the ampersand is escaped
+/// @param place  as the parser of `text` tells it
+/// @return characters (UTF-16 units) from the display's start, a line break counting as one
+[[nodiscard]] int DisplayOffset(std::string_view text, const XmlPosition& place);
 
 } // namespace vmk

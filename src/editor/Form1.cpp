@@ -3,6 +3,7 @@
 #include "Boxes.h"
 #include "Desktop.h"
 #include "Dialogs.h"
+#include "DisplayText.h"
 #include "DisplayView.h"
 #include "DroppedFiles.h"
 #include "EditorFunctions.h"
@@ -118,7 +119,7 @@ void Form1::fillSeams()
     });
     LoadBookSeam().Fill(LoadBook);
     IsBookEmptySeam().Fill(IsDisplayBlank);
-    DisplayPageSeam().Fill([this] { return HTMLread->document().savePage().toStdString(); });
+    DisplayTextSeam().Fill([this](AngleMarks marks) { return TextOfDisplay(HTMLread->document(), marks); });
 }
 
 void Form1::emptySeams()
@@ -129,7 +130,7 @@ void Form1::emptySeams()
     NavigateSeam().Fill([](const QString&, bool) {});
     LoadBookSeam().Fill([](const QString&, bool) { return false; });
     IsBookEmptySeam().Fill([] { return true; });
-    DisplayPageSeam().Fill([] { return std::string(); });
+    DisplayTextSeam().Fill([](AngleMarks) { return std::string(); });
 }
 
 Form1* Form1::Instance()

@@ -369,8 +369,9 @@ TEST_F(Conversion, ADeclarationQuotedInACommentTakesNothingAway)
 
 TEST_F(Conversion, GetFbTextKeepsTheMarksForPositions)
 {
-    const SeamGuard display(DisplayPageSeam(), [] {
-        return std::string("<HEAD></HEAD>x&lt;?xml version=\"1.0\"?&gt;\r\n&lt;a&gt;\xe2\x80\xb9&lt;/a&gt;");
+    const SeamGuard display(DisplayTextSeam(), [](AngleMarks marks) {
+        return TextOfPage("<HEAD></HEAD>x&lt;?xml version=\"1.0\"?&gt;\r\n&lt;a&gt;\xe2\x80\xb9&lt;/a&gt;",
+                          marks);
     });
     EXPECT_EQ(GetFbTextFromDisplay(true), "<?xml version=\"1.0\"?>\r\n<a>\xe2\x80\xb9</a>");
     EXPECT_EQ(statuses.first(), u"...getting Fiction Book text...wait, please"_s);
@@ -408,8 +409,7 @@ TEST_F(Conversion, ADamagedTreeIsSavedByLinesAndSaysSo)
     QTemporaryDir folder;
     const QString path = folder.filePath(u"book.fb2"_s);
     const SeamGuard filled(IsBookEmptySeam(), [] { return false; });
-    const SeamGuard display(DisplayPageSeam(),
-                            [] { return std::string("<DIV>&lt;b&gt;</DIV>\r\n<DIV>&lt;p&gt;x</DIV>"); });
+    const SeamGuard display(DisplayTextSeam(), [](AngleMarks) { return std::string("<b>\r\n<p>x"); });
     FileEncodingName = "utf-8";
     EXPECT_TRUE(SaveBook(path, false, true));
     EXPECT_EQ(statuses.last(), u"Namespace error: tree on save skipped. File saved as: "_s + path);
@@ -466,7 +466,7 @@ TEST_F(Conversion, NothingIsSavedOfAnEmptyDisplay)
 TEST_F(Conversion, AFailedWriteIsReportedEvenWhenQuiet)
 {
     const SeamGuard filled(IsBookEmptySeam(), [] { return false; });
-    const SeamGuard display(DisplayPageSeam(), [] { return std::string("<DIV>&lt;a/&gt;</DIV>"); });
+    const SeamGuard display(DisplayTextSeam(), [](AngleMarks) { return std::string("<a/>"); });
     EXPECT_FALSE(SaveBook(u"/nowhere/book.fb2"_s, true, false));
     EXPECT_EQ(statuses.last(), u"cannot save file: /nowhere/book.fb2"_s);
 }

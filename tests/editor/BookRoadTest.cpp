@@ -460,12 +460,19 @@ TEST_F(BookRoad, AFailedCommandLineRunValidatesOnceTheDisplayIsComplete)
 
 TEST(DisplayOffset, CountsALineEndAndAnAmpersandOnce)
 {
-    const QString text = u"a&amp;b\r\nc\r\n&amp;&amp;d"_s;
-    EXPECT_EQ(DisplayOffset(text, 0), 0);
-    EXPECT_EQ(DisplayOffset(text, 6), 2);
-    EXPECT_EQ(DisplayOffset(text, 9), 4);
-    EXPECT_EQ(DisplayOffset(text, text.size()), 9);
-    EXPECT_EQ(DisplayOffset(text, 1'000), 9);
+    // One character of two bytes, then one of four, which is two units.
+    const std::string text = "\xd1\x8f&amp;b\r\nc\r\n&amp;&amp;d\xf0\x9f\x98\x80";
+    const auto offset = [&text](qsizetype byte, qsizetype unit) {
+        XmlPosition place;
+        place.fileByte = byte;
+        place.filepos = unit;
+        return DisplayOffset(text, place);
+    };
+    EXPECT_EQ(offset(0, 0), 0);
+    EXPECT_EQ(offset(7, 6), 2);
+    EXPECT_EQ(offset(10, 9), 4);
+    EXPECT_EQ(offset(24, 23), 9);
+    EXPECT_EQ(offset(28, 25), 11);
 }
 
 // ---------------------------------------------------------------- schemas

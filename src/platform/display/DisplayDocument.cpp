@@ -108,14 +108,19 @@ void DisplayDocument::loadPage(const QByteArray& html)
     reset(std::move(content.lines));
 }
 
+QByteArray DisplayDocument::pageFront() const
+{
+    const QByteArray head = pageHead.isEmpty() ? QByteArrayLiteral("<HTML>") : pageHead.toUtf8();
+    const QString body = pageBody == NoTag ? QStringLiteral("<BODY>") : tagTable[pageBody].startTag();
+    return head + body.toUtf8() + "\r\n";
+}
+
 QByteArray DisplayDocument::savePage() const
 {
     constexpr qsizetype TypicalLine = 200;
     QByteArray page;
     page.reserve(pageHead.size() + lineCount() * TypicalLine);
-    page += pageHead.isEmpty() ? QByteArrayLiteral("<HTML>") : pageHead.toUtf8();
-    page += (pageBody == NoTag ? QStringLiteral("<BODY>") : tagTable[pageBody].startTag()).toUtf8();
-    page += "\r\n";
+    page += pageFront();
     QString html;
     for (int i = 0; i < lineCount(); ++i) {
         if (line(i).block == NoTag)

@@ -131,6 +131,8 @@ public:
     void loadPage(const QByteArray& html);
     /// The whole page as a browser saves it, in UTF-8: head and body tag as loaded, lines in canonical form.
     [[nodiscard]] QByteArray savePage() const;
+    /// What a saved page begins with: all up to its first line.
+    [[nodiscard]] QByteArray pageFront() const;
     /// All of the page in front of its body's start tag, as loaded: style rules stand here.
     [[nodiscard]] const QString& head() const { return pageHead; }
     /// The body's start tag; a bare `BODY` when the page has none.

@@ -1,0 +1,157 @@
+#include "DisplayText.h"
+
+#include "DisplayDocument.h"
+#include "Globals.h"
+#include "LargeBuffers.h"
+#include "XmlDeclarations.h"
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+
+namespace vmk {
+
+namespace {
+
+constexpr std::string_view LineEnd = CrLf;
+constexpr char16_t NonBreakingSpace = 0xA0;
+constexpr char16_t LeftAngleMark = 0x2039;
+constexpr char16_t RightAngleMark = 0x203A;
+
+/// The most bytes that one UTF-16 unit is written as: `&amp;`.
+constexpr size_t LongestUnit = 5;
+
+char* Put(char* to, std::string_view bytes)
+{
+    return std::ranges::copy(bytes, to).out;
+}
+
+/// Writes the last six bits of `bits` as a byte within a character.
+char* PutTail(char* to, unsigned int bits)
+{
+    *to = static_cast<char>(0x80U | (bits & 0x3FU));
+    return to + 1;
+}
+
+/// Writes a character from U+0800 on; moves `at` behind it.
+char* PutLongCharacter(char* to, const char16_t*& at, const char16_t* end)
+{
+    const unsigned int unit = *at++;
+    if (!QChar::isSurrogate(unit)) {
+        *to++ = static_cast<char>(0xE0U | unit >> 12U);
+        return PutTail(PutTail(to, unit >> 6U), unit);
+    }
+    if (!QChar::isHighSurrogate(unit) || at == end || !QChar::isLowSurrogate(*at))
+        return Put(to, "?"); // as the page's writer has it
+    const unsigned int character = QChar::surrogateToUcs4(static_cast<char16_t>(unit), *at++);
+    *to++ = static_cast<char>(0xF0U | character >> 18U);
+    return PutTail(PutTail(PutTail(to, character >> 12U), character >> 6U), character);
+}
+
+/// Writes what stands between two tags; gives the end of what is written, null for text that the rules of a
+/// page may read otherwise: with a line end in it, or half a surrogate pair beside a tag.
+char* PutRun(char* to, QStringView run, AngleMarks marks)
+{
+    if (!run.isEmpty() && run.back().isHighSurrogate())
+        return nullptr;
+    const char16_t* at = run.utf16();
+    const char16_t* const end = at + run.size();
+    while (at != end) {
+        const char16_t unit = *at;
+        const bool isAngleMark = unit == LeftAngleMark || unit == RightAngleMark;
+        if (unit == u'\r') {
+            return nullptr;
+        } else if (unit == u'&') {
+            to = Put(to, "&amp;");
+        } else if (unit == char16_t(NbspMarker)) {
+            to = Put(to, Utf8Nbsp);
+        } else if (unit == NonBreakingSpace) {
+            *to++ = ' ';
+        } else if (unit < 0x80) {
+            *to++ = static_cast<char>(unit);
+        } else if (unit < 0x800) {
+            *to++ = static_cast<char>(0xC0U | unit >> 6U);
+            to = PutTail(to, unit);
+        } else if (isAngleMark && marks == AngleMarks::Restore) {
+            to = Put(to, unit == LeftAngleMark ? "&lt;" : "&gt;");
+        } else {
+            to = PutLongCharacter(to, at, end);
+            continue;
+        }
+        ++at;
+    }
+    return to;
+}
+
+/// Appends a line and its end to `text`, by way of `room`. False, with nothing appended, where `PutRun`
+/// cannot tell.
+bool AppendLine(std::string& text, const Line& line, AngleMarks marks, std::string& room)
+{
+    const size_t most = LongestUnit * static_cast<size_t>(line.text.size()) + LineEnd.size();
+    if (room.size() < most)
+        room.resize(2 * most);
+    const QStringView whole = line.text;
+    char* to = room.data();
+    qsizetype from = 0;
+    for (const Mark& mark : line.marks) {
+        to = PutRun(to, whole.sliced(from, mark.pos - from), marks);
+        if (to == nullptr)
+            return false;
+        from = mark.pos;
+    }
+    to = PutRun(to, whole.sliced(from), marks);
+    if (to == nullptr)
+        return false;
+    text.append(room.data(), Put(to, LineEnd));
+    return true;
+}
+
+/// Whether a tag is gone, and nothing but it, once mark-up is deleted.
+bool IsPlain(const Tag& tag)
+{
+    return !tag.name.contains(u'<') && !tag.name.contains(u'>') && !tag.attributes.contains(u'<')
+        && !tag.attributes.contains(u'>');
+}
+
+/// Whether `TextOfPage` finds no mark-up in the page's lines but their own tags. None of these is an end of
+/// the head: no reader keeps that element.
+bool HasPlainTags(const DisplayDocument& document)
+{
+    const TagTable& tags = document.tags();
+    for (TagId id = 0; id < static_cast<TagId>(tags.size()); ++id)
+        if (!IsPlain(tags[id]))
+            return false;
+    return true;
+}
+
+} // namespace
+
+std::optional<std::string> TextOfLines(const DisplayDocument& document, AngleMarks marks)
+{
+    if (!HasPlainTags(document))
+        return std::nullopt;
+    size_t units = 0;
+    for (int i = 0; i < document.lineCount(); ++i)
+        units += static_cast<size_t>(document.line(i).text.size()) + LineEnd.size();
+    // Enough for most books; what is not used is never touched.
+    constexpr size_t BytesPerUnit = 2;
+    std::string text = StringWithRoom(BytesPerUnit * units);
+    text += TextOfPage(document.pageFront().toStdString(), marks);
+    std::string room;
+    for (int i = 0; i < document.lineCount(); ++i)
+        if (const Line& line = document.line(i); line.block != NoTag && !AppendLine(text, line, marks, room))
+            return std::nullopt;
+    return text;
+}
+
+std::string TextOfDisplay(const DisplayDocument& document, AngleMarks marks)
+{
+    std::optional<std::string> text = TextOfLines(document, marks);
+    if (!text)
+        return TextOfPage(document.savePage().toStdString(), marks);
+    if (const size_t start = text->find(XmlDeclarationStart); start != std::string::npos)
+        text->erase(0, start);
+    return *std::move(text);
+}
+
+} // namespace vmk
