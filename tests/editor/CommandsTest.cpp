@@ -281,7 +281,7 @@ TEST_F(Commands, ALineHigherThanTheViewStaysWhereItIsUnderAShiftOrARepaint)
             Key(keys.key, keys.modifiers);
             EXPECT_NEAR(View().scrollTop(), top, tolerance);
             EXPECT_EQ(Document().selection().focus.line, caret.line);
-            EXPECT_NEAR(Document().selection().focus.offset, caret.offset, 3) << count;
+            EXPECT_NEAR(Document().selection().focus.offset, caret.offset, 1) << count;
             Key(Qt::Key_Z, Ctrl);
             EXPECT_EQ(Document().selection().focus, caret);
         }

@@ -10,6 +10,9 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
+/// A view may lay out a line of more characters in pieces, whose rows break elsewhere the next time.
+constexpr int LongLine = 8192;
+
 Position EndOfLine(const DisplayDocument& document, int line)
 {
     return {line, int(document.line(line).text.size())};
@@ -129,7 +132,8 @@ void PlaceCaret(DisplayDocument& document, QPoint clientPoint)
 void PutCaretBack(DisplayDocument& document, const SelectedLines& lines, QPoint move, int characters)
 {
     TextRange range(document, lines.at, lines.at);
-    if (range.offsetTop() == lines.place.y()) {
+    const bool breaksAnew = document.line(lines.at.line).text.size() > LongLine;
+    if (!breaksAnew && range.offsetTop() == lines.place.y()) {
         range.moveToPoint(lines.place.x() + move.x(), lines.place.y() + move.y());
         range.move(u"character", characters);
     }

@@ -47,7 +47,8 @@ void ReplaceLines(DisplayDocument& document, const SelectedLines& lines, std::ve
 void PlaceCaret(DisplayDocument& document, QPoint clientPoint);
 
 /// Puts the caret back into its line, which has been replaced by one of the same text: at the character
-/// nearest to its old client point. Where the row has moved away from there the caret goes with its text.
+/// nearest to its old client point. Where the row has moved away from there, and in a line so long that its
+/// rows break anew, the caret goes with its text.
 /// @param move    pixels from the old point to the one that counts
 /// @param characters  how many characters to move on from there
 void PutCaretBack(DisplayDocument& document, const SelectedLines& lines, QPoint move, int characters);
