@@ -45,8 +45,9 @@ words 'large'; keys shift+Home; edit_menu 2; keys End; end_line
 words 'every word'; keys shift+Home; edit_menu 1; keys End; end_line
 words 'two  blanks'; end_line
 words 'kept'; keys ctrl+space; words 'together'; end_line
-words 'copied '; keys shift+Home ctrl+c End ctrl+v; words 'once more'; end_line
-words 'moved'; keys shift+Home ctrl+x; words 'then '; keys shift+Insert; end_line
+# A piece of a line; a whole one would be pasted as a line.
+words '-copied '; keys Home Right shift+End ctrl+c End ctrl+v; words 'once more'; keys Home Delete End; end_line
+words '-moved'; keys Home Right shift+End ctrl+x BackSpace; words 'then '; keys shift+Insert; end_line
 words 'as text'; keys shift+Home ctrl+t End; words ' and '; keys ctrl+v; end_line
 words 'deleted'; keys shift+Home Delete; words 'stays'; keys Left Left Right Right; end_line
 words 'undone'; keys shift+Home ctrl+b ctrl+z End; end_line

@@ -8,7 +8,7 @@
 /// piece comes back with its painting.
 namespace vmk {
 
-/// Puts the selection's HTML on the clipboard; with `cut` deletes the selection.
+/// Puts the selection's HTML on the clipboard, whole lines as lines; with `cut` deletes the selection.
 void CopySelection(DisplayDocument& document, bool cut);
 
 /// Puts the selection's text on the clipboard: the book's mark-up as it reads on the screen.

@@ -38,6 +38,29 @@ bool IsBalanced(const Line& line, std::size_t from, std::size_t to)
     return depth == 0;
 }
 
+/// A piece of a line with the elements that it covers from end to end.
+QString PieceToCopy(const DisplayDocument& document, Position start, Position end)
+{
+    const Line& line = document.line(start.line);
+    Cut from = rangeStartCut(line, start.offset);
+    Cut to = rangeEndCut(line, end.offset);
+    const auto beginsHere = [&] {
+        return from.mark > 0 && line.marks[from.mark - 1].open
+            && line.marks[from.mark - 1].pos == from.offset;
+    };
+    const auto endsHere = [&] {
+        return to.mark < line.marks.size() && !line.marks[to.mark].open
+            && line.marks[to.mark].pos == to.offset;
+    };
+    if (IsBalanced(line, from.mark, to.mark)) {
+        while (beginsHere() && endsHere()) {
+            --from.mark;
+            ++to.mark;
+        }
+    }
+    return HtmlBetween(document, start.line, from, to);
+}
+
 } // namespace
 
 void MarkEdit(int steps)
@@ -98,28 +121,19 @@ QString HtmlBetween(const DisplayDocument& document, int line, Cut from, Cut to)
 
 QString HtmlToCopy(const TextRange& range)
 {
-    if (range.isNull() || range.isEmpty() || range.start().line != range.end().line)
-        return range.htmlText();
+    if (range.isNull() || range.isEmpty())
+        return {};
+    DisplayDocument& document = *range.ofDocument();
+    const Position start = range.start();
+    Position end = range.end();
+    // Up to the beginning of a line is up to the end of the one before.
+    if (end.line > start.line && end.offset == 0)
+        end = EndOfLine(document, end.line - 1);
+    if (start.line != end.line)
+        return TextRange(document, start, end).htmlText();
 
-    const DisplayDocument& document = *range.ofDocument();
-    const Line& line = document.line(range.start().line);
-    Cut from = rangeStartCut(line, range.start().offset);
-    Cut to = rangeEndCut(line, range.end().offset);
-    const auto beginsHere = [&] {
-        return from.mark > 0 && line.marks[from.mark - 1].open
-            && line.marks[from.mark - 1].pos == from.offset;
-    };
-    const auto endsHere = [&] {
-        return to.mark < line.marks.size() && !line.marks[to.mark].open
-            && line.marks[to.mark].pos == to.offset;
-    };
-    if (IsBalanced(line, from.mark, to.mark)) {
-        while (beginsHere() && endsHere()) {
-            --from.mark;
-            ++to.mark;
-        }
-    }
-    return HtmlBetween(document, range.start().line, from, to);
+    const bool isWholeLine = start.offset == 0 && end == EndOfLine(document, start.line);
+    return isWholeLine ? item(document, start.line + 1).outerHTML() : PieceToCopy(document, start, end);
 }
 
 void PlaceCaret(DisplayDocument& document, QPoint clientPoint)

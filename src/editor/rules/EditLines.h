@@ -39,8 +39,8 @@ void ReplaceLines(DisplayDocument& document, const SelectedLines& lines, std::ve
 /// The HTML of what stands between two cuts of a line; elements that reach over one of them are closed there.
 [[nodiscard]] QString HtmlBetween(const DisplayDocument& document, int line, Cut from, Cut to);
 
-/// The HTML of a range as it is copied: within a line with the elements that it covers from end to end, so
-/// that a whole painted tag keeps its painting.
+/// The HTML of a range as it is copied. A whole line comes as a line, in its block; a piece of one with the
+/// elements that it covers from end to end, so that a whole painted tag keeps its painting.
 [[nodiscard]] QString HtmlToCopy(const TextRange& range);
 
 /// Puts the caret at the character nearest to a client point.

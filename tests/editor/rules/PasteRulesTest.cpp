@@ -321,9 +321,39 @@ TEST_F(Pasting, ACopiedTagIsPastedWithItsPainting)
               "<SPAN class=t>&lt;image<FONT class=n> l:href=</FONT>/&gt;</SPAN></DIV>");
 }
 
+TEST_F(Pasting, ACopiedWholeLineIsPastedAsALineAtTheEndAndAtTheStartOfAnother)
+{
+    for (const int offset : {6, 0}) {
+        show("<DIV>a<SPAN class=t>&lt;b&gt;</SPAN></DIV>\r<DIV style=\"MARGIN-LEFT: 5px\">second</DIV>");
+        select(0, 0, 0, 4);
+        CopySelection(document, false);
+        caret(1, offset);
+        PasteText(document, ClipboardText(), press());
+        const std::string copy = "<DIV>a<SPAN class=t>&lt;b&gt;</SPAN></DIV>";
+        const std::string other = "<DIV style=\"MARGIN-LEFT: 5px\">second</DIV>";
+        EXPECT_EQ(lines(), copy + '\n' + (offset > 0 ? other + '\n' + copy : copy + '\n' + other));
+    }
+    // Inside a line it becomes a part of it.
+    caret(0, 1);
+    PasteText(document, ClipboardText(), press());
+    EXPECT_EQ(text(0), "aa<b><b>");
+}
+
+TEST_F(Pasting, LinesCopiedUpToTheBeginningOfTheNextBringNoEmptyLine)
+{
+    show(TwoLines);
+    select(0, 0, 1, 0);
+    CopySelection(document, true);
+    EXPECT_EQ(ClipboardText(), u"<DIV id=FirstDiv>first</DIV>"_s);
+    EXPECT_EQ(allText(), "second\n");
+    caret(0, 6);
+    PasteText(document, ClipboardText(), press());
+    EXPECT_EQ(allText(), "second\nfirst\n");
+}
+
 TEST_F(Pasting, OfAPaintedTagCopiedInPartTheTextAloneIsTaken)
 {
-    show("<DIV><SPAN class=t>&lt;p&gt;</SPAN>word<SPAN class=t>&lt;/p&gt;</SPAN></DIV>");
+    show("<DIV><SPAN class=t>&lt;p&gt;</SPAN>word<SPAN class=t>&lt;/p&gt;</SPAN>x</DIV>");
     select(0, 0, 0, 2);
     CopySelection(document, false);
     EXPECT_EQ(ClipboardText(), u"&lt;p"_s);
