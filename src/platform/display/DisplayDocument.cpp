@@ -225,9 +225,9 @@ void DisplayDocument::splice(int first, int removed, std::vector<LinePtr> insert
     if (removed == lineCount() && inserted.empty())
         inserted.push_back(std::make_shared<const Line>());
     const bool isBare = removed == lineCount() && inserted.size() == 1 && !hasContent(*inserted[0]);
-    for (LinePtr& line : inserted) {
-        if (line->block == NoTag && !isBare)
-            line = std::make_shared<const Line>(Line{tagTable.intern(u"DIV", {}), line->text, line->marks});
+    if (!isBare) {
+        for (LinePtr& line : inserted)
+            makeFit(line);
     }
 
     Change change{first, {}, std::move(inserted), map};
@@ -243,6 +243,17 @@ void DisplayDocument::splice(int first, int removed, std::vector<LinePtr> insert
     }
     steps.back().changes.push_back(std::move(change));
     exchange(first, removed, steps.back().changes.back().after, map);
+}
+
+/// Makes a line one that reads back as itself: with a block, a rule only without content, no tag too deep.
+void DisplayDocument::makeFit(LinePtr& line)
+{
+    const bool isWrongBlock
+        = line->block == NoTag || (tagTable[line->block].name == u"HR" && hasContent(*line));
+    if (isWrongBlock)
+        line = std::make_shared<const Line>(Line{tagTable.intern(u"DIV", {}), line->text, line->marks});
+    if (isTooDeep(*line))
+        line = std::make_shared<const Line>(withinDepth(*line));
 }
 
 void DisplayDocument::exchange(int first, int removed, const std::vector<LinePtr>& inserted,

@@ -218,7 +218,7 @@ public:
     /// @param removed how many lines go, 0 and up.
     /// @param inserted the lines that take their place; an empty document keeps one empty line.
     /// @param map how places move, in document positions before and after.
-    /// Lines whose block is `NoTag` become `DIV` lines.
+    /// Lines whose block is `NoTag` become `DIV` lines, and so do rules (`HR`) with content.
     void splice(int first, int removed, std::vector<LinePtr> inserted, const EditMap& map);
 
     /// Splices made while one of these lives are one undo step.
@@ -265,6 +265,7 @@ private:
     Position replaceBlocks(int line, Cut from, Cut to, std::vector<Line> content, bool openEnded);
     void spliceMade(Position from, Position to, std::vector<Line> made, Position newEnd);
     [[nodiscard]] TagId blockWithoutId(TagId block);
+    void makeFit(LinePtr& line);
     void mergeTyping();
     void knowLineStarts(int count) const;
     void exchange(int first, int removed, const std::vector<LinePtr>& inserted, const EditMap& map);

@@ -2,6 +2,8 @@
 
 #include <QStringView>
 
+#include <cstddef>
+
 /// What the elements of HTML are to the display.
 namespace vmk {
 
@@ -18,6 +20,10 @@ enum class ElementKind : unsigned char
     Body,
     Ignored, ///< `HTML`, `META`, `LINK`: only the tag goes.
 };
+
+/// How deep in-line elements nest within a line; deeper ones do not count, neither read nor put in by an
+/// edit.
+inline constexpr std::size_t MaxInlineDepth = 256;
 
 /// @param name in capitals. Unknown names are `Inline`.
 [[nodiscard]] ElementKind elementKind(QStringView name);

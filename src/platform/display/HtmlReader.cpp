@@ -17,7 +17,8 @@ namespace {
 
 /// Deeper nesting is flattened: no page needs it, and hostile input must not cost more than its size.
 constexpr std::size_t MaxBlockDepth = 256;
-constexpr std::size_t MaxInlineDepth = 24;
+/// In-line elements that go on in the lines that follow; more of them end with their line.
+constexpr std::size_t MaxCarriedDepth = 24;
 /// How far a quoted attribute value that holds `>` is followed before its quote counts as a stray one.
 constexpr std::size_t LongestQuotedValue = 4096;
 
@@ -32,20 +33,10 @@ constexpr bool isLetter(char32_t c)
     return (c >= U'a' && c <= U'z') || (c >= U'A' && c <= U'Z');
 }
 
-/// Closes a quote that the attribute text leaves open, so that it cannot swallow what follows the tag.
-void closeLastQuote(QString& attributes)
+/// What ends an element's name. A quote in a name would swallow what follows the end tag.
+constexpr bool endsName(char32_t c)
 {
-    qsizetype i = 0;
-    while ((i = attributes.indexOf(u'=', i)) >= 0) {
-        for (++i; i < attributes.size() && isHtmlSpace(attributes[i].unicode());)
-            ++i;
-        if (i >= attributes.size() || (attributes[i] != u'"' && attributes[i] != u'\''))
-            continue;
-        const qsizetype close = attributes.indexOf(attributes[i], i + 1);
-        if (close < 0)
-            attributes += attributes[i];
-        i = (close < 0 ? attributes.size() - 1 : close) + 1;
-    }
+    return isHtmlSpace(c) || c == U'/' || c == U'>' || c == U'=' || c == U'"' || c == U'\'';
 }
 
 /// A tag as the reader needs it.
@@ -122,6 +113,10 @@ private:
     void endLine();
     bool takeHead(std::size_t end);
     TagId plainBlock(TagId container);
+    [[nodiscard]] bool inFrontOfPage() const
+    {
+        return content.lines.empty() && !lineOpen && blocks.empty() && content.body == NoTag;
+    }
     [[nodiscard]] bool inPre() const { return !blocks.empty() && blocks.back().name == preName; }
 
     TagTable& tags;
@@ -140,6 +135,13 @@ private:
     std::vector<Mark> marks;
     std::u16string heldSpace; ///< White space that belongs to the line that may begin.
     bool heldCollapsible = false;
+
+    struct StrayQuote
+    {
+        std::size_t tagEnd = 0;
+        Char quote = {};
+    };
+    std::vector<StrayQuote> strayQuotes; ///< Quotes left open in tags of the head, in order.
 
     // What a search to the end of the input has shown not to come any more.
     bool noBracket = false;
@@ -168,19 +170,17 @@ HtmlContent Reader<Char>::read()
             readCharacter();
     }
 
-    const bool insideBlock = !blocks.empty();
-    const bool onlySpace = content.lines.empty() && !lineOpen && !insideBlock && !heldSpace.empty();
+    // What is open here ends as if its end tag stood here.
+    while (!blocks.empty())
+        closeBlock();
+    const bool onlySpace = content.lines.empty() && !lineOpen && !heldSpace.empty();
     if (onlySpace && !heldCollapsible && spacing == Spacing::Keep)
         beginLine();
     // An empty element in front of nothing still is content.
-    if (!insideBlock && !lineOpen && std::any_of(inlines.begin(), inlines.end(), [](const OpenInline& open) {
-            return !open.everMarked;
-        }))
+    if (std::any_of(inlines.begin(), inlines.end(), [](const OpenInline& open) { return !open.everMarked; }))
         markOpenElements();
-    content.openEnded = lineOpen && !insideBlock;
+    content.openEnded = lineOpen;
     endLine();
-    while (!blocks.empty())
-        closeBlock();
     return std::move(content);
 }
 
@@ -202,6 +202,7 @@ std::size_t Reader<Char>::findTagEnd(std::size_t start)
     if (noBracket)
         return first;
     const std::size_t limit = std::min(input.size(), first + LongestQuotedValue);
+    Char quote = Char('"');
     std::size_t i = start;
     while (i < limit) {
         if (input[i] == Char('>'))
@@ -213,12 +214,16 @@ std::size_t Reader<Char>::findTagEnd(std::size_t start)
         for (++i; i < limit && isHtmlSpace(char32_t(input[i]));)
             ++i;
         if (i < limit && (input[i] == Char('"') || input[i] == Char('\''))) {
+            if (i < first)
+                quote = input[i];
             const std::size_t close = input.substr(0, limit).find(input[i], i + 1);
             if (close == View::npos)
-                return first;
+                break;
             i = close + 1;
         }
     }
+    if (inFrontOfPage())
+        strayQuotes.push_back({first, quote});
     return first;
 }
 
@@ -297,30 +302,12 @@ TagFacts Reader<Char>::makeTagFacts(View inner)
     facts.isEnd = tagText.startsWith(u'/');
     if (facts.isEnd)
         tagText.remove(0, 1);
-    // Angle brackets may not stand open in a tag: programs that strip tags by them would trip.
-    tagText.replace(u'<', QStringLiteral("&lt;")).replace(u'>', QStringLiteral("&gt;"));
-
-    // A quote in a name would swallow what follows the end tag.
-    constexpr QStringView NameEnds = u" \t\r\n\f/=\"'";
-    qsizetype nameEnd = 0;
-    while (nameEnd < tagText.size() && !NameEnds.contains(tagText[nameEnd]))
-        ++nameEnd;
-    const QString name = tagText.first(nameEnd).toUpper();
-    QString attributes = tagText.sliced(nameEnd);
-    attributes.replace(u'\r', u' ').replace(u'\n', u' ');
-    attributes = attributes.trimmed();
-    closeLastQuote(attributes);
-    // The slash of `<BR/>`, but not the one that ends an unquoted address; again if another one shows.
-    const auto endsInSlash = [&attributes] {
-        return attributes == u"/" || attributes.endsWith(QStringLiteral(" /"))
-            || attributes.endsWith(QStringLiteral("\"/"));
-    };
-    while (endsInSlash())
-        attributes = attributes.chopped(1).trimmed();
-
+    const auto nameEnd
+        = std::find_if(tagText.cbegin(), tagText.cend(), [](QChar c) { return endsName(c.unicode()); });
+    const QStringView name(tagText.cbegin(), nameEnd);
     facts.name = tags.intern(name, {});
-    facts.tag = facts.isEnd ? facts.name : tags.intern(name, attributes);
-    facts.kind = elementKind(name);
+    facts.tag = facts.isEnd ? facts.name : tags.intern(name, QStringView(nameEnd, tagText.cend()));
+    facts.kind = elementKind(tags[facts.name].name);
     return facts;
 }
 
@@ -338,7 +325,8 @@ std::size_t Reader<Char>::findEndTag(QStringView name) const
         qsizetype k = 0;
         while (k < name.size() && matches(k))
             ++k;
-        if (k == name.size())
+        const std::size_t behind = i + 2 + std::size_t(k);
+        if (k == name.size() && (behind == input.size() || endsName(char32_t(input[behind]))))
             return i;
     }
     return View::npos;
@@ -604,9 +592,13 @@ void Reader<Char>::startBlock(const TagFacts& facts)
 {
     endLine();
     const QString& name = tags[facts.name].name;
-    while (!blocks.empty()
-           && (blocks.size() >= MaxBlockDepth || endsImplicitly(tags[blocks.back().name].name, name)))
+    while (!blocks.empty() && endsImplicitly(tags[blocks.back().name].name, name))
         closeBlock();
+    if (blocks.size() >= MaxBlockDepth) {
+        // It would hold the block that takes its place, and so is no empty line.
+        blocks.back().filled = true;
+        closeBlock();
+    }
 
     OpenBlock block{facts.tag, facts.name, facts.kind, false, inlines.size()};
     if (!blocks.empty()) {
@@ -727,6 +719,8 @@ void Reader<Char>::endLine()
     marks.clear();
     endsCollapsible = false;
     lineOpen = false;
+    if (inlines.size() > MaxCarriedDepth)
+        inlines.resize(MaxCarriedDepth);
 }
 
 /// The block of a line that stands in a list or table itself, in none of its items or cells.
@@ -738,15 +732,25 @@ TagId Reader<Char>::plainBlock(TagId container)
     return align.isEmpty() ? div : tags.withAttribute(div, u"align", align);
 }
 
-/// All up to here is the page's head, if nothing of the page has begun yet.
+/// All up to here is the page's head, if nothing of the page has begun yet. It stays as written, but that
+/// quotes left open are closed: in another page they might find a partner further on.
 template <class Char>
 bool Reader<Char>::takeHead(std::size_t end)
 {
-    if (!content.lines.empty() || lineOpen || !blocks.empty() || content.body != NoTag)
+    if (!inFrontOfPage())
         return false;
-    content.head = toText(input.substr(0, end));
+    content.head.clear();
+    std::size_t from = 0;
+    for (const StrayQuote& stray : strayQuotes) {
+        if (stray.tagEnd >= end)
+            break;
+        content.head += toText(input.substr(from, stray.tagEnd - from)) + QChar(char16_t(stray.quote));
+        from = stray.tagEnd;
+    }
+    content.head += toText(input.substr(from, end - from));
     inlines.clear();
     heldSpace.clear();
+    heldCollapsible = false;
     return true;
 }
 
@@ -755,12 +759,11 @@ bool Reader<Char>::takeHead(std::size_t end)
 HtmlContent readPage(TagTable& tags, const QByteArray& html)
 {
     // Only a byte order mark tells of UTF-16: pages are written in UTF-8.
-    QByteArray recoded;
+    QByteArray utf8 = html;
     if (html.startsWith("\xff\xfe"))
-        recoded = QString(QStringDecoder(QStringConverter::Utf16LE)(html)).toUtf8();
+        utf8 = QString(QStringDecoder(QStringConverter::Utf16LE)(html)).toUtf8();
     else if (html.startsWith("\xfe\xff"))
-        recoded = QString(QStringDecoder(QStringConverter::Utf16BE)(html)).toUtf8();
-    const QByteArray& utf8 = recoded.isEmpty() ? html : recoded;
+        utf8 = QString(QStringDecoder(QStringConverter::Utf16BE)(html)).toUtf8();
 
     std::string_view bytes(utf8.constData(), std::size_t(utf8.size()));
     while (bytes.starts_with("\xef\xbb\xbf"))

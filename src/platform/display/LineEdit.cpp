@@ -235,6 +235,29 @@ Line contentBetween(const Line& line, Cut a, Cut b)
     return composer.take();
 }
 
+bool isTooDeep(const Line& line)
+{
+    if (line.marks.size() <= 2 * MaxInlineDepth)
+        return false;
+    std::size_t depth = 0;
+    return std::any_of(line.marks.begin(), line.marks.end(), [&depth](const Mark& mark) {
+        depth = mark.open ? depth + 1 : depth - 1;
+        return depth > MaxInlineDepth;
+    });
+}
+
+Line withinDepth(const Line& line)
+{
+    Line result{line.block, line.text, {}};
+    std::size_t depth = 0;
+    for (const Mark& mark : line.marks) {
+        const std::size_t inside = mark.open ? ++depth : depth--;
+        if (inside <= MaxInlineDepth)
+            result.marks.push_back(mark);
+    }
+    return result;
+}
+
 Line wrapContent(const Line& line, int from, int to, TagId tag)
 {
     const Cut a = rangeStartCut(line, from);

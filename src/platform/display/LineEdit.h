@@ -43,6 +43,11 @@ enum class EmptyElements
 /// are closed there, those around both cuts are left out.
 [[nodiscard]] Line contentBetween(const Line& line, Cut a, Cut b);
 
+/// True if in-line elements nest deeper in the line than `MaxInlineDepth`.
+[[nodiscard]] bool isTooDeep(const Line& line);
+/// The line without the elements that are too deep.
+[[nodiscard]] Line withinDepth(const Line& line);
+
 /// Puts an element around what stands between two offsets: once if that splits no other element, else
 /// around each piece.
 [[nodiscard]] Line wrapContent(const Line& line, int from, int to, TagId tag);

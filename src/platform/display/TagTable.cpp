@@ -67,6 +67,81 @@ QString quotedValue(const QString& value)
     return u'"' + escaped + u'"';
 }
 
+QStringView withoutOuterSpace(QStringView text)
+{
+    while (!text.isEmpty() && isHtmlSpace(text.front().unicode()))
+        text = text.sliced(1);
+    while (!text.isEmpty() && isHtmlSpace(text.back().unicode()))
+        text.chop(1);
+    return text;
+}
+
+/// Closes a quote that attribute text leaves open, so that it cannot swallow what follows the tag.
+void closeLastQuote(QString& attributes)
+{
+    qsizetype i = 0;
+    while ((i = attributes.indexOf(u'=', i)) >= 0) {
+        for (++i; i < attributes.size() && isHtmlSpace(attributes[i].unicode());)
+            ++i;
+        if (i >= attributes.size() || (attributes[i] != u'"' && attributes[i] != u'\''))
+            continue;
+        const qsizetype close = attributes.indexOf(attributes[i], i + 1);
+        if (close < 0)
+            attributes += attributes[i];
+        i = (close < 0 ? attributes.size() - 1 : close) + 1;
+    }
+}
+
+/// Gives the last attribute a value if only its `=` is there: what is added behind it would become it.
+void completeLastValue(QString& attributes)
+{
+    if (!attributes.endsWith(u'='))
+        return;
+    AttributePlace last;
+    for (AttributePlace place; nextAttribute(attributes, place.end, place);)
+        last = place;
+    if (last.valueStart > last.nameEnd && last.valueStart == attributes.size())
+        attributes += QStringLiteral("\"\"");
+}
+
+/// Attribute text in the one form that reads back as itself; see `intern`.
+QString canonicalAttributes(QStringView written)
+{
+    QString text = withoutOuterSpace(written).toString();
+    text.replace(u'<', QStringLiteral("&lt;")).replace(u'>', QStringLiteral("&gt;"));
+    text.replace(u'\r', u' ').replace(u'\n', u' ');
+    closeLastQuote(text);
+    // The slash of `<BR/>`, but not the one that ends an unquoted address; again if another one shows.
+    const auto endsInSlash = [&text] {
+        return text == u"/" || text.endsWith(QStringLiteral(" /")) || text.endsWith(QStringLiteral("\"/"));
+    };
+    while (endsInSlash())
+        text = withoutOuterSpace(QStringView(text).chopped(1)).toString();
+    completeLastValue(text);
+    return text;
+}
+
+/// Names of HTML know capitals of the letters A to Z only. Brackets are references as in attributes.
+QString canonicalName(QStringView written)
+{
+    QString name = written.toString();
+    name.replace(u'<', QStringLiteral("&LT;")).replace(u'>', QStringLiteral("&GT;"));
+    for (QChar& c : name) {
+        if (c >= u'a' && c <= u'z')
+            c = QChar(char16_t(c.unicode() - 0x20));
+    }
+    return name;
+}
+
+/// Names never hold a blank, so the pair is unambiguous.
+QString keyOf(QStringView name, QStringView attributes)
+{
+    QString key;
+    key.reserve(name.size() + 1 + attributes.size());
+    key.append(name).append(u' ').append(attributes);
+    return key;
+}
+
 bool findAttribute(QStringView attributes, QStringView name, AttributePlace& place)
 {
     for (qsizetype at = 0; nextAttribute(attributes, at, place); at = place.end) {
@@ -131,24 +206,27 @@ TagTable::~TagTable() = default;
 
 TagId TagTable::intern(QStringView name, QStringView attributes)
 {
-    // Names never hold a blank, so the pair is unambiguous.
-    QString key;
-    key.reserve(name.size() + 1 + attributes.size());
-    key.append(name.toString().toUpper());
-    key.append(u' ');
-    key.append(attributes);
-    if (const auto known = numbers.constFind(key); known != numbers.cend())
+    const QString asGiven = keyOf(name, attributes);
+    if (const auto known = numbers.constFind(asGiven); known != numbers.cend())
         return *known;
 
     auto tag = std::make_unique<Tag>();
-    tag->name = name.toString().toUpper();
-    tag->attributes = attributes.toString();
+    tag->name = canonicalName(name);
+    tag->attributes = canonicalAttributes(attributes);
+    const QString key = keyOf(tag->name, tag->attributes);
+    if (const auto known = numbers.constFind(key); known != numbers.cend()) {
+        const TagId number = *known;
+        numbers.insert(asGiven, number);
+        return number;
+    }
+
     tag->id = tag->value(u"id");
     tag->className = tag->value(u"class");
     tag->style = tag->value(u"style");
     const auto number = TagId(tags.size());
     tags.push_back(std::move(tag));
     numbers.insert(key, number);
+    numbers.insert(asGiven, number);
     return number;
 }
 
@@ -161,11 +239,15 @@ TagId TagTable::withAttribute(TagId id, QStringView attribute, const QString& va
 
     QString attributes = tag.attributes;
     AttributePlace place;
-    if (findAttribute(attributes, attribute, place))
+    if (value.isNull()) {
+        while (findAttribute(attributes, attribute, place))
+            attributes.remove(place.nameStart, place.end - place.nameStart);
+    } else if (findAttribute(attributes, attribute, place)) {
         attributes.replace(place.nameStart, place.end - place.nameStart, written);
-    else
+    } else {
         attributes += u' ' + written;
-    return intern(tag.name, QStringView(attributes).trimmed());
+    }
+    return intern(tag.name, attributes);
 }
 
 } // namespace vmk

@@ -13,7 +13,7 @@ namespace vmk {
 using TagId = std::uint32_t;
 inline constexpr TagId NoTag = 0;
 
-/// One start tag as it was written: name in capitals, attributes untouched.
+/// One start tag as it was written, so far as it reads back as the same tag.
 struct Tag
 {
     QString name; ///< In capitals: `DIV`, `SPAN`.
@@ -46,16 +46,21 @@ public:
     ~TagTable();
 
     /// The number of the start tag with this name (any case) and attribute text.
+    ///
+    /// Whatever the text holds, the tag reads back as itself: blanks and the slash of `<BR/>` at its ends go,
+    /// line ends are blanks, angle brackets stand as references, an open quote is closed, a value that is
+    /// missing behind its `=` is empty.
     [[nodiscard]] TagId intern(QStringView name, QStringView attributes);
     /// The tag of a number that `intern` gave; for `NoTag` a tag without a name.
     [[nodiscard]] const Tag& operator[](TagId id) const { return *tags[id]; }
-    /// The same tag with one attribute set, added or (null value) taken away; the others stay as written.
+    /// The same tag with one attribute set, added or (null value) taken away, however often it is there; the
+    /// others stay as written.
     [[nodiscard]] TagId withAttribute(TagId id, QStringView attribute, const QString& value);
     [[nodiscard]] int size() const { return int(tags.size()); }
 
 private:
     std::vector<std::unique_ptr<const Tag>> tags;
-    QHash<QString, TagId> numbers;
+    QHash<QString, TagId> numbers; ///< By name and attribute text, also as these were given.
 };
 
 } // namespace vmk
