@@ -216,6 +216,15 @@ QByteArray ideographicLines(int count)
     return lines;
 }
 
+QByteArray words(int count, unsigned seed)
+{
+    std::mt19937 random(seed);
+    QByteArray text;
+    for (int i = 0; i < count; ++i)
+        text += QByteArray(1 + int(random() % 9), char('a' + int(random() % 26))) + ' ';
+    return text.trimmed();
+}
+
 TEST_F(ViewGeometry, VisibleRowsStayWhileHeightsAreMeasured)
 {
     show(ideographicLines(2000));
@@ -229,6 +238,43 @@ TEST_F(ViewGeometry, VisibleRowsStayWhileHeightsAreMeasured)
     EXPECT_EQ(view.positionAt({0, 1}), first);
     EXPECT_EQ(view.clientRects(first, first).front(), before);
     EXPECT_EQ(view.verticalScrollBar()->value(), view.scrollTop());
+}
+
+TEST_F(ViewGeometry, TheScreenStandsStillInEverySliceOfMeasuring)
+{
+    show(ideographicLines(3000));
+    view.setDesignMode(u"Off"_s); // no caret that blinks
+    for (const double part : {0.0, 0.3, 0.7, 1.0}) {
+        // Another width, and all is unmeasured again.
+        view.resize(Width - int(part * 50), Height);
+        view.scroll(0, int(part * view.scrollHeight()));
+        ASSERT_FALSE(view.isMeasured());
+        const QImage before = view.viewport()->grab().toImage();
+        int turns = 0;
+        for (; !view.isMeasured(); ++turns) {
+            QApplication::processEvents();
+            if (turns % 8 == 0) {
+                ASSERT_EQ(view.viewport()->grab().toImage(), before) << "turn " << turns << " at " << part;
+            }
+        }
+        EXPECT_GT(turns, 3);
+        EXPECT_EQ(view.viewport()->grab().toImage(), before) << "at " << part;
+    }
+}
+
+TEST_F(ViewGeometry, ALongLineStandsStillWhileItIsMeasured)
+{
+    show("<DIV>first</DIV><DIV>" + words(60000, 3) + "</DIV><DIV>last</DIV>");
+    view.setDesignMode(u"Off"_s);
+    view.scroll(0, view.scrollHeight() / 2);
+    const Position first = view.positionAt({0, 1});
+    const QRect rect = view.clientRects(first, first).front();
+    ASSERT_FALSE(view.isMeasured());
+    while (!view.isMeasured()) {
+        QApplication::processEvents();
+        // A guess at where its row begins may be corrected, but the place stays at the top.
+        ASSERT_LE(std::abs(view.clientRects(first, first).front().top() - rect.top()), rect.height());
+    }
 }
 
 TEST_F(ViewGeometry, ScrollingUpIntoUnmeasuredLinesMovesByExactlyTheDistance)
@@ -319,15 +365,6 @@ TEST_F(ViewGeometry, AResizeRaisesItsEventTwice)
 }
 
 // ---------------------------------------------------------------- long lines
-
-QByteArray words(int count, unsigned seed)
-{
-    std::mt19937 random(seed);
-    QByteArray text;
-    for (int i = 0; i < count; ++i)
-        text += QByteArray(1 + int(random() % 9), char('a' + int(random() % 26))) + ' ';
-    return text.trimmed();
-}
 
 std::vector<std::pair<int, int>> rowsOf(DisplayView& view, int line)
 {

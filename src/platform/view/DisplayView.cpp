@@ -21,8 +21,8 @@ namespace vmk {
 
 namespace {
 
-/// One idle slice; the timer's next turn comes after all waiting input.
-constexpr std::chrono::milliseconds IdleSlice(3);
+/// One idle slice; the timer's next turn comes after all waiting input, which never is to wait for 10 ms.
+constexpr std::chrono::milliseconds IdleSlice(2);
 /// Laying out what is seen changes what is seen; it comes to rest after very few rounds.
 constexpr int PlacingRounds = 8;
 /// Pixels of one step of the wheel's third or the scroll bar's arrows.

@@ -10,7 +10,7 @@ namespace vmk {
 namespace {
 
 /// Characters in a piece of a long line.
-constexpr int PieceLength = 4096;
+constexpr int PieceLength = 2048;
 /// More characters than a row ever holds.
 constexpr int Lookahead = 1024;
 /// Pieces of a long line that keep their shaped text.
@@ -166,7 +166,7 @@ LineExtent EstimateExtent(const Line& line, PageStyle& style, double pageWidth)
     return extent;
 }
 
-LineLayout::LineLayout(LinePtr line, PageStyle& pageStyle, double width)
+LineLayout::LineLayout(LinePtr line, PageStyle& pageStyle, double width, unsigned estimatedRows)
     : content(std::move(line))
     , style(&pageStyle)
     , pageWidth(width)
@@ -174,7 +174,8 @@ LineLayout::LineLayout(LinePtr line, PageStyle& pageStyle, double width)
     takeStyle();
     const int size = int(content->text.size());
     if (size > LongLine) {
-        appendEstimates(0, size, pieces);
+        appendPieces(0, size);
+        shareRows(estimatedRows);
         return;
     }
     Piece whole;
@@ -201,8 +202,10 @@ LineLayout::LineLayout(LinePtr line, LineLayout& old)
         pieces.push_back(std::move(old.pieces[i]));
     if (!pieces.empty())
         pieces.back().endsOnRow = false;
-    appendEstimates(old.pieces[first].start, old.pieces[last].end() + shift, pieces);
+    appendPieces(old.pieces[first].start, old.pieces[last].end() + shift);
     const size_t unsettledEnd = pieces.size();
+    for (size_t i = first; i < unsettledEnd; ++i)
+        estimate(pieces[i]);
     for (size_t i = last + 1; i < old.pieces.size(); ++i) {
         pieces.push_back(std::move(old.pieces[i]));
         pieces.back().start += shift;
@@ -250,14 +253,12 @@ bool LineLayout::isSettled() const
                        [](const Piece& piece) { return piece.laidOut && piece.endsOnRow; });
 }
 
-bool LineLayout::settleStep()
+void LineLayout::settleStep()
 {
     const auto next = std::find_if(pieces.begin(), pieces.end(),
                                    [](const Piece& piece) { return !piece.laidOut || !piece.endsOnRow; });
-    if (next == pieces.end())
-        return false;
-    settlePiece(size_t(next - pieces.begin()));
-    return !isSettled();
+    if (next != pieces.end())
+        settlePiece(size_t(next - pieces.begin()));
 }
 
 void LineLayout::prepare(double top, double bottom)
@@ -415,7 +416,8 @@ void LineLayout::draw(QPainter& painter, QPointF origin, double top, double bott
     }
 }
 
-void LineLayout::appendEstimates(int from, int to, std::vector<Piece>& target)
+/// Cuts text into pieces behind those that are there already. They have no heights as yet.
+void LineLayout::appendPieces(int from, int to)
 {
     const QStringView text = content->text;
     while (from < to) {
@@ -431,15 +433,12 @@ void LineLayout::appendEstimates(int from, int to, std::vector<Piece>& target)
         Piece piece;
         piece.start = from;
         piece.length = end - from;
-        estimate(piece);
-        target.push_back(std::move(piece));
+        pieces.push_back(std::move(piece));
         from = end;
     }
     // A line that has lost all its text still has its row.
-    if (target.empty()) {
-        target.emplace_back();
-        estimate(target.back());
-    }
+    if (pieces.empty())
+        pieces.emplace_back();
 }
 
 void LineLayout::estimate(Piece& piece) const
@@ -449,6 +448,17 @@ void LineLayout::estimate(Piece& piece) const
     counter.add(QStringView(content->text).sliced(piece.start, piece.length), widths);
     piece.rows = counter.rowCount();
     piece.height = counter.rowCount() * widths.rowHeight();
+}
+
+/// Gives each piece its part of the rows of all, which costs no look at the text.
+void LineLayout::shareRows(unsigned rows)
+{
+    const int rowHeight = style->widths(look.text).rowHeight();
+    const auto rowsUpTo = [&](int offset) { return int(int64_t(rows) * offset / content->text.size()); };
+    for (Piece& piece : pieces) {
+        piece.rows = std::max(1, rowsUpTo(piece.end()) - rowsUpTo(piece.start));
+        piece.height = piece.rows * rowHeight;
+    }
 }
 
 size_t LineLayout::pieceAt(int offset) const

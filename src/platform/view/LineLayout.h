@@ -37,10 +37,12 @@ class LineLayout
 {
 public:
     /// A line of more characters is laid out in pieces.
-    static constexpr int LongLine = 8192;
+    static constexpr int LongLine = 4096;
 
     /// @param width the page's width in pixels, margins included.
-    LineLayout(LinePtr line, PageStyle& pageStyle, double width);
+    /// @param estimatedRows the rows that all of the line is thought to take; a long line's pieces share
+    /// them.
+    LineLayout(LinePtr line, PageStyle& pageStyle, double width, unsigned estimatedRows);
     /// The layout of a line that came from `old`'s by an edit, which keeps all that the edit left alone.
     /// `old` is emptied. Both lines have the same block.
     LineLayout(LinePtr line, LineLayout& old);
@@ -52,8 +54,8 @@ public:
     /// The line has more than one piece.
     [[nodiscard]] bool isLong() const { return pieces.size() > 1; }
 
-    /// Lays out the next piece in order. @return true while there is more to do.
-    bool settleStep();
+    /// Lays out the next piece in order; nothing happens when the line is settled.
+    void settleStep();
     /// Lays out what stands between two heights; the heights below may move.
     void prepare(double top, double bottom);
     /// Lays out what stands at an offset.
@@ -100,8 +102,9 @@ private:
     };
 
     void takeStyle();
-    void appendEstimates(int from, int to, std::vector<Piece>& target);
+    void appendPieces(int from, int to);
     void estimate(Piece& piece) const;
+    void shareRows(unsigned rows);
     [[nodiscard]] size_t pieceAt(int offset) const;
     [[nodiscard]] int topOf(size_t piece) const;
     void settlePiece(size_t index);

@@ -12,6 +12,11 @@ using Clock = std::chrono::steady_clock;
 /// Layouts kept of lines of usual length: a few screens.
 constexpr size_t LayoutsKept = 600;
 
+/// What the shortest line costs, in characters.
+constexpr int ShortestLine = 50;
+/// Over how many lines the cost of a character is averaged.
+constexpr double PaceMemory = 8;
+
 /// A line with more text in it, which takes on the look of the text in front of it.
 LinePtr withText(const Line& line, int offset, const QString& text)
 {
@@ -234,12 +239,20 @@ bool PageLayout::prepare(double top, double bottom)
 bool PageLayout::measureFor(std::chrono::microseconds time, int nearLine)
 {
     const Clock::time_point deadline = Clock::now() + time;
+    Clock::time_point now = Clock::now();
     int line = nearLine;
-    while (!isMeasured() && Clock::now() < deadline) {
+    bool begun = false;
+    while (!isMeasured()) {
         line = extents.nextUnmeasured(line);
         if (line < 0)
             line = extents.nextUnmeasured(0);
-        measureLine(line, deadline);
+        const auto length = std::clamp(int(shownLine(line)->text.size()), ShortestLine, LineLayout::LongLine);
+        if (begun && now + std::chrono::duration_cast<Clock::duration>(length * timePerCharacter) > deadline)
+            break;
+        begun = true;
+        measureLine(line);
+        const Clock::time_point before = std::exchange(now, Clock::now());
+        timePerCharacter += ((now - before) / double(length) - timePerCharacter) / PaceMemory;
     }
     return !isMeasured();
 }
@@ -323,7 +336,7 @@ LineLayout& PageLayout::layoutOf(int line)
         uses.splice(uses.begin(), uses, found->second.use);
         return *found->second.layout;
     }
-    auto layout = std::make_unique<LineLayout>(shown, pageStyle, pageWidth);
+    auto layout = std::make_unique<LineLayout>(shown, pageStyle, pageWidth, extents.at(line).rows);
     if (layout->isLong())
         return *longLines.insert(longLine, LongLine{line, std::move(layout)})->layout;
     while (kept.size() >= LayoutsKept) {
@@ -345,14 +358,15 @@ void PageLayout::noteExtent(int line, const LineLayout& layout)
     extents.set(line, layout.extent());
 }
 
-void PageLayout::measureLine(int line, Clock::time_point deadline)
+/// Measures a line; of a long one the next piece.
+void PageLayout::measureLine(int line)
 {
     if (shownLine(line)->text.size() <= LineLayout::LongLine) {
-        extents.set(line, LineLayout(shownLine(line), pageStyle, pageWidth).extent());
+        extents.set(line, LineLayout(shownLine(line), pageStyle, pageWidth, 1).extent());
         return;
     }
     LineLayout& layout = layoutOf(line);
-    while (layout.settleStep() && Clock::now() < deadline) { }
+    layout.settleStep();
     layout.trim();
     noteExtent(line, layout);
 }

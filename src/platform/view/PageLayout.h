@@ -81,7 +81,8 @@ public:
     /// Lays out all that stands between two heights. True if heights changed.
     bool prepare(double top, double bottom);
     /// Measures unmeasured lines from `nearLine` on, then from the page's top, until the time is up or all
-    /// are done. True while there is more to do.
+    /// are done. A line for which the time that is left will not do waits for the next turn; each turn does
+    /// at least one line, or one piece of a long one. True while there is more to do.
     bool measureFor(std::chrono::microseconds time, int nearLine);
     [[nodiscard]] bool isMeasured() const { return extents.unmeasuredLines() == 0; }
     /// What to hold the page by at a height, and where it stands later.
@@ -125,7 +126,7 @@ private:
     void replaceLines(int first, int removed, int inserted);
     std::vector<LongLine>::iterator longLineAt(int line);
     void noteExtent(int line, const LineLayout& layout);
-    void measureLine(int line, std::chrono::steady_clock::time_point deadline);
+    void measureLine(int line);
     void paintLine(QPainter& painter, const Painting& painting, int line);
 
     const DisplayDocument& document;
@@ -139,6 +140,8 @@ private:
     std::list<const Line*> uses;
     /// Ascending by line.
     std::vector<LongLine> longLines;
+    /// What measuring has cost of late.
+    std::chrono::duration<double, std::nano> timePerCharacter{0};
 
     Position preeditAt;
     QString preeditText;

@@ -162,10 +162,8 @@ QList<QTextLayout::FormatRange> PageStyle::formats(const Line& line, int from, i
 {
     QList<QTextLayout::FormatRange> ranges;
     const LookId blockLook = block(line.block).text;
-    forEachRun(line, [&](int begin, int end, LookId look) {
-        begin = std::max(begin, from);
-        end = std::min(end, from + length);
-        if (look != blockLook && begin < end)
+    forEachRun(line, from, from + length, [&](int begin, int end, LookId look) {
+        if (look != blockLook)
             ranges.append({begin - from, end - begin, format(look, blockLook)});
     });
     return ranges;

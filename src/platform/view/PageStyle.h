@@ -98,7 +98,13 @@ public:
 
     /// Calls `take(from, to, look)` for each run of one look, in order; runs fill the whole text.
     template <typename Take>
-    void forEachRun(const Line& line, Take take);
+    void forEachRun(const Line& line, Take take)
+    {
+        forEachRun(line, 0, int(line.text.size()), take);
+    }
+    /// The same for the text between two offsets; of what stands in front only the tags are looked at.
+    template <typename Take>
+    void forEachRun(const Line& line, int from, int to, Take take);
 
 private:
     LookId intern(const TextLook& look);
@@ -121,26 +127,38 @@ private:
     QHash<TagId, BlockLook> blocks;
     QHash<std::pair<LookId, TagId>, LookId> insides;
     QHash<std::pair<LookId, LookId>, QTextCharFormat> charFormats;
+    // What stands open where `forEachRun` is.
+    std::vector<TagId> openTags;
     std::vector<LookId> openLooks;
 };
 
 template <typename Take>
-void PageStyle::forEachRun(const Line& line, Take take)
+void PageStyle::forEachRun(const Line& line, int from, int to, Take take)
 {
+    openTags.clear();
+    auto mark = line.marks.begin();
+    for (; mark != line.marks.end() && mark->pos <= from; ++mark) {
+        if (mark->open)
+            openTags.push_back(mark->tag);
+        else if (!openTags.empty())
+            openTags.pop_back();
+    }
     openLooks.assign(1, block(line.block).text);
-    int from = 0;
-    for (const Mark& mark : line.marks) {
-        if (mark.pos > from) {
-            take(from, int(mark.pos), openLooks.back());
-            from = mark.pos;
+    for (const TagId tag : openTags)
+        openLooks.push_back(inside(openLooks.back(), tag));
+
+    for (; mark != line.marks.end() && mark->pos < to; ++mark) {
+        if (mark->pos > from) {
+            take(from, int(mark->pos), openLooks.back());
+            from = mark->pos;
         }
-        if (mark.open)
-            openLooks.push_back(inside(openLooks.back(), mark.tag));
+        if (mark->open)
+            openLooks.push_back(inside(openLooks.back(), mark->tag));
         else if (openLooks.size() > 1)
             openLooks.pop_back();
     }
-    if (from < line.text.size())
-        take(from, int(line.text.size()), openLooks.back());
+    if (from < to)
+        take(from, to, openLooks.back());
 }
 
 } // namespace vmk

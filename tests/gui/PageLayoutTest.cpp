@@ -1,0 +1,139 @@
+// How much of a page is laid out for what: what bounds the time of a paint and of an idle slice.
+
+#include "PageLayout.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <vector>
+
+namespace vmk {
+namespace {
+
+constexpr double PageWidth = 500;
+constexpr double WindowHeight = 400;
+constexpr double DotsPerInch = 96;
+
+QByteArray words(int bytes)
+{
+    std::mt19937 random(7);
+    QByteArray text;
+    while (text.size() < bytes)
+        text += QByteArray(1 + int(random() % 9), char('a' + int(random() % 26))) + ' ';
+    return text;
+}
+
+class PageLayoutTest : public testing::Test
+{
+protected:
+    void load(const QByteArray& lines)
+    {
+        document.loadPage("<HTML><BODY STYLE=\"font-family:DejaVu Sans; font-size:12pt\">" + lines
+                          + "</BODY></HTML>");
+        page.reset(PageWidth, DotsPerInch);
+    }
+    [[nodiscard]] int unmeasured() const { return page.heights().unmeasuredLines(); }
+    /// One idle turn of no more work than it has to do.
+    bool shortestTurn() { return page.measureFor(std::chrono::microseconds(0), 0); }
+
+    DisplayDocument document;
+    PageLayout page{document};
+};
+
+TEST_F(PageLayoutTest, AJumpLaysOutOnlyWhatIsSeen)
+{
+    QByteArray lines;
+    for (int i = 0; i < 20000; ++i)
+        lines += "<DIV>" + words(i % 200) + "</DIV>";
+    load(lines);
+    const int mostLinesSeen = int(WindowHeight / 10);
+    std::mt19937 random(3);
+    for (int jump = 0; jump < 50; ++jump) {
+        const int before = unmeasured();
+        const double top = double(random() % std::uint64_t(page.height()));
+        page.prepare(top, top + WindowHeight);
+        ASSERT_LE(before - unmeasured(), mostLinesSeen) << "to " << top;
+    }
+}
+
+TEST_F(PageLayoutTest, AJumpIntoALongLineLaysOutOnlyItsPiecesThere)
+{
+    load("<DIV>" + words(1000000) + "</DIV>");
+    const int64_t estimated = page.height();
+    page.prepare(double(estimated) / 2, double(estimated) / 2 + WindowHeight);
+    // The line is far from being measured: one idle turn after the other does its pieces.
+    int turns = 1;
+    while (shortestTurn())
+        ++turns;
+    EXPECT_GT(turns, 1000000 / LineLayout::LongLine);
+    EXPECT_TRUE(page.isMeasured());
+    EXPECT_NEAR(double(page.height()), double(estimated), double(estimated) / 50);
+}
+
+TEST_F(PageLayoutTest, ATurnWithoutTimeMeasuresOneLine)
+{
+    load(QByteArray("<DIV>some words</DIV>").repeated(100));
+    for (int left = 100; left > 0; --left) {
+        ASSERT_EQ(unmeasured(), left);
+        EXPECT_EQ(shortestTurn(), left > 1);
+    }
+}
+
+TEST_F(PageLayoutTest, ALineForWhichTheTimeWillNotDoWaitsForTheNextTurn)
+{
+    QByteArray lines;
+    for (int i = 0; i < 60; ++i)
+        lines += "<DIV>" + words(LineLayout::LongLine - 100) + "</DIV>";
+    load(lines);
+    // The pace is known after some lines; then no turn begins a second line in half of a line's time.
+    const auto timeOf = [this] {
+        const auto begin = std::chrono::steady_clock::now();
+        shortestTurn();
+        return std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - begin);
+    };
+    std::vector<std::chrono::microseconds> times;
+    for (int i = 0; i < 20; ++i)
+        times.push_back(timeOf());
+    std::sort(times.begin(), times.end());
+    for (int i = 0; i < 20; ++i) {
+        const int before = unmeasured();
+        page.measureFor(times.front() / 2, 0);
+        ASSERT_EQ(before - unmeasured(), 1);
+    }
+}
+
+TEST_F(PageLayoutTest, APieceOfALongLineIsStyledAsTheLineIs)
+{
+    QByteArray text;
+    for (int i = 0; text.size() < 100000; ++i)
+        text += "<SPAN class=t>tag" + QByteArray::number(i) + "</SPAN> some <B>text <I>in</I></B> between ";
+    document.loadPage("<HTML><HEAD><STYLE>span.t {color:#000080}</STYLE></HEAD><BODY><DIV><FONT color=red>"
+                      + text + "</FONT></DIV></BODY></HTML>");
+    page.reset(PageWidth, DotsPerInch);
+    PageStyle& style = page.style();
+    const Line& line = document.line(0);
+
+    std::vector<LookId> looks(std::size_t(line.text.size()), -1);
+    style.forEachRun(line, [&](int from, int to, LookId look) {
+        std::fill(looks.begin() + from, looks.begin() + to, look);
+    });
+    EXPECT_EQ(std::count(looks.begin(), looks.end(), -1), 0);
+    std::mt19937 random(5);
+    for (int round = 0; round < 200; ++round) {
+        const auto size = unsigned(line.text.size());
+        const auto from = int(random() % size);
+        const auto to = std::min(int(size), from + int(random() % 300));
+        int reached = from;
+        style.forEachRun(line, from, to, [&](int begin, int end, LookId look) {
+            ASSERT_EQ(begin, reached);
+            reached = end;
+            for (int i = begin; i < end; ++i)
+                ASSERT_EQ(looks[std::size_t(i)], look) << "at " << i;
+        });
+        ASSERT_EQ(reached, to);
+    }
+}
+
+} // namespace
+} // namespace vmk
