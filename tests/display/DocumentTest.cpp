@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <malloc.h>
+
+#include <algorithm>
 #include <ostream>
 
 namespace vmk {
@@ -230,6 +233,100 @@ TEST_F(DocumentUndo, UndoneLinesAreTheVeryOldOnes)
     EXPECT_EQ(document.lineCount(), 4);
     document.undo();
     EXPECT_EQ(document.linePtr(1), old);
+}
+
+/// A line of many thousand characters with elements in it.
+QByteArray veryLongLine()
+{
+    QByteArray text;
+    for (int i = 0; text.size() < 40000; ++i)
+        text += "word" + QByteArray::number(i) + " <SPAN class=t>&lt;b&gt;</SPAN><I>in <B>bold</B></I> ";
+    return "<DIV id=x>" + text + "</DIV>";
+}
+
+/// One edit of a random sort near the selection; one step of undo, if any.
+void editSomewhere(DisplayDocument& document, reference::Dice& dice)
+{
+    const auto characters = int(document.characterIndex(document.end()));
+    const int index = dice.roll(characters);
+    const Position from = document.positionAt(index);
+    const Position to = document.positionAt(index + dice.roll(40));
+    document.setSelection(from, dice.roll(3) == 0 ? to : from);
+    switch (dice.roll(8)) {
+    case 0:
+        for (int i = dice.roll(4); i >= 0; --i)
+            document.typeText(QStringLiteral("typed"));
+        break;
+    case 1:
+        document.deleteBackward();
+        break;
+    case 2:
+        document.deleteForward();
+        break;
+    case 3:
+        document.insertLineBreak();
+        break;
+    case 4:
+        static_cast<void>(document.replaceHtml(from, to, u"a<B>b</B><DIV>c</DIV>d"));
+        break;
+    case 5:
+        document.wrapRange(from, to, document.tags().intern(u"FONT", u"color=red"));
+        break;
+    case 6:
+        document.setBlock(from.line, document.tags().intern(u"DIV", u"class=t"));
+        break;
+    default:
+        const DisplayDocument::EditGroup oneStep(document);
+        for (int i = 0; i < 3; ++i)
+            static_cast<void>(document.replaceText(document.positionAt(index + 20 * i),
+                                                   document.positionAt(index + 20 * i + 5),
+                                                   QStringLiteral("x\r\ny")));
+    }
+}
+
+TEST_F(DocumentUndo, VeryLongLinesComeBackThroughEverySortOfEdit)
+{
+    document.loadPage("<DIV>first</DIV>" + veryLongLine() + veryLongLine());
+    reference::Dice dice(17);
+    std::vector<QByteArray> pages{document.savePage()};
+    for (int round = 0; round < 300; ++round) {
+        editSomewhere(document, dice);
+        if (QByteArray page = document.savePage(); page != pages.back())
+            pages.push_back(page);
+    }
+    ASSERT_GT(pages.size(), 200U);
+    std::vector<QByteArray> undone{document.savePage()};
+    while (document.undo()) {
+        if (QByteArray page = document.savePage(); page != undone.back())
+            undone.push_back(page);
+    }
+    std::reverse(undone.begin(), undone.end());
+    EXPECT_TRUE(undone == pages);
+    std::vector<QByteArray> redone{document.savePage()};
+    while (document.redo()) {
+        if (QByteArray page = document.savePage(); page != redone.back())
+            redone.push_back(page);
+    }
+    EXPECT_TRUE(redone == pages);
+}
+
+TEST_F(DocumentUndo, AStepInAVeryLongLineKeepsOnlyWhatItChanged)
+{
+    constexpr qsizetype Length = 1 << 20;
+    constexpr int Steps = 500;
+    document.loadPage("<DIV>" + QByteArray(Length, 'a') + "</DIV>");
+    const auto heapBytes = [] {
+        const struct mallinfo2 heap = mallinfo2();
+        return heap.uordblks + heap.hblkhd;
+    };
+    const std::size_t before = heapBytes();
+    caret(0, Length / 2);
+    for (int i = 0; i < Steps; ++i)
+        document.deleteBackward();
+    // The line as it is and as it was in front of the last step, and little else.
+    EXPECT_LT(heapBytes() - before, 4 * Length * sizeof(QChar));
+    while (document.undo()) { }
+    EXPECT_EQ(document.line(0).text.size(), Length);
 }
 
 TEST_F(DocumentUndo, LoadingAPageStartsAfresh)
@@ -750,10 +847,11 @@ namespace {
 class Recorder final : public DisplayListener
 {
 public:
-    void linesChanged(int first, int removed, int inserted) override
+    void linesChanged(int first, const std::vector<LinePtr>& removed,
+                      const std::vector<LinePtr>& inserted) override
     {
-        calls += "lines " + std::to_string(first) + " -" + std::to_string(removed) + " +"
-            + std::to_string(inserted) + "; ";
+        calls += "lines " + std::to_string(first) + " -" + std::to_string(removed.size()) + " +"
+            + std::to_string(inserted.size()) + "; ";
     }
     void selectionChanged() override { calls += "selection; "; }
     void documentReset() override { calls += "reset; "; }

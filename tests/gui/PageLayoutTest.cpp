@@ -90,7 +90,8 @@ TEST_F(PageLayoutTest, ALineForWhichTheTimeWillNotDoWaitsForTheNextTurn)
     const auto timeOf = [this] {
         const auto begin = std::chrono::steady_clock::now();
         shortestTurn();
-        return std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - begin);
+        return std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now()
+                                                                     - begin);
     };
     std::vector<std::chrono::microseconds> times;
     for (int i = 0; i < 20; ++i)

@@ -1,5 +1,6 @@
 // The display as a screen reader sees it.
 
+#include "AccessibleDisplay.h"
 #include "ViewFixture.h"
 
 #include <QAccessible>
@@ -90,6 +91,29 @@ TEST_F(ViewAccessibility, TextCanBeEdited)
     EXPECT_EQ(line(0), u"<v>text"_s);
     edit->deleteText(7, 8);
     EXPECT_EQ(text(), u"<v>textmy second line"_s);
+}
+
+TEST_F(ViewAccessibility, AnEditIsToldByTheCharactersThatChanged)
+{
+    const auto linesOf = [this] {
+        std::vector<LinePtr> lines;
+        for (int i = 0; i < document().lineCount(); ++i)
+            lines.push_back(document().linePtr(i));
+        return lines;
+    };
+    const auto changeBy = [&](auto&& work) {
+        const std::vector<LinePtr> before = linesOf();
+        work();
+        const CharacterChange change = ChangeBetween(before, linesOf());
+        return u"%1 -%2 +%3"_s.arg(change.offset).arg(change.removed, change.inserted).toStdString();
+    };
+    caretTo(1, 3);
+    EXPECT_EQ(changeBy([this] { type("x"); }), "11 - +x");
+    EXPECT_EQ(changeBy([this] { key(Qt::Key_Backspace); }), "11 -x +");
+    EXPECT_EQ(changeBy([this] { key(Qt::Key_Return); }), "11 - +\n");
+    EXPECT_EQ(changeBy([this] { view.undo(); }), "11 -\n +");
+    select({1, 0}, {1, 3});
+    EXPECT_EQ(changeBy([this] { type("y"); }), "8 -sec +y");
 }
 
 TEST_F(ViewAccessibility, AReadOnlyPageIsToldAsSuch)

@@ -2,6 +2,7 @@
 
 #include "HtmlReader.h"
 #include "HtmlWriter.h"
+#include "LineDelta.h"
 #include "LineEdit.h"
 #include "TextRange.h"
 
@@ -230,19 +231,55 @@ void DisplayDocument::splice(int first, int removed, std::vector<LinePtr> insert
             makeFit(line);
     }
 
-    Change change{first, {}, std::move(inserted), map};
+    Change change{first, {}, std::move(inserted), map, nullptr};
     change.before.reserve(std::size_t(removed));
     for (int i = 0; i < removed; ++i)
         change.before.push_back(lines[first + i]);
 
+    if (stepOpen && !steps.back().typing)
+        makeSmall(steps.back().changes.back());
     if (!stepOpen) {
         steps.resize(undoSteps);
+        for (std::size_t i = 0; undoSteps > 0 && i < steps.back().changes.size(); ++i)
+            makeSmall(steps.back().changes[i]);
         steps.push_back({{}, currentSelection, currentSelection, false});
         ++undoSteps;
         stepOpen = true;
     }
     steps.back().changes.push_back(std::move(change));
-    exchange(first, removed, steps.back().changes.back().after, map);
+    const Change& made = steps.back().changes.back();
+    exchange(first, made.before, made.after, map);
+}
+
+/// Keeps of a change in very long lines only what has changed, so that a key there does not cost the line.
+void DisplayDocument::makeSmall(Change& change)
+{
+    constexpr qsizetype VeryLong = 8192;
+    const auto isVeryLong = [](const LinePtr& line) { return line->text.size() >= VeryLong; };
+    const bool isWorthIt = !change.sharedEnds && !change.after.empty()
+        && std::any_of(change.before.begin(), change.before.end(), isVeryLong);
+    if (!isWorthIt)
+        return;
+    const CommonEnds ends = commonEnds(change.before, change.after);
+    if (ends == CommonEnds())
+        return;
+    change.before = withoutEnds(change.before, ends);
+    change.after = withoutEnds(change.after, ends);
+    change.sharedEnds = std::make_unique<const CommonEnds>(ends);
+}
+
+/// Does a change again, or takes it back.
+void DisplayDocument::apply(const Change& change, bool forward)
+{
+    const auto& from = forward ? change.before : change.after;
+    const auto& to = forward ? change.after : change.before;
+    const EditMap map = forward ? change.map : change.map.inverse();
+    if (!change.sharedEnds)
+        return exchange(change.first, from, to, map);
+    std::vector<LinePtr> present;
+    for (int i = 0; i < int(from.size()); ++i)
+        present.push_back(lines[change.first + i]);
+    exchange(change.first, present, withEnds(to, *change.sharedEnds, *present.front(), *present.back()), map);
 }
 
 /// Makes a line one that reads back as itself: with a block, a rule only without content, no tag too deep.
@@ -256,10 +293,10 @@ void DisplayDocument::makeFit(LinePtr& line)
         line = std::make_shared<const Line>(withinDepth(*line));
 }
 
-void DisplayDocument::exchange(int first, int removed, const std::vector<LinePtr>& inserted,
-                               const EditMap& map)
+void DisplayDocument::exchange(int first, const std::vector<LinePtr>& removed,
+                               const std::vector<LinePtr>& inserted, const EditMap& map)
 {
-    lines.replace(first, removed, inserted);
+    lines.replace(first, int(removed.size()), inserted);
     knownLineStarts = std::min({knownLineStarts, first + 1, lineCount()});
     // What lies in front of the edit stays as it was; all else may have to fit itself to the new lines.
     const auto carried = [&](Position place) { return place < map.from ? place : valid(map(place)); };
@@ -272,7 +309,7 @@ void DisplayDocument::exchange(int first, int removed, const std::vector<LinePtr
     currentSelection = moved;
     if (!listener)
         return;
-    listener->linesChanged(first, removed, int(inserted.size()));
+    listener->linesChanged(first, removed, inserted);
     if (selectionMoved)
         listener->selectionChanged();
 }
@@ -535,10 +572,8 @@ bool DisplayDocument::undo()
     if (!canUndo())
         return false;
     const UndoStep& step = steps[--undoSteps];
-    for (std::size_t i = step.changes.size(); i-- > 0;) {
-        const Change& change = step.changes[i];
-        exchange(change.first, int(change.after.size()), change.before, change.map.inverse());
-    }
+    for (std::size_t i = step.changes.size(); i-- > 0;)
+        apply(step.changes[i], false);
     endTypingRun();
     setSelection(step.selectionBefore.anchor, step.selectionBefore.focus);
     return true;
@@ -550,7 +585,7 @@ bool DisplayDocument::redo()
         return false;
     const UndoStep& step = steps[undoSteps++];
     for (const Change& change : step.changes)
-        exchange(change.first, int(change.before.size()), change.after, change.map);
+        apply(change, true);
     endTypingRun();
     setSelection(step.selectionAfter.anchor, step.selectionAfter.focus);
     return true;

@@ -29,6 +29,7 @@ namespace vmk {
 class TextRange;
 class DisplayElement;
 class LayoutQuery;
+struct CommonEnds;
 
 /// An in-line start or end tag in front of the character at `pos`.
 struct Mark
@@ -104,8 +105,10 @@ struct EditMap
 class DisplayListener
 {
 public:
-    /// Lines `first` to `first + removed - 1` gave way to `inserted` new ones in the same place.
-    virtual void linesChanged(int first, int removed, int inserted) = 0;
+    /// The lines `removed`, from line `first` on, gave way to `inserted` in the same place.
+    virtual void linesChanged(int first, const std::vector<LinePtr>& removed,
+                              const std::vector<LinePtr>& inserted)
+        = 0;
     /// The selection or the caret stands elsewhere; also called after an edit that carried it along.
     virtual void selectionChanged() = 0;
     /// Another page was loaded: head, body tag and all lines are new.
@@ -248,6 +251,8 @@ private:
         std::vector<LinePtr> before;
         std::vector<LinePtr> after;
         EditMap map;
+        /// What very long lines share on both sides and so do not hold; null while the lines are whole.
+        std::unique_ptr<const CommonEnds> sharedEnds;
     };
     struct UndoStep
     {
@@ -267,8 +272,11 @@ private:
     [[nodiscard]] TagId blockWithoutId(TagId block);
     void makeFit(LinePtr& line);
     void mergeTyping();
+    static void makeSmall(Change& change);
+    void apply(const Change& change, bool forward);
     void knowLineStarts(int count) const;
-    void exchange(int first, int removed, const std::vector<LinePtr>& inserted, const EditMap& map);
+    void exchange(int first, const std::vector<LinePtr>& removed, const std::vector<LinePtr>& inserted,
+                  const EditMap& map);
     void endTypingRun();
 
     TagTable tagTable;

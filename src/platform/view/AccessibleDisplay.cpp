@@ -141,30 +141,14 @@ public:
         view().insertText(text);
     }
 
-    [[nodiscard]] int offsetOf(Position place) const
-    {
-        int offset = place.offset;
-        for (int line = 0; line < place.line; ++line)
-            offset += int(document().line(line).text.size()) + 1;
-        return offset;
-    }
+    [[nodiscard]] int offsetOf(Position place) const { return int(document().characterIndex(place)); }
 
 private:
     [[nodiscard]] DisplayView& view() const { return *static_cast<DisplayView*>(widget()); }
     [[nodiscard]] DisplayDocument& document() const { return view().document(); }
     [[nodiscard]] QPoint screenOrigin() const { return view().viewport()->mapToGlobal(QPoint()); }
 
-    [[nodiscard]] Position placeOf(int offset) const
-    {
-        const int lines = document().lineCount();
-        for (int line = 0; line < lines; ++line) {
-            const int size = int(document().line(line).text.size());
-            if (offset <= size)
-                return {line, std::max(0, offset)};
-            offset -= size + 1;
-        }
-        return document().end();
-    }
+    [[nodiscard]] Position placeOf(int offset) const { return document().positionAt(offset); }
 
     void select(int start, int end) { document().setSelection(placeOf(start), placeOf(end)); }
 };
@@ -180,6 +164,15 @@ AccessibleDisplay* interfaceOf(DisplayView& view)
     return dynamic_cast<AccessibleDisplay*>(QAccessible::queryAccessibleInterface(&view));
 }
 
+/// The text of lines, each with its line break.
+QString textOf(const std::vector<LinePtr>& lines)
+{
+    QString text;
+    for (const LinePtr& line : lines)
+        text += line->text + u'\n';
+    return text;
+}
+
 } // namespace
 
 void InstallAccessibleDisplay()
@@ -191,17 +184,39 @@ void InstallAccessibleDisplay()
     Q_UNUSED(installed);
 }
 
-void ReportTextChange(DisplayView& view, int first, int count)
+CharacterChange ChangeBetween(const std::vector<LinePtr>& removed, const std::vector<LinePtr>& inserted)
+{
+    const QString before = textOf(removed);
+    const QString after = textOf(inserted);
+    const auto front
+        = std::mismatch(before.begin(), before.end(), after.begin(), after.end()).first - before.begin();
+    const QStringView oldRest = QStringView(before).sliced(front);
+    const QStringView newRest = QStringView(after).sliced(front);
+    const auto back = std::mismatch(oldRest.rbegin(), oldRest.rend(), newRest.rbegin(), newRest.rend()).first
+        - oldRest.rbegin();
+    return {int(front), oldRest.chopped(back).toString(), newRest.chopped(back).toString()};
+}
+
+void ReportTextChange(DisplayView& view, int first, const std::vector<LinePtr>& removed,
+                      const std::vector<LinePtr>& inserted)
 {
     const AccessibleDisplay* display = interfaceOf(view);
     if (!display)
         return;
-    const int start = display->offsetOf({first, 0});
-    QString text;
-    for (int line = first; line < first + count; ++line)
-        text += view.document().line(line).text + u'\n';
-    QAccessibleTextUpdateEvent event(&view, start, QString(), text);
-    QAccessible::updateAccessibility(&event);
+    const CharacterChange change = ChangeBetween(removed, inserted);
+    const int start = display->offsetOf({first, 0}) + change.offset;
+    if (change.removed.isEmpty() && change.inserted.isEmpty())
+        return;
+    if (change.removed.isEmpty()) {
+        QAccessibleTextInsertEvent event(&view, start, change.inserted);
+        QAccessible::updateAccessibility(&event);
+    } else if (change.inserted.isEmpty()) {
+        QAccessibleTextRemoveEvent event(&view, start, change.removed);
+        QAccessible::updateAccessibility(&event);
+    } else {
+        QAccessibleTextUpdateEvent event(&view, start, change.removed, change.inserted);
+        QAccessible::updateAccessibility(&event);
+    }
 }
 
 void ReportCaretMove(DisplayView& view)

@@ -151,15 +151,16 @@ void DisplayView::raiseScroll()
 
 // ---------------------------------------------------------------- the document's ear
 
-void DisplayView::linesChanged(int first, int removed, int inserted)
+void DisplayView::linesChanged(int first, const std::vector<LinePtr>& removed,
+                               const std::vector<LinePtr>& inserted)
 {
-    page.linesChanged(first, removed, inserted);
-    moveAnchor(first, removed, inserted);
+    page.linesChanged(first, int(removed.size()), int(inserted.size()));
+    moveAnchor(first, int(removed.size()), int(inserted.size()));
     knownSelection = content.selection();
     unsettled = true;
     viewport()->update();
     if (QAccessible::isActive())
-        ReportTextChange(*this, first, inserted);
+        ReportTextChange(*this, first, removed, inserted);
     Q_EMIT selectionOrTextChanged();
 }
 

@@ -148,7 +148,8 @@ protected:
 
 private:
     // The document's ear.
-    void linesChanged(int first, int removed, int inserted) override;
+    void linesChanged(int first, const std::vector<LinePtr>& removed,
+                      const std::vector<LinePtr>& inserted) override;
     void selectionChanged() override;
     void documentReset() override;
 
