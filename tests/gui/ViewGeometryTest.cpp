@@ -204,6 +204,90 @@ TEST_F(ViewGeometry, TheMarkOfANonBreakingSpaceIsSeen)
     EXPECT_GT(view.clientRects({0, 1}, {0, 2}).front().width(), 3);
 }
 
+TEST_F(ViewGeometry, NoTextLiesBeyondTheEdgeHoweverNarrowTheWindow)
+{
+    show(MixedLines + "<DIV>" + QByteArray(300, 'w') + "</DIV><DIV align=right>" + QByteArray(300, 'i')
+         + "</DIV>");
+    for (const int width : {900, 333, 150, 90}) {
+        view.resize(width, Height);
+        for (const Position place : places()) {
+            const QRect rect = view.clientRects(place, place).front();
+            ASSERT_GE(rect.left(), 0) << testing::PrintToString(place) << " at " << width;
+            // Only a blank may hang over the edge.
+            const bool isBehindBlank = place.offset > 0 && line(place.line)[place.offset - 1] == u' ';
+            ASSERT_LE(rect.left(), view.clientWidth() + (isBehindBlank ? 10 : 0))
+                << testing::PrintToString(place) << " at " << width;
+        }
+    }
+}
+
+// ---------------------------------------------------------------- dense screens
+
+/// The display as a screen of so many dots a pixel shows it.
+QImage shotOf(DisplayView& view, qreal density)
+{
+    QImage image((QSizeF(view.viewport()->size()) * density).toSize(), QImage::Format_RGB32);
+    image.setDevicePixelRatio(density);
+    view.viewport()->render(&image);
+    return image;
+}
+
+/// The dots that are not of the page's paper.
+QRect inkOf(const QImage& image)
+{
+    QRect ink;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixel(x, y) != qRgb(255, 255, 255))
+                ink |= QRect(x, y, 1, 1);
+        }
+    }
+    return ink;
+}
+
+TEST_F(ViewGeometry, OnADenseScreenTextStandsWhereItStoodAndIsFiner)
+{
+    show(MixedLines, {Width, 300});
+    view.setDesignMode(u"Off"_s);
+    const QImage plain = shotOf(view, 1);
+    const QRect ink = inkOf(plain);
+    ASSERT_GT(ink.width(), Width / 2);
+    for (const qreal density : {1.25, 1.5, 2.0, 3.0}) {
+        const QImage dense = shotOf(view, density);
+        const QRect denseInk = inkOf(dense);
+        EXPECT_NEAR(denseInk.left(), ink.left() * density, 2 * density);
+        EXPECT_NEAR(denseInk.top(), ink.top() * density, 2 * density);
+        EXPECT_NEAR(denseInk.right(), ink.right() * density, 2 * density);
+        EXPECT_NEAR(denseInk.bottom(), ink.bottom() * density, 2 * density);
+        // Drawn anew, and not the same dots made larger: no two rows of dots are alike all the way.
+        const QImage enlarged = plain.scaled(dense.size(), Qt::IgnoreAspectRatio, Qt::FastTransformation);
+        int finer = 0;
+        for (int y = 0; y < dense.height(); ++y) {
+            for (int x = 0; x < dense.width(); ++x)
+                finer += dense.pixel(x, y) != enlarged.pixel(x, y);
+        }
+        EXPECT_GT(finer, 1000) << density;
+    }
+}
+
+TEST_F(ViewGeometry, ASelectionHasNoSeamsBetweenItsRowsOnADenseScreen)
+{
+    const QByteArray full = "<DIV>" + QByteArray("wwww ").repeated(60) + "</DIV>";
+    show(full.repeated(3), {Width, 300});
+    QPalette palette = view.palette();
+    palette.setColor(QPalette::HighlightedText, Qt::black);
+    view.setPalette(palette);
+    view.selectAll();
+    for (const qreal density : {1.0, 1.25, 1.5, 1.75, 2.0}) {
+        const QImage image = shotOf(view, density);
+        const QRect last = view.clientRects(document().end(), document().end()).front();
+        const int bottom = int(std::min(last.top(), view.clientHeight()) * density) - 2;
+        const int x = int(7 * density);
+        for (int y = int(4 * density); y < bottom; ++y)
+            ASSERT_NE(image.pixel(x, y), qRgb(255, 255, 255)) << "dot " << y << " at " << density;
+    }
+}
+
 // ---------------------------------------------------------------- scrolling
 
 /// Lines whose height is estimated too high: they may be broken between any two of their characters.
