@@ -515,23 +515,5 @@ TEST_F(BookRoad, AClickOnASchemaShowsItAndClosingTheListClosesBoth)
     EXPECT_FALSE(viewer->isVisible());
 }
 
-// ---------------------------------------------------------------- tutorial books
-
-TEST_F(BookRoad, EveryTutorialBookIsValid)
-{
-    Open();
-    QStringList books;
-    for (const QString& folder : {SampleBooksFolder, SampleBooksFolder + u"/English"_s}) {
-        for (const QString& name : QDir(folder).entryList({u"*.fb2"_s}, QDir::Files, QDir::Name))
-            books.append(folder + u'/' + name);
-    }
-    ASSERT_GE(books.size(), 8);
-    for (const QString& book : books) {
-        LoadAndWait(book);
-        form->RunCommand(Command::Validate);
-        EXPECT_EQ(Message(), u"No errors (against schema)"_s) << book.toStdString();
-    }
-}
-
 } // namespace
 } // namespace vmk
