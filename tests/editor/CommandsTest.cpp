@@ -221,6 +221,25 @@ TEST_F(Commands, RepaintAndShiftsAreReachedByEveryWay)
            [this, before] { return margin() == before - NodeShift; }});
 }
 
+TEST_F(Commands, ALineCopiedByDoubleClickIsPastedAsALineOfItsOwn)
+{
+    OpenBook();
+    const QString first = LineText(line());
+    const Position end{line() + 1, int(LineText(line() + 1).size())};
+    DoubleClick(PlaceOf(u"words"_s));
+    Key(Qt::Key_C, Ctrl);
+    // At a line's end it goes below the line, at its start above it.
+    PutCaret(end);
+    Key(Qt::Key_V, Ctrl);
+    EXPECT_EQ(LineText(end.line + 1), first);
+    EXPECT_EQ(margin(), item(Document(), end.line + 2).marginLeft());
+    Key(Qt::Key_Z, Ctrl);
+    PutCaret({end.line, 0});
+    Key(Qt::Key_V, Ctrl);
+    EXPECT_EQ(LineText(end.line), first);
+    EXPECT_TRUE(LineText(end.line + 1).startsWith(u"<p>Second"_s));
+}
+
 TEST_F(Commands, TabWithShiftIsNoShift)
 {
     OpenBook();
