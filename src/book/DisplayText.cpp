@@ -149,8 +149,7 @@ std::string TextOfDisplay(const DisplayDocument& document, AngleMarks marks)
     std::optional<std::string> text = TextOfLines(document, marks);
     if (!text)
         return TextOfPage(document.savePage().toStdString(), marks);
-    if (const size_t start = text->find(XmlDeclarationStart); start != std::string::npos)
-        text->erase(0, start);
+    DropBeforeDeclaration(*text);
     return *std::move(text);
 }
 

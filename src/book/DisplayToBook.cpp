@@ -297,10 +297,7 @@ std::string TextOfPage(std::string_view page, AngleMarks marks)
     if (const size_t head = FindText(page, HeadEnd, 0, true); head != std::string_view::npos)
         page.remove_prefix(head + HeadEnd.size());
     std::string text = PageStripper(page, marks).run();
-    // Only the first tag is a declaration; one further on, in a comment, must not take the book away.
-    if (const size_t start = text.find(XmlDeclarationStart);
-        start != std::string::npos && text.find('<') == start)
-        text.erase(0, start);
+    DropBeforeDeclaration(text);
     return text;
 }
 

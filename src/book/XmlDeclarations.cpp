@@ -12,6 +12,14 @@ size_t FindXmlDeclaration(std::string_view text, size_t from)
     return std::string_view::npos;
 }
 
+void DropBeforeDeclaration(std::string& text)
+{
+    const size_t firstTag = text.find('<');
+    if (firstTag != std::string::npos
+        && text.compare(firstTag, XmlDeclarationStart.size(), XmlDeclarationStart) == 0)
+        text.erase(0, firstTag);
+}
+
 std::string ReplaceXmlDeclarations(std::string text, size_t from, std::string_view declaration)
 {
     size_t at = FindXmlDeclaration(text, from);
