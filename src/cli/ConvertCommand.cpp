@@ -1,6 +1,7 @@
 #include "CodePages.h"
 #include "Command.h"
 #include "CommandLine.h"
+#include "DisplayText.h"
 #include "Encodings.h"
 #include "Globals.h"
 #include "PageOfBook.h"
@@ -117,7 +118,8 @@ int RunConvert(const QStringList& arguments)
     std::optional<std::string> page = PageOfBook(options.book, *std::move(book));
     if (!page)
         return ExitFailure;
-    const BookFile file = FileOfPage(PageAsDisplayed(*std::move(page)), SaveLayoutOfSettings());
+    const BookFile file
+        = FileOfText(TextOfUneditedPage(*std::move(page), AngleMarks::Restore), SaveLayoutOfSettings());
     return WriteOutput(options.file, file.bytes, Durability::Flushed) ? ExitClean : ExitFailure;
 }
 
