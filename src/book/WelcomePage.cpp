@@ -30,7 +30,7 @@ void ShowWelcomePage()
 {
     FileOperation(DeleteFileMode, WelcomeFile);
     // Where nothing can be written the browser shows an empty page.
-    (void)WriteFileText(WelcomeFile, WelcomePageBytes());
+    (void)WriteScratchFile(WelcomeFile, WelcomePageBytes());
     NavigateSeam()(WelcomeFile, false);
 }
 

@@ -320,6 +320,14 @@ void Form1::closeEvent(QCloseEvent* event)
     EndProcess();
 }
 
+void Form1::changeEvent(QEvent* event)
+{
+    QMainWindow::changeEvent(event);
+    // The field's colours go by the desktop's, which may turn from light to dark at any time.
+    if (event->type() == QEvent::PaletteChange && SchemaFileL)
+        RefreshSchemaField();
+}
+
 // ---------------------------------------------------------------- commands
 
 bool Form1::RunCommand(Command command)

@@ -12,6 +12,17 @@ namespace {
 
 constexpr int TextMargin = 3;
 
+/// A quarter of the way from the ground to the text: seen on light desktops and on dark ones, whose shades
+/// for frames are often darker still than their ground.
+QColor DividerColor(const QPalette& palette)
+{
+    const QColor ground = palette.color(QPalette::Window);
+    const QColor text = palette.color(QPalette::WindowText);
+    const auto mixed = [](int from, int to) { return from + (to - from) / 4; };
+    return {mixed(ground.red(), text.red()), mixed(ground.green(), text.green()),
+            mixed(ground.blue(), text.blue())};
+}
+
 /// Draws its text cut short with an ellipsis; its `text()` stays whole for screen readers.
 class PanelLabel : public QLabel
 {
@@ -102,7 +113,7 @@ void PanelBar::resizeEvent(QResizeEvent* event)
 void PanelBar::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    painter.setPen(palette().color(QPalette::Mid));
+    painter.setPen(DividerColor(palette()));
     painter.drawLine(0, 0, width(), 0);
     for (size_t i = 1; i < panels.size(); ++i) {
         const int x = panels[i].label->x() - 1;
