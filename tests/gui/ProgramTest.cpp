@@ -81,8 +81,8 @@ protected:
         }
         EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
         EXPECT_EQ(program.exitCode(), 0);
-        EXPECT_EQ(program.readAllStandardOutput(), QByteArray());
-        EXPECT_EQ(program.readAllStandardError(), QByteArray());
+        EXPECT_EQ(program.readAllStandardOutput().toStdString(), "");
+        EXPECT_EQ(program.readAllStandardError().toStdString(), "");
     }
 
     Workplace place;
@@ -128,7 +128,7 @@ TEST_F(Program, ABookWithAnErrorIsOpenedAndTheReportGoesWhenItIsComplete)
     ASSERT_FALSE(desktop->waitForWindow(u"^ VMK: broken.fb2$"_s).isEmpty());
     EXPECT_TRUE(XDesktop::WaitUntil([&] { return desktop->windows(Report).isEmpty(); }));
     EXPECT_FALSE(program.waitForFinished(500)) << "the main window stays open";
-    EXPECT_EQ(program.readAllStandardError(), QByteArray());
+    EXPECT_EQ(program.readAllStandardError().toStdString(), "");
 }
 
 TEST_F(Program, ABarePathIsOpened)
