@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <optional>
 #include <string_view>
-#include <utility>
 
 namespace vmk {
 
@@ -152,17 +151,6 @@ std::string TextOfDisplay(const DisplayDocument& document, AngleMarks marks)
         return TextOfPage(document.savePage().toStdString(), marks);
     DropBeforeDeclaration(*text);
     return *std::move(text);
-}
-
-std::string TextOfUneditedPage(std::string page, AngleMarks marks)
-{
-    // A quote left open in the text takes its value's end into the next line's own tag. Only a reader of HTML
-    // can tell there what is mark-up.
-    if (page.find("<DIV style=\"</FONT>") == std::string::npos)
-        return TextOfPage(PageAsDisplayed(std::move(page)), marks);
-    DisplayDocument document;
-    document.loadPage(QByteArray::fromStdString(page));
-    return TextOfDisplay(document, marks);
 }
 
 } // namespace vmk

@@ -17,7 +17,4 @@ class DisplayDocument;
 /// lines, or half a surrogate pair beside a tag.
 [[nodiscard]] std::optional<std::string> TextOfLines(const DisplayDocument& document, AngleMarks marks);
 
-/// The text of a book that nobody has edited, from the page made of it; in most cases without a document.
-[[nodiscard]] std::string TextOfUneditedPage(std::string page, AngleMarks marks);
-
 } // namespace vmk

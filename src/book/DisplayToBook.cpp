@@ -22,6 +22,11 @@ namespace {
 
 /// Between two lines of a page as it was made.
 constexpr std::string_view LineBorder = "</DIV>\r<";
+/// The tag of an indented line; and as it stands where the text before it leaves a quote open behind a
+/// painted name, whose value then ends within the tag. A display knows that for mark-up, the steps of the
+/// text do not.
+constexpr std::string_view LineTag = R"(<DIV style="MARGIN-LEFT: )";
+constexpr std::string_view TornLineTag = R"(<DIV style="</FONT>MARGIN-LEFT: )";
 constexpr std::string_view BookEnd = "</FictionBook>";
 
 /// What visible text is written back as.
@@ -275,6 +280,7 @@ Seam<std::string(AngleMarks marks)>& DisplayTextSeam()
 
 std::string PageAsDisplayed(std::string page)
 {
+    page = ReplaceAll(std::move(page), TornLineTag, LineTag);
     // From the end on, in place: a page is large, and so is its room.
     const auto lines = static_cast<size_t>(CountOccurrences(page, LineBorder));
     size_t from = page.size();

@@ -10,7 +10,8 @@
 /// From the page of the display back to XML text and to the bytes of a book.
 namespace vmk {
 
-/// A page as the display writes it when nothing has been edited: with `CrLf` between its lines.
+/// A page as the display writes it when nothing has been edited: with `CrLf` between its lines, whose tags
+/// are whole.
 [[nodiscard]] std::string PageAsDisplayed(std::string page);
 
 /// Whether U+2039 and U+203A become `&lt;` and `&gt;` again. For validation they stay, so that the place of

@@ -1,7 +1,6 @@
 #include "CodePages.h"
 #include "Command.h"
 #include "CommandLine.h"
-#include "DisplayText.h"
 #include "Encodings.h"
 #include "Globals.h"
 #include "PageOfBook.h"
@@ -118,8 +117,7 @@ int RunConvert(const QStringList& arguments)
     std::optional<std::string> page = PageOfBook(options.book, *std::move(book));
     if (!page)
         return ExitFailure;
-    const BookFile file
-        = FileOfText(TextOfUneditedPage(*std::move(page), AngleMarks::Restore), SaveLayoutOfSettings());
+    const BookFile file = FileOfPage(PageAsDisplayed(*std::move(page)), SaveLayoutOfSettings());
     return WriteOutput(options.file, file.bytes, Durability::Flushed) ? ExitClean : ExitFailure;
 }
 

@@ -188,8 +188,8 @@ TEST(TextOfDisplay, OfAnUneditedBookIsThatOfItsPage)
         DisplayDocument document;
         document.loadPage(QByteArray::fromStdString(page));
         // A browser knows the entity of the double quote: what has been loaded is the character, as meant.
-        const std::string shown = ReplaceAll(page, "&quot;", "\"");
-        const std::string expected = WithSingleBlanks(TextOfUneditedPage(shown, AngleMarks::Restore));
+        const std::string shown = ReplaceAll(PageAsDisplayed(page), "&quot;", "\"");
+        const std::string expected = WithSingleBlanks(TextOfPage(shown, AngleMarks::Restore));
         const std::string got = WithSingleBlanks(TextOfDisplay(document, AngleMarks::Restore));
         ASSERT_TRUE(got == expected) << i << ": " << page << "\n" << Difference(got, expected);
     }
@@ -205,7 +205,8 @@ TEST(TextOfDisplay, AQuoteLeftOpenInTheTextBringsNoMarkUpIntoIt)
     ASSERT_TRUE(ConvertBookToDisplay(page, false));
     EXPECT_NE(page.find("<DIV style=\"</FONT>MARGIN-LEFT: 5px\">"), std::string::npos) << page;
     const std::string text = "<a>\r\n<p>write id=\"</p>\r\n<p>x</p>\r\n</a>\r\n";
-    EXPECT_TRUE(TextOfUneditedPage(page, AngleMarks::Restore).ends_with(text));
+    EXPECT_TRUE(
+        TextOfPage(PageAsDisplayed(page), AngleMarks::Restore).ends_with(text.substr(0, text.size() - 2)));
     DisplayDocument document;
     document.loadPage(QByteArray::fromStdString(page));
     EXPECT_TRUE(TextOfDisplay(document, AngleMarks::Restore).ends_with(text));
