@@ -95,6 +95,34 @@ void measureReplace()
                 undoBreaks);
 }
 
+/// The worst case: every edit copies a line as long as a book.
+void measureLongLine()
+{
+    constexpr int Hits = 5000;
+    const QByteArray text
+        = QByteArray("<SPAN class=t>&lt;p&gt;</SPAN>some text with one hit in it, and more of "
+                     "it, so that the line is as long as a book. ")
+              .repeated(Hits * 2);
+    DisplayDocument document;
+    document.loadPage("<HTML><BODY><DIV>" + text + "</DIV></BODY></HTML>");
+    const double before = heapMegabytes();
+    TextRange range = createTextRange(document);
+    int replaced = 0;
+    const double replace = milliseconds([&] {
+        while (replaced < Hits && range.findText(QStringLiteral("hit"), 1, 0)) {
+            range.setText(QStringLiteral("match"));
+            ++replaced;
+        }
+    });
+    const double memory = heapMegabytes() - before;
+    const double undo = milliseconds([&] {
+        while (document.undo()) { }
+    });
+    std::printf(
+        "%d replacements in one line of %.1f million characters: %.0f ms and %.1f MB; undone: %.0f ms\n",
+        replaced, double(document.line(0).text.size()) / 1e6, replace, memory, undo);
+}
+
 } // namespace
 
 int main()
@@ -104,5 +132,6 @@ int main()
     for (const int megabytes : {1, 4, 16, 64})
         measureSize(megabytes);
     measureReplace();
+    measureLongLine();
     return 0;
 }

@@ -277,6 +277,7 @@ void DisplayDocument::apply(const Change& change, bool forward)
     if (!change.sharedEnds)
         return exchange(change.first, from, to, map);
     std::vector<LinePtr> present;
+    present.reserve(from.size());
     for (int i = 0; i < int(from.size()); ++i)
         present.push_back(lines[change.first + i]);
     exchange(change.first, present, withEnds(to, *change.sharedEnds, *present.front(), *present.back()), map);
