@@ -110,6 +110,16 @@ TEST(HtmlProperty, WhatWasWrittenReadsBackAsTheSameLines)
     }
 }
 
+TEST(HtmlProperty, AnElementsOwnHtmlPutInItsPlaceChangesNothing)
+{
+    constexpr int Rounds = 3000;
+    Dice dice(23);
+    for (int i = 0; i < Rounds; ++i) {
+        const QByteArray html = randomHtml(dice);
+        ASSERT_EQ(reference::elementFault(html, 100), std::string()) << html.toStdString();
+    }
+}
+
 TEST(HtmlProperty, TextBetweenTagsComesThroughWhole)
 {
     constexpr int Rounds = 5000;

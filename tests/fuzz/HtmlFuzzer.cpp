@@ -44,6 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
     const QByteArray bytes(reinterpret_cast<const char*>(data), qsizetype(size));
     Check(vmk::reference::pageFault(bytes));
     Check(vmk::reference::fragmentFault(QString::fromUtf8(bytes)));
+    Check(vmk::reference::elementFault(bytes, 4));
     CheckPasting(bytes);
     return 0;
 }

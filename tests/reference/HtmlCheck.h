@@ -117,4 +117,35 @@ inline std::string pageFault(const QByteArray& html)
     return {};
 }
 
+/// Empty when each element of a page, put in its own place as HTML, leaves the page as it was.
+/// @param mostElements so many are tried, from the page's beginning on.
+inline std::string elementFault(const QByteArray& html, int mostElements)
+{
+    DisplayDocument document;
+    document.loadPage(html);
+    const QByteArray before = document.savePage();
+    const auto tryElement = [&](DisplayElement element) -> std::string {
+        const QString own = element.outerHTML();
+        element.setOuterHTML(own);
+        if (const QByteArray after = document.savePage(); after != before)
+            return before.toStdString() + " is with " + own.toStdString() + " put in its place "
+                + after.toStdString();
+        return {};
+    };
+    for (int i = 0; i < document.lineCount() && mostElements > 0; ++i, --mostElements) {
+        if (document.line(i).block == NoTag)
+            continue;
+        if (std::string fault = tryElement({document, i}); !fault.empty())
+            return fault;
+        for (std::size_t mark = 0; mark < document.line(i).marks.size() && mostElements > 0; ++mark) {
+            if (!document.line(i).marks[mark].open)
+                continue;
+            --mostElements;
+            if (std::string fault = tryElement({document, i, mark}); !fault.empty())
+                return fault;
+        }
+    }
+    return {};
+}
+
 } // namespace vmk::reference
