@@ -6,6 +6,7 @@
 #include <QDragEnterEvent>
 #include <QPainter>
 #include <QStyle>
+#include <QToolTip>
 
 namespace vmk {
 namespace {
@@ -68,7 +69,11 @@ PanelBar::PanelBar(const QStringList& names, QWidget* parent)
 
 void PanelBar::setPanelText(int panel, const QString& text)
 {
-    panels.at(size_t(panel) - 1).label->setText(text);
+    QLabel& label = *panels.at(size_t(panel) - 1).label;
+    // A tip that stands open would go on telling the old text.
+    if (label.text() != text && !label.toolTip().isEmpty() && QToolTip::text() == label.toolTip())
+        QToolTip::hideText();
+    label.setText(text);
 }
 
 QString PanelBar::panelText(int panel) const

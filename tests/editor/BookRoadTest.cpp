@@ -511,6 +511,9 @@ TEST_F(BookRoad, AClickOnASchemaShowsItAndClosingTheListClosesBoth)
     EXPECT_TRUE(viewer->testAttribute(Qt::WA_ShowWithoutActivating)) << "book and list keep the focus";
     EXPECT_GT(viewer->SchemaWB->document().lineCount(), 100);
     EXPECT_EQ(viewer->SchemaWB->designMode(), u"Off"_s);
+    QTest::mouseClick(viewer->SchemaWB->viewport(), Qt::RightButton);
+    QTest::qWait(2 * form->TimerPopUp->interval());
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr) << "the page of a schema has no menu";
     list->window()->close();
     EXPECT_FALSE(viewer->isVisible());
 }

@@ -5,6 +5,8 @@
 
 #include <QLabel>
 #include <QSignalSpy>
+#include <QTest>
+#include <QToolTip>
 #include <QUrl>
 
 #include <gtest/gtest.h>
@@ -58,6 +60,21 @@ TEST_F(PanelBars, ShowsATextThatIsTooWideAsToolTip)
     bar.setPanelText(1, u"ab"_s);
     bar.grab();
     EXPECT_TRUE(labels[0]->toolTip().isEmpty());
+}
+
+TEST_F(PanelBars, ANewTextTakesTheOpenTipOfTheOldOneAway)
+{
+    bar.setPanelText(1, u"a message that is much wider than one hundred pixels can hold"_s);
+    bar.grab();
+    auto* label = bar.findChildren<QLabel*>()[0];
+    QToolTip::showText(QPoint(10, 10), label->toolTip(), label);
+    ASSERT_TRUE(QToolTip::isVisible());
+    bar.setPanelText(1, bar.panelText(1));
+    bar.setPanelText(2, u"other"_s);
+    QTest::qWait(50);
+    EXPECT_TRUE(QToolTip::isVisible());
+    bar.setPanelText(1, u"ab"_s);
+    EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
 }
 
 TEST_F(PanelBars, TellsScreenReadersWhatAPanelShows)
