@@ -226,7 +226,7 @@ TEST_P(Palettes, AChangeOfTheDesktopReachesTheOpenWindow)
 
 INSTANTIATE_TEST_SUITE_P(Desktops, Palettes,
                          testing::Values(Desktop{"light", LightPalette}, Desktop{"dark", DarkPalette}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& desktop) { return desktop.param.name; });
 
 } // namespace
 } // namespace vmk
