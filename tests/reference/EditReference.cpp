@@ -115,31 +115,55 @@ std::string StripPainting(std::string html)
     return ReplaceAll(html, "</B>", "");
 }
 
-/// No bracket has closed the comment that the text begins with.
-static bool IsOpen(const std::string& comment)
+/// No bracket has closed the last comment of a text.
+static bool IsOpen(const std::string& text)
 {
-    return comment.find("&gt;") == std::string::npos && comment.find('\x04') == std::string::npos;
+    const std::size_t comment = text.rfind('\x03');
+    return comment != std::string::npos && text.find("&gt;", comment) == std::string::npos
+        && text.find('\x04', comment) == std::string::npos;
+}
+
+/// Paints text between real tags.
+/// @param open whether a comment is open in front of it; then, behind it.
+static std::string PaintText(std::string text, const PaintRequest& request, bool& open)
+{
+    text = ReplaceAll(text, "&lt;!--", "\x03!--");
+    // A comment from before is put in front for the while.
+    if (open)
+        text.insert(0, 1, '\x03');
+    for (std::size_t at = text.find("--&lt;"); at != std::string::npos; at = text.find("--&lt;", at + 1)) {
+        if (IsOpen(text.substr(0, at + 2)))
+            text.replace(at, 6, "--\x04");
+    }
+    const bool openBehind = IsOpen(text);
+    if (open)
+        text.erase(0, 1);
+    open = openBehind;
+
+    if (request.tagHighlighting) {
+        text = ReplaceAll(text, "&lt;", "<SPAN class=t>&lt;");
+        text = ReplaceAll(text, "&gt;", "&gt;</SPAN>");
+        text = PaintAttributes(text);
+    } else if (request.tagFontWeight == "bold" && request.displayFontWeight != "bold") {
+        text = ReplaceAll(text, "&lt;", "<B>&lt;");
+        text = ReplaceAll(text, "&gt;", "&gt;</B>");
+    }
+    text = ReplaceAll(text, "\x03", "<SPAN class=c>&lt;");
+    return ReplaceAll(text, "\x04", "&gt;</SPAN>");
 }
 
 std::string PaintLines(std::string html, const PaintRequest& request)
 {
-    html = ReplaceAll(html, "&lt;!--", "\x03!--");
-    for (std::size_t at = html.find("--&lt;"); at != std::string::npos; at = html.find("--&lt;", at + 1)) {
-        // The last comment in front of it, which no bracket has closed yet.
-        const std::size_t comment = html.rfind('\x03', at);
-        if (comment != std::string::npos && IsOpen(html.substr(comment, at + 2 - comment)))
-            html.replace(at, 6, "--\x04");
+    // Blocks, and tags with quoted values, are no text: what stands between them is painted by itself.
+    static const std::regex solid("</?DIV[^>]*>|<[^>]*[\"&][^>]*>");
+    std::string painted;
+    bool open = false;
+    std::smatch match;
+    while (std::regex_search(html, match, solid)) {
+        painted += PaintText(match.prefix(), request, open) + match.str();
+        html = match.suffix();
     }
-    if (request.tagHighlighting) {
-        html = ReplaceAll(html, "&lt;", "<SPAN class=t>&lt;");
-        html = ReplaceAll(html, "&gt;", "&gt;</SPAN>");
-        html = PaintAttributes(html);
-    } else if (request.tagFontWeight == "bold" && request.displayFontWeight != "bold") {
-        html = ReplaceAll(html, "&lt;", "<B>&lt;");
-        html = ReplaceAll(html, "&gt;", "&gt;</B>");
-    }
-    html = ReplaceAll(html, "\x03", "<SPAN class=c>&lt;");
-    return ReplaceAll(html, "\x04", "&gt;</SPAN>");
+    return painted + PaintText(html, request, open);
 }
 
 } // namespace vmk::reference

@@ -10,6 +10,8 @@
 
 #include <QHash>
 
+#include <utility>
+
 namespace vmk {
 namespace {
 
@@ -45,41 +47,65 @@ std::string BareHtml(const DisplayDocument& document, const SelectedLines& lines
     return html.toStdString();
 }
 
-/// Wraps tags and comments; attributes are left to `PaintAttributes`.
-std::string PaintTags(std::string_view html, std::string_view tagStart, std::string_view tagEnd)
+/// The mark-up that painting puts around a tag.
+struct TagPaint
+{
+    std::string_view start;
+    std::string_view end;
+};
+
+/// Wraps tags and comments in text between real tags; attributes are left to `PaintAttributes`.
+/// @param inComment whether a comment is open where the text begins; then, where it ends
+std::string PaintTags(std::string_view text, const TagPaint& paint, bool& inComment)
 {
     std::string painted;
-    painted.reserve(html.size() + html.size() / 2);
-    bool inComment = false;
+    painted.reserve(text.size() + text.size() / 2);
     while (true) {
-        const size_t at = html.find_first_of("&\x03\x04");
-        painted += html.substr(0, at);
+        const size_t at = text.find_first_of("&\x03\x04");
+        painted += text.substr(0, at);
         if (at == std::string_view::npos)
             return painted;
-        const bool behindDashes = at >= 2 && html.substr(at - 2, 2) == "--";
-        html.remove_prefix(at);
+        const bool behindDashes = at >= 2 && text.substr(at - 2, 2) == "--";
+        text.remove_prefix(at);
         size_t length = Less.size();
-        if (html.starts_with("&lt;!--") || html.front() == '\x03') {
+        if (text.starts_with("&lt;!--") || text.front() == '\x03') {
             painted += "<SPAN class=c>&lt;";
             inComment = true;
-        } else if (html.front() == '\x04' || (html.starts_with(Less) && behindDashes && inComment)) {
+        } else if (text.front() == '\x04' || (text.starts_with(Less) && behindDashes && inComment)) {
             // A "<" right behind two dashes ends a comment; that it is this sign and not ">" is meant.
             // Outside a comment it begins a tag, as in "so--</p>", and the book's text stays as it is.
             painted += "&gt;</SPAN>";
             inComment = false;
-        } else if (html.starts_with(Less)) {
-            painted.append(tagStart).append(Less);
-        } else if (html.starts_with(Greater)) {
-            painted.append(Greater).append(tagEnd);
+        } else if (text.starts_with(Less)) {
+            painted.append(paint.start).append(Less);
+        } else if (text.starts_with(Greater)) {
+            painted.append(Greater).append(paint.end);
             inComment = false;
         } else {
             painted += '&';
             length = 1;
         }
-        if (static_cast<unsigned char>(html.front()) < ' ')
+        if (static_cast<unsigned char>(text.front()) < ' ')
             length = 1;
-        html.remove_prefix(length);
+        text.remove_prefix(length);
     }
+}
+
+/// The next real tag that painting must not reach into or across: a block's, or one with a quoted value.
+/// @return its place and length; the text's end and 0 when there is none.
+std::pair<size_t, size_t> NextSolidTag(std::string_view html)
+{
+    for (size_t at = html.find('<'); at != std::string_view::npos; at = html.find('<', at + 1)) {
+        const size_t end = html.find('>', at);
+        if (end == std::string_view::npos)
+            break;
+        const std::string_view tag = html.substr(at, end + 1 - at);
+        const bool isBlock = tag.starts_with("<DIV") || tag.starts_with("</DIV");
+        if (isBlock || tag.find_first_of("\"&") != std::string_view::npos)
+            return {at, tag.size()};
+        at = end;
+    }
+    return {html.size(), 0};
 }
 
 } // namespace
@@ -91,12 +117,21 @@ PaintStyle CurrentPaintStyle()
 
 std::string PaintLines(std::string_view html, const PaintStyle& style)
 {
-    if (style.tagHighlighting) {
-        std::string painted = PaintTags(html, "<SPAN class=t>", "</SPAN>");
-        PaintAttributes(painted);
-        return painted;
+    const TagPaint paint = style.tagHighlighting ? TagPaint{"<SPAN class=t>", "</SPAN>"}
+        : style.boldTags                         ? TagPaint{"<B>", "</B>"}
+                                                 : TagPaint{};
+    std::string painted;
+    painted.reserve(html.size() + html.size() / 2);
+    bool inComment = false;
+    while (!html.empty()) {
+        const auto [at, length] = NextSolidTag(html);
+        std::string piece = PaintTags(html.substr(0, at), paint, inComment);
+        if (style.tagHighlighting)
+            PaintAttributes(piece);
+        painted.append(piece).append(html.substr(at, length));
+        html.remove_prefix(at + length);
     }
-    return style.boldTags ? PaintTags(html, "<B>", "</B>") : PaintTags(html, {}, {});
+    return painted;
 }
 
 QString RePaintHtml(const QString& html)

@@ -22,7 +22,8 @@ struct PaintStyle
 /// The style that the settings ask for.
 [[nodiscard]] PaintStyle CurrentPaintStyle();
 
-/// Paints bare lines, given and returned as HTML in UTF-8.
+/// Paints bare lines, given and returned as HTML in UTF-8. Real tags stay as they are, and a value whose
+/// quote is not closed within its line stays unpainted.
 [[nodiscard]] std::string PaintLines(std::string_view html, const PaintStyle& style);
 
 /// Paints bare lines given as HTML, by the settings; the document is left alone.

@@ -105,6 +105,31 @@ TEST_F(Repainting, ATagRightBehindDashesOfTheTextStaysATag)
               u"<SPAN class=c>&lt;!-- a --&gt;</SPAN>--<SPAN class=t>&lt;p&gt;</SPAN>"_s);
 }
 
+TEST_F(Repainting, AQuoteThatIsNotClosedReachesNoOtherLine)
+{
+    const std::string margin = "style=\"MARGIN-LEFT: 15px\"";
+    show(("<DIV>&lt;p id=\"open&gt;</DIV>\r<DIV " + margin + ">next\"</DIV>").c_str());
+    select(0, 0, 1, 5);
+    repaint();
+    EXPECT_EQ(lines(),
+              "<DIV><SPAN class=t>&lt;p<FONT class=n> id=</FONT>\"open&gt;</SPAN></DIV>\n<DIV " + margin
+                  + ">next\"</DIV>");
+}
+
+TEST_F(Repainting, BracketsAndQuotesWithinRealTagsAreLeftAlone)
+{
+    const std::string page = "<DIV title=\"&lt;a id=&quot;\">b <I title=\"&lt;!-- &gt;\">c</I> id=\"</DIV>";
+    show(page.c_str());
+    const std::string before = lines();
+    caret(0, 1);
+    repaint();
+    EXPECT_EQ(text(0), "b c id=\"");
+    const std::string after = lines();
+    EXPECT_EQ(after.substr(0, after.find('>')), before.substr(0, before.find('>')));
+    repaint();
+    EXPECT_EQ(lines(), after);
+}
+
 TEST_F(Repainting, ASelectionEndsAsACaretAtTheLastPressOnTheScrolledPage)
 {
     show("<DIV>&lt;a&gt;</DIV>\r<DIV>&lt;b&gt;</DIV>\r<DIV>c</DIV>");
@@ -165,7 +190,11 @@ TEST_F(Repainting, AgreesWithTheOracleOnRandomTexts)
                                   "слово",
                                   "\x03",
                                   "\x04",
-                                  " name=\""};
+                                  " name=\"",
+                                  "</DIV>\r\n<DIV style=\"MARGIN-LEFT: 5px\">",
+                                  "<I>",
+                                  "<I title=\"&lt;\">",
+                                  "</I>"};
     for (int round = 0; round < 10'000; ++round) {
         TagHighlighting = int(random() % 3 != 0);
         DisplayFontWeight = random() % 2 == 0 ? u"normal"_s : u"bold"_s;
