@@ -69,21 +69,11 @@ void BringUpWindow()
     Window().activateWindow();
 }
 
-} // namespace
-
-// ---------------------------------------------------------------- loading
-
-bool LoadBook(const QString& path, bool opening)
+/// Reads a book and writes its page into the display's next file. False when that is refused; status and
+/// sound have told why.
+bool LayDownPage(const QString& path)
 {
-    if (opening)
-        RemoveDisplayFiles(true);
-    if (!FileExists(path)) {
-        ShowStatus(u"file not found"_s);
-        PlayProgramSound(u"FileLoadError.wav"_s, true);
-        return false;
-    }
-    if (!CheckBookFile(path, false, false))
-        return false;
+    const HourglassScope hourglass;
     // A file that cannot be read whole must not be taken for a shorter one, and be saved as such.
     std::string text;
     int32_t length = WholeFile;
@@ -109,6 +99,26 @@ bool LoadBook(const QString& path, bool opening)
         RefuseBook(path);
         return false;
     }
+    return true;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------- loading
+
+bool LoadBook(const QString& path, bool opening)
+{
+    if (opening)
+        RemoveDisplayFiles(true);
+    if (!FileExists(path)) {
+        ShowStatus(u"file not found"_s);
+        PlayProgramSound(u"FileLoadError.wav"_s, true);
+        return false;
+    }
+    if (!CheckBookFile(path, false, false))
+        return false;
+    if (!LayDownPage(path))
+        return false;
     ShowStatus(u"...loading file...wait, please..."_s);
     if (opening)
         BringUpWindow();

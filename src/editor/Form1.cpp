@@ -28,6 +28,7 @@
 #include <QLayout>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QScreen>
 #include <QShortcut>
 #include <QTimer>
 #include <QToolBar>
@@ -61,6 +62,17 @@ int PixelsX(float twips)
 int PixelsY(float twips)
 {
     return qRound(twips / TwipsPerPixelY);
+}
+
+/// True if enough of a window's upper edge is on some screen to take hold of it.
+bool IsOnAScreen(const QRect& window)
+{
+    constexpr int Grip = 40;
+    const QRect edge(window.topLeft(), QSize(window.width(), Grip));
+    return std::ranges::any_of(QGuiApplication::screens(), [&](const QScreen* screen) {
+        const QRect part = screen->geometry().intersected(edge);
+        return part.width() >= Grip && part.height() > 0;
+    });
 }
 
 void SetColors(QWidget& widget, const QColor& background, const QColor& text)
@@ -473,8 +485,12 @@ void Form1::PlaceForm(float left, float top, float width, float height)
         return QSize(PixelsX(formWidth - EdgesWidth), PixelsY(clientHeight) + menuBar()->sizeHint().height());
     };
     setMinimumSize(inside(MainFormMinWidth, MainFormMinHeight));
-    move(PixelsX(left), PixelsY(top));
     resize(inside(width, height).expandedTo(minimumSize()));
+    QPoint corner(PixelsX(left), PixelsY(top));
+    // Not where a screen was that is there no longer: nobody could fetch the window from there.
+    if (!IsOnAScreen({corner, size()}))
+        corner = QGuiApplication::primaryScreen()->availableGeometry().topLeft();
+    move(corner);
 }
 
 void Form1::resizeEvent(QResizeEvent* event)

@@ -74,7 +74,7 @@ public:
     void RefreshSchemaField();
     /// Sets the schema file and, with it, validation against the schema.
     void UseSchema(const QString& path);
-    /// Places the window by its outer rectangle, in twips.
+    /// Places the window by its outer rectangle, in twips; on the main screen if no screen is there.
     void PlaceForm(float left, float top, float width, float height);
     [[nodiscard]] float FormLeft() const;
     [[nodiscard]] float FormTop() const;

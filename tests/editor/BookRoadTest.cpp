@@ -2,6 +2,7 @@
 
 #include "FbFunctions.h"
 #include "FileDrops.h"
+#include "MainWindowSeams.h"
 #include "SaveBook.h"
 
 #include <QDir>
@@ -105,6 +106,16 @@ TEST_F(BookRoad, TheBlankPageBehindADamagedBinaryPartCannotBeTypedInto)
     QTest::qWait(2 * form->TimerDesignMode->interval());
     EXPECT_EQ(View().designMode(), u"Off"_s);
     EXPECT_EQ(Message(), u"cannot load file: parse error"_s);
+}
+
+TEST_F(BookRoad, TheHourglassStandsWhileABookIsReadAndConverted)
+{
+    Open();
+    const QString path = MakeBook(SmallBook);
+    QList<Pointer> seen;
+    const SeamGuard guard(PointerSeam(), [&](Pointer pointer) { seen.append(pointer); });
+    EXPECT_TRUE(LoadBook(path, false));
+    EXPECT_EQ(seen, (QList{Pointer::Hourglass, Pointer::Default}));
 }
 
 TEST_F(BookRoad, AFileThatCannotBeReadLeavesTheOldPage)

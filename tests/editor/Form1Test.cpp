@@ -2,6 +2,7 @@
 
 #include "FileDrops.h"
 
+#include <QScreen>
 #include <QSettings>
 #include <QToolButton>
 
@@ -429,6 +430,21 @@ TEST_F(Form1Test, TheWindowOpensAtItsSavedRectangle)
     EXPECT_EQ(form->FormHeight(), 8'100);
     EXPECT_EQ(Message(), u"ready"_s);
     EXPECT_TRUE(FolderExists(TempFolder));
+}
+
+TEST_F(Form1Test, AWindowSavedOnAScreenThatIsGoneOpensOnTheMainOne)
+{
+    roomy = false;
+    MainFormLeft = 150'000;
+    MainFormTop = 60'000;
+    Open();
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    EXPECT_EQ(form->pos(), screen.topLeft());
+    // One that is still in reach stays where it was.
+    form->PlaceForm(float(screen.right() - 100) * 15, 600, 12'000, 9'000);
+    EXPECT_EQ(form->pos(), QPoint(screen.right() - 100, 40));
+    form->PlaceForm(-300, -300, 12'000, 9'000);
+    EXPECT_EQ(form->pos(), QPoint(-20, -20));
 }
 
 TEST_F(Form1Test, AFirstStartShowsTheWelcomePage)

@@ -178,6 +178,20 @@ TEST_F(Dialogs, ASaveDialogGivesANameWithoutExtensionTheOneOfItsFilter)
     EXPECT_EQ(saved(u"Pictures|*.png;*.jpg"_s), u"new"_s);
 }
 
+TEST_F(Dialogs, ABoxInTheMiddleOfLongWorkHasTheUsualPointer)
+{
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    WithNextDialog<QMessageBox>([](QMessageBox& box) {
+        EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::ArrowCursor);
+        box.close();
+    });
+    PlainBox(u"t"_s);
+    ASSERT_NE(QGuiApplication::overrideCursor(), nullptr);
+    EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::WaitCursor);
+    QGuiApplication::restoreOverrideCursor();
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+}
+
 TEST_F(Dialogs, ABoxStandsBeforeTheMainWindowWhateverFormIsActive)
 {
     QMainWindow mainWindow;

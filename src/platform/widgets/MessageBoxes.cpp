@@ -2,6 +2,7 @@
 
 #include "DialogOwner.h"
 
+#include <QGuiApplication>
 #include <QMessageBox>
 
 using namespace Qt::StringLiterals;
@@ -25,6 +26,28 @@ QMessageBox::Icon IconOf(BoxKind kind)
     return QMessageBox::NoIcon;
 }
 
+/// The usual pointer for as long as the user is asked, also in the middle of long work.
+class UsualPointerScope
+{
+public:
+    UsualPointerScope()
+        : replaced(QGuiApplication::overrideCursor() != nullptr)
+    {
+        if (replaced)
+            QGuiApplication::setOverrideCursor(Qt::ArrowCursor);
+    }
+    UsualPointerScope(const UsualPointerScope&) = delete;
+    UsualPointerScope& operator=(const UsualPointerScope&) = delete;
+    ~UsualPointerScope()
+    {
+        if (replaced)
+            QGuiApplication::restoreOverrideCursor();
+    }
+
+private:
+    bool replaced;
+};
+
 } // namespace
 
 bool ShowMessageBox(BoxKind kind, const QString& text, const QString& title)
@@ -39,6 +62,7 @@ bool ShowMessageBox(BoxKind kind, const QString& text, const QString& title)
         // Closing the box or Esc means No.
         box.setEscapeButton(QMessageBox::No);
     }
+    const UsualPointerScope pointer;
     return box.exec() == QMessageBox::Yes;
 }
 
