@@ -2,8 +2,10 @@
 
 #include <QAbstractItemView>
 #include <QHash>
+#include <QHeaderView>
 #include <QStyleFactory>
 #include <QToolButton>
+#include <QTreeWidget>
 
 #include <cmath>
 
@@ -206,6 +208,33 @@ TEST_P(Palettes, TheDisplayKeepsItsOwnColours)
     const QImage page = PictureOf(*View().viewport());
     EXPECT_EQ(page.pixelColor(page.width() / 2, page.height() - 2), QColor(0xF5, 0xF5, 0xF5));
     EXPECT_GE(ContrastIn(page), TextContrast);
+}
+
+TEST_P(Palettes, TheWelcomePageKeepsItsOwnColours)
+{
+    UseDesktop();
+    FirstStart = true;
+    form->Load();
+    ASSERT_TRUE(WaitFor([this] { return View().location() == WelcomeFile && Document().lineCount() > 5; }));
+    const QImage page = PictureOf(*View().viewport());
+    EXPECT_GE(page.pixelColor(page.width() - 3, 3).lightness(), 200);
+    EXPECT_GE(ContrastIn(page), TextContrast);
+}
+
+TEST_P(Palettes, TheListOfSchemasIsLegible)
+{
+    UseDesktop();
+    Open();
+    form->ShowSchemas();
+    auto* const list = form->findChild<QTreeWidget*>(u"SchemasL"_s);
+    ASSERT_TRUE(list);
+    ASSERT_GT(list->topLevelItemCount(), 1);
+    const QImage picture = PictureOf(*list->viewport());
+    for (int row = 0; row < list->topLevelItemCount(); ++row) {
+        const QRect place = list->visualItemRect(list->topLevelItem(row));
+        EXPECT_GE(ContrastIn(picture.copy(place)), row == 0 ? PictureContrast : TextContrast) << row;
+    }
+    ExpectTextLegible(*list->header(), "the head of the list");
 }
 
 TEST_P(Palettes, AChangeOfTheDesktopReachesTheOpenWindow)
