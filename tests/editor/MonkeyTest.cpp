@@ -530,10 +530,11 @@ TEST_F(Monkey, KeepsEveryCharacterAndUndoesItAll)
     // The marker of a resize is gone before the pages are held against each other.
     ASSERT_TRUE(WaitFor([this] { return !form->TmpBookmarkTimer->isActive(); }));
     const QByteArray last = Document().savePage();
-    while (Document().canUndo())
-        Document().undo();
+    // The run may have ended behind an undo, with more to be done again than what is taken back here.
+    int undone = 0;
+    for (; Document().undo(); ++undone) { }
     EXPECT_EQ(Document().savePage(), first);
-    while (Document().canRedo())
+    for (; undone > 0; --undone)
         Document().redo();
     EXPECT_EQ(Document().savePage(), last);
 }
