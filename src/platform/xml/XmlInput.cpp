@@ -373,13 +373,13 @@ private:
     /// For bytes that others stand in front of.
     void addSums(const char* bytes, size_t count)
     {
+        const char* const before = bytes - 1;
         uint8_t units = 0;
         uint8_t lineEnds = 0;
         for (size_t i = 0; i < count; ++i) {
             units += static_cast<uint8_t>(IsCharacterStart(bytes[i]));
             units += static_cast<uint8_t>(IsCharacterOfTwoUnits(bytes[i]));
-            lineEnds
-                += static_cast<uint8_t>((bytes[i] == '\r') | ((bytes[i] == '\n') & (bytes[i - 1] != '\r')));
+            lineEnds += static_cast<uint8_t>((bytes[i] == '\r') | ((bytes[i] == '\n') & (before[i] != '\r')));
         }
         position.filepos += units;
         position.line += lineEnds;
