@@ -3,11 +3,13 @@
 #include <QAbstractItemView>
 #include <QHash>
 #include <QHeaderView>
+#include <QStyle>
 #include <QStyleFactory>
 #include <QToolButton>
 #include <QTreeWidget>
 
 #include <cmath>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -55,7 +57,8 @@ double ContrastIn(const QImage& image)
 
 QPalette LightPalette()
 {
-    return QStyleFactory::create(u"Fusion"_s)->standardPalette();
+    const std::unique_ptr<QStyle> style(QStyleFactory::create(u"Fusion"_s));
+    return style->standardPalette();
 }
 
 /// As dark desktops have it.
