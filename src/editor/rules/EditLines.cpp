@@ -10,8 +10,8 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// A view may lay out a line of more characters in pieces, whose rows break elsewhere the next time.
-constexpr int LongLine = 8192;
+/// The view lays out a line of more characters in pieces, whose rows break elsewhere the next time.
+constexpr int LongLine = 4096;
 
 Position EndOfLine(const DisplayDocument& document, int line)
 {
