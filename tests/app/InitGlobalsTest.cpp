@@ -2,6 +2,7 @@
 #include "FileOperations.h"
 #include "Globals.h"
 #include "ScreenMeasures.h"
+#include "TestPaths.h"
 #include "Workplace.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+#include "TestPaths.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -13,6 +13,7 @@
 #include "ProcessEnd.h"
 #include "QtPrinting.h"
 #include "Settings.h"
+#include "TestPaths.h"
 #include "WelcomePage.h"
 #include "Workplace.h"
 

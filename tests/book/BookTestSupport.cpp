@@ -1,4 +1,5 @@
 #include "BookTestSupport.h"
+#include "TestPaths.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -9,6 +9,7 @@
 #include "Globals.h"
 #include "SaveBook.h"
 #include "Settings.h"
+#include "TestPaths.h"
 
 #include <gtest/gtest.h>
 

@@ -5,6 +5,7 @@
 #include "DisplayDocument.h"
 #include "Globals.h"
 #include "Settings.h"
+#include "TestPaths.h"
 #include "TextFunctions.h"
 #include "TextRange.h"
 

@@ -1,4 +1,5 @@
 #include "ProgramRun.h"
+#include "TestPaths.h"
 
 #include <sys/resource.h>
 #include <sys/wait.h>

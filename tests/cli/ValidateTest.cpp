@@ -2,6 +2,7 @@
 
 #include "BookGenerator.h"
 #include "ProgramRun.h"
+#include "TestPaths.h"
 
 #include <gtest/gtest.h>
 

@@ -5,6 +5,7 @@
 #include "DisplayToBook.h"
 #include "Globals.h"
 #include "HtmlCharacters.h"
+#include "TestPaths.h"
 
 #include <QDir>
 #include <QFile>

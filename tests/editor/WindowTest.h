@@ -14,6 +14,7 @@
 #include "ProcessEnd.h"
 #include "SchemaViewerF.h"
 #include "Settings.h"
+#include "TestPaths.h"
 #include "Workplace.h"
 
 #include <QAction>

@@ -6,6 +6,7 @@
 #include "InitGlobals.h"
 #include "QtPrinting.h"
 #include "Settings.h"
+#include "TestPaths.h"
 #include "Workplace.h"
 #include "XDesktop.h"
 

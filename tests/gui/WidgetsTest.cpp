@@ -5,6 +5,7 @@
 #include "MainWindowSeams.h"
 #include "SoundPlayer.h"
 #include "StandardDialogs.h"
+#include "TestPaths.h"
 #include "Workplace.h"
 
 #include <QAbstractButton>

@@ -2,6 +2,7 @@
 
 #include "CodePages.h"
 #include "Globals.h"
+#include "TestPaths.h"
 
 #include <gtest/gtest.h>
 
