@@ -20,6 +20,11 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
     add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict> $<$<COMPILE_LANGUAGE:CXX>:-Wno-stringop-overflow>
         $<$<COMPILE_LANGUAGE:CXX>:-Wno-array-bounds>)
 endif()
+# The linker of LLVM takes a fraction of the time of the default one, and there are many test programs.
+find_program(VMK_LLD ld.lld)
+if(VMK_LLD)
+    add_link_options(-fuse-ld=lld)
+endif()
 if(VMK_WERROR)
     add_compile_options(-Werror)
 endif()
