@@ -44,7 +44,7 @@ bool CheckBookFile(const QString& path, bool boxes, bool endOnError)
         return false;
     }
 
-    // The beginning is the whole rule: "fb2", "fb" and "fbz" all pass.
+    // Only the beginning is checked: "fb2", "fb" and "fbz" all pass.
     if (FileOperation(ExtensionMode, path).toLower().startsWith(u"fb"))
         return true;
     const QString refusal = u"file loading error: not allowed file extension"_s;
@@ -66,7 +66,7 @@ bool CheckMsxml(bool (*parses)(std::string_view text))
 {
     if (parses(R"(<?xml version="1.0" encoding="UTF-8"?><nscheck></nscheck>)"))
         return true;
-    // The parser is linked into the program: the box shows only if its library is broken.
+    // The parser is linked into the program: the box appears only if its library is broken.
     const QString text = u"MS XML 4.0 installation not found"_s + QLatin1StringView(CrLf)
         + u"Do you want to download it now?"_s;
     if (YesNoBox(text, u"MS XML Check Error"_s))

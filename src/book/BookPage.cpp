@@ -26,7 +26,7 @@ std::string PageStart(const DisplayValues& values)
 
 constexpr std::string_view PageEnd = "</BODY></HTML>";
 
-/// A rule of six lines for a `SPAN`.
+/// A rule of six lines for `SPAN`.
 std::string SpanRule(std::string_view selector, const DisplayValues& values, std::string_view weight,
                      std::string_view align, std::string_view color)
 {
@@ -43,14 +43,14 @@ std::string SpanRule(std::string_view selector, const DisplayValues& values, std
     return rule + "\tpage-break-after:avoid;}" + CrLf;
 }
 
-/// A rule for a `FONT`; `middle` are the lines between its first and its last.
+/// A rule for `FONT`; `middle` contains the lines between its first and its last.
 std::string FontRule(std::string_view selector, const std::string& color, const std::string& middle = {})
 {
     return std::string(selector) + CrLf + "\t{color:" + color + ";" + CrLf + middle
         + "\tpage-break-after:avoid;}" + CrLf;
 }
 
-/// Tells of the steps that painting stands for.
+/// Reports the painting steps in the status bar.
 void ShowPaintingSteps(const DisplayValues& values)
 {
     if (values.tagHighlighting) {
@@ -62,8 +62,8 @@ void ShowPaintingSteps(const DisplayValues& values)
         ShowStatus(u"...converting xml to html: non-broken spaces..."_s);
 }
 
-/// Answers a question on another thread; `later`, and where none can be started, when the answer is asked
-/// for.
+/// Evaluates a question on another thread; on this one, when the result is needed, if `later` is set or if no
+/// thread can be started.
 template <typename Question>
 std::future<bool> Along(const Question& question, bool later)
 {
@@ -83,7 +83,7 @@ std::string HeadBlock(const DisplayValues& values)
     const auto tagRule = [&values](std::string_view selector) {
         return SpanRule(selector, values, values.tagFontWeight, "left", values.tagColor);
     };
-    // A piece repainted alone stands outside its tag and has to carry the tag's weight itself.
+    // A repainted piece is outside its tag, so that it needs the tag's font weight itself.
     const std::string weight
         = "\tfont-weight:" + values.tagFontWeight + ";" + CrLf + "\ttext-align:left;" + CrLf;
     return std::string("<HEAD>") + CrLf + "<STYLE>" + CrLf
@@ -96,7 +96,7 @@ std::string HeadBlock(const DisplayValues& values)
 
 std::optional<XmlTreeText> TreeOfBook(const std::string& text, const PageRequest& request)
 {
-    // Whether the text itself is well-formed is found out while its tree is made, or along with it.
+    // Whether the text itself is well-formed is checked together with its tree if possible, else in parallel.
     const bool sameFault = LinesAreBetweenTags(text);
     std::future<bool> broken
         = Along([&text, &request] { return HasParseError(text, request.encoding); }, sameFault);
@@ -108,7 +108,7 @@ std::optional<XmlTreeText> TreeOfBook(const std::string& text, const PageRequest
     document.validateOnParse = false;
     const bool laidOut = document.loadXML(lines, request.encoding, &serializer);
 
-    // Joining lines can break a text: a line end alone may part a tag's name from its attribute.
+    // Joining lines can break a text: a line end may be the only separator of a tag's name and its attribute.
     if (!laidOut || (!sameFault && broken.get()))
         return std::nullopt;
     return serializer.take();

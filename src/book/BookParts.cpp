@@ -23,7 +23,7 @@ constexpr std::string_view ProgramUsed = "<program-used>Vellumark</program-used>
 constexpr std::string_view AuthorStub = "<author><first-name></first-name><last-name></last-name></author>";
 constexpr std::string_view DateStub = "<date></date><id></id><version>1.0</version>";
 
-/// The element of this name, written without attributes, with its plain text.
+/// Finds the element with this name, written without attributes, with its plain text.
 Extraction FindElement(std::string_view text, const std::string& name)
 {
     ExtractOptions options;
@@ -37,7 +37,7 @@ void ReplaceFirst(std::string& text, std::string_view sought, const std::string&
         text.replace(at, sought.size(), replacement);
 }
 
-/// Adds the program to those that the element names.
+/// Adds the program to the names in the element.
 void NameProgram(std::string& text, const Extraction& used)
 {
     if (FindText(used.plain, ProgramName, 0, true) != std::string::npos)
@@ -79,7 +79,8 @@ bool CutBinaryPart(std::string& text, std::string& binaryPart)
 bool SplitBinaryPart(std::string& text, bool preview)
 {
     BadBinaryPart = false;
-    // The pictures of a preview go: those of the open book stay, or its next save would lose them.
+    // The pictures of a preview are discarded: those of the open book must remain, or its next save loses
+    // them.
     std::string ofPreview;
     std::string& binaries = preview ? ofPreview : BinaryPart;
     binaries.clear();
@@ -99,7 +100,7 @@ bool SplitBinaryPart(std::string& text, bool preview)
 
 void ProtectAngleBrackets(std::string& text)
 {
-    // The marks are shorter, so the text can be rewritten in its place.
+    // The marks are shorter, so the text can be rewritten in place.
     size_t to = text.find('&');
     size_t from = to;
     while (from < text.size()) {

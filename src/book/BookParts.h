@@ -3,27 +3,28 @@
 #include <string>
 #include <string_view>
 
-/// The two steps over a book's raw text before it is converted.
+/// The two steps that change a book's raw text before its conversion.
 namespace vmk {
 
-/// Cuts the `binary` elements off a book's text: from the first "<binary" to the last "</binary>". What
-/// stood behind goes, the book's own end tag with it; `text` is closed anew by "</FictionBook>".
-/// \param binaryPart  the elements, untouched; empty if there are none
-/// \return false, with both left as they are, if the part is damaged: no end tag behind the first start tag
+/// Cuts the `binary` elements out of a book's text: from the first "<binary" to the last "</binary>". The
+/// text after them, including the book's end tag, is removed; a new "</FictionBook>" is appended to `text`.
+/// \param binaryPart  receives the elements, unchanged; empty if there are none
+/// \return false, with both parameters unchanged, if the part is damaged: no end tag after the first start
+///         tag
 [[nodiscard]] bool CutBinaryPart(std::string& text, std::string& binaryPart);
 
-/// `CutBinaryPart` into `BinaryPart`; for a preview into nowhere. A damaged part is refused with the blank
-/// page, a box, and `BadBinaryPart` set unless for a preview.
+/// Cuts the binary part into `BinaryPart`; for a preview the part is discarded. If it is damaged, shows the
+/// blank page and a box, sets `BadBinaryPart` (except for a preview) and returns false.
 [[nodiscard]] bool SplitBinaryPart(std::string& text, bool preview);
 
-/// Writes every `&lt;` and `&gt;` as U+2039 and U+203A, so that each angle bracket left is mark-up.
+/// Replaces every `&lt;` and `&gt;` by U+2039 and U+203A, so that each remaining angle bracket is mark-up.
 void ProtectAngleBrackets(std::string& text);
 
-/// The other way round.
+/// The inverse of `ProtectAngleBrackets`.
 void RestoreAngleBrackets(std::string& text);
 
-/// Sees to it that `program-used` of the description names the program. A book that does so already is
-/// unchanged; one without a `description` too.
+/// Adds the program to `program-used` of the description. Does not change a book that names the program
+/// already, or a book without a `description`.
 void UpdateDescription(std::string& text);
 
 } // namespace vmk

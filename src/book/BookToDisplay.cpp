@@ -15,11 +15,11 @@ namespace vmk {
 
 namespace {
 
-/// Tells that the book will be shown without a tree. The words mean any failure to parse; they stay as users
-/// know them.
+/// Warns that the book will be shown without a tree. The text means any failure to parse; it is kept because
+/// users know it.
 void WarnOfNamespaceError(bool preview)
 {
-    // The setting counts for a preview too. The page of the open book stays then: nothing else holds it.
+    // The setting applies to a preview too. There the page of the open book is kept: it has no other copy.
     if (NamespaceErrorWarning != 1)
         return;
     if (!preview)
@@ -27,8 +27,8 @@ void WarnOfNamespaceError(bool preview)
     InformationBox(u"Namespace error. Tree view is skipped"_s, u"Vellumark"_s);
 }
 
-/// Converts a text whose references nobody has resolved. The page is UTF-8 whatever the book is; with its
-/// bytes left as they are the text would be lost in the display.
+/// Converts a text whose references are unresolved. The page is UTF-8 whatever the book's encoding: other
+/// bytes would not survive in the display.
 void ConvertUnresolved(std::string& text)
 {
     RestoreAngleBrackets(text);
@@ -54,7 +54,7 @@ bool ConvertBookToDisplay(std::string& text, bool preview)
     request.inLineTags = InLineTagSet(InLineTags);
     ShowStatus(u"...converting xml to html: checking namespace..."_s);
 
-    // To UTF-8, except for a book with references: only the parser can tell what those mean.
+    // To UTF-8, except for a book with references: only the parser can resolve them.
     if (!preview)
         DetectBookEncoding(text);
     ConvertBookToUtf8(text);
@@ -68,7 +68,7 @@ bool ConvertBookToDisplay(std::string& text, bool preview)
 
     const std::optional<XmlTreeText> tree = TreeOfBook(text, request);
     if (tree) {
-        std::string().swap(text); // the tree holds it all
+        std::string().swap(text); // the tree contains all of it
         text = PageWithTree(*tree, request);
     } else {
         WarnOfNamespaceError(preview);

@@ -18,7 +18,7 @@ constexpr char16_t NonBreakingSpace = 0xA0;
 constexpr char16_t LeftAngleMark = 0x2039;
 constexpr char16_t RightAngleMark = 0x203A;
 
-/// The most bytes that one UTF-16 unit is written as: `&amp;`.
+/// The maximum number of bytes for one UTF-16 unit: `&amp;`.
 constexpr size_t LongestUnit = 5;
 
 char* Put(char* to, std::string_view bytes)
@@ -26,14 +26,14 @@ char* Put(char* to, std::string_view bytes)
     return std::ranges::copy(bytes, to).out;
 }
 
-/// Writes the last six bits of `bits` as a byte within a character.
+/// Writes the last six bits of `bits` as a continuation byte.
 char* PutTail(char* to, unsigned int bits)
 {
     *to = static_cast<char>(0x80U | (bits & 0x3FU));
     return to + 1;
 }
 
-/// Writes a character from U+0800 on; moves `at` behind it.
+/// Writes a character from U+0800 on; moves `at` after it.
 char* PutLongCharacter(char* to, const char16_t*& at, const char16_t* end)
 {
     const unsigned int unit = *at++;
@@ -42,14 +42,14 @@ char* PutLongCharacter(char* to, const char16_t*& at, const char16_t* end)
         return PutTail(PutTail(to, unit >> 6U), unit);
     }
     if (!QChar::isHighSurrogate(unit) || at == end || !QChar::isLowSurrogate(*at))
-        return Put(to, "?"); // as the page's writer has it
+        return Put(to, "?"); // as the writer of the page does
     const unsigned int character = QChar::surrogateToUcs4(static_cast<char16_t>(unit), *at++);
     *to++ = static_cast<char>(0xF0U | character >> 18U);
     return PutTail(PutTail(PutTail(to, character >> 12U), character >> 6U), character);
 }
 
-/// Writes what stands between two tags; gives the end of what is written, null for text that the rules of a
-/// page may read otherwise: with a line end in it, or half a surrogate pair beside a tag.
+/// Writes the text between two tags; returns the end of the output. Returns null for text that the rules of a
+/// page could read differently: with a line end in it, or half a surrogate pair next to a tag.
 char* PutRun(char* to, QStringView run, AngleMarks marks)
 {
     if (!run.isEmpty() && run.back().isHighSurrogate())
@@ -83,8 +83,8 @@ char* PutRun(char* to, QStringView run, AngleMarks marks)
     return to;
 }
 
-/// Appends a line and its end to `text`, by way of `room`. False, with nothing appended, where `PutRun`
-/// cannot tell.
+/// Appends a line and its end to `text`, using `room` as a buffer. Returns false, with nothing appended, if
+/// `PutRun` returns null.
 bool AppendLine(std::string& text, const Line& line, AngleMarks marks, std::string& room)
 {
     const size_t most = LongestUnit * static_cast<size_t>(line.text.size()) + LineEnd.size();
@@ -106,15 +106,15 @@ bool AppendLine(std::string& text, const Line& line, AngleMarks marks, std::stri
     return true;
 }
 
-/// Whether a tag is gone, and nothing but it, once mark-up is deleted.
+/// Whether the removal of mark-up removes exactly this tag.
 bool IsPlain(const Tag& tag)
 {
     return !tag.name.contains(u'<') && !tag.name.contains(u'>') && !tag.attributes.contains(u'<')
         && !tag.attributes.contains(u'>');
 }
 
-/// Whether `TextOfPage` finds no mark-up in the page's lines but their own tags. None of these is an end of
-/// the head: no reader keeps that element.
+/// Whether `TextOfPage` finds no mark-up in the page's lines except their own tags. None of these is an end
+/// of the head, because no reader keeps that element.
 bool HasPlainTags(const DisplayDocument& document)
 {
     const TagTable& tags = document.tags();
@@ -133,7 +133,7 @@ std::optional<std::string> TextOfLines(const DisplayDocument& document, AngleMar
     size_t units = 0;
     for (int i = 0; i < document.lineCount(); ++i)
         units += static_cast<size_t>(document.line(i).text.size()) + LineEnd.size();
-    // Enough for most books; what is not used is never touched.
+    // Enough for most books; the unused part is never touched.
     constexpr size_t BytesPerUnit = 2;
     std::string text = StringWithRoom(BytesPerUnit * units);
     text += TextOfPage(document.pageFront().toStdString(), marks);

@@ -20,16 +20,16 @@ namespace vmk {
 
 namespace {
 
-/// Between two lines of a page as it was made.
+/// The border between two lines of a generated page.
 constexpr std::string_view LineBorder = "</DIV>\r<";
-/// The tag of an indented line; and as it stands where the text before it leaves a quote open behind a
-/// painted name, whose value then ends within the tag. A display knows that for mark-up, the steps of the
-/// text do not.
+/// The tag of an indented line, and its form where the text before it leaves a quote open after a painted
+/// name: the value then ends within the tag. A display treats this as mark-up; the steps over the text do
+/// not.
 constexpr std::string_view LineTag = R"(<DIV style="MARGIN-LEFT: )";
 constexpr std::string_view TornLineTag = R"(<DIV style="</FONT>MARGIN-LEFT: )";
 constexpr std::string_view BookEnd = "</FictionBook>";
 
-/// What visible text is written back as.
+/// Visible text and its written form.
 struct Token
 {
     std::string_view shown;
@@ -39,9 +39,9 @@ struct Token
 constexpr std::array<Token, 4> Tokens
     = {Token{"&lt;", "<"}, Token{"&gt;", ">"}, Token{"\xe2\x80\xb9", "&lt;"}, Token{"\xe2\x80\xba", "&gt;"}};
 
-/// Strips a page in one pass. The steps that it stands for follow one another over the whole text: wraps
-/// undone, blanks and markers written out, mark-up deleted, and only then, on what has moved together, the
-/// angle brackets restored.
+/// Strips a page in one pass. The equivalent steps are separate passes over the whole text: remove line
+/// wraps, write out blanks and markers, delete mark-up, and only then restore the angle brackets in the
+/// joined result.
 class PageStripper
 {
 public:
@@ -64,11 +64,11 @@ private:
     [[nodiscard]] size_t tokenLengthAtEnd() const;
 
     std::string_view page;
-    size_t tokenCount; // how many of `Tokens` count
+    size_t tokenCount; // the number of `Tokens` in use
     bool special[256]{};
     std::string out;
-    size_t copied = 0; // how far the page has been written
-    bool noTagLeft = false; // no ">" behind the place of the last search
+    size_t copied = 0; // the end of the part of the page that is written
+    bool noTagLeft = false; // no ">" after the position of the last search
 };
 
 std::string PageStripper::run()
@@ -80,14 +80,14 @@ std::string PageStripper::run()
     return std::move(out);
 }
 
-/// Writes what stands at a special byte; gives the place to go on from.
+/// Writes the replacement for a special byte; returns the position at which to continue.
 size_t PageStripper::writeSpecial(size_t at)
 {
     const std::string_view rest = page.substr(at);
     switch (page[at]) {
     case '<':
         return skipTag(at);
-    case '\r': // the display wraps long lines behind a blank
+    case '\r': // the display wraps long lines after a blank
         return rest.starts_with(CrLf) && page.substr(0, at).ends_with(' ') ? replace(at, 2, {}) : at + 1;
     case NbspMarker:
         return replace(at, 1, Utf8Nbsp);
@@ -110,7 +110,7 @@ size_t PageStripper::skipTag(size_t at)
     return joinToken(end + 1);
 }
 
-/// Finishes a token that the mark-up just skipped had torn apart.
+/// Completes a token that the skipped mark-up had split.
 size_t PageStripper::joinToken(size_t at)
 {
     size_t length = tokenLengthAtEnd();
@@ -133,7 +133,7 @@ size_t PageStripper::joinToken(size_t at)
     return at;
 }
 
-/// How much of a token stands unfinished at the end of what has been written.
+/// The length of an incomplete token at the end of the output.
 size_t PageStripper::tokenLengthAtEnd() const
 {
     constexpr size_t Longest = 3;
@@ -154,7 +154,7 @@ size_t PageStripper::replace(size_t at, size_t length, std::string_view with)
     return copied;
 }
 
-/// Puts the declaration in place of the text's own.
+/// Replaces the text's own declaration.
 void SetDeclaration(std::string& text, std::string_view declaration)
 {
     if (!text.starts_with(XmlDeclarationStart))
@@ -163,8 +163,8 @@ void SetDeclaration(std::string& text, std::string_view declaration)
         text.replace(0, next, declaration);
 }
 
-/// The parser's form of a text, which is given up for it. Nothing, with the text kept, if it is not
-/// well-formed, or so deeply nested that the tabs would bury it.
+/// Returns the parser's layout of a text and frees `lines`. Returns nothing, and keeps `lines`, if the text
+/// is not well-formed, or nested so deeply that the tabs would dominate the output.
 std::optional<std::string> TreeForm(std::string& lines, const SaveLayout& layout)
 {
     XmlSerializer serializer(layout.inLineTags.elementNames(), layout.declaration, lines.size());
@@ -176,7 +176,7 @@ std::optional<std::string> TreeForm(std::string& lines, const SaveLayout& layout
     constexpr size_t TimesTheText = 16;
     if (tree.laidOutSize() > AlwaysFine + TimesTheText * tree.text.size())
         return std::nullopt;
-    std::string().swap(lines); // room for the tree
+    std::string().swap(lines); // frees memory for the tree
     return ReplaceXmlDeclarations(tree.laidOut(), layout.declaration.size(), layout.declaration);
 }
 
@@ -196,8 +196,8 @@ std::string LaidOut(std::string text, const SaveLayout& layout, bool& treeSkippe
     return text;
 }
 
-/// Puts the lines of pictures before each end of the book, one in a comment too. A book whose end has been
-/// damaged keeps its pictures behind the text.
+/// Inserts the lines of pictures before each end of the book, including one in a comment. In a book whose end
+/// is damaged, the pictures follow the text.
 std::string WithBinaries(std::string_view text, const std::string& binaries)
 {
     const size_t ends = CountOccurrences(text, BookEnd);
@@ -215,7 +215,7 @@ std::string WithBinaries(std::string_view text, const std::string& binaries)
     return result;
 }
 
-/// Pictures are ASCII and go past the encoding as they are. Only names with other letters need converting.
+/// Pictures are ASCII and need no conversion. Only names with other letters do.
 std::string BinariesInEncoding(const SaveLayout& layout)
 {
     std::string binaries(layout.binaryPart);
@@ -229,7 +229,7 @@ std::string BinariesInEncoding(const SaveLayout& layout)
     return binaries;
 }
 
-/// One stretch of line ends, blanks and non-breaking spaces.
+/// Tidies one run of line ends, blanks and non-breaking spaces.
 std::string TidyStretch(std::string stretch, std::string_view nbsp)
 {
     const std::string end(CrLf);
@@ -241,8 +241,8 @@ std::string TidyStretch(std::string stretch, std::string_view nbsp)
     return CollapseRepeats(std::move(stretch), end);
 }
 
-/// Takes blanks and non-breaking spaces beside line ends away, one of each kind and side; then empty lines
-/// and double blanks. All of it happens within stretches of these characters.
+/// Removes blanks and non-breaking spaces next to line ends, one of each kind on each side; then empty lines
+/// and double blanks. All changes are within runs of these characters.
 std::string TidyLineEnds(const std::string& text, std::string_view nbsp)
 {
     const std::string_view view = text;
@@ -281,7 +281,7 @@ Seam<std::string(AngleMarks marks)>& DisplayTextSeam()
 std::string PageAsDisplayed(std::string page)
 {
     page = ReplaceAll(std::move(page), TornLineTag, LineTag);
-    // From the end on, in place: a page is large, and so is its room.
+    // In place, from the end: a page is large, and a copy would need as much memory again.
     const auto lines = static_cast<size_t>(CountOccurrences(page, LineBorder));
     size_t from = page.size();
     size_t to = from + lines;

@@ -6,7 +6,7 @@
 
 namespace vmk {
 
-/// What one conversion to the display needs to know of the settings, as bytes of UTF-8.
+/// The settings that one conversion to the display uses, as UTF-8.
 struct DisplayValues
 {
     std::string fontName;
@@ -28,11 +28,11 @@ struct DisplayValues
     bool showNbsp = false;
 };
 
-/// The display values of the settings in force.
+/// Returns the display values of the current settings.
 [[nodiscard]] DisplayValues DisplayValuesOfSettings();
 
-/// The display values of a preview: what the controls of the settings dialog hold. Without the dialog those
-/// of the settings.
+/// Returns the display values of a preview: the values in the controls of the settings dialog. Without the
+/// dialog, those of the settings.
 [[nodiscard]] Seam<DisplayValues()>& PreviewValuesSeam();
 
 } // namespace vmk

@@ -50,7 +50,7 @@ void ShowEmptyPage(const QString& caption, const QString& status, const QString&
     if (page.isEmpty()) // without a workspace there is no page to show
         return;
     FileOperation(DeleteFileMode, page);
-    // Where nothing can be written the browser shows an empty page.
+    // If nothing can be written, the display shows an empty page.
     static_cast<void>(WriteScratchFile(page, "<HTML><BODY></BODY></HTML>"));
     NavigateSeam()(page, preview);
 }

@@ -17,7 +17,7 @@ namespace {
 constexpr std::array<std::string_view, 10> PaintedNames
     = {" id=",       " href=",  ":href=",  " type=", " version=",
        " encoding=", " match=", " value=", " name=", " number="};
-/// Painted as names only: their values stay in the tag's colour.
+/// Only the names are painted: their values keep the tag's colour.
 constexpr std::array<std::string_view, 2> NamespaceNames = {" xmlns=", " xmlns:l="};
 
 constexpr std::string_view NameStart = "<FONT class=n>";
@@ -25,7 +25,7 @@ constexpr std::string_view ValueStart = "<FONT class=v>";
 constexpr std::string_view FontEnd = "</FONT>";
 constexpr std::string_view CommentStart = "<SPAN class=c>&lt;";
 constexpr std::string_view CommentEnd = "&gt;</SPAN>";
-/// Stand for the brackets of a comment when they come in with the text; then they are painted as such.
+/// Replace the brackets of a comment. If the text contains them itself, they are painted as brackets.
 constexpr char CommentStartMark = 3;
 constexpr char CommentEndMark = 4;
 
@@ -35,7 +35,7 @@ struct PaintedName
     bool withValue;
 };
 
-/// The listed name that `text`, which ends before a double quote, ends with.
+/// Returns the listed name at the end of `text`, which ends before a double quote.
 std::optional<PaintedName> PaintedNameAtEnd(std::string_view text)
 {
     if (!text.ends_with('='))
@@ -49,7 +49,7 @@ std::optional<PaintedName> PaintedNameAtEnd(std::string_view text)
     return std::nullopt;
 }
 
-/// How tags are written in the display.
+/// The mark-up around tags in the display.
 struct TagPaint
 {
     std::string_view start;
@@ -68,8 +68,8 @@ TagPaint PaintFor(const DisplayValues& values)
 
 enum class LineEnds
 {
-    CrLfAndTabs, ///< the parser's layout: CrLf and a tab for each level
-    Cr, ///< a text without a tree; comments stand on lines of their own
+    CrLfAndTabs, ///< the parser's layout: CrLf and one tab per level
+    Cr, ///< a text without a tree; each comment is on its own line
 };
 
 /// Bytes at which copying stops.
@@ -86,9 +86,9 @@ struct SpecialBytes
     }
 };
 
-/// Writes the lines in one pass. The steps that it stands for follow one another over the whole text: angle
-/// brackets escaped, lines made `DIV`s, tags painted, then attributes, then comments, lines left empty taken
-/// out, non-breaking spaces marked, runs of blanks shortened.
+/// Writes the lines in one pass. The equivalent steps are separate passes over the whole text: escape angle
+/// brackets, turn lines into `DIV`s, paint tags, attributes and comments, remove empty lines, mark
+/// non-breaking spaces, shorten runs of blanks.
 class LineWriter
 {
 public:
@@ -103,7 +103,7 @@ public:
     {
     }
 
-    /// Writes a piece of the text, whole tags and comments only; a line ends behind it.
+    /// Writes a piece of the text that contains only whole tags and comments, and then ends the line.
     void write(std::string_view piece);
     /// Begins the next line, at this depth.
     void beginLine(size_t lineDepth) { endLine(text.size(), text.size(), lineDepth); }
@@ -131,20 +131,20 @@ private:
     const SpecialBytes special;
     std::string& out;
 
-    std::string_view text; // the piece at hand
-    size_t copied = 0; // how far it has been written
-    size_t commentEnd = 0; // behind the ">" of the last comment
-    bool noAngleLeft = false; // no ">" behind the place of the last search
+    std::string_view text; // the current piece
+    size_t copied = 0; // the end of the part that is written
+    size_t commentEnd = 0; // after the ">" of the last comment
+    bool noAngleLeft = false; // no ">" after the position of the last search
 
-    // The line at hand.
+    // The current line.
     size_t depth = 0;
     size_t lineStart; // of its DIV in `out`
     size_t lineTextStart = 0; // in `text`
     bool opened = false; // its DIV has been written
-    bool isFirst = false; // its DIV carries the identifier
-    bool firstNamed = false; // some DIV does
+    bool isFirst = false; // its DIV has the identifier
+    bool firstNamed = false; // some DIV has it
 
-    // The value at hand.
+    // The current value.
     bool inValue = false;
     size_t valueStart = 0; // of its FONT in `out`
 };
@@ -159,7 +159,7 @@ void LineWriter::write(std::string_view piece)
     copy(text.size());
 }
 
-/// Writes what stands at a special byte; gives the place to go on from.
+/// Writes the replacement for a special byte; returns the position at which to continue.
 size_t LineWriter::writeSpecial(size_t at)
 {
     const std::string_view rest = text.substr(at);
@@ -216,7 +216,7 @@ size_t LineWriter::writeEnd(size_t at)
     return at + 1;
 }
 
-/// A comment reaches to the next ">", whether that is its own end or not.
+/// A comment ends at the next ">", even if that is not its own end.
 bool LineWriter::startsComment(size_t at)
 {
     if (noAngleLeft || !text.substr(at).starts_with("<!--"))
@@ -255,7 +255,7 @@ size_t LineWriter::writeQuote(size_t at)
         return at + 1;
     }
 
-    // The name has been written; it is taken back, and a blank that had merged with its own stays.
+    // The name is already written and is removed here; a blank that was merged with its own blank remains.
     const std::string_view name = painted->name;
     out.resize(out.size() - name.size());
     if (name.front() == ' ' && text.substr(0, at - name.size()).ends_with(' '))
@@ -274,7 +274,7 @@ size_t LineWriter::writeQuote(size_t at)
     return at + 1;
 }
 
-/// A value ends at the next double quote, wherever that stands.
+/// A value ends at the next double quote, at any position.
 void LineWriter::plainQuote()
 {
     out += '"';
@@ -321,7 +321,7 @@ void LineWriter::openLine()
     out += isFirst ? "<DIV id=FirstDiv>" : "<DIV>";
 }
 
-/// Ends the line at `end` of the piece and begins one at `next`.
+/// Ends the line at `end` of the piece and begins a new one at `next`.
 void LineWriter::endLine(size_t end, size_t next, size_t nextDepth)
 {
     copy(end);
@@ -333,7 +333,7 @@ void LineWriter::endLine(size_t end, size_t next, size_t nextDepth)
     opened = isFirst = false;
 }
 
-/// Closes the line's DIV, or takes it out if nothing stands in it. False if no line end belongs behind it.
+/// Closes the line's DIV, or removes it if it is empty. Returns false if no line end follows it.
 bool LineWriter::closeLine(std::string_view lineText, bool last)
 {
     if (depth == 0 && lineText.empty() && (!last || firstNamed))
@@ -349,12 +349,12 @@ bool LineWriter::closeLine(std::string_view lineText, bool last)
 void LineWriter::finish()
 {
     (void)closeLine(text.substr(lineTextStart), true);
-    // A value that no quote ends is none.
+    // Without a closing quote there is no value.
     if (inValue)
         out.erase(valueStart, ValueStart.size());
 }
 
-/// Makes room for the lines of `text`, generously.
+/// Reserves memory for the lines of `text`, generously.
 void ReserveLines(std::string_view text, size_t lines, std::string& page)
 {
     constexpr size_t PerTag = 20;
@@ -389,11 +389,11 @@ void PaintAttributes(std::string& text)
     for (size_t at = text.find('"'); at != std::string::npos; at = text.find('"', at + 1)) {
         const std::string_view before = std::string_view(text).substr(0, at);
         const std::optional<PaintedName> name = PaintedNameAtEnd(before);
-        // What was painted before opens a value too.
+        // After an earlier painted name a value begins too.
         const bool opensValue = name ? name->withValue : before.ends_with(FontEnd);
         if (name) {
             painted.append(text, copied, at - name->name.size() - copied);
-            // The two blanks are a fixed part of the mark-up.
+            // Both blanks are a fixed part of the mark-up.
             painted += name->withValue ? "<FONT  class=n>" : NameStart;
             painted += name->name;
             painted += FontEnd;
@@ -422,7 +422,7 @@ void AppendTreeLines(const XmlTreeText& tree, std::string_view declaration, cons
 {
     const size_t behindDeclaration = tree.text.starts_with(declaration) ? declaration.size() : 0;
 
-    // Declarations elsewhere, as in a comment, take the long way.
+    // Declarations elsewhere, as in a comment, need the slow path.
     if (FindXmlDeclaration(tree.text, behindDeclaration) != std::string_view::npos) {
         const std::string text = tree.laidOut();
         const size_t levels = LongestTabRun(std::string_view(text).substr(behindDeclaration));
@@ -433,7 +433,7 @@ void AppendTreeLines(const XmlTreeText& tree, std::string_view declaration, cons
         return;
     }
 
-    // The tree's depth bounds what counts as tabs of the layout; only a declaration may hold more.
+    // The depth of the tree bounds the number of layout tabs; only a declaration can contain more.
     size_t levels = std::numeric_limits<size_t>::max();
     if (declaration.find("\r\n\t") != std::string_view::npos) {
         levels = LongestTabRun(std::string_view(tree.text).substr(behindDeclaration));

@@ -32,7 +32,7 @@ void Report(const QString& status, const QString& sound, bool isError)
 void ReportOutcome(const QString& path, const BookFile& file, bool written, bool quiet, bool silent)
 {
     constexpr size_t ShortestBook = 11;
-    // A failed write is never passed over.
+    // A failed write is always reported.
     if (!written || (!quiet && file.bytes.size() < ShortestBook))
         Report(u"cannot save file: "_s + path, u"ParseError.wav"_s, true);
     else if (quiet)
@@ -70,7 +70,7 @@ SaveLayout SaveLayoutOfSettings()
     layout.codePage = encoding.codePage;
     layout.inLineTags = InLineTagSet(InLineTags);
     layout.binaryPart = BinaryPart;
-    // In a book of UTF-16 no picture is found: those that it has now were put in by the editor.
+    // The pictures of a UTF-16 book are not found at loading: any that it has now come from the editor.
     layout.binaryCodePage = WorkCodePage == CodePageUtf16 ? CodePageUtf8 : WorkCodePage;
     return layout;
 }

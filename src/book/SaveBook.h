@@ -7,20 +7,19 @@
 
 namespace vmk {
 
-/// Whether nothing is in the display that could be saved. Without a window always.
+/// Returns true if the display contains nothing to save. Without a window, always true.
 [[nodiscard]] Seam<bool()>& IsBookEmptySeam();
 [[nodiscard]] bool IsBookEmpty();
 
-/// How the settings want a book written: style, encoding, in-line tags, and the open book's binary part.
-/// Values of `OutputStyle` and `OutputEncoding` that are not on their lists are reset first.
+/// Returns the layout that the settings request: style, encoding, in-line tags, and the binary part of the
+/// open book. Resets `OutputStyle` and `OutputEncoding` first if their values are not in their lists.
 [[nodiscard]] SaveLayout SaveLayoutOfSettings();
 
-/// Writes the book in the display to a file, which then holds either all of the new book or the old one.
-/// A book that is not well-formed is written too, one element per line, and the status says so.
-/// \param quiet   leaves the status bar blank at the end
-/// \param silent  no sound of success
-/// \return true when the file was written. Failures are reported in the status bar, an empty display in a
-/// box.
+/// Writes the displayed book to a file. The file then contains either the complete new book or the old one. A
+/// book that is not well-formed is written too, one element per line, and the status bar reports it.
+/// \param quiet   clears the status bar at the end
+/// \param silent  plays no sound on success
+/// \return true if the file was written. Failures are reported in the status bar, an empty display in a box.
 bool SaveBook(const QString& path, bool quiet, bool silent);
 
 } // namespace vmk

@@ -7,18 +7,18 @@
 
 namespace vmk {
 
-/// One row of the list of schemas.
+/// One row in the list of schemas.
 struct SchemaRow
 {
     QString path;
-    bool main = false; ///< else one that the main schema imports
+    bool main = false; ///< false: imported by the main schema
     bool found = false;
-    QDate created; ///< last change; invalid if the file is missing
+    QDate created; ///< time of the last change; invalid if the file is missing
 };
 
-/// The main schema and those that it imports itself, in the order of their `xs:import`s; imports of imports
-/// are not followed. A main schema that is missing gives one row. A location is joined to the main
-/// schema's folder as it stands.
+/// Returns the main schema and the schemas that it imports directly, in the order of its `xs:import`
+/// elements. Imports of imports are not followed. If the main schema is missing, the list has one row. A
+/// location is appended to the main schema's folder without change.
 [[nodiscard]] std::vector<SchemaRow> ListSchemas(const QString& mainSchema);
 
 } // namespace vmk

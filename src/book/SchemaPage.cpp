@@ -8,7 +8,7 @@
 namespace vmk {
 namespace {
 
-/// Pixels a level.
+/// Pixels per level.
 constexpr int Indent = 16;
 
 constexpr std::string_view Head
@@ -60,7 +60,7 @@ std::vector<std::string_view> Lines(std::string_view text)
     return lines;
 }
 
-/// Writes the page's lines from the parser's events.
+/// Writes the lines of the page from the parser's events.
 class Painter : public XmlSaxHandler
 {
 public:
@@ -81,7 +81,7 @@ public:
             line += "<FONT class=n> " + Escaped(attribute.name) + "=</FONT><FONT class=v>\""
                 + Escaped(Escaped(attribute.value)) + "\"</FONT>";
         }
-        // The tag's end is written when it is known whether the element is empty.
+        // The end of the tag is written once it is known whether the element is empty.
         state = State::InStartTag;
         lineDepth = depth++;
     }

@@ -5,9 +5,9 @@
 
 namespace vmk {
 
-/// A page that shows any XML text for reading: one element a line, indented by depth, coloured; UTF-8. A
-/// text that is not well-formed is shown line by line as it stands.
-/// @param bytes the file's content; its declaration tells the encoding
+/// Returns a read-only page, in UTF-8, for any XML text: one element per line, indented by depth, coloured. A
+/// text that is not well-formed is shown line by line without change.
+/// \param bytes  the content of the file; its declaration defines the encoding
 [[nodiscard]] std::string SchemaPage(std::string_view bytes);
 
 } // namespace vmk

@@ -13,27 +13,27 @@ namespace vmk {
 
 namespace {
 
-/// The format's own in-line elements.
+/// The in-line elements of the format.
 constexpr std::array<std::string_view, 7> InLineElements
     = {"a", "strong", "emphasis", "style", "strikethrough", "sub", "sup"};
 
-/// Start tags that keep their text beside them.
+/// Start tags whose text remains on the same line.
 constexpr std::array<std::string_view, 9> FieldTags
     = {"<first-name>", "<middle-name>", "<last-name>", "<date>",   "<id>",
        "<lang>",       "<version>",     "<src-ocr>",   "<src-url>"};
 
-/// One tag: "<", no further angle bracket, ">", and no line end.
+/// One tag: "<", no further angle bracket, no line end, ">".
 bool IsPlainTag(std::string_view entry)
 {
     return entry.size() >= 2 && entry.front() == '<' && entry.back() == '>'
         && entry.substr(1, entry.size() - 2).find_first_of("<>\r\n") == std::string_view::npos;
 }
 
-/// Takes out all line ends and all but one of a run of blanks, and the blanks at both ends.
+/// Removes all line ends, shortens runs of blanks to one, and removes the blanks at both ends.
 void JoinLines(std::string& text)
 {
     char* to = text.data();
-    char before = ' '; // so that leading blanks go too
+    char before = ' '; // so that leading blanks are removed too
     for (const char c : text) {
         if (c == '\r' || c == '\n' || (c == ' ' && before == ' '))
             continue;
@@ -44,8 +44,8 @@ void JoinLines(std::string& text)
     text.resize(static_cast<size_t>(to - text.data()));
 }
 
-/// Breaks a joined text into lines. Every line end stands behind a ">", so each place is decided alone: what
-/// the tag before it and the tag behind it say, in whatever order.
+/// Breaks a joined text into lines. Every line end follows a ">", so that each position is decided
+/// separately, from the tag before it and the tag after it.
 class LineBreaker
 {
 public:
@@ -82,7 +82,8 @@ std::string LineBreaker::run()
     return result;
 }
 
-/// Whether a line ends behind `piece`, which reaches from the last ">" to this one; `next` is what follows.
+/// Whether a line ends after `piece`, which extends from the last ">" to this one; `next` is the position
+/// after it.
 bool LineBreaker::breaksBehind(std::string_view piece, size_t next) const
 {
     bool endTag = false;
@@ -92,7 +93,7 @@ bool LineBreaker::breaksBehind(std::string_view piece, size_t next) const
         tagStart = at;
     }
 
-    // An end tag and an empty element's tag each put one line end; without either a tag that follows does.
+    // An end tag and an empty element's tag each add one line end; without either, a following tag adds one.
     int breaks = (endTag ? 1 : 0) + (piece.ends_with("/>") ? 1 : 0);
     const bool tagFollows = next < text.size() && text[next] == '<';
     if (breaks == 0)
@@ -100,7 +101,7 @@ bool LineBreaker::breaksBehind(std::string_view piece, size_t next) const
     if (breaks == 0)
         return false;
 
-    // Each in-line tag beside the place takes one away, once for each time that it is listed.
+    // Each in-line tag next to the position removes one, as often as it is listed.
     if (tagStart != std::string_view::npos) {
         const std::string_view tag = piece.substr(tagStart);
         breaks -= inLineTags.count(tag);
@@ -111,15 +112,15 @@ bool LineBreaker::breaksBehind(std::string_view piece, size_t next) const
     return breaks > 0;
 }
 
-/// The text from `position`, which holds a "<", to the next ">".
+/// The text from `position`, the position of a "<", to the next ">".
 std::string_view LineBreaker::tagAt(size_t position) const
 {
     const size_t end = text.find('>', position);
     return end == std::string_view::npos ? std::string_view() : text.substr(position, end + 1 - position);
 }
 
-/// The same for a list with entries that are no tags: these may meet a line end in ways that only the steps
-/// themselves tell.
+/// The same for a list with entries that are not tags: their effect on line ends can only be found by
+/// executing the separate steps.
 std::string BreakStepByStep(std::string text, std::string_view lineEnd, const InLineTagSet& inLineTags)
 {
     const std::string end(lineEnd);
@@ -176,7 +177,7 @@ int InLineTagSet::count(std::string_view tag) const
 std::string TreeLines(std::string text, std::string_view lineEnd, const InLineTagSet& inLineTags)
 {
     JoinLines(text);
-    // An empty entry takes out all that has been put in; it is meant so.
+    // An empty entry removes every inserted line end, which is intended.
     if (inLineTags.hasEmptyEntry())
         return text;
     if (!inLineTags.isPlain())

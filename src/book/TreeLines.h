@@ -6,31 +6,31 @@
 #include <string_view>
 #include <vector>
 
-/// One element per line: where an XML text may be broken and where it must not be.
+/// One element per line: where a line break in an XML text is allowed.
 namespace vmk {
 
-/// The list of in-line tags that a new workspace has.
+/// Returns the in-line tags of a new workspace.
 [[nodiscard]] QStringList DefaultInLineTags();
 
-/// The tags that count as in-line, ready for use.
+/// A set of tags that count as in-line, prepared for lookup.
 class InLineTagSet
 {
 public:
     InLineTagSet() = default;
-    /// \param entries  complete tag texts such as `<emphasis>`, blanks around them ignored. An empty entry
-    ///                 takes all line ends out again.
+    /// \param entries  complete tags such as `<emphasis>`; blanks around them are ignored. With an empty
+    ///                 entry, `TreeLines` inserts no line ends.
     explicit InLineTagSet(const QStringList& entries);
 
-    /// The entries in UTF-8, trimmed, in their order.
+    /// The entries in UTF-8, trimmed, in the given order.
     [[nodiscard]] const std::vector<std::string>& entries() const { return texts; }
-    /// Names of the elements that stand in the midst of text: those of the entries and those that the format
-    /// has for this, so that a list left empty does not run words together.
+    /// The names of the elements that occur within running text: those of the entries and those that the
+    /// format defines, so that an empty list does not join words.
     [[nodiscard]] std::vector<std::string> elementNames() const;
-    /// True if an entry is empty.
+    /// True if one entry is empty.
     [[nodiscard]] bool hasEmptyEntry() const { return emptyEntry; }
-    /// True if each entry is one tag and nothing else, so that it can only touch line ends next to it.
+    /// True if each entry is exactly one tag, so that it affects only line ends next to it.
     [[nodiscard]] bool isPlain() const { return plain; }
-    /// How many entries are exactly this tag.
+    /// The number of entries that are exactly this tag.
     [[nodiscard]] int count(std::string_view tag) const;
 
 private:
@@ -39,23 +39,23 @@ private:
     bool plain = true;
 };
 
-/// Gives every element a line of its own, apart from those that must stay inside their paragraph.
-/// Line ends of the text vanish, and nothing is put in their place: two words that only a line end parts are
-/// joined. Runs of blanks shrink to one.
-/// \param lineEnd  what is put between lines: CR or `CrLf`
+/// Puts every element on its own line, except for those that must remain inside their paragraph.
+///
+/// The line ends of the text are removed without a replacement: two words that only a line end separates are
+/// joined. Runs of blanks become one blank.
+/// \param lineEnd  inserted between lines: CR or `CrLf`
 [[nodiscard]] std::string TreeLines(std::string text, std::string_view lineEnd,
                                     const InLineTagSet& inLineTags);
 
-/// True if the text begins with a tag and each of its line ends stands in white space between a ">" and a "<"
-/// or at the end. Then a fault of the text is also one of its `TreeLines`: what these take out or put in
-/// never mends anything. (Elsewhere it may: "<sec", a line end, "tion>" is broken, and its joined form is
-/// not.)
+/// Returns true if the text begins with a tag and each line end is in white space between a ">" and a "<" or
+/// at the end. For such a text, `TreeLines` never turns a text that is not well-formed into one that is. For
+/// others it may: "<sec", a line end, "tion>" is broken, and its joined form is not.
 [[nodiscard]] bool LinesAreBetweenTags(std::string_view text);
 
-/// `TreeLines` with CR and the list `InLineTags`.
+/// Applies `TreeLines` with CR and the list `InLineTags`.
 void PrepareTreeLines(std::string& text);
 
-/// `TreeLines` with `CrLf` and the list `InLineTags`.
+/// Applies `TreeLines` with `CrLf` and the list `InLineTags`.
 void PrepareTreeLinesCrLf(std::string& text);
 
 } // namespace vmk

@@ -9,7 +9,7 @@ namespace vmk {
 
 std::string WelcomePageBytes()
 {
-    // The page has one line end, behind its body's start tag.
+    // The page has one line end, after the start tag of its body.
     const QStringView page
         = uR"(<HTML><meta content="text/html; charset=windows-1251" http-equiv="Content-Type">)"
           uR"(<BODY STYLE="font-family: Tahoma; font-size:10pt; font-weight:bold; color:blue; )"
@@ -29,7 +29,7 @@ std::string WelcomePageBytes()
 void ShowWelcomePage()
 {
     FileOperation(DeleteFileMode, WelcomeFile);
-    // Where nothing can be written the browser shows an empty page.
+    // If nothing can be written, the display shows an empty page.
     (void)WriteScratchFile(WelcomeFile, WelcomePageBytes());
     NavigateSeam()(WelcomeFile, false);
 }

@@ -4,10 +4,10 @@
 
 namespace vmk {
 
-/// The first thing that a new user sees, in windows-1251.
+/// Returns the first page that a new user sees, in windows-1251.
 [[nodiscard]] std::string WelcomePageBytes();
 
-/// Writes the page to `WelcomeFile`, in place of one that stands there, and shows it in the main window.
+/// Writes the page to `WelcomeFile`, replacing an existing file, and shows it in the main window.
 void ShowWelcomePage();
 
 } // namespace vmk

@@ -3,20 +3,20 @@
 #include <string>
 #include <string_view>
 
-/// XML declarations in a text, wherever they stand: in a comment or a CDATA section too.
+/// XML declarations at any position in a text, including those in comments and CDATA sections.
 namespace vmk {
 
-/// How a declaration begins.
+/// The beginning of a declaration.
 inline constexpr std::string_view XmlDeclarationStart = "<?xml version";
 
-/// Where one stands at or behind `from`, ignoring case; npos if nowhere.
+/// Returns the position of the first declaration at or after `from`, ignoring case; npos if there is none.
 [[nodiscard]] size_t FindXmlDeclaration(std::string_view text, size_t from);
 
-/// Drops what stands before the declaration of a display's text. Only the first tag is one: another further
-/// on, as in a comment, must not take the book away.
+/// Removes the text before the declaration of a display's text. Only the first tag counts as the declaration:
+/// for a later one, as in a comment, this would remove the book.
 void DropBeforeDeclaration(std::string& text);
 
-/// Replaces every one at or behind `from`, each up to the next ">".
+/// Replaces every declaration at or after `from`, each up to the next ">".
 [[nodiscard]] std::string ReplaceXmlDeclarations(std::string text, size_t from, std::string_view declaration);
 
 } // namespace vmk
