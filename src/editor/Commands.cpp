@@ -119,7 +119,7 @@ constexpr MenuEntry EditEntries[] = {
     {"uPaste", "paste (Ctrl+V, Shift+Ins)", Paste, nullptr, !Hidden, SeparatorBehind},
     {"uCopyText", "copy as text (Ctrl+T)", CopyText},
     {"uPasteHtml", "paste as html (Ctrl+H)", PasteHtml},
-    // Without a procedure, by design.
+    // No procedure, by design.
     {"uPasteFromClipboard", "paste from clipboard", None, nullptr, Hidden, SeparatorBehind},
     {"uRePaintSelection", "re-paint selection (Esc)", RePaintSelection},
     {"uRightShift", "right shift  (Tab)", RightShift},

@@ -6,8 +6,8 @@ namespace vmk {
 
 class Form1;
 
-/// All that a menu entry, a context-menu entry, a toolbar button or a shortcut can ask for. Several of
-/// them may ask for the same command; each command is one procedure.
+/// The commands of menus, context menus, toolbar buttons and shortcuts. Several entries may run the same
+/// command. Each command is one procedure.
 enum class Command
 {
     None,
@@ -71,31 +71,31 @@ enum class Command
     AddImageResource,
 };
 
-/// A command's procedure; it finds all else that it needs in the shared variables.
+/// The procedure of a command. It reads its input from the shared variables.
 using CommandProcedure = void (*)(Form1&);
 
-/// The procedure of `command`, null for one that is not there yet: its entries are shown disabled, and
-/// its keys are left to the display.
+/// Returns the procedure of `command`, or null if it does not exist yet: then its entries are disabled and
+/// its keys go to the display.
 [[nodiscard]] CommandProcedure ProcedureOf(Command command);
 
-/// True for the commands that edit the book: they do nothing while a page is shown that is not one.
+/// True for commands that edit the book. They do nothing while the shown page is not a book.
 [[nodiscard]] bool ChangesBook(Command command);
 
-/// One entry of a menu. The caption is shown as it stands.
+/// One menu entry. The caption is shown without change.
 struct MenuEntry
 {
     const char* name;
     const char* caption;
     Command command = Command::None;
-    /// The accelerator, as `QKeySequence` reads it; shortcuts named in a caption are text only.
+    /// The accelerator, in the format of `QKeySequence`. A shortcut named in a caption is only text.
     const char* accelerator = nullptr;
     bool hidden = false;
     bool separatorBehind = false;
-    /// Created disabled; whatever opens the menu enables it when it fits.
+    /// Created disabled; the code that opens the menu enables the entry when it applies.
     bool disabled = false;
 };
 
-/// One menu of the main menu, in order.
+/// One menu of the menu bar, in order.
 struct Menu
 {
     const char* name;
@@ -112,9 +112,9 @@ struct ToolbarButton
 };
 
 [[nodiscard]] std::span<const Menu> MainMenu();
-/// `MnRightClick`, the context menu of the display.
+/// Returns `MnRightClick`, the context menu of the display.
 [[nodiscard]] std::span<const MenuEntry> ContextMenu();
-/// The toolbar as designed.
+/// Returns the default toolbar.
 [[nodiscard]] std::span<const ToolbarButton> ToolbarDesign();
 
 } // namespace vmk

@@ -18,7 +18,7 @@
 #include <algorithm>
 #include <span>
 
-/// The events of the display, as the main window answers them.
+/// The main window's handlers for the events of the display.
 namespace vmk {
 namespace {
 
@@ -27,21 +27,21 @@ using namespace Qt::StringLiterals;
 constexpr int LeftButton = 1;
 constexpr int RightButton = 2;
 
-/// Keys with a letter's code.
+/// Keys identified by the code of a letter.
 namespace Key {
 constexpr int B = 66, C = 67, H = 72, I = 73, T = 84, V = 86, X = 88, Y = 89, Z = 90;
 constexpr int F3 = VirtualKey::F1 + 2, F4 = VirtualKey::F1 + 3, F5 = VirtualKey::F1 + 4,
               F12 = VirtualKey::F1 + 11;
 } // namespace Key
 
-/// A key of the display and what it asks for.
+/// A key of the display and its command.
 struct KeyRow
 {
     int key;
     Command command;
 };
 
-/// Whatever modifiers are held: Shift with an arrow moves the caret and selects nothing.
+/// Independent of modifiers: Shift with an arrow moves the caret and selects nothing.
 constexpr KeyRow FixedKeys[] = {
     {Key::F12, Command::LoadNewSchema},
     {VirtualKey::Left, Command::CaretLeft},
@@ -79,7 +79,7 @@ Command CommandOf(std::span<const KeyRow> rows, int key)
     return row == rows.end() ? Command::None : row->command;
 }
 
-/// True for the keys that never change the text by themselves.
+/// True for keys that do not change the text themselves.
 bool LeavesText(int key)
 {
     return (key >= VirtualKey::Control && key <= VirtualKey::CapsLock)
@@ -89,8 +89,8 @@ bool LeavesText(int key)
         || (key >= VirtualKey::F1 && key <= Key::F12);
 }
 
-/// Clears `BookUnchanged` if the key can change the text. That a letter typed with Shift does not count,
-/// and that Alt is not looked at, is meant.
+/// Clears `BookUnchanged` if the key can change the text. A letter typed with Shift does not count, and Alt
+/// is ignored; both are intended.
 void NoteEditKey(const DisplayEvent& event)
 {
     if (!BookUnchanged)
@@ -102,7 +102,7 @@ void NoteEditKey(const DisplayEvent& event)
         BookUnchanged = false;
 }
 
-/// The command that a key asks for and whether the display is to leave the key alone.
+/// The command of a key, and whether the display must ignore the key.
 struct KeyAnswer
 {
     Command command = Command::None;
@@ -126,7 +126,7 @@ KeyAnswer AnswerEditKey(int key, bool ctrl, bool shift)
     return {};
 }
 
-/// On a scroll bar: beyond what the page shows.
+/// True on a scroll bar, which is outside the client area of the page.
 bool OnScrollBar(const DisplayView& view, const DisplayEvent& event)
 {
     return event.clientX > view.clientWidth() || event.clientY > view.clientHeight();
@@ -177,7 +177,7 @@ void Form1::FileDoc_onmousedown(DisplayEvent& event)
         return;
     TimerGetOffset->start();
     const bool left = event.button == LeftButton;
-    // A shift-click is the release's business.
+    // The release handles a shift-click.
     if (left && event.shiftKey)
         return;
     if (event.clientX < HTMLread->clientWidth())
@@ -211,7 +211,7 @@ void Form1::thirdClick()
 {
     if (!SelectTagAtCaret() && DoubleClickRange) {
         TimerTripleClick->stop();
-        // The word alone, without the blanks beside it.
+        // Only the word, without the blanks next to it.
         const QString word = DoubleClickRange->text();
         if (word.startsWith(u' '))
             DoubleClickRange->moveStart(u"character", 1);
@@ -249,7 +249,7 @@ void Form1::FileDoc_ondragstart(DisplayEvent& event)
 
 void Form1::FileDoc_onfocusout(DisplayEvent&)
 {
-    // The selection stays shown while another window has the focus.
+    // The selection remains visible while another window has the focus.
     TextRange range = SelectionRange();
     if (range.boundingWidth() > 0)
         range.select();
@@ -265,7 +265,7 @@ void Form1::HTW_onresize(DisplayEvent&)
 
 void Form1::HTW_onscroll(DisplayEvent&)
 {
-    // A new start puts the tick off, so that it never comes while scrolling is going on.
+    // A restart delays the tick, so that it never occurs during scrolling.
     TimerScroll->start();
 }
 
@@ -306,9 +306,9 @@ void Form1::HTMLread_DocumentComplete(const QString&)
 {
     CommLineInfoF::Unload();
     LoadingByProgram = false;
-    // What was clicked in the page before means nothing in this one.
+    // State from the previous page's clicks is invalid in this one.
     ForgetRanges();
-    // The setting of the design mode must not run inside the display's own event.
+    // The design mode must not be set inside the display's own event.
     if (FileExists(DisplayFile))
         TimerDesignMode->start();
 }

@@ -6,10 +6,10 @@ class QDropEvent;
 
 namespace vmk {
 
-/// Takes a drag that carries local files, as a copy; leaves any other alone.
+/// Accepts a drag of local files as a copy. Ignores any other drag.
 void AcceptFileDrag(QDropEvent& event);
 
-/// The local files of a drop, in the order given; empty when it carries none.
+/// Returns the local files of a drop, in their order; empty if there are none.
 [[nodiscard]] QStringList DroppedFiles(const QDropEvent& event);
 
 } // namespace vmk

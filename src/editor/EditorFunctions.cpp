@@ -25,7 +25,7 @@ namespace {
 using namespace Qt::StringLiterals;
 
 constexpr int MostPositions = 40;
-/// Occurs as an id in no book.
+/// Does not occur as an id in any book.
 constexpr char TemporalMarker[] = "()*^^^%^*";
 const QStringView Character = u"character";
 constexpr int CaretPanel = 2;
@@ -62,12 +62,12 @@ CharacterCodes CodesOf(const QString& character)
     if (character == QChar(u'\x7f') || character == QChar(QChar::Nbsp))
         return {u"160 (nbsp)"_s, u"160 (nbsp)"_s};
     const std::string byte = EncodeText(character.left(1), SystemCodePage());
-    // The 16-bit code as a signed number: negative from 32768 up.
+    // The 16-bit code as a signed number: negative from 32768.
     return {QString::number(byte.empty() ? 0 : uchar(byte[0])),
             QString::number(int16_t(character[0].unicode()))};
 }
 
-/// The depth of a line by its margin; nothing without a node shift to measure by.
+/// The depth of a line, computed from its margin; nothing if the node shift is 0.
 std::optional<long> ShiftOf(int node)
 {
     const QString html = item(FileDoc(), node).outerHTML();
@@ -83,10 +83,10 @@ std::optional<long> ShiftOf(int node)
     return std::lrint(margin / NodeShift);
 }
 
-/// Characters from the beginning of the caret's row, and one.
+/// The 1-based position of the caret in its row, in characters.
 int ColumnOf(Position caret)
 {
-    // The first place whose text up to the caret stands on the caret's row alone.
+    // The first position from which the text up to the caret is on the caret's row only.
     const int row = View().clientRects(caret, caret).front().top();
     int low = 0;
     int high = caret.offset;
@@ -239,7 +239,7 @@ void RememberPosition(bool force, bool reset)
         history = {0, entry};
         return;
     }
-    // Against the last entry, not the current one.
+    // Compared with the last entry, not with the current one.
     if (!force && std::abs(history[size_t(PositionCount)] * height - top) < 1)
         return;
     if (PositionCount < MostPositions) {
@@ -247,11 +247,11 @@ void RememberPosition(bool force, bool reset)
         ++PositionIndex;
         history.resize(size_t(PositionCount) + 1);
         history[size_t(PositionCount)] = 0;
-        // In the middle of the list the old last entry drops out and the last one stays 0, as is meant.
+        // In the middle of the list the old last entry is lost and the last one remains 0, which is intended.
         for (auto to = size_t(PositionCount) - 1; to > size_t(PositionIndex); --to)
             history[to] = history[to - 1];
     } else if (PositionIndex <= MostPositions / 2) {
-        // Running downwards, all those entries end with the value of the last, as is meant.
+        // Because it runs downwards, all these entries receive the value of the last one, which is intended.
         for (auto to = size_t(PositionCount) - 1; to > size_t(PositionIndex); --to)
             history[to] = history[to + 1];
         ++PositionIndex;
@@ -306,7 +306,7 @@ void RestoreTemporalBookmark()
 void DeleteTemporalBookmarks()
 {
     const QString name = QLatin1StringView(TemporalMarker);
-    // Each is looked up anew: taking one out makes the places of the others stale.
+    // Looked up again each time: removing one invalidates the positions of the others.
     for (size_t left = getElementsByName(FileDoc(), name).size(); left > 0; --left)
         getElementsByName(FileDoc(), name).front().setOuterHTML(QString());
 }

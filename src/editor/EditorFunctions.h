@@ -8,37 +8,38 @@ namespace vmk {
 
 // ---- lines and selection
 
-/// A new range over what is selected in the display; a caret gives an empty one.
+/// Returns a new range over the selection of the display; empty at a caret.
 [[nodiscard]] TextRange SelectionRange();
-/// Grows the selection to whole lines.
-/// @param first, last  set to the node indexes of its lines, -1 outside any line
-/// @param select       makes the lines the selection
-/// @param returnHtml   the result is the lines' HTML; else it is empty
-/// @param cancelEvent  sets `LinesSelected`; the event's handler then cancels it
-/// @param keepAnchor   the lines become the anchor of shift-clicks; else there is none afterwards
+/// Extends the selection to whole lines.
+/// \param first, last  receive the node indexes of the lines, from 1; -1 outside any line
+/// \param select       selects the lines
+/// \param returnHtml   returns the HTML of the lines; otherwise the result is empty
+/// \param cancelEvent  sets `LinesSelected`, so that the event handler cancels its event
+/// \param keepAnchor   the lines become the anchor of shift-clicks; otherwise the anchor is cleared
 QString SelectNodes(int& first, int& last, bool select, bool returnHtml, bool cancelEvent, bool keepAnchor);
 
-/// Stores where the selection stands and how far the page is scrolled.
+/// Stores the position of the selection and the scroll position of the page.
 void StoreOffsets();
-/// Stores the selection as the place of the last press.
+/// Stores the selection as the position of the last mouse press.
 void StoreMouseDownRange();
-/// Selects the tag around the last press. False if there is none within 50 characters each way.
+/// Selects the tag around the last mouse press. Returns false if there is none within 50 characters on either
+/// side.
 bool SelectTagAtCaret();
-/// Grows the selection to whole lines between the anchor and the click. False, and nothing happens,
-/// without an anchor.
+/// Selects the whole lines between the anchor and the click. Without an anchor, does nothing and returns
+/// false.
 bool ShiftClickSelect();
 // ---- status line
 
-/// Shows shift, line, column and character codes of the caret in panel 2 of `Status`; empties the panel for
-/// a selection.
+/// Shows shift, line, column and character codes of the caret in panel 2 of `Status`. Clears the panel for a
+/// selection.
 void ShowCaretPosition();
 /// Shows the length of the book's file in panel 3 of `Status`.
 void ShowFileLength();
 
 // ---- undo
 
-/// Takes back the last edit: `UndoSteps` steps of the display, one at least. Typing does not change that
-/// number, so that behind a shift and a typed character both steps go with one undo, which is meant.
+/// Undoes the last edit: `UndoSteps` steps of the display, at least one. Typing does not change that number:
+/// after a shift and a typed character, one undo reverts both steps, which is intended.
 void UndoEdit();
 void RedoEdit();
 
@@ -50,22 +51,23 @@ enum class Direction
     Down
 };
 
-/// Scrolls to the place before or behind the current one in the history; beeps at its ends.
+/// Scrolls to the previous or next position in the history; beeps at either end.
 void GoToPosition(Direction direction);
-/// Enters the present scroll position into the history.
-/// @param force  also when it is less than a pixel from the last entry
-/// @param reset  begins the history anew with it
+/// Adds the current scroll position to the history.
+/// \param force  also if it is less than one pixel from the last entry
+/// \param reset  clears the history first
 void RememberPosition(bool force, bool reset);
-/// One tick of `TimerScroll`: enters a place when scrolling has come to rest.
+/// One tick of `TimerScroll`: adds a position once scrolling has stopped.
 void NoteScrollEnd();
 
-/// Plants an anchor in front of the first line in view, unless the page stands at its top. Planting it and
-/// taking it out are steps of the display's undo that nothing compensates for, which is meant.
+/// Inserts an anchor before the first visible line, unless the page is scrolled to its top. Inserting and
+/// removing it are undo steps of the display that are not compensated for, which is intended.
 void SetTemporalBookmark();
-/// Scrolls back to the anchor and takes it out.
+/// Scrolls back to the anchor and removes it.
 void RestoreTemporalBookmark();
 void DeleteTemporalBookmarks();
-/// Scrolls to the element named `id1`, else to `id2`, else to `fallbackTop` pixels if that is above 0.
+/// Scrolls to the element named `id1`, otherwise to `id2`, otherwise to `fallbackTop` pixels if greater than
+/// 0.
 void GoToAnchor(const QString& id1, const QString& id2, int fallbackTop);
 
 } // namespace vmk

@@ -7,51 +7,50 @@
 #include <optional>
 #include <vector>
 
-/// What the editing of the display remembers between its events.
+/// The state that editing keeps between the events of the display.
 namespace vmk {
 
 // ---------------------------------------------------------------- clicks
 
-/// Set by a double click; a click that ends while it holds counts as the third.
+/// Set by a double click; a click that ends while it is set counts as the third.
 extern bool TripleClickPending;
 /// Set by a double click, cleared on every release.
 extern bool DoubleClickSeen;
-/// The selected lines were chosen by double click or shift-click; cleared by the next plain press or left
-/// release.
+/// The lines were selected by a double click or shift-click. Cleared by the next plain press or left release.
 extern bool LinesSelected;
-/// The word of the double click, before its lines were selected.
+/// The double-clicked word, before its lines were selected.
 extern std::optional<TextRange> DoubleClickRange;
-/// The caret just after the last plain left press.
+/// The caret after the last plain left press.
 extern std::optional<TextRange> MouseDownRange;
-/// The selected lines, the fixed end of a shift-click; may be missing.
+/// The selected lines, the fixed end of a shift-click; may be empty.
 extern std::optional<TextRange> LineAnchorRange;
 
-/// The selection's place and the page's scrolling, pixels, 10 ms after each press.
+/// The position of the selection and the scroll position, in pixels, 10 ms after each press.
 extern int32_t CaretOffsetLeft, CaretOffsetTop, SavedScrollLeft, SavedScrollTop;
 
-/// The tag under the caret; good until the next right click.
+/// The tag under the caret; valid until the next right click.
 extern CaretTag TagUnderCaret;
 
 // ---------------------------------------------------------------- positions
 
-/// `scrollTop` / `scrollHeight` of each place rested at; entry 0 is not used.
+/// `scrollTop` / `scrollHeight` of each recorded position; entry 0 is not used.
 extern std::vector<double> PositionHistory;
-/// Entries in use, at most 40.
+/// The number of entries in use, at most 40.
 extern int16_t PositionCount;
-/// The current entry, from 1.
+/// The index of the current entry, from 1.
 extern int16_t PositionIndex;
-/// Height of the page at the last use, pixels.
+/// The height of the page when the history was last used, in pixels.
 extern double DocScrollHeight;
-/// The next end of scrolling enters nothing; set by the resize.
+/// The next end of scrolling adds no entry; set when the window is resized.
 extern bool SkipPositionRemember;
-/// The scrolling comes from a jump within the history.
+/// A jump within the history caused the scrolling.
 extern bool PositionJump;
-/// Counts the resize events of the display, modulo 2.
+/// The number of resize events of the display, modulo 2.
 extern int16_t ResizeEventCount;
-/// A marker is planted.
+/// The temporary anchor is in the page.
 extern bool TemporalBookmarkSet;
 
-/// Forgets every range; runs when another page has come, and before their document goes.
+/// Clears every range. Called when a new page has loaded, before the document of the ranges is deleted.
 void ForgetRanges();
 
 } // namespace vmk

@@ -47,14 +47,14 @@ QString NameOf(const QString& path)
     return FileOperation(NameMode, path);
 }
 
-/// The page file that is not shown now, so that the display never opens the name that it has just shown.
+/// The page file that is not shown now, so that the display never reopens the file name it has just shown.
 QString NextDisplayFile()
 {
     const QString plain = TempFolder + u"/Fb2SourceHtml.htm"_s;
     return DisplayFile == plain ? TempFolder + u"/Fb2SourceHtml1.htm"_s : plain;
 }
 
-/// Tells that a book could not be loaded for a reason that lies outside it.
+/// Reports that a book could not be loaded for a reason outside the book.
 void RefuseBook(const QString& path)
 {
     ShowStatus(u"cannot load file: "_s + path);
@@ -69,12 +69,12 @@ void BringUpWindow()
     Window().activateWindow();
 }
 
-/// Reads a book and writes its page into the display's next file. False when that is refused; status and
-/// sound have told why.
+/// Reads a book and writes its page to the next file of the display. Returns false on failure; status and
+/// sound have reported the reason.
 bool LayDownPage(const QString& path)
 {
     const HourglassScope hourglass;
-    // A file that cannot be read whole must not be taken for a shorter one, and be saved as such.
+    // A file that cannot be read completely must not be treated as a shorter one, and later saved as such.
     std::string text;
     int32_t length = WholeFile;
     if (!ReadFileBytes(path, text, length)) {
@@ -85,7 +85,7 @@ bool LayDownPage(const QString& path)
     ShowStatus(u"...converting xml to html...wait, please..."_s);
     MakeFolder(TempFolder);
     DisplayFile = NextDisplayFile();
-    // The page of the last book but one stands there; no failure from here on may bring it back.
+    // The file contains the page of the book before the last one; no failure from here on may show it again.
     FileOperation(DeleteFileMode, DisplayFile);
 
     if (!ConvertBookToDisplay(text, false)) {
@@ -94,7 +94,7 @@ bool LayDownPage(const QString& path)
         return false;
     }
     if (!WriteScratchFile(DisplayFile, text)) {
-        // The old page cannot stay: what a save puts behind it is the new book's by now.
+        // The old page must not remain: a save would append the new book's binary part to it.
         ShowEmptyPage(u"Vellumark"_s, QString(), QString(), false, false);
         RefuseBook(path);
         return false;
@@ -184,7 +184,7 @@ namespace {
 struct Finding
 {
     XmlPosition place;
-    QString message; ///< empty: no error
+    QString message; ///< empty if there is no error
 };
 
 QString Shortened(QString reason)
@@ -201,7 +201,7 @@ Finding Validate(std::string_view text, bool againstSchema)
     if (againstSchema) {
         FbNamespace = FictionBookNamespace();
         auto cache = std::make_shared<XmlSchemaCache>();
-        // Without a usable schema the outcome is what the parser gives alone.
+        // Without a usable schema the result is that of the parser alone.
         static_cast<void>(cache->add(FbNamespace, SchemaFile));
         document.schemas = cache;
         document.validateOnParse = true;
@@ -213,7 +213,7 @@ Finding Validate(std::string_view text, bool againstSchema)
     return {error, Shortened(error.reason)};
 }
 
-/// Selects the place at `offset` characters from the display's start.
+/// Selects the position `offset` characters from the start of the display.
 TextRange SelectPlace(int offset)
 {
     TextRange range = SelectionRange();
@@ -226,7 +226,7 @@ TextRange SelectPlace(int offset)
     return range;
 }
 
-/// Widens the selection from the error, behind the "</" of the genre's end tag, to the genre's value.
+/// Extends the selection from the error, after the "</" of the genre's end tag, to the value of the genre.
 void SelectGenreValue(const TextRange& error)
 {
     TextRange range = error.duplicate();
@@ -249,7 +249,7 @@ void SelectGenreValue(const TextRange& error)
 
 int DisplayOffset(std::string_view text, const XmlPosition& place)
 {
-    // Where the text has CR and LF, the display has one place; where it has "&amp;", one character.
+    // CR and LF in the text are one position in the display; "&amp;" is one character.
     constexpr std::string_view Ampersand = "&amp;";
     const std::string_view before = text.substr(0, static_cast<size_t>(place.fileByte));
     const size_t uncounted

@@ -6,34 +6,35 @@
 
 #include <string_view>
 
-/// A book's life in the main window: loading, validating, reading.
+/// Loading, validating and reading a book in the main window.
 namespace vmk {
 
-/// Puts a book into the display, which is complete only later; the display's events finish the job.
-/// @param opening  from the command line: empties the temporary tree first and brings the window up
-/// @return false when the book was refused; status and sound have told why
+/// Loads a book into the display. The page is complete only later: the display's events finish the load.
+/// \param opening  the book comes from the command line: clears the temporary folder first and activates the
+///                 window
+/// \return false if the book was refused; status and sound have reported the reason
 bool LoadBook(const QString& path, bool opening);
 
-/// Deletes the display's files and the whole temporary tree; with `remake` leaves an empty one.
+/// Deletes the display's files and the whole temporary folder; with `remake`, creates an empty one.
 void RemoveDisplayFiles(bool remake);
 
-/// True if the page is no higher than the window and blank. A higher page is not looked at.
+/// Returns true if the page is blank and not higher than the window. A higher page is not examined.
 [[nodiscard]] bool IsDisplayBlank();
 
-/// True when the display must not go to `url`: it goes to `DisplayFile` only. Reports the refusal unless
-/// `SkipNavigationCheck`.
+/// Returns true if the display must not navigate to `url`: only `DisplayFile` is allowed. Reports the refusal
+/// unless `SkipNavigationCheck` is set.
 [[nodiscard]] bool CheckNavigation(const QString& url);
 
-/// Hands a copy of the book to the reader that the system has for such files.
+/// Opens a copy of the book in the system's reader for such files.
 void ShowFb2TextPreview();
 
-/// Validates the display's text, reports the outcome, and puts the selection at the error.
+/// Validates the displayed text, reports the result, and moves the selection to the error.
 void ValidateDisplay();
 
-/// The place in the display of a place in the text that was validated.
-/// @param text   UTF-8; lines end with CR and LF; of the characters only the ampersand is escaped
-/// @param place  as the parser of `text` tells it
-/// @return characters (UTF-16 units) from the display's start, a line break counting as one
+/// Converts a position in the validated text to a position in the display.
+/// \param text   UTF-8; lines end with CR and LF; only the ampersand is escaped
+/// \param place  the position that the parser of `text` reports
+/// \return the offset from the start of the display in UTF-16 units; a line break counts as one
 [[nodiscard]] int DisplayOffset(std::string_view text, const XmlPosition& place);
 
 } // namespace vmk

@@ -64,7 +64,7 @@ int PixelsY(float twips)
     return qRound(twips / TwipsPerPixelY);
 }
 
-/// True if enough of a window's upper edge is on some screen to take hold of it.
+/// True if enough of a window's upper edge is on a screen for the mouse to move it.
 bool IsOnAScreen(const QRect& window)
 {
     constexpr int Grip = 40;
@@ -107,7 +107,7 @@ Form1::Form1()
 
 Form1::~Form1()
 {
-    // The display still loses the focus while it goes.
+    // The display still loses the focus during its destruction.
     HTMLread->events = DisplayEvents();
     emptySeams();
     ForgetRanges();
@@ -167,7 +167,7 @@ void Form1::makeMenus()
     fillMenu(*MnRightClick, ContextMenu());
 
     auto* toMenuBar = new QShortcut(Qt::Key_F10, this);
-    // The display keeps the focus, so that typing goes on where it was once the menu is closed.
+    // The display keeps the focus, so that typing continues at the same position when the menu closes.
     connect(toMenuBar, &QShortcut::activated, menuBar(),
             [this] { menuBar()->setActiveAction(menuBar()->actions().first()); });
 }
@@ -185,7 +185,7 @@ void Form1::fillMenu(QMenu& menu, std::span<const MenuEntry> rows)
         connect(entry, &QAction::triggered, this, [this, command = row.command] { RunCommand(command); });
         entries.insert(entry->objectName(), entry);
         if (row.separatorBehind) {
-            // Only the group of fields takes its separator with it; the others part what stays visible.
+            // Only the group of fields is hidden with its separator; the others separate visible entries.
             const bool alone = row.command != Command::InsertTagAttributeValueField;
             menu.addSeparator()->setVisible(alone);
         }
@@ -207,7 +207,7 @@ void Form1::makeToolbar()
         button->setToolTip(QLatin1StringView(row.toolTip));
         button->setEnabled(ProcedureOf(row.command));
         connect(button, &QAction::triggered, this, [this, command = row.command] { RunCommand(command); });
-        // Reached by the Tab key, but a click leaves the focus, and with it the selection, in the display.
+        // Tab reaches the button, but a click leaves the focus, and thus the selection, in the display.
         TB->widgetForAction(button)->setFocusPolicy(Qt::TabFocus);
     }
 }
@@ -270,7 +270,7 @@ void Form1::makeTimers()
     TimerWBDrop = make("TimerWBDrop", 200);
     TimerValidate = make("TimerValidate", 50);
     TimerDesignMode = make("TimerDesignMode", 50);
-    // Idle by design.
+    // Unused by design.
     TimerShiftClick = make("TimerShiftClick", 0);
     TimerHtwFocus = make("TimerHtwFocus", 50);
     TimerColor = make("TimerColor", 50);
@@ -323,7 +323,7 @@ void Form1::ReloadForm1()
 
 void Form1::closeEvent(QCloseEvent* event)
 {
-    // No question about unsaved changes: the book on the disk stays as it was saved last, by design.
+    // No question about unsaved changes: the file remains as last saved, by design.
     SetPointer(Pointer::Default);
     MainFormWindowState = isMaximized() ? 2 : isMinimized() ? 1 : 0;
     RemoveDisplayFiles(false);
@@ -335,7 +335,7 @@ void Form1::closeEvent(QCloseEvent* event)
 void Form1::changeEvent(QEvent* event)
 {
     QMainWindow::changeEvent(event);
-    // The field's colours go by the desktop's, which may turn from light to dark at any time.
+    // The field's colours depend on the desktop, which may switch between light and dark at any time.
     if (event->type() == QEvent::PaletteChange && SchemaFileL)
         RefreshSchemaField();
 }
@@ -395,7 +395,7 @@ void Form1::SaveFileAs_Dialog()
 
 bool Form1::mayReplace(const QString& path)
 {
-    // The open book is saved without a question; another one is not lost to a slip of the hand.
+    // The open book is saved without a question; another file is not overwritten by accident.
     return path == CurrentBook || !FileExists(path)
         || YesNoBox(path + u" exists\r\nDo you want to replace it?"_s, u"File Exists"_s);
 }
@@ -487,7 +487,7 @@ void Form1::PlaceForm(float left, float top, float width, float height)
     setMinimumSize(inside(MainFormMinWidth, MainFormMinHeight));
     resize(inside(width, height).expandedTo(minimumSize()));
     QPoint corner(PixelsX(left), PixelsY(top));
-    // Not where a screen was that is there no longer: nobody could fetch the window from there.
+    // Not at the position of a screen that no longer exists: the window would be out of reach.
     if (!IsOnAScreen({corner, size()}))
         corner = QGuiApplication::primaryScreen()->availableGeometry().topLeft();
     move(corner);
@@ -502,7 +502,7 @@ void Form1::resizeEvent(QResizeEvent* event)
 
 void Form1::layOut()
 {
-    // Where the reader is, while the old layout still holds.
+    // Marks the reading position while the old layout is still valid.
     SetTemporalBookmark();
 
     const float width = FormWidth();
@@ -528,7 +528,7 @@ void Form1::layOut()
     HTMLread->setGeometry(0, ToolbarPixels, PixelsX(width - 10 * TwipsPerPixelX), PixelsY(shown));
 
     MoveSchemaControls();
-    // The scrolling that the resize causes is no place to remember.
+    // The scroll position that the resize causes is not recorded.
     SkipPositionRemember = true;
 }
 
@@ -537,7 +537,7 @@ void Form1::MoveSchemaControls()
     const QList<QAction*> buttons = TB->actions();
     if (buttons.isEmpty())
         return;
-    // The buttons must have their places first.
+    // The buttons must be laid out first.
     TB->layout()->activate();
     const QRect last = TB->widgetForAction(buttons.last())->geometry();
     const int gap = 2;
@@ -551,7 +551,7 @@ void Form1::MoveSchemaControls()
 void Form1::RefreshSchemaField()
 {
     const QPalette desktop = QApplication::palette(SchemaFileL);
-    // Black on the light backgrounds that desktops have; a dark desktop's own text colour.
+    // Black on light desktop backgrounds; on a dark desktop, its own text colour.
     const bool dark = desktop.color(QPalette::Base).lightness() < 128;
     const QColor black = dark ? desktop.color(QPalette::Text) : QColor(Qt::black);
     if (ValidateOptL->currentText().toLower() != "schema"_L1) {
@@ -565,7 +565,7 @@ void Form1::RefreshSchemaField()
     SchemaFileL->setText(found ? FileOperation(NameMode, SchemaFile)
                                : u"Schema file not found. Only namespace validatioon is available."_s);
     SchemaFileL->setCursorPosition(0);
-    // The field is short in a small window.
+    // The field is narrow in a small window.
     SchemaFileL->setToolTip(found ? SchemaFile : SchemaFileL->text());
     SchemaFileL->setReadOnly(!found);
     SetColors(*SchemaFileL, desktop.color(QPalette::Base), found ? black : QColor(255, 0, 0));
@@ -576,7 +576,7 @@ void Form1::RefreshSchemaField()
 
 void Form1::loadDropped(const QStringList& paths)
 {
-    // Behind the drop: what a load may ask must not keep the program that was dragged from waiting.
+    // After the drop: a question during loading must not block the program that was dragged from.
     if (!paths.isEmpty())
         QMetaObject::invokeMethod(
             this, [book = paths.first()] { LoadBook(book, false); }, Qt::QueuedConnection);
@@ -590,7 +590,7 @@ void Form1::dragEnterEvent(QDragEnterEvent* event)
 void Form1::dropEvent(QDropEvent* event)
 {
     AcceptFileDrag(*event);
-    // The schema's field passes on what is dropped on it while it is disabled.
+    // The schema field forwards drops while it is disabled.
     const QPoint place = client->mapFrom(this, event->position().toPoint());
     if (SchemaFileL->geometry().contains(place))
         useDroppedSchema(DroppedFiles(*event));
@@ -606,7 +606,7 @@ void Form1::useDroppedSchema(const QStringList& paths)
 
 bool Form1::isAccelerator(const QKeyEvent& key) const
 {
-    // The key Del is the display's own; only the entry carries it as accelerator.
+    // The display handles the key Del; only the menu entry shows it as its accelerator.
     if (key.key() == Qt::Key_Delete)
         return false;
     const QKeySequence sequence(key.keyCombination());
@@ -616,8 +616,8 @@ bool Form1::isAccelerator(const QKeyEvent& key) const
 bool Form1::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == HTMLread && event->type() == QEvent::ShortcutOverride) {
-        // The display takes every key before any menu may. Left to the menus: accelerators, and the keys
-        // that lead into the menu bar.
+        // The display receives every key before any menu. Left to the menus: accelerators, and the keys that
+        // open the menu bar.
         auto& key = static_cast<QKeyEvent&>(*event);
         if (isAccelerator(key) || key.key() == Qt::Key_Alt || key.key() == Qt::Key_F10) {
             event->ignore();

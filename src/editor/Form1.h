@@ -21,12 +21,13 @@ class DisplayView;
 class PanelBar;
 class SchemasF;
 
-/// The main window, the only one. It shows the book's display and owns every command of the program: each
-/// menu entry, each toolbar button and each shortcut ends in `RunCommand`. It also carries the way from a
-/// navigation to a complete, editable document, and the timers that take work out of the display's events.
+/// The main window; there is exactly one. It contains the book's display and runs every command of the
+/// program: menu entries, toolbar buttons and shortcuts all call `RunCommand`. It also handles the steps from
+/// a navigation to a complete, editable document, and the timers that defer work out of the display's events.
 ///
-/// Window and controls are measured in twips, by the outer rectangle: a client area, the title bar, a menu
-/// bar of 20 pixels and 8 pixels of edges in each direction, whatever the desktop's real frame is.
+/// Window and controls are measured in twips by the outer rectangle. It consists of the client area, the
+/// title bar, a menu bar of 20 pixels and edges of 8 pixels on each side, whatever the real frame of the
+/// desktop is.
 class Form1 : public QMainWindow
 {
     Q_OBJECT
@@ -35,54 +36,55 @@ public:
     Form1();
     ~Form1() override;
 
-    /// The one main window; null before it is made and after it is gone.
+    /// The main window; null before it is created and after it is deleted.
     [[nodiscard]] static Form1* Instance();
 
     // ---- start and stop
 
-    /// The form's load event: places and shows the window, empties the temporary tree, and shows the
-    /// welcome page on a first start, else the empty page. With `ValidateAfterLoad` no page is shown.
+    /// The load event of the form: positions and shows the window, clears the temporary folder, and shows the
+    /// welcome page on the first start, otherwise the empty page. With `ValidateAfterLoad`, shows no page.
     void Load();
-    /// Runs the steps of `Load` once more.
+    /// Runs the steps of `Load` again.
     void ReloadForm1();
 
     // ---- commands
 
-    /// Runs the command's procedure. False, and nothing happens, when it has none yet.
+    /// Runs the command's procedure. Returns false, and does nothing, if it has none yet.
     bool RunCommand(Command command);
     void LoadNewFbFile_Dialog();
     void LoadNewFbSchema_Dialog();
     void SaveFileAs_Dialog();
-    /// Opens `LastFile`, or says that there is none.
+    /// Opens `LastFile`, or reports that there is none.
     void OpenLastBook();
-    /// The plain save, under `CurrentBook`.
+    /// Saves the book to `CurrentBook`.
     void SaveCurrentBook();
     void SaveAndReload();
     void ShowSchemas();
-    /// Opens a page of the format's portal in the system's browser.
-    /// @param path the page's path on its host, with a leading slash.
+    /// Opens a page of the format's web site in the system's browser.
+    /// \param path  the path of the page on its host, with a leading slash
     void OpenPortalPage(const char* path);
 
-    /// Opens the context menu at the mouse; the entries for links, ids and images are enabled as they fit.
+    /// Opens the context menu at the mouse. Enables the entries for links, ids and images that apply.
     void ShowPopUpMenu();
 
     // ---- window
 
-    /// Puts `ValidateOptL` behind the last button of the toolbar and `SchemaFileL` behind that.
+    /// Moves `ValidateOptL` after the last button of the toolbar, and `SchemaFileL` after it.
     void MoveSchemaControls();
-    /// Brings text, colours and state of `SchemaFileL` in line with `ValidateOptL` and `SchemaFile`.
+    /// Updates text, colours and state of `SchemaFileL` from `ValidateOptL` and `SchemaFile`.
     void RefreshSchemaField();
-    /// Sets the schema file and, with it, validation against the schema.
+    /// Sets the schema file and selects validation against the schema.
     void UseSchema(const QString& path);
-    /// Places the window by its outer rectangle, in twips; on the main screen if no screen is there.
+    /// Positions the window by its outer rectangle, in twips; on the main screen if no screen is at that
+    /// position.
     void PlaceForm(float left, float top, float width, float height);
     [[nodiscard]] float FormLeft() const;
     [[nodiscard]] float FormTop() const;
     [[nodiscard]] float FormWidth() const;
     [[nodiscard]] float FormHeight() const;
-    /// The menu or context-menu entry of this name; null if there is none.
+    /// The menu or context-menu entry with this name; null if there is none.
     [[nodiscard]] QAction* Entry(const char* name) const;
-    /// The toolbar's button of this key; null if there is none.
+    /// The toolbar button with this key; null if there is none.
     [[nodiscard]] QAction* ToolbarAction(const QString& key) const;
 
     // ---- events of the display
@@ -97,16 +99,16 @@ public:
     void FileDoc_onreadystatechange(DisplayEvent& event);
     void HTW_onresize(DisplayEvent& event);
     void HTW_onscroll(DisplayEvent& event);
-    /// The navigation rule: sets `cancel` for every target but the program's own pages.
+    /// The navigation rule: sets `cancel` for every target except the program's own pages.
     void HTMLread_BeforeNavigate(const QString& target, bool& cancel);
     void HTMLread_DocumentComplete(const QString& location);
 
     // ---- controls
 
     DisplayView* HTMLread = nullptr;
-    /// Bottom bar: general text, caret line, file length, and two panels that stay empty.
+    /// The lower bar: general text, caret position, file length, and two panels that are always empty.
     PanelBar* Status = nullptr;
-    /// Message bar above it.
+    /// The message bar above it.
     PanelBar* StatusMsg = nullptr;
     QToolBar* TB = nullptr;
     QComboBox* ValidateOptL = nullptr;
@@ -157,7 +159,7 @@ private:
     QWidget* client = nullptr;
     SchemasF* schemas = nullptr;
     QHash<QString, QAction*> entries;
-    /// A book dropped on the display, between its navigation and `TimerWBDrop`.
+    /// A book that was dropped on the display, between its navigation and `TimerWBDrop`.
     QString droppedBook;
 };
 

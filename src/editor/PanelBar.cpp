@@ -13,8 +13,8 @@ namespace {
 
 constexpr int TextMargin = 3;
 
-/// A quarter of the way from the ground to the text: seen on light desktops and on dark ones, whose shades
-/// for frames are often darker still than their ground.
+/// A quarter of the way from the background to the text colour: visible on light and dark desktops. The frame
+/// colours of dark desktops are often darker than their background.
 QColor DividerColor(const QPalette& palette)
 {
     const QColor ground = palette.color(QPalette::Window);
@@ -24,7 +24,7 @@ QColor DividerColor(const QPalette& palette)
             mixed(ground.blue(), text.blue())};
 }
 
-/// Draws its text cut short with an ellipsis; its `text()` stays whole for screen readers.
+/// Draws its text elided; `text()` remains complete for screen readers.
 class PanelLabel : public QLabel
 {
 public:
@@ -35,7 +35,7 @@ protected:
     {
         QPainter painter(this);
         const QRect place = rect().adjusted(TextMargin, 0, -TextMargin, 0);
-        // A text a little too wide is drawn narrower before anything of it is left out.
+        // A text that is slightly too wide is drawn in a narrower font before it is elided.
         QFont narrow = font();
         for (int stretch = 100;
              stretch >= 80 && QFontMetrics(narrow).horizontalAdvance(text()) > place.width(); stretch -= 5)
@@ -59,7 +59,7 @@ PanelBar::PanelBar(const QStringList& names, QWidget* parent)
         label->setAccessibleName(name);
         panels.push_back({label, 0});
     }
-    // A little smaller than the desktop's font, as bars are.
+    // Slightly smaller than the desktop's font, as usual for status bars.
     QFont small = font();
     small.setPointSizeF(small.pointSizeF() * 0.9);
     setFont(small);
@@ -70,7 +70,7 @@ PanelBar::PanelBar(const QStringList& names, QWidget* parent)
 void PanelBar::setPanelText(int panel, const QString& text)
 {
     QLabel& label = *panels.at(size_t(panel) - 1).label;
-    // A tip that stands open would go on telling the old text.
+    // An open tool tip would still show the old text.
     if (label.text() != text && !label.toolTip().isEmpty() && QToolTip::text() == label.toolTip())
         QToolTip::hideText();
     label.setText(text);

@@ -7,25 +7,25 @@
 
 namespace vmk {
 
-/// A status bar of panels side by side. Panels are counted from 1; widths are twips.
+/// A status bar with several panels. Panels are counted from 1; widths are in twips.
 class PanelBar : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// `names` tell screen readers what each panel shows; there are as many panels as names.
+    /// Creates one panel per name. Screen readers read the name of a panel.
     PanelBar(const QStringList& names, QWidget* parent);
 
-    /// A text wider than its panel is shown cut short; the whole then shows as its tool tip.
+    /// Sets the text of a panel. A text wider than the panel is elided; the tool tip then shows all of it.
     void setPanelText(int panel, const QString& text);
     [[nodiscard]] QString panelText(int panel) const;
     void setPanelWidth(int panel, float twips);
     [[nodiscard]] float panelWidth(int panel) const;
-    /// Empties every panel.
+    /// Clears every panel.
     void clear();
 
 Q_SIGNALS:
-    /// Local files dropped on the bar, in the order given.
+    /// Local files were dropped on the bar, in this order.
     void filesDropped(const QStringList& paths);
 
 protected:

@@ -26,7 +26,8 @@ SchemaViewerF::SchemaViewerF(QWidget* owner)
     : QWidget(owner, Qt::Window)
 {
     setObjectName(u"SchemaViewerF"_s);
-    // It is read beside the book or the list, which keeps the focus: a wrong value is typed over at once.
+    // The viewer is read next to the book or the list, which keeps the focus, so that a wrong value can be
+    // corrected at once.
     setAttribute(Qt::WA_ShowWithoutActivating);
     SchemaWB = new DisplayView(this);
     SchemaWB->setAccessibleName(u"schema"_s);
@@ -54,7 +55,7 @@ void SchemaViewerF::ShowShemaInWB(const QString& path)
     resize(FormSize);
     setWindowTitle(u" VMK Schema Viewer: "_s + FileOperation(NameMode, path));
     SchemaWB->setPage(QByteArray::fromStdString(SchemaPage(ReadFileText(path))));
-    // Beside the book, so that a value can be read off while it is typed.
+    // Beside the book, so that a value can be read while it is typed.
     if (!isVisible() && parentWidget())
         PlaceFormBeside(*this, *parentWidget(), RightOfReference, 0, 0);
     show();

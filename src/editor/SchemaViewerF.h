@@ -6,18 +6,18 @@ namespace vmk {
 
 class DisplayView;
 
-/// Shows one schema for reading: coloured, one element a line, indented by depth.
+/// Shows one schema, read-only: coloured, one element per line, indented by depth.
 class SchemaViewerF : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// The one viewer, made when it is first asked for; it belongs to the main window.
+    /// The viewer, created on first use; the main window owns it.
     [[nodiscard]] static SchemaViewerF& Instance();
-    /// The viewer if there is one yet, else null.
+    /// The viewer if it exists, otherwise null.
     [[nodiscard]] static SchemaViewerF* Existing();
 
-    /// Shows the schema file, in a window of 600 by 450 pixels; does nothing if the file is missing.
+    /// Shows the schema file in a window of 600 by 450 pixels. Does nothing if the file is missing.
     void ShowShemaInWB(const QString& path);
 
     DisplayView* SchemaWB = nullptr;

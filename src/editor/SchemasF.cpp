@@ -70,7 +70,7 @@ void SchemasF::fillList()
 
 void SchemasF::fitColumns()
 {
-    // Before the list has its style its measures are too small.
+    // Before the list has its style, its size hints are too small.
     SchemasL->ensurePolished();
     SchemasL->header()->ensurePolished();
     int width = FormMargin;

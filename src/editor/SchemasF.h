@@ -12,8 +12,8 @@ namespace vmk {
 
 class SchemaViewerF;
 
-/// The list of schemas with their state. A click on a row, or Enter, shows that schema; closing the form
-/// closes the viewer too.
+/// The list of schemas with their state. A click on a row, or Enter, shows the schema. Closing the form also
+/// closes the viewer.
 class SchemasF : public QWidget
 {
     Q_OBJECT
@@ -21,7 +21,7 @@ class SchemasF : public QWidget
 public:
     explicit SchemasF(QWidget* owner);
 
-    /// Reads the schemas anew, beginning with `SchemaFile`, and shows the form.
+    /// Reads the list of schemas again, beginning with `SchemaFile`, and shows the form.
     void ShowList();
 
     QTreeWidget* SchemasL = nullptr;

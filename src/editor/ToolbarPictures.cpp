@@ -14,7 +14,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// One colour of the drawings and what stands for it in each look.
+/// One colour of the drawings and its replacement in each look.
 struct Paint
 {
     const char* drawn;
@@ -24,7 +24,7 @@ struct Paint
     const char* onDarkHot;
 };
 
-/// Lines, sheets of paper, and the four colours that carry meaning.
+/// Lines, sheets of paper, and the four colours that have a meaning.
 constexpr Paint Paints[] = {
     {"#3A4657", "#3A4657", "#1D2735", "#D5DCE6", "#FFFFFF"},
     {"#FFFFFF", "#FFFFFF", "#FFFFFF", "#3B4450", "#48525F"},
@@ -43,7 +43,7 @@ QByteArray Recoloured(QByteArray drawing, bool dark, bool hot)
     for (const Paint& paint : Paints) {
         const char* wanted
             = dark ? (hot ? paint.onDarkHot : paint.onDark) : (hot ? paint.onLightHot : paint.onLight);
-        // Lower case marks what is already replaced, so that no colour is replaced twice.
+        // Lower case marks a colour that is already replaced, so that no colour is replaced twice.
         drawing.replace(paint.drawn, QByteArray(wanted).toLower());
     }
     return drawing;
@@ -58,7 +58,7 @@ QImage Drawn(const QByteArray& drawing, const QSize& pixels)
     return image;
 }
 
-/// The pale look: the brightness stays, the colour goes, and two fifths of the strength remain.
+/// The pale look: keeps the brightness, removes the colour, and keeps two fifths of the opacity.
 QImage Paled(const QImage& image)
 {
     QImage pale = image.convertToFormat(QImage::Format_ARGB32);

@@ -5,13 +5,13 @@
 
 namespace vmk {
 
-/// The picture of a toolbar key such as "save as", drawn from its vector file at whatever size and pixel
-/// density it is asked for. The three looks are `QIcon`'s modes: `Normal`; `Active`, the hot look under
-/// the pointer; `Disabled`, pale and without colour. Lines follow the application's palette, so that the
-/// picture reads on dark and on light bars alike. A key without a picture gives a null icon.
+/// Returns the picture of a toolbar key such as "save as". It is rendered from its vector file at the
+/// requested size and pixel density. The three looks are the modes of `QIcon`: `Normal`; `Active`, under the
+/// pointer; `Disabled`, pale and without colour. Lines use the application's palette, so that the picture is
+/// visible on dark and on light bars. Returns a null icon for a key without a picture.
 [[nodiscard]] QIcon ToolbarPicture(const QString& key);
 
-/// The program's own picture, for window frames.
+/// Returns the program's own picture, for window frames.
 [[nodiscard]] QIcon ProgramPicture();
 
 } // namespace vmk

@@ -53,7 +53,7 @@ std::optional<QPointF> Corner(const QSizeF& form, const QRectF& reference, const
         return QPointF(L + (W - w) / 2, B);
     case 17:
         return QPointF(L + (W - w) / 2, B - h);
-    // From here on the top is measured from the screen's top, which is meant.
+    // From here on, the top is measured from the top of the screen, which is intended.
     case 18:
         return QPointF(L, (H - h) / 2);
     case 19:

@@ -81,12 +81,12 @@ void CheckId(DisplayDocument& document, const CaretTag& tag)
     TextRange range = createTextRange(document);
     bool twice = false;
     if (range.findText(sought)) {
-        // A second one is looked for behind the first, so the search goes on inside it.
+        // The search continues inside the first occurrence, to find a second one after it.
         range.moveEnd(u"textedit");
         range.moveStart(u"character", 4);
         twice = range.findText(sought);
     }
-    // With sounds off a second one is told by the text alone, without a beep, as is meant.
+    // With sounds off, only the text reports a second one, without a beep, which is intended.
     Report((twice ? "id already exists: "_L1 : "id is OK: "_L1) + sought, !twice, false);
 }
 

@@ -13,7 +13,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// What stands behind the end of the head.
+/// The part after the end of the head.
 QStringView BehindHead(QStringView html)
 {
     for (const QStringView marker : {u"<BASEFONT", u"<BODY", u"</HEAD"}) {
@@ -31,7 +31,7 @@ QStringView BehindHead(QStringView html)
 
 void CopySelection(DisplayDocument& document, bool cut)
 {
-    // Long lines come wrapped behind a blank from some displays; the wrap is undone.
+    // Some displays wrap long lines after a blank; the wrap is removed.
     SetClipboardText(ReplaceAll(HtmlToCopy(createRange(document)), u" \r\n", u" "));
     if (cut)
         DeleteSelection(document);

@@ -10,7 +10,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// The view lays out a line of more characters in pieces, whose rows break elsewhere the next time.
+/// The view lays out longer lines in pieces, whose rows may break differently the next time.
 constexpr int LongLine = 4096;
 
 Position EndOfLine(const DisplayDocument& document, int line)
@@ -18,8 +18,8 @@ Position EndOfLine(const DisplayDocument& document, int line)
     return {line, int(document.line(line).text.size())};
 }
 
-/// How places move when whole lines go: to the start of the line that follows, or to the end of the one
-/// before where none follows.
+/// The new positions after whole lines are removed: the start of the following line, or the end of the
+/// previous line if none follows.
 EditMap MapOfRemoval(const DisplayDocument& document, int first, int count)
 {
     const int behind = first + count;
@@ -29,7 +29,7 @@ EditMap MapOfRemoval(const DisplayDocument& document, int first, int count)
     return {before, document.end(), before};
 }
 
-/// True when each element that begins or ends between two marks does both there.
+/// True if each element that begins or ends between two marks does both there.
 bool IsBalanced(const Line& line, std::size_t from, std::size_t to)
 {
     int depth = 0;
@@ -38,7 +38,7 @@ bool IsBalanced(const Line& line, std::size_t from, std::size_t to)
     return depth == 0;
 }
 
-/// A piece of a line with the elements that it covers from end to end.
+/// Part of a line with the elements that it contains completely.
 QString PieceToCopy(const DisplayDocument& document, Position start, Position end)
 {
     const Line& line = document.line(start.line);
@@ -97,7 +97,7 @@ void ReplaceLines(DisplayDocument& document, const SelectedLines& lines, std::ve
 
     document.splice(first, count, {}, MapOfRemoval(document, first, count));
 
-    // A document that has lost all its lines stands as one empty line, which now gives way.
+    // A document that has lost all its lines consists of one empty line, which is replaced here.
     const bool wasAll = count > 0 && document.lineCount() == 1 && document.line(0).block == NoTag
         && document.line(0).text.isEmpty();
     if (wasAll) {
@@ -126,7 +126,7 @@ QString HtmlToCopy(const TextRange& range)
     DisplayDocument& document = *range.ofDocument();
     const Position start = range.start();
     Position end = range.end();
-    // Up to the beginning of a line is up to the end of the one before.
+    // A selection up to the beginning of a line ends at the end of the previous line.
     if (end.line > start.line && end.offset == 0)
         end = EndOfLine(document, end.line - 1);
     if (start.line != end.line)

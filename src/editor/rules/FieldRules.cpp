@@ -30,7 +30,7 @@ QString PaintedTag(const QString& text)
     return "<SPAN class=t>&lt;"_L1 + text + "&gt;</SPAN>"_L1;
 }
 
-/// Each piece between blanks with its first character in upper case, the rest in lower case.
+/// Each piece between blanks with its first character in upper case and the rest in lower case.
 QString ProperCase(const QString& text)
 {
     QStringList words = text.split(u' ');
@@ -67,7 +67,8 @@ FieldForm FormOf(Field kind)
     case Field::Attribute:
         return {"<FONT class=en>"_L1, "</FONT>"_L1, "<FONT class=en>&nbsp;</FONT>"_L1};
     case Field::Value:
-        // The pairing of FONT with the end of a SPAN is meant: the element ends with what is pasted.
+        // FONT is closed by the end of a SPAN, which is intended: the element ends together with the pasted
+        // text.
         return {"<FONT class=ev>"_L1, "</SPAN>"_L1, "<FONT class=ev>&nbsp;</FONT>"_L1};
     case Field::Text:
         break;
@@ -80,7 +81,7 @@ bool HoldsSpan(const TextRange& range)
     return range.touchesElement(u"SPAN") || range.htmlText().contains("<SPAN"_L1, Qt::CaseInsensitive);
 }
 
-/// Whether a painted piece stands right behind or right before the caret.
+/// Whether a painted piece is directly before or after the caret.
 bool TouchesSpan(const TextRange& caret)
 {
     TextRange neighbour = caret.duplicate();
@@ -92,7 +93,7 @@ bool TouchesSpan(const TextRange& caret)
     return HoldsSpan(neighbour);
 }
 
-/// Selected text in a field; where it goes over several lines, a field in each of them.
+/// The selected text in a field; a selection over several lines becomes one field per line.
 QString FieldOf(const TextRange& range, const FieldForm& form)
 {
     const DisplayDocument& document = *range.ofDocument();
@@ -132,7 +133,7 @@ void ChangeCase(DisplayDocument& document, LetterCase kind)
     const QString text = InCase(range.text(), kind);
     const Position start = range.start();
     range.setText(text);
-    // The changed text stays selected, over line breaks too.
+    // The changed text remains selected, also over line breaks.
     TextRange(document, start, range.end()).select();
     MarkEdit(1);
 }
@@ -146,7 +147,7 @@ void InsertField(DisplayDocument& document, Field kind)
         range.select();
         return;
     }
-    // Empty lines show no selection; none of them is to be lost.
+    // Empty lines show no selection, but none of them may be lost.
     range.collapse();
     if (TouchesSpan(range))
         return;

@@ -4,7 +4,7 @@
 
 #include <QString>
 
-/// Mark-up around the selection or at the caret: in-line tags, case, and painted fields.
+/// Mark-up around the selection or at the caret: in-line tags, letter case, and painted fields.
 namespace vmk {
 
 enum class InlineTag
@@ -15,8 +15,8 @@ enum class InlineTag
     Subscript
 };
 
-/// Puts a pair of tags, painted, around the selection; at a caret an empty pair. It does not toggle: twice
-/// nests. One undo step.
+/// Puts a pair of painted tags around the selection; at a caret, inserts an empty pair. Does not toggle: a
+/// second call nests. One undo step.
 void InsertInlineTag(DisplayDocument& document, InlineTag kind);
 
 enum class LetterCase
@@ -26,8 +26,8 @@ enum class LetterCase
     Proper
 };
 
-/// Changes the case of the selected text, tags included; it stays selected, without its painting. "Proper"
-/// begins a word behind a blank only, not behind a line end. One undo step.
+/// Changes the case of the selected text, including tags. The text remains selected and loses its painting.
+/// "Proper" starts a word only after a blank, not after a line end. One undo step.
 void ChangeCase(DisplayDocument& document, LetterCase kind);
 
 enum class Field
@@ -38,8 +38,8 @@ enum class Field
     Value
 };
 
-/// Puts the selected text into a painted field, line by line; at a caret makes an empty one that takes what
-/// is typed next, unless a painted piece touches the caret. Notes no edit.
+/// Puts the selected text into a painted field, line by line. At a caret, inserts an empty field for the text
+/// typed next, unless a painted piece touches the caret. Does not record an edit.
 void InsertField(DisplayDocument& document, Field kind);
 
 } // namespace vmk

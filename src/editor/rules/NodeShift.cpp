@@ -22,7 +22,7 @@ bool HasMargin(const QString& startTag)
     return startTag.contains(MarginName, Qt::CaseInsensitive);
 }
 
-/// The margin in pixels, rounded, halves to even; nothing when the style does not end with it.
+/// The margin in pixels, rounded, halves to even; nothing if the style does not end with it.
 std::optional<int> MarginOf(const QString& startTag)
 {
     const qsizetype at = startTag.indexOf(MarginName, 0, Qt::CaseInsensitive);
@@ -52,20 +52,20 @@ QString WithMargin(const QString& startTag, int from, int to)
     return WithFirst(startTag, QString::number(from) + "px"_L1, QString::number(to) + "px"_L1);
 }
 
-/// A line's start tag, if it is one that can be shifted.
+/// Whether a line's start tag can be shifted.
 bool IsShiftable(const Tag& tag)
 {
     return tag.name.startsWith("DIV"_L1);
 }
 
-/// The number of a start tag given as text.
+/// The id of a start tag given as text.
 TagId Intern(TagTable& tags, const Tag& old, const QString& startTag)
 {
     const qsizetype name = 1 + old.name.size();
     return tags.intern(old.name, QStringView(startTag).mid(name, startTag.size() - name - 1).trimmed());
 }
 
-/// Shifts lines, each different start tag once.
+/// Shifts lines; each distinct start tag is computed once.
 template <typename Shift>
 std::vector<LinePtr> ShiftLines(DisplayDocument& document, const SelectedLines& lines, Shift shift)
 {
@@ -89,7 +89,7 @@ std::vector<LinePtr> ShiftLines(DisplayDocument& document, const SelectedLines& 
     return newLines;
 }
 
-/// Puts caret or selection where the user expects them behind a shift.
+/// Moves the caret or the selection to the position that the user expects after a shift.
 void SelectShifted(DisplayDocument& document, const SelectedLines& lines, int caretMove, int characters)
 {
     if (lines.caret)
@@ -151,7 +151,7 @@ void LeftShift(DisplayDocument& document)
     if (lines.first == lines.last && !anyShifted)
         return;
     if (!anyMargin) {
-        // There is nothing to take away, yet the whole lines become the selection.
+        // No line can be shifted, yet the whole lines become the selection.
         SelectLines(document, lines);
         return;
     }

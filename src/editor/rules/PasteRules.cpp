@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 
 constexpr QLatin1StringView LineEnd = "</DIV>"_L1;
 
-/// Nothing but blanks; a tab, a line end or a non-breaking space is text.
+/// True if the text is only blanks; a tab, a line end or a non-breaking space is text.
 bool IsEmptyText(QStringView text)
 {
     return std::ranges::all_of(text, [](QChar c) { return c == u' '; });
@@ -28,7 +28,7 @@ bool HoldsLines(const QString& html)
     return html.contains("<DIV"_L1, Qt::CaseInsensitive);
 }
 
-/// A line's start tag with its class and style; a bare one if it stands in another block.
+/// A line's start tag with its class and style; a plain `DIV` if the line is in another block.
 QString OpeningOf(const Tag& tag)
 {
     return tag.name == "DIV"_L1 ? tag.startTag() : u"<DIV>"_s;
@@ -44,12 +44,12 @@ QString WithBlocksAsLines(QString html, const QString& opening)
     return opening + ReplaceAll(std::move(html), u"</DIV>", u"") + LineEnd;
 }
 
-/// The caret's line, parted at the caret.
+/// The caret's line, split at the caret.
 struct SplitLine
 {
     DisplayElement line;
     QString opening; ///< Of the line itself.
-    QString alike; ///< For further lines like it: an identifier stays with the first.
+    QString alike; ///< For further lines like it: only the first keeps an identifier.
     bool hasLeft = false; ///< There is text to the left of the caret.
     bool hasRight = false;
     QString left; ///< The HTML to the left of the caret, with its painting.
@@ -71,7 +71,7 @@ SplitLine SplitAt(DisplayDocument& document, const TextRange& caret, int node)
     const Cut lineEnd{int(line.text.size()), line.marks.size()};
     split.left = HtmlBetween(document, index, {}, rangeEndCut(line, caret.start().offset));
     split.hasLeft = !IsEmptyText(QStringView(line.text).first(caret.start().offset));
-    // A selection that ends in another line leaves nothing to the right.
+    // If the selection ends in another line, no text remains on the right.
     if (caret.end().line == index) {
         split.right = HtmlBetween(document, index, rangeStartCut(line, caret.end().offset), lineEnd);
         split.hasRight = !IsEmptyText(QStringView(line.text).sliced(caret.end().offset));
@@ -79,7 +79,7 @@ SplitLine SplitAt(DisplayDocument& document, const TextRange& caret, int node)
     return split;
 }
 
-/// The caret behind what was pasted, as counted from the last press.
+/// Moves the caret after the pasted text, counted from the last press.
 void PlaceBehind(TextRange& range, QPoint lastPress, int characters)
 {
     range.moveToPoint(lastPress.x(), lastPress.y());
@@ -109,13 +109,13 @@ void PasteText(DisplayDocument& document, QString clipboard, QPoint lastPress)
     if (!HoldsLines(html)) {
         range.pasteHTML(html);
         range.select();
-        // The key has noted the edit already; from the menu it goes unnoted, which is meant.
+        // The key handler has recorded the edit; from the menu it is not recorded, which is intended.
         UndoSteps = 1;
         return;
     }
     const int node = NodeAtRangeStart(range);
     if (node <= 0) {
-        // Nothing is pasted outside a line, yet it counts as an edit; both are meant.
+        // Outside a line nothing is pasted, yet this counts as an edit; both are intended.
         MarkEdit(1);
         return;
     }

@@ -5,21 +5,21 @@
 #include <QPoint>
 #include <QString>
 
-/// Paste. Whatever the clipboard's text holds is taken as HTML: text from this display comes back with its
-/// painting, whole lines as lines. A tag in a text that was copied as text becomes an element of the display
-/// and is mark-up of the book no more, which is meant.
+/// Paste. The text of the clipboard is always read as HTML: text from this display keeps its painting, and
+/// whole lines remain lines. A tag in a text that was copied as text becomes an element of the display and is
+/// no longer mark-up of the book, which is intended.
 namespace vmk {
 
-/// Pastes into the line: blanks collapse, whole lines become part of the caret's line when it stands inside
-/// one, and lines of their own above or below it when it stands at its start or end.
-/// @param clipboard    the clipboard's text; nothing happens when it is blank
-/// @param lastPress    the caret at the last press of a mouse button, client coordinates in pixels
+/// Pastes into the line. Blanks collapse. Whole lines become part of the caret's line if the caret is inside
+/// it, and separate lines above or below it if the caret is at its start or end.
+/// \param clipboard  the clipboard's text; if it is blank, nothing happens
+/// \param lastPress  the caret at the last mouse press, in client coordinates (pixels)
 void PasteText(DisplayDocument& document, QString clipboard, QPoint lastPress);
 
-/// Pastes as lines: the caret's line is broken in two around them, blanks stay as they are.
+/// Pastes as lines: splits the caret's line in two around them. Blanks are kept.
 void PasteHtml(DisplayDocument& document, QString clipboard, QPoint lastPress);
 
-/// The number of caret steps that a piece of HTML takes when shown.
+/// Returns the number of caret steps over a piece of HTML when it is displayed.
 [[nodiscard]] int TextLengthOfHtml(QString html);
 
 } // namespace vmk

@@ -20,7 +20,7 @@ using namespace Qt::StringLiterals;
 constexpr std::string_view Less = "&lt;";
 constexpr std::string_view Greater = "&gt;";
 
-/// True for the marks that painting makes.
+/// True for marks that painting creates.
 bool IsPaint(const Tag& tag)
 {
     return tag.name.startsWith("FONT"_L1) || tag.name.startsWith("SPAN"_L1)
@@ -54,8 +54,8 @@ struct TagPaint
     std::string_view end;
 };
 
-/// Wraps tags and comments in text between real tags; attributes are left to `PaintAttributes`.
-/// @param inComment whether a comment is open where the text begins; then, where it ends
+/// Wraps the tags and comments in text between real tags. `PaintAttributes` handles attributes.
+/// \param inComment  in: a comment is open at the start of the text; out: at its end
 std::string PaintTags(std::string_view text, const TagPaint& paint, bool& inComment)
 {
     std::string painted;
@@ -72,8 +72,8 @@ std::string PaintTags(std::string_view text, const TagPaint& paint, bool& inComm
             painted += "<SPAN class=c>&lt;";
             inComment = true;
         } else if (text.front() == '\x04' || (text.starts_with(Less) && behindDashes && inComment)) {
-            // A "<" right behind two dashes ends a comment; that it is this sign and not ">" is meant.
-            // Outside a comment it begins a tag, as in "so--</p>", and the book's text stays as it is.
+            // A "<" directly after two dashes ends a comment; that it is "<" and not ">" is intended. Outside
+            // a comment it begins a tag, as in "so--</p>", and the book's text is unchanged.
             painted += "&gt;</SPAN>";
             inComment = false;
         } else if (text.starts_with(Less)) {
@@ -91,8 +91,8 @@ std::string PaintTags(std::string_view text, const TagPaint& paint, bool& inComm
     }
 }
 
-/// The next real tag that painting must not reach into or across: a block's, or one with a quoted value.
-/// @return its place and length; the text's end and 0 when there is none.
+/// The next real tag that painting must not change or cross: a block's tag, or one with a quoted value.
+/// \return its position and length; the end of the text and 0 if there is none
 std::pair<size_t, size_t> NextSolidTag(std::string_view html)
 {
     for (size_t at = html.find('<'); at != std::string_view::npos; at = html.find('<', at + 1)) {

@@ -8,37 +8,37 @@
 #include <string>
 #include <string_view>
 
-/// Painting of lines that are in the display already: while a user types, colours go stale, and this brings
-/// them up to date from the bare text.
+/// Painting of displayed lines. Typing makes their colours out of date; these functions paint them again from
+/// the bare text.
 namespace vmk {
 
-/// How tags are painted.
+/// The painting of tags.
 struct PaintStyle
 {
-    bool tagHighlighting = true; ///< Tags, attributes and comments in classes of their own.
+    bool tagHighlighting = true; ///< Tags, attributes and comments have their own classes.
     bool boldTags = false; ///< Without highlighting: tags in bold.
 };
 
-/// The style that the settings ask for.
+/// Returns the style of the current settings.
 [[nodiscard]] PaintStyle CurrentPaintStyle();
 
-/// Paints bare lines, given and returned as HTML in UTF-8. Real tags stay as they are, and a value whose
-/// quote is not closed within its line stays unpainted.
+/// Paints bare lines; input and result are HTML in UTF-8. Real tags are unchanged. A value whose quote is not
+/// closed within its line is not painted.
 [[nodiscard]] std::string PaintLines(std::string_view html, const PaintStyle& style);
 
-/// Paints bare lines given as HTML, by the settings; the document is left alone.
+/// Paints bare lines, given as HTML, according to the settings. Does not change the document.
 [[nodiscard]] QString RePaintHtml(const QString& html);
 
-/// Where the last press of a mouse button found the page, pixels.
+/// The state of the page at the last mouse press, in pixels.
 struct LastPress
 {
     QPoint caret; ///< Client coordinates of the caret.
-    QPoint scroll; ///< How far the page was scrolled.
+    QPoint scroll; ///< The scroll position of the page.
 };
 
-/// Throws away the painting of the selected lines, or of the caret's, and paints them anew. Two undo steps;
-/// the book counts as unchanged, since its text is. A caret stays in its line; a selection ends as a caret
-/// at the place of the last press. Does nothing outside a line.
+/// Removes the painting of the selected lines, or of the caret's line, and paints them again. Two undo steps.
+/// The book counts as unchanged, because its text is. A caret remains in its line; a selection becomes a
+/// caret at the position of the last press. Does nothing outside a line.
 void RePaintSelection(DisplayDocument& document, const LastPress& lastPress);
 
 } // namespace vmk

@@ -28,7 +28,7 @@ void InsertSpace(DisplayDocument& document, bool ctrl)
         return;
     }
 
-    // A blank next to a blank is swallowed, also where it would replace a selection.
+    // A blank next to a blank is ignored, even if it would replace a selection.
     TextRange range = createRange(document);
     TextRange before = range.duplicate();
     before.collapse(true);

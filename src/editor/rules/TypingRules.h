@@ -2,8 +2,8 @@
 
 #include "DisplayDocument.h"
 
-/// Where the program steps in between the keyboard and the display's own editing: caret keys, the space bar,
-/// the non-breaking space. Enter, Delete, Backspace and all character keys are the display's.
+/// The keys that the program handles instead of the display: caret keys, the space bar and the non-breaking
+/// space. Enter, Delete, Backspace and all character keys belong to the display.
 namespace vmk {
 
 enum class CaretDirection
@@ -12,17 +12,17 @@ enum class CaretDirection
     Right
 };
 
-/// Moves the caret by one character, over marks as over text; a selection collapses to its start first.
+/// Moves the caret by one character; marks count like text. A selection first collapses to its start.
 void MoveCaret(DisplayDocument& document, CaretDirection direction);
 
-/// Puts a blank in the selection's place unless a blank stands on either side of it: two blanks in a row
-/// cannot be typed. With `ctrl` a non-breaking space.
+/// Replaces the selection by a blank unless a blank is on either side of it: two consecutive blanks cannot be
+/// typed. With `ctrl`, by a non-breaking space.
 void InsertSpace(DisplayDocument& document, bool ctrl);
 
-/// Puts a non-breaking space in the selection's place: its visible mark while `ShowNbsp` is 1.
+/// Replaces the selection by a non-breaking space: by its visible mark while `ShowNbsp` is 1.
 void InsertNbsp(DisplayDocument& document);
 
-/// Deletes what is selected and notes an edit; at a bare caret nothing is deleted.
+/// Deletes the selection and records an edit; at a caret, deletes nothing.
 void DeleteSelection(DisplayDocument& document);
 
 } // namespace vmk
