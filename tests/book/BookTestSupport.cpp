@@ -1,30 +1,8 @@
 #include "BookTestSupport.h"
-#include "TestPaths.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 
 namespace vmk::test {
-
-const std::vector<CorpusBook>& CorpusBooks()
-{
-    static const std::vector<CorpusBook> books = [] {
-        std::vector<CorpusBook> found;
-        std::error_code missing;
-        for (const auto& entry : std::filesystem::directory_iterator(VMK_CORPUS_DIR, missing)) {
-            if (entry.path().extension() != ".fb2")
-                continue;
-            std::ifstream file(entry.path(), std::ios::binary);
-            found.push_back(
-                {entry.path().filename().string(), std::string(std::istreambuf_iterator<char>(file), {})});
-        }
-        std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
-        return found;
-    }();
-    return books;
-}
 
 DisplayValues DefaultValues()
 {

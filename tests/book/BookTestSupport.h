@@ -1,6 +1,7 @@
 #pragma once
 
 #include "BookReference.h"
+#include "Corpus.h"
 #include "DisplayValues.h"
 #include "TreeLines.h"
 
@@ -12,15 +13,6 @@
 #include <vector>
 
 namespace vmk::test {
-
-struct CorpusBook
-{
-    std::string name;
-    std::string bytes;
-};
-
-/// The books of the corpus; none when the folder is missing.
-const std::vector<CorpusBook>& CorpusBooks();
 
 /// The display values of the default settings.
 DisplayValues DefaultValues();

@@ -9,7 +9,6 @@
 #include "Globals.h"
 #include "SaveBook.h"
 #include "Settings.h"
-#include "TestPaths.h"
 
 #include <gtest/gtest.h>
 
@@ -34,7 +33,7 @@ protected:
     void SetUp() override
     {
         if (CorpusBooks().empty())
-            GTEST_SKIP() << "no books at " << VMK_CORPUS_DIR;
+            GTEST_SKIP() << NoCorpus;
         ReadSettings(true);
         NamespaceErrorWarning = 0;
         InLineTags = DefaultInLineTags();

@@ -5,7 +5,6 @@
 #include "DisplayDocument.h"
 #include "Globals.h"
 #include "Settings.h"
-#include "TestPaths.h"
 #include "TextFunctions.h"
 #include "TextRange.h"
 
@@ -136,7 +135,7 @@ TEST(TextOfDisplay, AgreesWithTheStepsThroughRandomEdits)
 TEST(TextOfDisplay, AgreesWithTheStepsOnEveryBook)
 {
     if (CorpusBooks().empty())
-        GTEST_SKIP() << "no books at " << VMK_CORPUS_DIR;
+        GTEST_SKIP() << NoCorpus;
     ReadSettings(true);
     NamespaceErrorWarning = 0;
     for (const bool highlighted : {true, false}) {

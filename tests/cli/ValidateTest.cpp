@@ -1,6 +1,7 @@
 // `vmk validate` as the user meets it: result lines, exit codes, and a clear outcome for every bad input.
 
 #include "BookGenerator.h"
+#include "Corpus.h"
 #include "ProgramRun.h"
 #include "TestPaths.h"
 
@@ -160,8 +161,8 @@ TEST_F(Validate, EveryMadeBookIsCleanInEveryEncoding)
 TEST_F(Validate, RealBooksGetTheFirstErrorThatAPersonWouldPointAt)
 {
     const std::string corpus = VMK_CORPUS_DIR;
-    if (!std::filesystem::exists(corpus))
-        GTEST_SKIP() << "no folder of real books at " << corpus;
+    if (test::CorpusBooks().empty())
+        GTEST_SKIP() << test::NoCorpus;
     const auto resultOf = [&corpus](const std::string& name) {
         const ProgramRun run = validate({corpus + "/" + name});
         EXPECT_EQ(run.exitCode, 1) << name;
@@ -181,8 +182,8 @@ TEST_F(Validate, RealBooksGetTheFirstErrorThatAPersonWouldPointAt)
 TEST_F(Validate, RealBooksThatAreNotWellFormedSayWhere)
 {
     const std::string corpus = VMK_CORPUS_DIR;
-    if (!std::filesystem::exists(corpus))
-        GTEST_SKIP() << "no folder of real books at " << corpus;
+    if (test::CorpusBooks().empty())
+        GTEST_SKIP() << test::NoCorpus;
     for (const char* name : {"help-ru.fb2", "help-zh.fb2", "manual-ru.fb2"}) {
         const ProgramRun run = validate({"--against", "namespace", corpus + "/" + name});
         EXPECT_EQ(run.exitCode, 1) << name;

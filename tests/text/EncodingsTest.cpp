@@ -1,13 +1,10 @@
 #include "Encodings.h"
 
 #include "CodePages.h"
+#include "Corpus.h"
 #include "Globals.h"
-#include "TestPaths.h"
 
 #include <gtest/gtest.h>
-
-#include <QDir>
-#include <QFile>
 
 #include <array>
 #include <random>
@@ -105,18 +102,13 @@ TEST(IsUnicodeText, NeverTakesOrdinaryTextForUtf16)
 
 TEST(IsUnicodeText, TellsTheBooksOfTheCorpusInEveryEncoding)
 {
-    const QDir corpus(QStringLiteral(VMK_CORPUS_DIR));
-    const QStringList names = corpus.entryList({u"*.fb2"_s});
-    if (names.isEmpty())
-        GTEST_SKIP() << "no books in " VMK_CORPUS_DIR;
-    for (const QString& name : names) {
-        QFile file(corpus.filePath(name));
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        const std::string bytes = file.readAll().toStdString();
-        EXPECT_FALSE(IsUnicodeText(bytes)) << name.toStdString();
+    if (test::CorpusBooks().empty())
+        GTEST_SKIP() << test::NoCorpus;
+    for (const auto& [name, bytes] : test::CorpusBooks()) {
+        EXPECT_FALSE(IsUnicodeText(bytes)) << name;
         const std::string utf16 = Utf8ToBytes(bytes, CodePageUtf16);
-        EXPECT_TRUE(IsUnicodeText(utf16)) << name.toStdString();
-        EXPECT_FALSE(IsUnicodeText(Swapped(utf16))) << name.toStdString();
+        EXPECT_TRUE(IsUnicodeText(utf16)) << name;
+        EXPECT_FALSE(IsUnicodeText(Swapped(utf16))) << name;
     }
 }
 

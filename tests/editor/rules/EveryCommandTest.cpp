@@ -9,7 +9,6 @@
 #include "PasteRules.h"
 #include "Repaint.h"
 #include "RulesFixture.h"
-#include "TestPaths.h"
 #include "TreeLines.h"
 #include "TypingRules.h"
 
@@ -216,7 +215,7 @@ INSTANTIATE_TEST_SUITE_P(Rules, EveryCommand, testing::ValuesIn(Commands), NameO
 TEST_P(EveryCommand, IsTakenBackAndDoneAgainInRealBooks)
 {
     if (test::CorpusBooks().empty())
-        GTEST_SKIP() << "no books in " VMK_CORPUS_DIR;
+        GTEST_SKIP() << test::NoCorpus;
     NamespaceErrorWarning = 0;
     InLineTags = DefaultInLineTags();
     for (const test::CorpusBook& book : test::CorpusBooks()) {

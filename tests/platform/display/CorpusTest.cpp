@@ -1,14 +1,12 @@
 // Real books in the display: each page loads line by line, and what the display writes holds the same text.
 
+#include "Corpus.h"
 #include "BookToDisplay.h"
 #include "DisplayPage.h"
 #include "DisplayToBook.h"
 #include "Globals.h"
 #include "HtmlCharacters.h"
-#include "TestPaths.h"
 
-#include <QDir>
-#include <QFile>
 #include <QRegularExpression>
 
 #include <gtest/gtest.h>
@@ -19,17 +17,13 @@ namespace vmk {
 
 namespace {
 
-/// The book's page with highlighting and the colours as they come.
-std::string pageOf(const QString& path)
+/// The page of a book with highlighting and the default colours; empty if the book cannot be converted.
+std::string pageOf(std::string book)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
     NamespaceErrorWarning = 0;
     ShowNbsp = 1;
     TagHighlighting = true;
-    std::string text = file.readAll().toStdString();
-    return ConvertBookToDisplay(text, false) ? text : std::string();
+    return ConvertBookToDisplay(book, false) ? book : std::string();
 }
 
 /// The lines of a page's text with the white space that a browser shows: all kinds of it in a row are one
@@ -63,13 +57,11 @@ std::string firstDifference(const std::string& a, const std::string& b)
 
 TEST(Corpus, EachBooksTextComesThroughTheDisplay)
 {
-    const QDir corpus(QStringLiteral(VMK_CORPUS_DIR));
-    const QStringList books = corpus.entryList({QStringLiteral("*.fb2")}, QDir::Files);
-    if (books.isEmpty())
-        GTEST_SKIP() << "no books in " VMK_CORPUS_DIR;
-    for (const QString& book : books) {
-        SCOPED_TRACE(book.toStdString());
-        const std::string page = pageOf(corpus.filePath(book));
+    if (test::CorpusBooks().empty())
+        GTEST_SKIP() << test::NoCorpus;
+    for (const auto& [name, bytes] : test::CorpusBooks()) {
+        SCOPED_TRACE(name);
+        const std::string page = pageOf(bytes);
         ASSERT_FALSE(page.empty());
         DisplayDocument document;
         document.loadPage(QByteArray::fromStdString(page));
