@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Installs what is missing (Debian 12), builds Vellumark and opens the editor.
-# ./run.sh [BOOK]: opens BOOK, or else a sample. Without a display the editor runs under Xvfb for a moment
-# and leaves a picture of its window in build/screenshot.png.
+# Installs missing packages (Debian 12), builds Vellumark and opens the editor.
+# ./run.sh [BOOK]: opens BOOK, or a sample by default. Without a display the editor runs briefly under Xvfb, and a
+# picture of its window is saved as build/screenshot.png.
 set -euo pipefail
 book=${1:+$(realpath -- "$1")}
 cd "$(dirname "${BASH_SOURCE[0]}")"
@@ -16,7 +16,7 @@ if [ -z "$book" ]; then
     book=$(find "$bin/VMK Office/Book Samples" -name '*.fb2' 2>/dev/null | sort | head -n 1)
     [ -n "$book" ] || fail "There is no sample book in $bin/VMK Office/Book Samples."
 fi
-[ -f "$book" ] || fail "There is no such book: $book"
+[ -f "$book" ] || fail "Book not found: $book"
 
 if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
     say "Opening $book"
@@ -26,4 +26,4 @@ fi
 say "No display: opening $book under Xvfb"
 picture=$PWD/build/screenshot.png
 packaging/picture-of-window.sh "$picture" 'Vellumark|VMK: ' "$bin/vellumark" "$book"
-say "The window's picture is in $picture"
+say "The picture of the window is $picture"

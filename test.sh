@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing (Debian 12), builds Vellumark and runs all its tests.
-# Anything given is handed to ctest: ./test.sh -R Base64
+# Installs missing packages (Debian 12), builds Vellumark and runs all tests.
+# Arguments are passed to ctest: ./test.sh -R Base64
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 mkdir -p build

@@ -1,6 +1,6 @@
-# vmk_mirror(TARGET FROM TO): makes TARGET copy every file below the folder FROM to the folder TO, each when
-# it has changed or is missing there. A file that is gone from FROM goes from TO too; whatever else stands
-# in TO, such as what the program itself has written, is left alone.
+# vmk_mirror(TARGET FROM TO): TARGET copies every file below the folder FROM to the folder TO if it has changed or
+# is missing there. A file that was removed from FROM is removed from TO; other files in TO, for example those
+# written by the program, are not touched.
 function(vmk_mirror target from to)
     file(GLOB_RECURSE names CONFIGURE_DEPENDS LIST_DIRECTORIES false RELATIVE "${from}" "${from}/*")
     vmk_remove_stale_copies("${CMAKE_CURRENT_BINARY_DIR}/${target}.files" "${to}" "${names}")
@@ -16,7 +16,7 @@ function(vmk_mirror target from to)
     add_custom_target(${target} ALL DEPENDS ${copies})
 endfunction()
 
-# Deletes from TO what the last configuration copied there (the file LIST tells) and NAMES no longer holds.
+# Deletes from TO the files that the last configuration copied (listed in the file LIST) and that are not in NAMES.
 function(vmk_remove_stale_copies list to names)
     if(EXISTS "${list}")
         file(STRINGS "${list}" old)

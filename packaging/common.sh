@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Shared by run.sh, test.sh and .ci/run: installing what is missing, and building. Sourced from the tree's root.
+# Functions of run.sh, test.sh and .ci/run that install missing packages and build. Sourced in the root folder.
 
 say() { printf '\n== %s\n' "$*"; }
 fail() {
@@ -7,7 +7,7 @@ fail() {
     exit 1
 }
 
-# The packages of packaging/debian-packages.txt that are not installed, one a line.
+# Prints the packages of packaging/debian-packages.txt that are not installed, one per line.
 missing_packages() {
     local package
     while read -r package; do
@@ -18,7 +18,7 @@ missing_packages() {
 
 install_missing_packages() {
     if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
-        say "Not a Debian system: packages are left alone (the list is packaging/debian-packages.txt)"
+        say "Not a Debian system: no packages are installed (the list is packaging/debian-packages.txt)"
         return
     fi
     local missing
@@ -39,7 +39,7 @@ install_missing_packages() {
         "${missing[@]}" </dev/null
 }
 
-# The compiler cache stays inside the tree unless the user already keeps one.
+# The compiler cache is inside the tree unless the user already has one.
 use_compiler_cache() {
     if [ -z "${CCACHE_DIR:-}" ] && [ ! -d "${HOME:-/nonexistent}/.cache/ccache" ] && [ ! -d "${HOME:-/nonexistent}/.ccache" ]; then
         export CCACHE_DIR="$PWD/build/ccache"

@@ -1,13 +1,12 @@
 #!/bin/bash
-# Measures the main window on a screen against public programs, on the same input in the same run:
+# Compares the main window on a screen with public programs, on the same input in the same run:
 #
 #   window.sh BIN_FOLDER
 #
-# An empty start, first and later; start to "document complete" with a 15 MB book, beside the Kate editor
-# showing the same file (left out where it is not installed) and headless Chromium showing the book's page;
-# the memory of both editors. The time of a start is the middle one of five, with the processor's time beside
-# it: on a busy machine that is what the program is to blame for. Validation has a program of its own,
-# bench_validation.
+# It measures an empty start, first and later; the start until "document complete" with a 15 MB book, beside the Kate
+# editor with the same file (omitted if not installed) and headless Chromium with the page of the book; the memory of
+# both editors. The time of a start is the median of five, printed with the processor time, which does not depend on
+# the load of the machine. bench_validation measures validation.
 
 set -eu
 bin=$1
@@ -20,24 +19,24 @@ mkdir "$folder/program"
 cp -r "$bin/vellumark" "$bin/VMK Office" "$folder/program/"
 "$bin/make_book" 15M --no-pictures >"$folder/book.fb2"
 "$bin/vmk" display "$folder/book.fb2" --out "$folder/page.htm"
-# By this name Kate knows it for XML and colours it.
+# Kate recognises XML by the extension and highlights it.
 cp "$folder/book.fb2" "$folder/book.xml"
 
 now() { date +%s%3N; }
 middle() { sort -n | sed -n 3p; }
 ratio() { awk "BEGIN { printf \"%.2f\", $1 / $2 }"; }
-# Milliseconds of the processor that a program has taken.
+# Prints the processor time of a program in milliseconds.
 processor() { awk '{ print 10 * ($14 + $15) }' "/proc/$1/stat"; }
 megabytes() { awk "/^$2/ { print int(\$2 / 1024) }" "/proc/$1/status"; }
 
-# launch "LEFT TOP WIDTH HEIGHT" COMMAND...: starts a program and sets `shown` to the milliseconds until the
-# place on the screen shows text. The program is $program then.
+# launch "LEFT TOP WIDTH HEIGHT" COMMAND...: starts a program and sets `shown` to the milliseconds until that area of
+# the screen shows text, and `program` to the process.
 launch() {
-    local place=$1 begin end
+    local area=$1 begin end
     shift
     rm -f "$folder/watch"
     # shellcheck disable=SC2086  # each number is an argument
-    "$bin/screen_watch" $place >"$folder/watch" 2>/dev/null &
+    "$bin/screen_watch" $area >"$folder/watch" 2>/dev/null &
     local watcher=$!
     until grep -q ready "$folder/watch" 2>/dev/null; do :; done
     begin=$(now)
@@ -51,7 +50,7 @@ stop() {
     kill "$program"
     wait "$program" 2>/dev/null || true
 }
-# five_starts PLACE COMMAND...: sets `shown` and `used` to the middle of five starts; the last goes on.
+# five_starts AREA COMMAND...: sets `shown` and `used` to the medians of five starts; the last program keeps running.
 five_starts() {
     local times=() use=() run
     for run in 1 2 3 4 5; do
@@ -72,7 +71,7 @@ five_starts "$menu_bar" "$folder/program/vellumark"
 stop
 echo "later start, window on the screen: $shown ms (processor: $used ms)"
 
-# The panel of the file's length is written when the document is complete.
+# The panel with the file length is filled when the document is complete.
 five_starts "494 460 90 14" "$folder/program/vellumark" "$folder/book.fb2"
 complete=$shown
 echo "start to document complete: $complete ms (processor: $used ms)"
@@ -87,7 +86,7 @@ if command -v kate >/dev/null; then
     echo "Kate, memory: $(megabytes "$program" VmRSS) MB, at most $(megabytes "$program" VmHWM) MB"
     stop
 else
-    echo "Kate is not installed: no comparison with it"
+    echo "Kate is not installed: no comparison"
 fi
 
 begin=$(now)

@@ -1,18 +1,18 @@
 #!/bin/bash
-# The whole road of a book, with real keys in the real program on an X server of its own: open it, type a
-# word, break a tag, validate, mend it where the caret has landed, validate, save, close. What is on the
-# disk then differs from a plain conversion of the book by exactly that word.
+# Edits books with real keys in the real program, on its own X server: opens a book, types a word, breaks a tag,
+# validates, fixes the tag at the caret, validates, saves and closes. The saved file must differ from a conversion of
+# the book by exactly that word.
 #
-#   road.sh BIN_FOLDER CORPUS_FOLDER [LARGE_BOOK_GENERATOR]
+#   edit_real_books.sh BIN_FOLDER CORPUS_FOLDER [LARGE_BOOK_GENERATOR]
 #
-# Ends with 77 (skipped) where Xvfb, xdotool, ImageMagick or the books are missing.
+# Returns 77 (skipped) if Xvfb, xdotool, ImageMagick or the books are missing.
 
 set -u
 bin=$1
 corpus=$2
 generator=${3:-}
 . "$(dirname "$0")/program.sh"
-[ -d "$corpus" ] || { echo "skipped: no books in $corpus"; exit 77; }
+[ -d "$corpus" ] || { echo "skipped: no folder of real books"; exit 77; }
 
 open_display
 mkdir "$folder/in"
@@ -20,11 +20,11 @@ failures=0
 box_expected=
 fail() { echo "FAILED: $1"; failures=$((failures + 1)); }
 
-# The box that tells of the missing tree stands over the window, which has its first name still and takes no
-# keys meanwhile.
+# The message box about the missing tree is in front of the window, which still has its first caption and accepts
+# no keys.
 answer_box() {
     local window
-    wait_until 60 has_box || { fail "no box tells of the missing tree"; return; }
+    wait_until 60 has_box || { fail "no message box reports the missing tree"; return; }
     for window in $(windows '^Vellumark$'); do
         has_box || return
         focus_window "$window" && xdotool key Return && settle "$program"
@@ -34,22 +34,22 @@ has_box() { [ "$(windows '^Vellumark$' | wc -l)" -ge 2 ]; }
 
 keys() { xdotool key --delay 30 "$@"; }
 
-# Lines of the display from the last paragraph's line to the end of the book.
+# Prints the number of lines from the last paragraph to the end of the book.
 lines_to_last_paragraph() {
     "$bin/vmk" display "$1" | tr '\r' '\n' | grep '</DIV>' | tac | grep -n -m1 '&lt;/p&gt;' | cut -d: -f1
 }
 
-# road BOOK WORK: opens a copy of the book, does the work, closes the window. The copy is "$book".
-road() {
+# edit_copy BOOK ACTION: opens a copy of the book, runs the action and closes the window. The copy is "$book".
+edit_copy() {
     book=$folder/$(basename "$1")
     cp "$1" "$book"
     rm -f "$portable"/*.ini
-    # The sounds are left out, so that nothing waits for them; the settings file keeps the welcome page away.
+    # The portable folder has no sounds, so that nothing waits for them.
     launch "$book"
     [ -z "$box_expected" ] || answer_box
-    wait_for_document || fail "$(basename "$1"): the document was never complete"
-    # Real books depart from the schema: what counts here is that they are well-formed. The list stands behind
-    # the toolbar's last button.
+    wait_for_document || fail "$(basename "$1"): the document did not become complete"
+    # Real books violate the schema; here they only have to be well-formed. The last button of the toolbar opens the
+    # list.
     xdotool mousemove 550 43 click 1
     settle "$program"
     keys Down Return
@@ -58,24 +58,24 @@ road() {
     settle "$program"
     "$2"
     leave_by_menu || {
-        fail "$(basename "$1"): the program did not end by its menu"
+        fail "$(basename "$1"): the menu did not end the program"
         kill -9 "$program"
     }
-    [ -d "$portable/VMK Office/Temp" ] && fail "$(basename "$1"): the temporary tree is left behind"
+    [ -d "$portable/VMK Office/Temp" ] && fail "$(basename "$1"): the temporary tree was not removed"
 }
 
-edit_break_mend_save() {
+edit_break_fix_save() {
     local up
     up=$(lines_to_last_paragraph "$book")
     keys ctrl+End
     for _ in $(seq $((up - 1))); do keys Up; done
-    # In front of the paragraph's end tag; then its last character goes.
+    # Types before the end tag of the paragraph, then removes the last character of the tag.
     keys End Left Left Left Left
     xdotool type --delay 30 ' zebra'
     keys End BackSpace
     keys F8
     settle "$program"
-    # Where the caret has landed the missing character mends the book.
+    # The missing character at the caret fixes the book.
     xdotool type --delay 30 '>'
     keys F8
     settle "$program"
@@ -83,7 +83,7 @@ edit_break_mend_save() {
     settle "$program"
 }
 
-# The book with a short paragraph of our own at the end of its text, where the work is done.
+# with_last_words BOOK RESULT: adds a short paragraph at the end of the text, which the actions edit.
 with_last_words() {
     python3 - "$1" "$2" <<'PY'
 import sys
@@ -94,22 +94,30 @@ open(sys.argv[2], 'wb').write(text[:end] + b'<p>Last words.</p>' + text[end:])
 PY
 }
 
-check_road() {
-    local name source
-    name=$(basename "$1")
-    source=$folder/in/$name
-    with_last_words "$1" "$source"
-    "$bin/vmk" convert "$source" --out "$folder/expected.fb2" || { fail "$name: vmk convert"; return; }
-    road "$source" edit_break_mend_save
-    python3 - "$folder/expected.fb2" "$book" <<'PY' && echo "ok: $name" || fail "$name: more or less than the word differs"
+differs_by_one_word() {
+    python3 - "$1" "$2" <<'PY'
 import sys
 expected, saved = (open(path, 'rb').read() for path in sys.argv[1:])
 sys.exit(0 if saved.count(b' zebra') == 1 and saved.replace(b' zebra', b'') == expected else 1)
 PY
 }
 
-# A book that is not well-formed is shown, and mended where the validation puts the caret.
-mend_and_save() {
+check_edits() {
+    local name source
+    name=$(basename "$1")
+    source=$folder/in/$name
+    with_last_words "$1" "$source"
+    "$bin/vmk" convert "$source" --out "$folder/expected.fb2" || { fail "$name: vmk convert"; return; }
+    edit_copy "$source" edit_break_fix_save
+    if differs_by_one_word "$folder/expected.fb2" "$book"; then
+        echo "ok: $name"
+    else
+        fail "$name: more or less than the word differs"
+    fi
+}
+
+# The action for a book that is not well-formed: the validation puts the caret at the error, which is fixed there.
+fix_and_save() {
     keys F8
     settle "$program"
     xdotool type --delay 30 '>'
@@ -128,22 +136,22 @@ open(sys.argv[2], 'wb').write(text.replace(b'Last words.</p>', b'Last words.</p'
 PY
     "$bin/vmk" convert "$folder/whole.fb2" --out "$folder/expected.fb2"
     box_expected=yes
-    road "$folder/in/broken.fb2" mend_and_save
+    edit_copy "$folder/in/broken.fb2" fix_and_save
     box_expected=
     if cmp -s "$folder/expected.fb2" "$book"; then
         echo "ok: a book that is not well-formed"
     else
-        fail "a book that is not well-formed is not mended"
+        fail "a book that is not well-formed was not fixed"
     fi
 }
 
-check_road "$corpus/faq-ru.fb2"
-check_road "$corpus/faq-ru-1251.fb2"
+check_edits "$corpus/faq-ru.fb2"
+check_edits "$corpus/faq-ru-1251.fb2"
 
 check_broken_book "$corpus/faq-ru.fb2"
 
 if [ -n "$generator" ] && [ -x "$generator" ]; then
-    "$generator" 15M >"$folder/large.fb2" && check_road "$folder/large.fb2"
+    "$generator" 15M >"$folder/large.fb2" && check_edits "$folder/large.fb2"
 fi
 
 [ "$failures" = 0 ]

@@ -1,11 +1,11 @@
 #!/bin/bash
-# Edits a real book with every editing command, by real keys and clicks in the real program, on an X server
-# of its own. The saved file must be the one that a plain conversion makes of the book with the same lines.
+# Edits a real book with every editing command, with real keys and clicks in the real program, on its own X server.
+# The saved file must equal the conversion of the same book with the same lines added.
 #
 #   every_command.sh BIN_FOLDER BOOK [PICTURES]
 #
-# With a folder PICTURES the window before and after a repaint is kept there for the eye.
-# Ends with 77 (skipped) where Xvfb, xdotool, ImageMagick or the book are missing.
+# If the folder PICTURES is given, screenshots before and after a repaint are saved there.
+# Returns 77 (skipped) if Xvfb, xdotool, ImageMagick or the book is missing.
 
 set -u
 bin=$1
@@ -17,7 +17,7 @@ pictures=${3:-}
 open_display
 cp "$source" "$folder/book.fb2"
 launch "$folder/book.fb2"
-wait_for_document || { echo "FAILED: the document was never complete"; exit 1; }
+wait_for_document || { echo "FAILED: the document did not become complete"; exit 1; }
 xdotool mousemove 300 300 click 1
 settle "$program"
 
@@ -25,12 +25,12 @@ keys() { xdotool key --delay 15 "$@"; }
 words() { xdotool type --delay 15 -- "$1"; }
 repeat() { local times=$1; shift; for _ in $(seq "$times"); do keys "$@"; done; }
 picture() { [ -z "$pictures" ] || { settle "$program"; import -window root "$pictures/$1.png"; }; }
-# An entry of the menu Edit, counted from its last one.
+# Chooses an entry of the menu Edit, counted from the last one.
 edit_menu() { keys F10 Right; repeat "$1" Up; keys Return; settle "$program"; }
-# A finished line: paragraph tags around what stands in it, and a new line behind.
+# Completes a line: paragraph tags around its text, and a new line after it.
 end_line() { keys Home; words '<p>'; keys End; words '</p>'; keys Return; }
 
-# A line of our own in front of the last section's end tag.
+# A new line before the end tag of the last section.
 up=$("$bin/vmk" display "$source" | tr '\r' '\n' | grep '</DIV>' | tac | grep -n -m1 '&lt;/section&gt;' | cut -d: -f1)
 to_section_end() { keys ctrl+End; repeat $((up - 1)) Up; keys Home; }
 to_section_end
@@ -45,7 +45,7 @@ words 'large'; keys shift+Home; edit_menu 2; keys End; end_line
 words 'every word'; keys shift+Home; edit_menu 1; keys End; end_line
 words 'two  blanks'; end_line
 words 'kept'; keys ctrl+space; words 'together'; end_line
-# A piece of a line; a whole one would be pasted as a line.
+# Part of a line; a whole line would be pasted as a line.
 words '-copied '; keys Home Right shift+End ctrl+c End ctrl+v; words 'once more'; keys Home Delete End; end_line
 words '-moved'; keys Home Right shift+End ctrl+x BackSpace; words 'then '; keys shift+Insert; end_line
 words 'as text'; keys shift+Home ctrl+t End; words ' and '; keys ctrl+v; end_line
@@ -53,21 +53,21 @@ words 'deleted'; keys shift+Home Delete; words 'stays'; keys Left Left Right Rig
 words 'undone'; keys shift+Home ctrl+b ctrl+z End; end_line
 words 'redone'; keys shift+Home ctrl+b ctrl+z ctrl+y End; end_line
 
-# The other paste makes a line of its own; its caret is counted from the last press of the mouse.
+# The other paste creates a separate line; its caret is counted from the last mouse press.
 words 'lower'; keys shift+Home ctrl+x; words 'upper'; keys ctrl+h; settle "$program"
 to_section_end
 for _ in 1 2; do keys Up Home; words '<p>'; keys End; words '</p>'; done
 keys Down End Return
 
-# Shifts and a repaint leave the text alone.
+# Shifts and a repaint do not change the text.
 words '<p>painted</p>'; picture before-repaint
 keys Escape; settle "$program"; picture after-repaint
 keys Tab Tab ctrl+Tab
-# Everything painted, and taken back at one stroke.
+# A repaint of everything, undone in one step.
 keys ctrl+a Escape ctrl+z; settle "$program"
 keys F4
 picture saved
-leave_by_menu || { echo "FAILED: the program did not end by its menu"; exit 1; }
+leave_by_menu || { echo "FAILED: the menu did not end the program"; exit 1; }
 
 python3 - "$source" "$folder/expected.fb2" <<'PY'
 import sys

@@ -1,29 +1,29 @@
 #!/bin/bash
-# Kills the program in the middle of saves, at random moments: the book on the disk is then the old one or
-# the new one, whole, never anything else.
+# Kills the program during saves, at random times. The book on the disk is then the complete old or the complete new
+# one.
 #
 #   kill_during_saves.sh BIN_FOLDER BOOK_GENERATOR [TIMES]
 #
-# Ends with 77 (skipped) where Xvfb, xdotool, ImageMagick or the generator are missing.
+# Returns 77 (skipped) if Xvfb, xdotool, ImageMagick or the generator is missing.
 
 set -u
 bin=$1
 generator=${2:-}
 times=${3:-6}
 . "$(dirname "$0")/program.sh"
-[ -x "$generator" ] || { echo "skipped: no generator of books"; exit 77; }
+[ -x "$generator" ] || { echo "skipped: no book generator"; exit 77; }
 
 open_display
 "$generator" 4M >"$folder/old.fb2"
 "$bin/vmk" convert "$folder/old.fb2" --out "$folder/new.fb2"
 
-# The moments draw near to the save's end: earlier behind the new book, later behind the old one.
+# The delays approach the end of the save: a shorter one after the new book, a longer one after the old book.
 span=100
 failures=0 old=0 new=0
 for _ in $(seq "$times"); do
     cp "$folder/old.fb2" "$folder/book.fb2"
     launch "$folder/book.fb2"
-    wait_for_document || { echo "FAILED: the document was never complete"; failures=$((failures + 1)); }
+    wait_for_document || { echo "FAILED: the document did not become complete"; failures=$((failures + 1)); }
     xdotool key F4
     sleep "$((RANDOM % span))e-3"
     kill -9 "$program"

@@ -1,4 +1,4 @@
-// Runs a fuzzer's kept inputs, one after the other, where there is no libFuzzer to run them.
+// Replays the stored inputs of a fuzzer in builds without libFuzzer.
 
 #include <cstddef>
 #include <cstdint>

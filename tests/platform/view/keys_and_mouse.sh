@@ -1,21 +1,21 @@
 #!/bin/bash
-# Works in the display with real keys and a real mouse, on an X server of its own, and compares the text
-# left behind with what a person expects.
+# Edits in the display with real keys and a real mouse, on its own X server, and compares the resulting text with
+# what a user expects.
 #
 #   keys_and_mouse.sh PAGE_VIEWER
 #
-# Ends with 77 (skipped) where Xvfb or xdotool is missing.
+# Returns 77 (skipped) if Xvfb, xdotool, xclip or setxkbmap is missing.
 
 set -u
 viewer=$1
-. "$(dirname "$0")/../../packaging/x-display.sh"
+. "$(dirname "$0")/../../../packaging/x-display.sh"
 have_programs Xvfb xdotool xclip setxkbmap || exit 77
 start_x_display
-# Keys for every character typed here, from the start: a key that xdotool lends to a character for a moment
-# has lost it again before a busy program looks.
+# The keyboard layouts contain every character typed here. xdotool binds other characters to a spare key only
+# briefly, and a busy program would look too late.
 setxkbmap -layout us,ru,us -variant ,,intl
 
-# A font of one width, so that a character's place on the screen is known: 12pt is 9.63 pixels wide and
+# A fixed-width font, so that the position of a character on the screen is known: at 12pt it is 9.63 pixels wide and
 # 19 pixels high; the text begins at 10,10.
 cat >"$folder/page.htm" <<'PAGE'
 <HTML><BODY STYLE="font-family:DejaVu Sans Mono; font-size:12pt; margin-top:10px; margin-left:10px"><DIV id=FirstDiv>first line</DIV><DIV>second line of words</DIV><DIV>last</DIV></BODY></HTML>
@@ -24,7 +24,7 @@ x() { echo $((10 + $1 * 963 / 100)); }
 y() { echo $((10 + $1 * 19 + 9)); }
 
 failures=0
-# check NAME EXPECTED WORK...: opens the page, does the work, closes the window, compares. "|" is a line end.
+# check NAME EXPECTED ACTION...: opens the page, runs the action, closes the window and compares; "|" is a line end.
 check() {
     local name=$1 expected=$2
     shift 2
@@ -64,7 +64,7 @@ clipboard() { timeout 20 xclip -selection clipboard -o 2>/dev/null | tr -d '\r';
 clipboard_holds() { [ "$(clipboard)" = "$1" ]; }
 copying() {
     keys ctrl+Home shift+Down ctrl+c
-    # The copy is made when its key has been handled.
+    # The text is copied when the key has been handled.
     wait_until 20 clipboard_holds 'first line' || {
         echo "FAILED: the clipboard holds the text copied: $(clipboard)"
         failures=$((failures + 1))
@@ -97,7 +97,7 @@ check 'text from another program is pasted' 'first line|second line of words|las
 check 'undo' 'first line|second line of words|last' undoing
 check 'redo' 'first line|second line of words|lastabc|' redoing
 check 'clicks set the caret' 'first (line|second line of words|last)' clicking
-check 'a double click chooses a word' 'first line|second  of words|last' doubling
+check 'a double click selects a word' 'first line|second  of words|last' doubling
 check 'a Shift click extends' 'find line of words|last' shiftclick
 check 'Delete over a line break' 'first linesecond line of words|last' deleting
 check 'a dead key and its letter' 'first line|second line of words|lasté' dead
