@@ -1,7 +1,7 @@
 // Writes the program's sounds: make_sounds FOLDER.
 //
-// Each outcome has a sound of its own, told by its shape and not by its pitch alone: what went well rises,
-// what failed falls or knocks, and a book opened at its error bubbles up.
+// Each outcome has its own sound, recognisable by its shape and not only by its pitch: success rises, failure
+// falls or knocks, and a book opened at its error bubbles upwards.
 
 #include <algorithm>
 #include <cmath>
@@ -19,14 +19,14 @@ constexpr int SampleRate = 44100;
 
 enum class Timbre
 {
-    Bell, ///< A struck note with high partials that die first.
-    Reed, ///< A held, slightly rough note.
+    Bell, ///< A struck note whose high partials decay first.
+    Reed, ///< A sustained, slightly rough note.
     Wood, ///< A short knock.
     Drop, ///< A pure tone, for glides.
 };
 
-/// One note: seconds from the start of the sound, seconds it lasts, pitch in Hz at both ends, loudness 0
-/// to 1.
+/// One note: start in seconds from the start of the sound, duration in seconds, pitch in Hz at both ends,
+/// loudness from 0 to 1.
 struct Note
 {
     double start;
@@ -49,24 +49,24 @@ std::vector<Sound> AllSounds()
                      C6 = 1046.5, E6 = 1318.5;
     using enum Timbre;
     return {
-        // The book lies open: two bells, a step up.
+        // The book is open: two bells, one step upwards.
         {"DocComplete.wav", {{0, 0.30, E5, E5, 0.5, Bell}, {0.13, 0.42, A5, A5, 0.5, Bell}}},
-        // Nothing to open: two dull knocks.
+        // Nothing was opened: two dull knocks.
         {"FileLoadError.wav", {{0, 0.16, 175, 150, 0.9, Wood}, {0.17, 0.20, 175, 140, 0.9, Wood}}},
-        // Put away safely: a knock like a drawer's, and one high bell.
+        // Saved: a knock like that of a drawer, and one high bell.
         {"FileSaved.wav", {{0, 0.12, 420, 380, 0.6, Wood}, {0.07, 0.40, E6, E6, 0.4, Bell}}},
-        // Put away, but not as wished: the same, and a reed that falls behind it.
+        // Saved, but not as requested: the same, followed by a falling reed.
         {"NameSpaceErrorOnSave.wav",
          {{0, 0.12, 420, 380, 0.6, Wood}, {0.07, 0.28, E6, E6, 0.4, Bell}, {0.32, 0.26, E4, A3, 0.35, Reed}}},
-        // All is well: a chord from low to high.
+        // No error: a chord from low to high.
         {"NoParseError.wav",
          {{0, 0.50, C5, C5, 0.3, Bell},
           {0.09, 0.45, E5, E5, 0.3, Bell},
           {0.18, 0.40, G5, G5, 0.3, Bell},
           {0.27, 0.38, C6, C6, 0.35, Bell}}},
-        // An error: two reeds, the second lower.
+        // An error: two reeds, the second one lower.
         {"ParseError.wav", {{0, 0.20, E4, E4, 0.45, Reed}, {0.20, 0.32, C4, C4 * 0.94, 0.45, Reed}}},
-        // The book is opened at its error: three bubbles rise.
+        // The book is opened at its error: three rising bubbles.
         {"bul'.wav",
          {{0, 0.09, 260, 720, 0.6, Drop},
           {0.12, 0.08, 330, 900, 0.55, Drop},
@@ -74,7 +74,7 @@ std::vector<Sound> AllSounds()
     };
 }
 
-/// One sample of a note's wave before its envelope: phase in turns, age 0 to 1.
+/// One sample of a note's wave before its envelope; phase in periods, age from 0 to 1.
 double Wave(Timbre timbre, double phase, double age)
 {
     const auto partial
@@ -93,7 +93,7 @@ double Wave(Timbre timbre, double phase, double age)
     return 0;
 }
 
-/// Loudness over a note's life, age 0 to 1; begins and ends at nothing, so that no click is heard.
+/// The loudness over a note's duration, age from 0 to 1; begins and ends at 0, so that no click is audible.
 double Envelope(Timbre timbre, double age, double length)
 {
     const double attack = std::min(1.0, age * length / 0.004);
@@ -137,7 +137,7 @@ void AppendLittleEndian(std::string& bytes, uint32_t value, int count)
         bytes += static_cast<char>((value >> (8 * i)) & 0xff);
 }
 
-/// The bytes of a mono 16-bit PCM file, the loudest sample at a comfortable level.
+/// Returns a mono 16-bit PCM file whose loudest sample has a comfortable level.
 std::string WaveFile(const std::vector<double>& samples)
 {
     constexpr double Peak = 0.5 * 32767;
@@ -153,9 +153,9 @@ std::string WaveFile(const std::vector<double>& samples)
     AppendLittleEndian(bytes, 1, 2); // PCM
     AppendLittleEndian(bytes, 1, 2); // channels
     AppendLittleEndian(bytes, SampleRate, 4);
-    AppendLittleEndian(bytes, SampleRate * 2, 4); // bytes a second
-    AppendLittleEndian(bytes, 2, 2); // bytes a sample
-    AppendLittleEndian(bytes, 16, 2); // bits a sample
+    AppendLittleEndian(bytes, SampleRate * 2, 4); // bytes per second
+    AppendLittleEndian(bytes, 2, 2); // bytes per sample
+    AppendLittleEndian(bytes, 16, 2); // bits per sample
     bytes += "data";
     AppendLittleEndian(bytes, dataSize, 4);
     for (const double sample : samples)

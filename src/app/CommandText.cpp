@@ -6,7 +6,7 @@ namespace vmk {
 
 namespace {
 
-/// The text before the last `option`, less the one character in between; empty if there is no such text.
+/// The text before the last `option`, without the one character in between; empty if there is no such text.
 QString PathBefore(const QString& option, const QString& text)
 {
     return text.left(std::max<qsizetype>(text.lastIndexOf(option) - 1, 0));

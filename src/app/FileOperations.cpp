@@ -30,7 +30,7 @@ QString FolderPartOf(const QString& path)
     return path.left(LastSeparator(path) + 1);
 }
 
-/// Only the extension of the name counts: a dot in a folder's name is no extension of the path.
+/// Only the extension of the name counts: a dot in the name of a folder does not start an extension.
 QString WithoutExtension(const QString& path)
 {
     const qsizetype dot = path.lastIndexOf(u'.');
@@ -44,7 +44,7 @@ QString DriveOf(const QString& path)
     return mark < 0 ? QString() : path.left(mark + MarkLength);
 }
 
-/// Short paths keep their separator: what is left of a root would be another path.
+/// Short paths keep their separator: without it, a root would become a different path.
 QString DropTrailingSeparator(QString path)
 {
     constexpr qsizetype ShortestDropped = 4;
@@ -64,7 +64,7 @@ QStringList FilesOfPattern(const QString& pattern)
     return FindFiles(folder.isEmpty() ? u"."_s : folder, NameOf(pattern));
 }
 
-/// Copies or moves one file or all files of a pattern; true if all of it was done.
+/// Copies or moves one file or all files of a pattern; returns true if all of them succeeded.
 bool Transfer(const QString& from, const QString& to, bool (*transferOne)(const QString&, const QString&))
 {
     if (!IsPattern(from)) {
@@ -169,7 +169,7 @@ QString FileOperation(int mode, const QString& a, const QString& b)
     case MoveFileMode:
         return Transfer(a, b, MoveOneFile) ? u"ok"_s : QString();
     case CopyFolderMode:
-        // A failed copy leaves both folders as they were; the caller looks for `b`.
+        // A failed copy leaves both folders unchanged; the caller checks whether `b` exists.
         static_cast<void>(CopyFolderTree(DropTrailingSeparator(a), DropTrailingSeparator(b)));
         break;
     case ExtensionMode:

@@ -29,7 +29,7 @@ QString FolderOfExecutable(const QString& executable)
     return FileOperation(FolderOfMode, executable).chopped(1);
 }
 
-/// Where the data of an installed program lies: bin/ and share/ stand side by side.
+/// The data folder of an installed program: bin/ and share/ are siblings.
 QString SharedDataFolder(const QString& executable)
 {
     return Join(FolderOfExecutable(executable) + u"/../share"_s, UserFolderName);
@@ -43,7 +43,7 @@ bool IsPortable(const QString& executable)
     return !isInstalled && IsFolderWritable(folder);
 }
 
-/// What the user has deleted from it later stays deleted: only a folder that is missing as a whole is made.
+/// Only a folder that is missing completely is created: files that the user has deleted from it stay deleted.
 void SeedUserFolder(const QString& installed, const QString& userFolder)
 {
     QDir().mkpath(userFolder);
@@ -98,7 +98,7 @@ void SetFolders()
     HistoryFolder = OfficeFolder + u"/FindReplaceHistory"_s;
     ExtractedImagesFolder = OfficeFolder + u"/Extracted Images"_s;
     SampleBooksFolder = OfficeFolder + u"/Book Samples"_s;
-    // One level at a time; the last two come with the installation or with the first image.
+    // One level at a time; the last two are created by the installation or with the first image.
     for (const QString& folder :
          {OfficeFolder, SchemasFolder, TempFolder, TempImagesFolder, UserCleanUpFolder, HistoryFolder})
         MakeFolder(folder);
@@ -159,7 +159,7 @@ void ReadInLineTags()
     if (text.size() <= LongestEmptyText)
         return;
 
-    // Line ends of either kind part entries as blanks do: users edit the file with any editor.
+    // Line ends of either kind separate entries as blanks do: users edit the file with any editor.
     QStringList tags;
     for (const QString& piece : QString(text).replace(u'\r', u' ').replace(u'\n', u' ').split(u' ')) {
         if (const QString tag = piece.trimmed(); !tag.isEmpty())

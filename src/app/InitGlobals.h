@@ -4,29 +4,29 @@
 
 namespace vmk {
 
-/// Where the program and its user are at home.
+/// The location of the program and of its user's data.
 struct ProgramPlace
 {
     /// Full path of the executable.
     QString executable;
-    /// The folder for the data of all programs of this user; it need not exist.
+    /// The folder for the data of all programs of this user; it may not exist yet.
     QString userDataFolder;
 };
 
-/// The place of the running program; needs the application object.
+/// Returns the location of the running program. Requires the application object.
 [[nodiscard]] ProgramPlace RunningProgramPlace();
 
-/// The folder that holds "VMK Office" and "sounds" as they came with the program, for reading only: the
-/// executable's own in a portable folder, else that of the installation.
+/// Returns the read-only folder with the supplied "VMK Office" and "sounds": the executable's own folder in a
+/// portable installation, otherwise the data folder of the installation.
 [[nodiscard]] QString InstalledDataFolder(const QString& executable);
 
-/// Fixes all that the rest of the program takes for granted: screen measures, paths, the folders of the
-/// workspace, the in-line tags. Runs first of all, once; reports nothing, so a folder that cannot be made
-/// shows up as a failing file operation later.
+/// Initializes the variables on which the rest of the program depends: screen measures, paths, the folders of
+/// the workspace, the in-line tags. Called once, first of all. Reports nothing: a folder that cannot be
+/// created appears later as a failing file operation.
 ///
-/// The workspace stands beside the executable if that folder can be written and the program is not one
-/// installed with its data elsewhere. Otherwise a folder of the user's own takes the place of the
-/// executable's in `AppPath`; at the first start it is filled with what came with the program.
+/// The workspace is in the executable's folder if that is writable and the program is not installed with its
+/// data elsewhere. Otherwise `AppPath` is a folder of the user; at the first start the supplied files are
+/// copied into it.
 void InitGlobals();
 void InitGlobals(const ProgramPlace& place);
 

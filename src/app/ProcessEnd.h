@@ -4,8 +4,8 @@
 
 namespace vmk {
 
-/// Ends the process: leaves the event loop, or does nothing where none runs yet; then the caller returns
-/// and `main` with it. The exit code tells nothing.
+/// Ends the process: leaves the event loop. If no loop runs yet, does nothing; the caller then returns, and
+/// `main` ends. The exit code has no meaning.
 [[nodiscard]] Seam<void()>& EndProcessSeam();
 void EndProcess();
 

@@ -66,7 +66,7 @@ void SetProgramDefaults()
     ValidateOption = u"schema"_s;
     SchemaFile = DefaultSchemaFile();
     LastBookFolder = SampleBooksFolder;
-    // Kept as given also where there are no drives: a dialog passes over a folder that does not exist.
+    // Kept as specified even where there are no drives: a dialog ignores a folder that does not exist.
     LastSaveFolder = u"c:\\"_s;
     LastImageFolder = u"c:\\"_s;
     LastFile.clear();
@@ -116,7 +116,7 @@ void TakeRecord(const SettingsRecord& record)
     }
 }
 
-/// The name in the message is fixed; it does not follow the executable's name.
+/// The name in the message is fixed; it does not depend on the executable's name.
 void ReportDamagedRecord()
 {
     PlainBox(u"error reading VmkValidator.ini file"_s + QLatin1StringView(CrLf)
@@ -133,7 +133,7 @@ void ReadSettings(bool useDefaults)
     SetCleanerDefaults();
 
     if (!useDefaults && FileExists(IniFilePath)) {
-        // Nothing is taken over from a record that cannot be read to its end.
+        // No value is used from a record that cannot be read to its end.
         if (const std::optional<SettingsRecord> record = DecodeSettings(ReadFileText(IniFilePath))) {
             TakeRecord(*record);
             if (!FileExists(LastFile))
@@ -148,7 +148,7 @@ void ReadSettings(bool useDefaults)
 
 bool WriteSettings(const FormPlace& form)
 {
-    // Meant so: a session that opened no book leaves no last file.
+    // Intended: a session that opened no book clears the last file.
     LastFile = FileExists(CurrentBook) ? CurrentBook : QString();
 
     const bool isMaximised = MainFormWindowState == MaximisedState;

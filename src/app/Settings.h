@@ -4,7 +4,7 @@
 
 namespace vmk {
 
-/// The main window's place on the screen, in twips.
+/// The position and size of the main window on the screen, in twips.
 struct FormPlace
 {
     float left = 0;
@@ -13,15 +13,15 @@ struct FormPlace
     float height = 0;
 };
 
-/// Gives every setting its default and then, unless `useDefaults`, reads the file `IniFilePath` if it
-/// exists. A damaged file is reported by a box and deleted; the defaults stand. Afterwards `LastFile` is
-/// empty unless it exists, and `SchemaFile` exists or is the default one.
+/// Sets every setting to its default and then, unless `useDefaults`, reads the file `IniFilePath` if it
+/// exists. A damaged file is reported in a box and deleted; the defaults remain. Afterwards `LastFile` is
+/// empty or an existing file, and `SchemaFile` is an existing file or the default one.
 void ReadSettings(bool useDefaults);
 
-/// Writes all settings to the file `IniFilePath`, with `form` as the place of the main window: its inner
-/// part if it is maximised (`MainFormWindowState`), so that a restart does not come back with the frame off
-/// the screen. `LastFile` becomes the open book. False if the file could not be written; the old one then
-/// stands.
+/// Writes all settings to the file `IniFilePath`. `LastFile` becomes the open book.
+/// \param form  the geometry of the main window. If it is maximised (`MainFormWindowState`), its inner part
+///              is stored, so that the frame is not outside the screen after a restart.
+/// \return false if the file could not be written; the old one is then unchanged
 bool WriteSettings(const FormPlace& form);
 
 } // namespace vmk

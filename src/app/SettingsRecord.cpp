@@ -19,7 +19,7 @@ void AppendLittleEndian(std::string& bytes, Integer value)
         bytes.push_back(static_cast<char>(value >> (8 * i)));
 }
 
-/// Takes an integer off the front of the bytes; nothing if they are too few.
+/// Removes an integer from the beginning of the bytes; returns nothing if they are too few.
 template <typename Integer>
 std::optional<Integer> TakeLittleEndian(std::string_view& bytes)
 {
@@ -37,7 +37,7 @@ QString DecodeText(std::string_view bytes)
     return DecodeBytes(bytes, IsValidUtf8(bytes) ? CodePageUtf8 : CodePageSystem);
 }
 
-/// Never ends within a character.
+/// Never cuts within a character.
 std::string CutUtf8(std::string bytes)
 {
     if (bytes.size() <= MaxTextBytes)

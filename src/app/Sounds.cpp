@@ -34,7 +34,7 @@ int WaitForInput(int32_t milliseconds, const int* handles, int count)
     if ((milliseconds <= 0 && milliseconds != ForEver) || !QCoreApplication::instance())
         return WaitTimeOut;
 
-    // Stays so when the program is ended meanwhile.
+    // Remains the result if the program ends during the wait.
     int result = WaitTimeOut;
     QEventLoop loop;
     QTimer timer;

@@ -9,24 +9,24 @@
 
 namespace vmk {
 
-/// The outcome of checking one book.
+/// The result of checking one book.
 struct BookCheck
 {
     QString book; ///< as the user named it
-    QString failure; ///< why it could not be read; empty when it was
-    XmlParseError error; ///< the first error; `errorCode` 0 for none
+    QString failure; ///< the reason why it could not be read; empty if it was read
+    XmlParseError error; ///< the first error; `errorCode` is 0 if there is none
 };
 
-/// Reads and checks one book; its declaration decides the encoding.
+/// Reads and checks one book. Its declaration determines the encoding.
 /// \param book     path, or "-" for standard input
-/// \param schemas  what to validate against; null for well-formedness and namespaces alone
+/// \param schemas  the schemas; null checks only well-formedness and namespaces
 [[nodiscard]] BookCheck CheckBook(const QString& book, std::shared_ptr<const XmlSchemaCache> schemas);
 
-/// One result line: "BOOK: No errors (against schema)" or "BOOK:LINE:COLUMN: Error against schema. REASON";
-/// for a book that could not be read "BOOK: " and why.
+/// Returns one result line: "BOOK: No errors (against schema)" or "BOOK:LINE:COLUMN: Error against schema.
+/// REASON"; for a book that could not be read, "BOOK: " and the reason.
 [[nodiscard]] QString ResultLine(const BookCheck& check, bool againstSchema);
 
-/// The same as one JSON object on one line.
+/// Returns the same as one JSON object on one line.
 [[nodiscard]] QString ResultJson(const BookCheck& check, bool againstSchema);
 
 } // namespace vmk

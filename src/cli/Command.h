@@ -4,21 +4,21 @@
 
 namespace vmk {
 
-/// What a command ends with, for the shell.
+/// The exit codes of a command.
 enum ExitCode : int
 {
     ExitClean = 0,
-    ExitFaults = 1, ///< the command ran and found something wrong with a book
-    ExitFailure = 2, ///< wrong use, or something could not be read or written
+    ExitFaults = 1, ///< the command ran and found an error in a book
+    ExitFailure = 2, ///< wrong usage, or a file could not be read or written
 };
 
-/// One word of `vmk`, such as "validate".
+/// One command of `vmk`, such as "validate".
 struct Command
 {
     const char* name;
     const char* summary; ///< one line for the list of commands
     const char* help; ///< shown for --help
-    int (*run)(const QStringList& arguments); ///< arguments behind the name; gives the exit code
+    int (*run)(const QStringList& arguments); ///< takes the arguments after the name; returns the exit code
 };
 
 extern const Command ConvertCommand;

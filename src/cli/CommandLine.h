@@ -7,27 +7,27 @@
 
 namespace vmk {
 
-/// Goes through the arguments of a command: options as "--name", "--name=value" or "--name value", all
-/// else operands. "-" alone is an operand; behind "--" everything is.
+/// Reads the arguments of a command: options as "--name", "--name=value" or "--name value", and operands. "-"
+/// alone is an operand, and so is every argument after "--".
 class CommandLine
 {
 public:
     explicit CommandLine(QStringList commandArguments);
 
-    /// Takes the next argument; false at the end, or once an error was noted.
+    /// Reads the next argument. Returns false at the end, or after an error.
     [[nodiscard]] bool next();
-    /// The option taken, with its hyphens; empty for an operand.
+    /// The current option with its hyphens; empty for an operand.
     [[nodiscard]] const QString& option() const { return currentOption; }
     [[nodiscard]] const QString& operand() const { return currentOperand; }
-    /// The value of the option taken; an error is noted when there is none, or an empty one.
+    /// The value of the current option. A missing or empty value is an error.
     [[nodiscard]] QString value();
-    /// The value as a whole number from `low` to `high`; an error is noted when it is none.
+    /// The value as a whole number from `low` to `high`. Any other value is an error.
     [[nodiscard]] int number(int low, int high);
 
-    /// Notes what is wrong with the arguments; the first error stays.
+    /// Records an error in the arguments; the first one is kept.
     void fail(const QString& problem);
     void failUnknownOption();
-    /// What is wrong with the arguments; empty when nothing is.
+    /// The error in the arguments; empty if there is none.
     [[nodiscard]] QString error() const;
 
 private:
@@ -36,18 +36,18 @@ private:
     bool onlyOperands = false;
     QString currentOption;
     QString currentOperand;
-    std::optional<QString> attached; // a value written behind "="
+    std::optional<QString> attached; // a value written after "="
     QString firstError;
 };
 
-/// A file's name for a line of text: a line end or another control character in it as `\n` or `\x1b`.
+/// Returns a file name for one line of text: line ends and other control characters appear as `\n` or `\x1b`.
 [[nodiscard]] QString ShownName(const QString& name);
 
-/// Writes to standard output or standard error in the system's encoding, a line end behind it.
+/// Writes a line and a line end to standard output or standard error in the system's encoding.
 void PrintLine(const QString& line);
 void PrintErrorLine(const QString& line);
 
-/// Writes out what `PrintLine` has gathered. False, with a line on standard error, if that fails.
+/// Writes the buffered output of `PrintLine`. On failure, reports it on standard error and returns false.
 [[nodiscard]] bool FlushOutput();
 
 } // namespace vmk

@@ -25,7 +25,7 @@ struct ConvertOptions
     QString inputEncoding = u"original"_s;
 };
 
-/// The value of the option taken, which has to be on the list.
+/// The value of the current option, which must be in the list.
 QString ListedValue(CommandLine& line, const QStringList& list)
 {
     const QString option = line.option();
@@ -68,8 +68,8 @@ ConvertOptions ReadOptions(CommandLine& line)
     return options;
 }
 
-/// Whether reading the book in its encoding would leave text behind: UTF-16 keeps all of it only where it is
-/// ASCII, and the code pages have no character 0.
+/// Whether reading the book in its encoding would lose text: UTF-16 is kept completely only if it is ASCII,
+/// and the code pages have no character 0.
 bool WouldLoseText(std::string_view bytes, const QString& inputEncoding)
 {
     const int32_t codePage = FindBookEncoding(bytes, inputEncoding.toStdString()).work.codePage;
@@ -83,7 +83,7 @@ bool WouldLoseText(std::string_view bytes, const QString& inputEncoding)
         || std::ranges::any_of(rest, [](QChar c) { return c.isNull() || c.unicode() > LastAscii; });
 }
 
-/// Why the book is not to be converted; empty if it is.
+/// The reason why the book is not converted; empty if it is.
 QString Refusal(std::string_view bytes, const QString& inputEncoding)
 {
     if (IsBlank(bytes))

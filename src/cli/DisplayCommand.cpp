@@ -38,7 +38,8 @@ DisplayOptions ReadOptions(CommandLine& line)
     return options;
 }
 
-/// Takes the settings of a record, which is only read. False, with a line on standard error, if it is none.
+/// Reads the settings of a record without changing the file. On failure, reports it on standard error and
+/// returns false.
 bool TakeSettings(const QString& record)
 {
     if (record.isEmpty()) {

@@ -21,7 +21,7 @@ std::optional<std::string> ReadBook(const QString& book)
 
 std::optional<std::string> PageOfBook(const QString& book, std::string bytes)
 {
-    // What the editor would say in a box.
+    // The text that the editor would show in a box.
     QString remark;
     const SeamGuard box(BoxSeam(), [&remark](BoxKind, const QString& text, const QString&) {
         remark = text;

@@ -10,19 +10,19 @@
 
 namespace vmk {
 
-/// The bytes of a book; nothing, with a line on standard error, if it cannot be read.
+/// Returns the bytes of a book; if it cannot be read, reports it on standard error and returns nothing.
 [[nodiscard]] std::optional<std::string> ReadBook(const QString& book);
 
-/// Converts the bytes of a book to the page of the display, with the settings in force; its binary part and
-/// encoding stay in the shared variables. A book that is not well-formed gets a page too, and a line on
+/// Converts the bytes of a book to the page of the display, with the current settings. Stores its binary part
+/// and encoding in the shared variables. A book that is not well-formed has a page too, and is reported on
 /// standard error.
-/// \param book  its name, for what is said of it
-/// \return nothing, with a line on standard error, if its binary part is damaged
+/// \param book  its name, for messages
+/// \return nothing, after a line on standard error, if its binary part is damaged
 [[nodiscard]] std::optional<std::string> PageOfBook(const QString& book, std::string bytes);
 
-/// Puts `bytes` in place of a file, whole or not at all; an empty name means standard output.
-/// \param durability  a page that can be made again need not outlast a failure of the machine
-/// \return false, with a line on standard error, if that fails
+/// Replaces a file by `bytes`, completely or not at all; an empty name means standard output.
+/// \param durability  a page that can be regenerated does not have to survive a crash of the machine
+/// \return false, after a line on standard error, on failure
 [[nodiscard]] bool WriteOutput(const QString& file, std::string_view bytes, Durability durability);
 
 } // namespace vmk

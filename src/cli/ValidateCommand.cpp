@@ -25,13 +25,13 @@ constexpr int MostJobs = 256;
 struct ValidateOptions
 {
     bool againstSchema = true;
-    QString schemaFile; // empty: that of the workspace
+    QString schemaFile; // empty: the workspace's schema
     bool json = false;
     int jobs = 1;
     QStringList books;
 };
 
-/// The checks of several books on several threads, handed out in the order of the books.
+/// Checks several books on several threads, assigned in the order of the books.
 class BookChecks
 {
 public:
@@ -45,11 +45,11 @@ public:
             for (qsizetype i = 0; i < threads; ++i)
                 workers.emplace_back([this] { work(); });
         } catch (const std::system_error&) {
-            // The system gives no more threads. Fewer do the same; without any, `take` does the work.
+            // The system provides no more threads. Fewer are sufficient; without any, `take` does the work.
         }
     }
 
-    /// Waits for the check of book number `index`, from 0; to be asked once for each.
+    /// Waits for the check of book number `index`, from 0; called once per book.
     [[nodiscard]] BookCheck take(size_t index)
     {
         if (workers.empty())
@@ -75,11 +75,11 @@ private:
 
     const QStringList& books;
     std::shared_ptr<const XmlSchemaCache> schemas;
-    std::mutex guard; // for all that follows
+    std::mutex guard; // for all members below
     std::condition_variable ready;
     qsizetype nextBook = 0;
     std::vector<std::optional<BookCheck>> results;
-    std::vector<std::jthread> workers; // last: they are waited for before the rest goes
+    std::vector<std::jthread> workers; // last: joined before the other members are destroyed
 };
 
 void TakeOption(CommandLine& line, ValidateOptions& options)
@@ -101,7 +101,7 @@ void TakeOption(CommandLine& line, ValidateOptions& options)
     }
 }
 
-/// The options, or nothing with the reason in `problem`.
+/// Returns the options, or nothing with the error in `problem`.
 std::optional<ValidateOptions> ReadOptions(const QStringList& arguments, QString* problem)
 {
     ValidateOptions options;
@@ -124,7 +124,7 @@ std::optional<ValidateOptions> ReadOptions(const QStringList& arguments, QString
 
 QString WorkspaceSchema()
 {
-    // The workspace as it came with the program: nothing is made or written here.
+    // The supplied workspace: nothing is created or written here.
     return InstalledDataFolder(QCoreApplication::applicationFilePath())
         + u"/VMK Office/Schemas/FictionBook.xsd"_s;
 }

@@ -51,7 +51,7 @@ int ShowVersion()
     return FlushOutput() ? ExitClean : ExitFailure;
 }
 
-/// The toolkit wants a UTF-8 locale and says so on standard error; paths are UTF-8 here whatever the locale.
+/// The toolkit warns on standard error unless the locale is UTF-8; paths are UTF-8 here in any locale.
 void UseUtf8Locale()
 {
     std::setlocale(LC_ALL, "");

@@ -19,7 +19,7 @@ std::string MakeDeclaration(std::string_view encodingName)
     return R"(<?xml version="1.0" encoding=")" + std::string(encodingName) + R"("?>)";
 }
 
-/// Controls that no ordinary text of one byte a character holds.
+/// Control characters that do not occur in ordinary single-byte text.
 constexpr bool IsRareControl(char byte)
 {
     const auto code = static_cast<unsigned char>(byte);
@@ -149,7 +149,7 @@ bool UnicodeToCodePage(std::string& text, int codePage)
         bytes.remove_prefix(Utf16Mark.size());
     const size_t units = bytes.size() / 2;
     std::string converted = EncodeText(DecodeBytes(bytes, CodePageUtf16), codePage);
-    // The cut is meant; a longer result shows as a parse error instead of passing for the whole book.
+    // The cut is intended; a longer result causes a parse error instead of passing as the whole book.
     converted.resize(std::min(converted.size(), units));
     text = std::move(converted);
     return units > 0;

@@ -14,7 +14,7 @@ constexpr size_t NotFound = string_view::npos;
 
 // ---------------------------------------------------------------- ExtractBetween
 
-/// Counts start tags, with any attributes, up to a position that only grows.
+/// Counts start tags, with any attributes, up to a position that only increases.
 class StartTagCounter
 {
 public:
@@ -43,7 +43,7 @@ private:
     size_t count = 0;
 };
 
-/// Position behind the end tag that belongs to the start tag at `startPos`.
+/// The position after the end tag that matches the start tag at `startPos`.
 std::optional<size_t> FindElementEnd(string_view text, size_t startPos, string_view startTag,
                                      string_view endTag, const ExtractOptions& options)
 {
@@ -79,7 +79,7 @@ std::string BlankTags(string_view text)
 std::string MakePlain(string_view found, bool tidy)
 {
     std::string plain = ReplaceAll(BlankTags(found), "&nbsp;", " ");
-    // The byte 160 is the tail of many a character in UTF-8.
+    // In UTF-8 the byte 160 is the last byte of many characters.
     plain = ReplaceAll(std::move(plain), IsValidUtf8(found) ? Utf8Nbsp : "\xa0", " ");
     if (!tidy)
         return plain;
@@ -88,18 +88,18 @@ std::string MakePlain(string_view found, bool tidy)
 
 // ---------------------------------------------------------------- GetXmlAttribute
 
-/// The part from `begin` to `end`, or nothing where there is no end.
+/// The part from `begin` to `end`, or nothing if there is no end.
 string_view Between(string_view text, size_t begin, size_t end)
 {
     return end == NotFound ? string_view() : text.substr(begin, end - begin);
 }
 
-/// The value as it stands in the text; `end` is the position behind the name.
+/// The value as written in the text; `end` is the position after the name.
 string_view RawValue(string_view text, size_t nameBegin, size_t end)
 {
     const auto at = [text](size_t place) { return place < text.size() ? text[place] : '\0'; };
     if (at(end) == ':' && at(end + 1) == ' ') {
-        // A style. The order of the marks decides, not their places.
+        // A style. The order of the marks decides, not their positions.
         for (const char mark : {';', '\'', '"', '>'}) {
             const size_t found = text.find(mark, end + 2);
             if (found != NotFound)
@@ -166,7 +166,7 @@ std::string GetXmlAttribute(string_view tagText, string_view name, bool caseSens
 
 QString GetXmlAttribute(QStringView tagText, QStringView name, bool caseSensitive)
 {
-    // Every character that matters is ASCII, so that the detour over UTF-8 changes nothing.
+    // Every relevant character is ASCII, so that the conversion to UTF-8 and back has no effect.
     return QString::fromStdString(
         GetXmlAttribute(EncodeText(tagText, CodePageUtf8), EncodeText(name, CodePageUtf8), caseSensitive));
 }

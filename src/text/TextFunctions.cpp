@@ -9,7 +9,7 @@
 namespace vmk {
 namespace {
 
-// ---------------------------------------------------------------- what byte strings and text have alike
+// ---------------------------------------------------------------- common to byte strings and text
 
 constexpr char SmallLetter(char c)
 {
@@ -44,7 +44,7 @@ size_t FindIgnoringCase(std::string_view text, std::string_view sought, size_t f
     return std::string_view::npos;
 }
 
-/// Position at or behind `from`, or -1.
+/// The position at or after `from`, or -1.
 qsizetype Find(std::string_view text, std::string_view sought, qsizetype from, bool ignoreCase)
 {
     return static_cast<qsizetype>(FindText(text, sought, static_cast<size_t>(from), ignoreCase));
@@ -87,12 +87,12 @@ QString Joined(QStringView first, QStringView second)
 
 // ---------------------------------------------------------------- replacing
 
-/// Closes a text up in its own memory: what is kept moves towards the beginning.
+/// Compacts a text in its own memory: the kept parts move towards the beginning.
 template <typename String>
 class Compaction
 {
 public:
-    /// Everything before `begin` stays.
+    /// Everything before `begin` is unchanged.
     Compaction(String& string, qsizetype begin)
         : text(string)
         , data(string.data())
@@ -165,7 +165,7 @@ String Replace(String text, View sought, View replacement, bool ignoreCase)
 
 // ---------------------------------------------------------------- collapsing
 
-/// Whether an occurrence can overlap the next: the unit begins as it ends.
+/// Whether an occurrence can overlap the next one: the unit begins with a part with which it ends.
 template <typename View>
 bool OverlapsItself(View unit, bool ignoreCase)
 {
@@ -177,8 +177,8 @@ bool OverlapsItself(View unit, bool ignoreCase)
     return false;
 }
 
-/// One pass instead of many, for units that never overlap themselves: then a run is a run, whatever stands
-/// round it, and nothing new comes together when it has become one unit.
+/// One pass instead of many, for units that never overlap themselves: each run is independent of the text
+/// around it, and replacing it by one unit does not create a new run.
 template <typename String, typename View>
 String CollapseRuns(String text, View unit, bool ignoreCase)
 {
@@ -216,7 +216,7 @@ String Collapse(String text, View unit, View separator, bool ignoreCase)
     }
 }
 
-// ---------------------------------------------------------------- looking
+// ---------------------------------------------------------------- searching
 
 template <typename View>
 qsizetype CountIn(View text, View sought, bool ignoreCase)
@@ -235,7 +235,7 @@ constexpr bool IsBlankCharacter(char16_t c)
     return c == 9 || c == 10 || c == 13 || c == 32 || c == 160;
 }
 
-/// Blanks go first, so that an "&nbsp;" with blanks inside counts too.
+/// Blanks are removed first, so that an "&nbsp;" with blanks inside counts too.
 template <typename View, typename ToCode>
 bool IsBlankText(View text, bool countNbsp, ToCode toCode)
 {
@@ -254,7 +254,7 @@ bool IsBlankText(View text, bool countNbsp, ToCode toCode)
 
 // ---------------------------------------------------------------- regular expressions
 
-/// Bytes as the characters of the same numbers, and back.
+/// Converts bytes to the characters with the same numbers, and back.
 QString FromBytes(std::string_view bytes)
 {
     return QString::fromLatin1(bytes.data(), static_cast<qsizetype>(bytes.size()));

@@ -15,7 +15,7 @@ constexpr std::string_view Alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmno
 constexpr uint8_t Padding = 64;
 constexpr uint8_t NoSextet = 255;
 
-/// Results grow by blocks that stay in the nearest cache: a multiple of three bytes and of four characters.
+/// Results grow in blocks that fit the nearest cache: a multiple of three bytes and of four characters.
 constexpr size_t BlockGroups = 4096;
 
 constexpr uint32_t Byte(char c)
@@ -69,10 +69,10 @@ constexpr auto Sextets = [] {
     return sextets;
 }();
 
-/// Set where a character is none of the alphabet; never set by sextets.
+/// Set for a character outside the alphabet; never set by sextets.
 constexpr uint32_t Special = 1U << 31;
 
-/// What a character adds to the 24 bits of its group, for each of the four places.
+/// The bits that a character adds to the 24 bits of its group, for each of the four positions.
 constexpr auto GroupBits = [] {
     std::array<std::array<uint32_t, 256>, 4> bits{};
     for (size_t place = 0; place < bits.size(); ++place) {
@@ -95,7 +95,7 @@ void WriteGroup(uint32_t bits, char* three)
     three[2] = static_cast<char>(bits);
 }
 
-/// Decodes a group that holds padding. Gives the number of bytes that stay, or -1 for a bad character.
+/// Decodes a group with padding. Returns the number of decoded bytes, or -1 for a bad character.
 int DecodeSpecialGroup(const char* four, char* three)
 {
     uint32_t bits = 0;
@@ -109,7 +109,7 @@ int DecodeSpecialGroup(const char* four, char* three)
     return 3 - (four[3] == '=' ? 1 : 0) - (four[2] == '=' ? 1 : 0);
 }
 
-/// Decodes one group of any kind; gives the place behind its last byte, or null for a bad character.
+/// Decodes one group of any kind; returns the position after its last byte, or null for a bad character.
 char* DecodeGroup(const char* four, char* to)
 {
     const uint32_t bits = ReadGroup(four);
@@ -129,7 +129,7 @@ char* DecodeGroups(const char* from, size_t groups, char* to)
         from += 4 * done;
         to += 3 * done;
         groups -= done;
-        // What stopped the registers lies in the next few groups.
+        // The group that stopped the vector loop is one of the next few.
         for (size_t group = std::min(groups, OneByOne); to && group > 0; --group) {
             to = DecodeGroup(from, to);
             from += 4;

@@ -6,15 +6,15 @@
 
 namespace vmk {
 
-/// The bytes as base64 with padding, on a single line. Empty in, empty out.
+/// Returns the bytes as base64 with padding, on a single line; empty for empty data.
 [[nodiscard]] std::string Base64Encode(std::string_view data);
 
-/// The bytes behind base64 text; no value as soon as one character is neither of the alphabet nor "=": blanks
-/// and line ends too, which the caller takes out before.
+/// Decodes base64 text. Returns no value if a character is neither in the alphabet nor "=": this includes
+/// blanks and line ends, which the caller removes first.
 ///
-/// Three oddities are meant. Characters behind the last group of four are dropped. "=" counts as padding at
-/// the third and fourth place of a group only; at the first two it stands for six zero bits. Padding ends its
-/// group and not the text: what follows runs on directly behind, so that two texts can be joined.
+/// Three peculiarities are intended. Characters after the last group of four are ignored. "=" is padding only
+/// at the third and fourth position of a group; at the first two it represents six zero bits. Padding ends
+/// its group and not the text: the next group follows directly, so that two texts can be joined.
 [[nodiscard]] std::optional<std::string> Base64Decode(std::string_view text);
 
 } // namespace vmk

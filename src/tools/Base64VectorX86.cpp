@@ -2,9 +2,9 @@
 
 #include <immintrin.h>
 
-// AVX2 works on 32 characters at a time: 24 bytes, each half of a register holding 12 of them. The sextets
-// are taken apart and put together by multiplications, and characters are told by their two halves of four
-// bits, which a shuffle looks up in a table of sixteen entries.
+// AVX2 works on 32 characters at a time: 24 bytes, 12 in each half of a register. Multiplications split and
+// join the sextets. Characters are classified by their two halves of four bits, which a shuffle looks up in a
+// table of sixteen entries.
 
 namespace vmk {
 namespace {
@@ -23,7 +23,7 @@ bool HasAvx2()
     return _mm256_broadcastsi128_si256(half);
 }
 
-/// 24 bytes in, one sextet in each of 32 bytes out.
+/// Splits 24 bytes into one sextet in each of 32 bytes.
 [[gnu::target("avx2")]] __m256i Split(const char* from)
 {
     const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
@@ -38,7 +38,7 @@ bool HasAvx2()
     return _mm256_or_si256(outer, inner);
 }
 
-/// Sextets to characters: each range of the alphabet has its own distance.
+/// Converts sextets to characters: each range of the alphabet has its own offset.
 [[gnu::target("avx2")]] __m256i ToCharacters(__m256i sextets)
 {
     // 0 for a to z, 1 to 10 for digits, 11 and 12 for + and /, 13 for A to Z.
@@ -51,7 +51,7 @@ bool HasAvx2()
     return _mm256_add_epi8(sextets, _mm256_shuffle_epi8(Twice(distances), range));
 }
 
-/// Bits that both halves of a character share when it is none of the alphabet.
+/// The table bits that both halves of a character share if it is outside the alphabet.
 [[gnu::target("avx2")]] bool AllInAlphabet(__m256i characters, __m256i upperHalves)
 {
     const __m128i byLower = _mm_setr_epi8(0x15, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x13,
@@ -64,7 +64,8 @@ bool HasAvx2()
         != 0;
 }
 
-/// Characters of the alphabet to sextets. "/" shares its upper half with "+" and is set apart.
+/// Converts characters of the alphabet to sextets. "/" shares its upper half with "+" and is handled
+/// separately.
 [[gnu::target("avx2")]] __m256i ToSextets(__m256i characters, __m256i upperHalves)
 {
     const __m128i distances = _mm_setr_epi8(0, 16, 19, 4, -65, -65, -71, -71, 0, 0, 0, 0, 0, 0, 0, 0);
@@ -73,7 +74,7 @@ bool HasAvx2()
     return _mm256_add_epi8(characters, _mm256_shuffle_epi8(Twice(distances), range));
 }
 
-/// Sextets in 32 bytes to 24 bytes at the beginning of the register.
+/// Joins the sextets in 32 bytes to 24 bytes at the beginning of the register.
 [[gnu::target("avx2")]] __m256i Join(__m256i sextets)
 {
     const __m256i twelveBits = _mm256_maddubs_epi16(sextets, _mm256_set1_epi32(0x01400140));
@@ -85,7 +86,7 @@ bool HasAvx2()
 
 [[gnu::target("avx2")]] size_t EncodeByAvx2(const char* from, size_t groups, char* to)
 {
-    // The last load reaches four bytes beyond its own groups.
+    // The last load reads four bytes after its own groups.
     constexpr size_t Beyond = 2;
     size_t done = 0;
     for (; done + GroupsPerStep + Beyond <= groups; done += GroupsPerStep) {

@@ -28,7 +28,7 @@ std::unique_ptr<CommLineInfoF>& TheForm()
     return form;
 }
 
-/// Waits until the window's content is on the screen: what comes next may keep the program busy.
+/// Waits until the window is painted, because the next step may block the event loop.
 void WaitUntilPainted(const QWidget& form)
 {
     constexpr qint64 PatienceMilliseconds = 500;
@@ -62,7 +62,7 @@ CommLineInfoF::CommLineInfoF()
     setObjectName(u"CommLineInfoF"_s);
     setWindowTitle(u" Fiction Book validation result"_s);
     setWindowIcon(QIcon(u":/icons/vellumark.svg"_s));
-    // A report is closed and nothing else: its caption needs the room of the other buttons.
+    // A report can only be closed: its caption needs the space of the other buttons.
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
     setPalette(QPalette(QColor(0xFB, 0xF7, 0xEC)));
     ReportL->setObjectName(u"ReportL"_s);

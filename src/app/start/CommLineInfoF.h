@@ -7,18 +7,18 @@ class QLabel;
 
 namespace vmk {
 
-/// What the size of the report form hangs on, in twips.
+/// The measures that determine the size of the report form, in twips.
 struct ReportMeasures
 {
     float labelWidth = 0;
     float labelHeight = 0;
-    float margin = 0; ///< round the label
+    float margin = 0; ///< around the label
     float edgesX = 0; ///< both vertical edges of the window
     float edgesY = 0; ///< both horizontal edges
     float caption = 0; ///< height of the title bar
 };
 
-/// Twips: the form by its outer rectangle, the label within the client area.
+/// In twips: the outer rectangle of the form, and the label within the client area.
 struct ReportGeometry
 {
     float formWidth = 0;
@@ -27,10 +27,10 @@ struct ReportGeometry
     float labelTop = 0;
 };
 
-/// The form about its label, not smaller than 3500 by 1300 twips, with the label in the middle.
+/// Computes the form around its label, at least 3500 by 1300 twips, with the label in the centre.
 [[nodiscard]] ReportGeometry LayOutReport(const ReportMeasures& measures);
 
-/// The report of a validation from the command line: one label on a small form. One instance at most.
+/// The report of a validation from the command line: one label on a small form. At most one instance.
 class CommLineInfoF : public QDialog
 {
     Q_OBJECT
@@ -38,18 +38,18 @@ class CommLineInfoF : public QDialog
 public:
     ~CommLineInfoF() override;
 
-    /// The form, made when there is none.
+    /// The form; created if it does not exist.
     [[nodiscard]] static CommLineInfoF& Instance();
-    /// The form as it stands; null when there is none.
+    /// The existing form; null if there is none.
     [[nodiscard]] static CommLineInfoF* Existing();
-    /// Takes the form away, if there is one.
+    /// Deletes the form if it exists.
     static void Unload();
 
     /// Shows a text of one or more lines.
     ///
     /// \param newCaption  the form's new caption, if not empty
-    /// \param modal       returns when the user has closed the form; else at once, with the form painted
-    /// \param spare       without effect
+    /// \param modal       returns when the user has closed the form; otherwise at once, with the form painted
+    /// \param spare       unused
     /// \param topmost     keeps the form above all windows
     void ShowActionReport(const QString& text, const QString& newCaption, bool modal, bool spare,
                           bool topmost);

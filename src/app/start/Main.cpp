@@ -17,8 +17,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The program says what it has to say in its windows. Hints of the toolkit are for developers, who get them
-/// by setting the environment variable. Only where the program cannot go on is all of it told.
+/// The program reports in its windows. Messages of the toolkit are for developers, who enable them with the
+/// environment variable. Only a fatal message is always written.
 void KeepToolkitHints()
 {
     if (qEnvironmentVariableIsSet("VELLUMARK_HINTS"))
@@ -38,7 +38,7 @@ void KeepToolkitHints()
 int main(int argc, char* argv[])
 {
     vmk::HoldStandardHandles();
-    // An edited book must outlive a failed save, and a terminal that is gone.
+    // An edited book must survive a failed save and a closed terminal.
     vmk::SurviveFileSizeLimit();
     vmk::SurviveBrokenPipes();
     KeepToolkitHints();
@@ -46,7 +46,7 @@ int main(int argc, char* argv[])
     QApplication::setDesktopFileName(u"vellumark"_s);
     const QApplication application(argc, argv);
     QApplication::setWindowIcon(QIcon(u":/icons/vellumark.svg"_s));
-    // The main window ends the program, whatever other windows stand open; a box on its own does not.
+    // Closing the main window ends the program, even if other windows are open; closing a box does not.
     QApplication::setQuitOnLastWindowClosed(false);
     vmk::FillWidgetSeams();
 
@@ -58,7 +58,7 @@ int main(int argc, char* argv[])
         mainWindow->Load();
     });
 
-    // The toolkit has taken its own options out of the arguments.
+    // The toolkit has removed its own options from the arguments.
     const QString commandText = vmk::CommandText(QApplication::arguments().mid(1));
     const int result = vmk::RunStart(commandText) ? QApplication::exec() : 0;
     vmk::CommLineInfoF::Unload();

@@ -20,7 +20,7 @@ namespace vmk {
 
 namespace {
 
-/// An existing book by its full path, which stays right when the current folder changes.
+/// The full path of an existing book, which remains valid when the current folder changes.
 QString FullPath(const QString& path)
 {
     return FileExists(path) ? QFileInfo(path).absoluteFilePath() : path;
@@ -31,7 +31,7 @@ void ShowReport(const QString& text, bool modal)
     CommLineInfoF::Instance().ShowActionReport(text, QString(), modal, false, true);
 }
 
-/// "file not found" in a box; ends the process.
+/// Shows "file not found" in a box and ends the process.
 void RefuseMissingFile(const QString& path)
 {
     StopBox(u"file not found"_s, u"VMK: "_s + FileOperation(NameMode, path));
@@ -96,7 +96,7 @@ bool RunStart(const QString& commandText)
     case StartCourse::ValidateBook:
         if (!ValidateFromCommandLine(FullPath(order.path)))
             return false;
-        // Set only here: the book is on its way by now, and its completion reads the flag.
+        // Set only here: the book is loading by now, and its completion reads the flag.
         ValidateAfterLoad = true;
         return true;
     }
@@ -114,7 +114,7 @@ bool LoadFromCommandLine(const QString& path, bool quiet)
                 OpenMainWindowSeam()();
             LoadBookSeam()(path, true);
         }
-        // A refused file leaves the open window as it is; where there is none, nothing is left to go on.
+        // A refused file leaves an open window unchanged; without a window, the program has nothing to do.
         return passed || !quiet;
     }
 
