@@ -127,20 +127,20 @@ const Command ConvertCommand
     = {"convert", "load a book and save it in another encoding or layout",
        R"(usage: vmk convert BOOK --out FILE [--encoding NAME] [--style STYLE] [--input-encoding NAME]
 
-Loads BOOK and saves it as the editor does, unedited: the program is named in its description, line ends in
-the text vanish, runs of blanks shrink to one.
+Loads BOOK and saves it as the editor does without an edit: adds the program to its description, removes line
+ends in the text, and shortens runs of blanks to one.
 
-  --out FILE             the file to write, replaced whole or not at all; may be BOOK itself
+  --out FILE             the file to write, replaced completely or not at all; may be BOOK
   --encoding NAME        original (default), windows-1251, windows-1252, windows-1250 or utf-8
   --style STYLE          compact (one line), "line ends" (one element per line) or "tags tree"
                          (indented; default)
-  --input-encoding NAME  read BOOK in this encoding, one of those above or unicode, whatever it declares
+  --input-encoding NAME  read BOOK in this encoding (one of the above, or unicode) instead of the declared one
   --help                 show this text
 
-A book that is not well-formed is saved without indentation, and a line on standard error says so. An empty
-book, and one that cannot be read without loss (UTF-16 with other than ASCII characters), is refused.
+A book that is not well-formed is saved without indentation and reported on standard error. An empty book, and
+a book that cannot be read without loss (UTF-16 with other than ASCII characters), is refused.
 
-Exit status: 0 the file was written, 2 wrong use, or a file that cannot be read or written.
+Exit status: 0 the file was written, 2 wrong usage, or a file that cannot be read or written.
 )",
        RunConvert};
 

@@ -49,7 +49,7 @@ bool TakeSettings(const QString& record)
     const FileContent content = ReadContent(record);
     QString problem = ReadFailureText(content);
     if (problem.isEmpty() && !DecodeSettings(content.bytes))
-        problem = u"is no settings record"_s;
+        problem = u"not a settings record"_s;
     if (!problem.isEmpty()) {
         PrintErrorLine(u"vmk: "_s + ShownName(record) + u": "_s + problem);
         return false;
@@ -84,18 +84,18 @@ int RunDisplay(const QStringList& arguments)
 
 } // namespace
 
-const Command DisplayCommand = {"display", "write the page that the editor shows of a book",
+const Command DisplayCommand = {"display", "write the page that the editor shows for a book",
                                 R"(usage: vmk display BOOK [--out PAGE] [--settings RECORD]
 
-Writes the page that the editor would show of BOOK, in UTF-8.
+Writes the page that the editor shows for BOOK, in UTF-8.
 
-  --out PAGE         write to this file, replaced whole or not at all, in place of standard output
-  --settings RECORD  take this settings record of the editor in place of its default settings
+  --out PAGE         write to this file, replaced completely or not at all, instead of standard output
+  --settings RECORD  use this settings record of the editor instead of the default settings
   --help             show this text
 
-A book that is not well-formed is shown without indentation, and a line on standard error says so.
+A book that is not well-formed is shown without indentation and reported on standard error.
 
-Exit status: 0 the page was written, 2 wrong use, or a file that cannot be read or written.
+Exit status: 0 the page was written, 2 wrong usage, or a file that cannot be read or written.
 )",
                                 RunDisplay};
 

@@ -173,19 +173,19 @@ const Command ValidateCommand
     = {"validate", "check books against the schema, or for well-formedness and namespaces",
        R"(usage: vmk validate [--against schema|namespace] [--schema FILE] [--json] [--jobs N] BOOK...
 
-Checks each BOOK ("-": standard input) and writes one line for it:
+Checks each BOOK ("-" is standard input) and writes one line for it:
 
   BOOK: No errors (against schema)
   BOOK:LINE:COLUMN: Error against schema. REASON
 
   --against schema      check against the schema (default)
   --against namespace   check only that the book is well-formed and declares its prefixes
-  --schema FILE         the schema, in place of FictionBook.xsd of the workspace
+  --schema FILE         the schema, instead of FictionBook.xsd of the workspace
   --json                write one JSON object for each book
-  --jobs N              check N books at a time; results stay in order
+  --jobs N              check N books at a time; the results keep their order
   --help                show this text
 
-Exit status: 0 no errors, 1 errors in a book, 2 wrong use or a file that cannot be read.
+Exit status: 0 no errors, 1 errors in a book, 2 wrong usage or a file that cannot be read.
 )",
        RunValidate};
 

@@ -27,7 +27,7 @@ QString GeneralHelp()
         text += u"  "_s + QString::fromLatin1(command->name).leftJustified(12)
             + QString::fromLatin1(command->summary) + u'\n';
     return text
-        + u"\n  vmk COMMAND --help   tells more of a command\n"
+        + u"\n  vmk COMMAND --help   shows the help of a command\n"
           u"  vmk --version        shows the version"_s;
 }
 

@@ -83,7 +83,7 @@ TEST_F(Convert, DisplayTakesASettingsRecordAndLeavesItAlone)
 TEST_F(Convert, ADamagedSettingsRecordIsRefusedAndKept)
 {
     const std::string record = write("vellumark.ini", "xy");
-    expectRefusal({"display", write("book.fb2", Book), "--settings", record}, "is no settings record");
+    expectRefusal({"display", write("book.fb2", Book), "--settings", record}, "not a settings record");
     EXPECT_EQ(read("vellumark.ini"), "xy");
 }
 
