@@ -59,8 +59,8 @@ constexpr HighHalf Page1252 = {
     0x00f5, 0x00f6, 0x00f7, 0x00f8, 0x00f9, 0x00fa, 0x00fb, 0x00fc, 0x00fd, 0x00fe, 0x00ff,
 };
 
-// Nearest characters where decomposition does not tell them, sorted by the left side. The right side may need
-// a substitute itself, so that one entry serves pages that differ.
+// The nearest characters where decomposition does not find them, sorted by the left side. The right side may
+// need a substitute itself, so that one entry serves different pages.
 constexpr std::pair<char16_t, char16_t> Nearest[] = {
     {0x00a1, u'!'},   {0x00a2, u'c'},   {0x00a3, u'L'},   {0x00a5, u'Y'},   {0x00af, u'-'},
     {0x00b4, 0x2019}, {0x00b8, u','},   {0x00c6, u'A'},   {0x00d0, 0x0110}, {0x00d7, u'x'},
@@ -86,8 +86,8 @@ constexpr std::pair<char16_t, char16_t> Nearest[] = {
 };
 static_assert(std::is_sorted(std::begin(Nearest), std::end(Nearest)));
 
-/// The only character left of a decomposition once its accents are dropped, or 0. A stroke through a sign
-/// (U+0338, as in "not equal") is no accent: without it the sign would say the opposite.
+/// The only character that remains of a decomposition without its accents, or 0. A stroke through a sign
+/// (U+0338, as in "not equal") is not an accent: without it the sign would mean the opposite.
 char16_t BaseCharacter(char16_t unit)
 {
     constexpr char16_t LongStroke = 0x0338;
@@ -117,13 +117,13 @@ bool IsMarkUpCharacter(char16_t c)
     return c == u'<' || c == u'>' || c == u'&' || c == u'"' || c == u'\'';
 }
 
-/// Letters of East Asia, surrogates and private characters: none resembles a character of the pages.
+/// East Asian letters, surrogates and private-use characters: none resembles a character of the pages.
 bool ResemblesNothing(size_t unit)
 {
     return unit >= 0x3400 && unit < 0xf900;
 }
 
-/// Writes a character's UTF-8 form and returns its length.
+/// Writes a character as UTF-8 and returns its length in bytes.
 size_t WriteUtf8(char32_t c, char* to)
 {
     const auto trail = [c](int shift) { return static_cast<char>(0x80 | (c >> shift & 0x3f)); };
@@ -142,14 +142,14 @@ size_t WriteUtf8(char32_t c, char* to)
     return 3;
 }
 
-/// A single-byte page prepared for conversion both ways.
+/// A single-byte page prepared for conversion in both directions.
 struct Page
 {
     const HighHalf& high;
-    /// Of each byte: its UTF-8 form, padded to four bytes, and the form's length.
+    /// For each byte: its UTF-8 form, padded to four bytes, and the length of the form.
     std::array<std::array<char, 4>, 256> utf8{};
     std::array<uint8_t, 256> utf8Length{};
-    /// Of each UTF-16 code unit: its byte or its substitute.
+    /// For each UTF-16 code unit: its byte or its substitute.
     std::vector<char> byteOfUnit;
 
     explicit Page(const HighHalf& highHalf);
@@ -215,7 +215,7 @@ int KnownCodePage(int codePage)
     }
 }
 
-/// The prepared page, or null for UTF-8 and UTF-16. Each is made when first wanted.
+/// The prepared page, or null for UTF-8 and UTF-16. Each is created on first use.
 const Page* SingleBytePage(int codePage)
 {
     switch (KnownCodePage(codePage)) {
@@ -247,7 +247,7 @@ bool IsAscii(const char* eight)
     return (word & 0x8080808080808080U) == 0;
 }
 
-/// Length of the ASCII run at the beginning, counted in whole steps of 16; the rest is for the caller.
+/// The length of the initial ASCII run in whole steps of 16; the caller handles the rest.
 size_t AsciiRun(const char* from, const char* end)
 {
     const char* at = from;
@@ -259,11 +259,11 @@ size_t AsciiRun(const char* from, const char* end)
 struct Utf8Character
 {
     char32_t character;
-    /// In bytes; 0 for a byte that belongs to no character.
+    /// In bytes; 0 for a byte that is not part of a character.
     size_t length;
 };
 
-/// The character of two to four bytes at `from`.
+/// Reads a character of two to four bytes at `from`.
 Utf8Character ReadUtf8(const char* from, const char* end)
 {
     const auto byte = [from](size_t at) { return static_cast<unsigned char>(from[at]); };
@@ -315,9 +315,9 @@ size_t ValidCharacters(std::string_view bytes)
     return static_cast<size_t>(from - bytes.data());
 }
 
-/// What may follow, as an automaton over the bytes of UTF-8. A state is the place of its successor in a
-/// byte's word, so that a step is one shift and no branch: text that mixes scripts would have every other one
-/// guessed wrong.
+/// The valid successors of a byte, as an automaton over the bytes of UTF-8. A state is the bit position of
+/// its successor in a byte's word, so that a step is one shift without a branch: in text that mixes scripts,
+/// about half of such branches would be mispredicted.
 enum Utf8State : unsigned int
 {
     CharacterEnd = 0,
@@ -344,7 +344,7 @@ constexpr Utf8State StateBehindLead(unsigned int byte)
     return byte == 0xF0 ? BehindF0 : byte == 0xF4 ? BehindF4 : ThreeMore;
 }
 
-/// The state behind `byte` where it must be from `first` to `last`.
+/// The state after `byte`, which must be from `first` to `last`.
 constexpr Utf8State StateWithin(unsigned int byte, unsigned int first, unsigned int last, Utf8State then)
 {
     return byte >= first && byte <= last ? then : BadUtf8;
@@ -368,7 +368,7 @@ constexpr std::array<uint64_t, 256> MakeUtf8Steps()
     return steps;
 }
 
-/// Output grows by blocks that stay in the nearest cache.
+/// Output grows in blocks that fit the nearest cache.
 constexpr size_t BlockSize = 16'384;
 
 std::string PageToUtf8(std::string_view bytes, const Page& page)
@@ -386,7 +386,7 @@ std::string PageToUtf8(std::string_view bytes, const Page& page)
             std::memcpy(to, from, plain);
             from += plain;
             to += plain;
-            // Always four bytes are written, of which the next character takes back what is too much.
+            // Always writes four bytes; the next character overwrites the unused ones.
             for (const char* const stop = std::min(from + 16, end); from != stop; ++from) {
                 const auto byte = static_cast<unsigned char>(*from);
                 std::memcpy(to, page.utf8[byte].data(), 4);
@@ -413,7 +413,7 @@ std::string Utf8ToPage(std::string_view utf8, const Page& page)
         to += plain;
         while (from != end && static_cast<unsigned char>(*from) < 0x80)
             *to++ = *from++;
-        // Two-byte characters, the bulk of a Cyrillic book.
+        // Two-byte characters, most of a Cyrillic book.
         while (end - from >= 2 && static_cast<unsigned char>(from[0]) - 0xc2U < 0x1eU
                && (from[1] & 0xc0) == 0x80) {
             *to++ = units[(from[0] & 0x1f) << 6 | (from[1] & 0x3f)];
@@ -550,7 +550,8 @@ size_t ValidUtf8Prefix(std::string_view bytes)
     constexpr uint64_t StateMask = 63;
     constexpr size_t SmallestBlock = 16;
     constexpr size_t LargestBlock = 256;
-    // Blocks grow, so that a call costs what it finds; what is wrong within one is found byte by byte.
+    // Blocks grow, so that the cost of a call depends on its result; within a block with an error, the
+    // position is found byte by byte.
     size_t valid = 0; // up to the end of a character
     uint64_t state = CharacterEnd;
     size_t block = SmallestBlock;

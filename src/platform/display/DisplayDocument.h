@@ -11,19 +11,19 @@
 #include <memory>
 #include <vector>
 
-/// The display document: the page that a book is edited in, without a window.
+/// The display document: the page in which a book is edited, without a window.
 ///
-/// A document is a list of lines. A line is immutable: its block's start tag, its text, and the marks, that
-/// is the in-line start and end tags at their places in the text. Every change, whoever asks for it,
-/// computes new lines and hands them to the one mutation, `splice`. `splice` records the undo step (lines
-/// before and after: two lists of pointers), carries the live ranges and the selection along, and tells the
-/// listener which lines changed. Undo puts the old pointers back.
+/// A document is a list of lines. A line is immutable. It consists of the start tag of its block, its text,
+/// and its marks: the in-line start and end tags at their positions in the text. Every change computes new
+/// lines and passes them to the only mutation, `splice`. `splice` records the undo step (the lines before and
+/// after, as two lists of pointers), moves the live ranges and the selection, and notifies the listener of
+/// the changed lines. Undo restores the old pointers.
 ///
-/// Places are counted in UTF-16 units of a line's text; between two lines lies a line break, which counts
-/// as one character. No place ever lies inside a surrogate pair. A line's marks are always properly nested
-/// and closed within the line, so that a line means the same wherever it stands.
+/// Positions are counted in UTF-16 units of a line's text. Between two lines is a line break, which counts as
+/// one character. No position is inside a surrogate pair. The marks of a line are always properly nested and
+/// closed within the line, so that the meaning of a line does not depend on the lines around it.
 ///
-/// What needs a layout (rectangles, points) is asked through `LayoutQuery`, which the view implements.
+/// Queries that need a layout (rectangles, points) use `LayoutQuery`, which the view implements.
 namespace vmk {
 
 class TextRange;
@@ -31,12 +31,12 @@ class DisplayElement;
 class LayoutQuery;
 struct CommonEnds;
 
-/// An in-line start or end tag in front of the character at `pos`.
+/// An in-line start or end tag before the character at `pos`.
 struct Mark
 {
     std::int32_t pos = 0; ///< Offset in the line's text, 0 to its length.
     std::uint32_t open : 1 = 0; ///< 1 for a start tag, 0 for an end tag.
-    std::uint32_t tag : 31 = 0; ///< `TagId`; an end tag carries the number of its start tag.
+    std::uint32_t tag : 31 = 0; ///< `TagId`; an end tag has the number of its start tag.
 
     [[nodiscard]] static Mark opening(int pos, TagId tag) { return {pos, 1, tag & 0x7FFFFFFF}; }
     [[nodiscard]] static Mark closing(int pos, TagId tag) { return {pos, 0, tag & 0x7FFFFFFF}; }
@@ -47,17 +47,17 @@ struct Mark
     }
 };
 
-/// One line of the page: the block `<DIV …>` that holds it, its text, its in-line tags in order.
+/// One line of the page: its block `<DIV …>`, its text, and its in-line tags in order.
 struct Line
 {
-    TagId block = NoTag; ///< `NoTag` only in a document without any content, on its one empty line.
-    QString text; ///< Never holds CR or LF.
+    TagId block = NoTag; ///< `NoTag` only for the one empty line of a document without content.
+    QString text; ///< Never contains CR or LF.
     std::vector<Mark> marks; ///< Ascending by `pos`, properly nested, all closed.
 
     friend bool operator==(const Line&, const Line&) = default;
 };
 
-/// A place between two characters: line from 0, offset in its text from 0 to its length.
+/// A position between two characters: line from 0, offset in its text from 0 to its length.
 struct Position
 {
     int line = 0;
@@ -66,15 +66,15 @@ struct Position
     friend auto operator<=>(const Position&, const Position&) = default;
 };
 
-/// A place in a line between two marks, or between a mark and a character: in front of the character at
-/// `offset` and of the mark with index `mark`, behind all earlier ones.
+/// A position in a line between two marks, or between a mark and a character: before the character at
+/// `offset` and the mark with index `mark`, after all earlier ones.
 struct Cut
 {
     int offset = 0;
     std::size_t mark = 0;
 };
 
-/// What is selected. The caret stands at `focus`; equal ends are a bare caret.
+/// The selection. The caret is at `focus`; with equal ends there is only a caret.
 struct Selection
 {
     Position anchor;
@@ -86,32 +86,32 @@ struct Selection
     friend bool operator==(const Selection&, const Selection&) = default;
 };
 
-/// How an edit moves places: the text from `from` to `oldEnd` was replaced by one that ends at `newEnd`.
-/// Places before `from`, and at it, stay; places behind `oldEnd`, and at it, move along; those between
-/// fall to `from`.
+/// Maps positions across an edit that replaces the text from `from` to `oldEnd` by a text that ends at
+/// `newEnd`. Positions up to and including `from` are unchanged, positions from `oldEnd` on move with the
+/// text, and positions in between become `from`.
 struct EditMap
 {
     Position from;
     Position oldEnd;
     Position newEnd;
-    bool inFront = false; ///< Whole lines were put in front of `from`, whose place moves along with its line.
+    bool inFront = false; ///< Whole lines were inserted before `from`, which moves with its line.
 
     [[nodiscard]] Position operator()(Position place) const;
     [[nodiscard]] EditMap inverse() const { return {from, newEnd, oldEnd, false}; }
 };
 
-/// The view's ear at the document. Calls come after the fact, in the order of the changes; a listener must
-/// not change the document from within.
+/// Observes the changes of a document. Called after each change, in the order of the changes. A listener must
+/// not change the document during a call.
 class DisplayListener
 {
 public:
-    /// The lines `removed`, from line `first` on, gave way to `inserted` in the same place.
+    /// The lines `removed`, from line `first` on, were replaced by `inserted`.
     virtual void linesChanged(int first, const std::vector<LinePtr>& removed,
                               const std::vector<LinePtr>& inserted)
         = 0;
-    /// The selection or the caret stands elsewhere; also called after an edit that carried it along.
+    /// The selection or the caret has moved; also called after an edit that moved it.
     virtual void selectionChanged() = 0;
-    /// Another page was loaded: head, body tag and all lines are new.
+    /// A new page was loaded: head, body tag and all lines are new.
     virtual void documentReset() = 0;
 
 protected:
@@ -121,7 +121,7 @@ protected:
 class DisplayDocument
 {
 public:
-    /// An empty page: one empty line without a block.
+    /// Creates an empty page: one empty line without a block.
     DisplayDocument();
     ~DisplayDocument();
     DisplayDocument(const DisplayDocument&) = delete;
@@ -129,102 +129,105 @@ public:
 
     // ---- pages
 
-    /// Takes over a page, from the bytes of its file (UTF-8, or UTF-16 with a byte order mark). Any bytes
-    /// do; text is never dropped. Undo, redo and selection start afresh; live ranges go to the start.
+    /// Loads a page from the bytes of its file (UTF-8, or UTF-16 with a byte order mark). Any bytes are
+    /// accepted; text is never lost. Clears undo, redo and selection, and moves live ranges to the start.
     void loadPage(const QByteArray& html);
-    /// The whole page as a browser saves it, in UTF-8: head and body tag as loaded, lines in canonical form.
+    /// Returns the whole page as a browser saves it, in UTF-8: head and body tag as loaded, lines in
+    /// canonical form.
     [[nodiscard]] QByteArray savePage() const;
-    /// What a saved page begins with: all up to its first line.
+    /// Returns the beginning of a saved page, up to its first line.
     [[nodiscard]] QByteArray pageFront() const;
-    /// All of the page in front of its body's start tag, as loaded: style rules stand here.
+    /// The part of the page before the start tag of its body, as loaded. It contains the style rules.
     [[nodiscard]] const QString& head() const { return pageHead; }
-    /// The body's start tag; a bare `BODY` when the page has none.
+    /// The start tag of the body; a plain `BODY` if the page has none.
     [[nodiscard]] TagId bodyTag() const { return pageBody; }
 
     // ---- lines
 
     [[nodiscard]] int lineCount() const { return lines.size(); }
-    /// @param index 0 to `lineCount() - 1`.
+    /// \param index  0 to `lineCount() - 1`
     [[nodiscard]] const Line& line(int index) const { return *lines[index]; }
     [[nodiscard]] const LinePtr& linePtr(int index) const { return lines[index]; }
     [[nodiscard]] TagTable& tags() { return tagTable; }
     [[nodiscard]] const TagTable& tags() const { return tagTable; }
     [[nodiscard]] Position end() const;
-    /// The nearest place that exists: inside the document, not inside a surrogate pair.
+    /// Returns the nearest valid position: inside the document, not inside a surrogate pair.
     [[nodiscard]] Position valid(Position place) const;
-    /// How many characters stand in front of a place, a line break counting as one.
+    /// Returns the number of characters before a position; a line break counts as one.
     [[nodiscard]] qint64 characterIndex(Position place) const;
-    /// The place with that many characters in front of it; too small or large goes to the start or the end.
+    /// Returns the position after that many characters; the start or the end if the number is too small or
+    /// large.
     [[nodiscard]] Position positionAt(qint64 characterIndex) const;
 
     // ---- selection
 
     [[nodiscard]] const Selection& selection() const { return currentSelection; }
-    /// Moves caret and selection; places that do not exist go to the nearest one. Ends a typing run.
+    /// Moves caret and selection; invalid positions are moved to the nearest valid one. Ends a typing run.
     void setSelection(Position anchor, Position focus);
 
-    // ---- editing by key, at the selection; each call is one undo step, but for a run of typing
+    // ---- editing by key, at the selection; each call is one undo step, except in a run of typing
 
-    /// Puts typed text in the selection's place, within the in-line elements around it. Calls in a row are
-    /// one undo step until the caret is moved or something else is done.
+    /// Replaces the selection by typed text, within the in-line elements around it. Consecutive calls are one
+    /// undo step until the caret is moved or another operation follows.
     void typeText(const QString& text);
-    /// Enter: splits the line; both halves have its block tag, an `id` stays with the first.
+    /// Enter: splits the line. Both halves have its block tag; an `id` remains with the first.
     void insertLineBreak();
-    /// Backspace: the selection, else the character or line break in front of the caret.
+    /// Backspace: deletes the selection, otherwise the character or line break before the caret.
     void deleteBackward();
-    /// Delete: the selection, else the character or line break behind the caret.
+    /// Delete: deletes the selection, otherwise the character or line break after the caret.
     void deleteForward();
-    /// Takes the selected text out as `deleteRange` does; nothing happens at a bare caret.
+    /// Deletes the selected text as `deleteRange` does. Without a selection, does nothing.
     void deleteSelection();
 
     // ---- editing anywhere; each call is one undo step
 
     /// Replaces text. CrLf, CR and LF in the new text are line breaks; new lines take the block tag of the
-    /// line that they split. Elements around all of the old text go on around the new one.
-    /// @return the place behind the new text.
+    /// line that they split. Elements around all of the old text continue around the new text.
+    /// \return the position after the new text
     Position replaceText(Position from, Position to, const QString& text);
-    /// Takes text out, with the in-line elements that it leaves empty. Several whole lines go as lines.
-    /// @return the place where the text was.
+    /// Deletes text, and the in-line elements that become empty. Several whole lines are deleted as lines.
+    /// \return the position of the deleted text
     Position deleteRange(Position from, Position to);
-    /// Puts HTML in the place of a range. Text outside blocks joins what stands beside the range. Blocks
-    /// become lines of their own; but when the range reaches over a line break, its ends were parts of
-    /// lines, and the first and last block join what is left of these: a range's own HTML put in its place
-    /// gives the same text again (an in-line element that the range cuts is two elements then).
-    /// @return the place behind what was put in.
+    /// Replaces a range by HTML. Text outside blocks is joined to the text next to the range. Blocks become
+    /// separate lines, with one exception: if the range contains a line break, its ends were parts of lines,
+    /// and the first and last block are joined to the rest of these lines. Replacing a range by its own HTML
+    /// therefore keeps the text (an in-line element that the range cuts becomes two elements).
+    /// \return the position after the inserted content
     Position replaceHtml(Position from, Position to, QStringView html);
-    /// The same between two cuts of one line, for what is addressed by its tags: an in-line element.
+    /// The same between two cuts of one line; for content addressed by its tags, such as an in-line element.
     Position replaceHtml(int line, Cut from, Cut to, QStringView html);
-    /// Puts the lines of some HTML between two lines.
-    /// @param line they go in front of this line, 0 to `lineCount()`; the one empty line of an empty
-    ///     document gives way to them.
+    /// Inserts the lines of a piece of HTML.
+    /// \param line  the lines are inserted before this line, 0 to `lineCount()`; they replace the one empty
+    ///              line of an empty document
     void insertLines(int line, QStringView html);
-    /// Replaces lines by those of some HTML; empty HTML takes the lines out.
+    /// Replaces lines by those of a piece of HTML; empty HTML removes the lines.
     void replaceLines(int first, int count, QStringView html);
-    /// Puts an element around the text between two places, line by line.
+    /// Puts an element around the text between two positions, line by line.
     void wrapRange(Position from, Position to, TagId tag);
-    /// Gives a line another block tag.
+    /// Sets the block tag of a line.
     void setBlock(int line, TagId block);
 
     // ---- undo
 
-    /// Takes the last step back and restores the selection in front of it. @return false when there is none.
+    /// Reverts the last step and restores the selection before it. Returns false if there is none.
     bool undo();
-    /// Does the step taken back last again. @return false when there is none.
+    /// Repeats the last reverted step. Returns false if there is none.
     bool redo();
     [[nodiscard]] bool canUndo() const { return undoSteps > 0; }
     [[nodiscard]] bool canRedo() const { return undoSteps < steps.size(); }
 
     // ---- the one mutation
 
-    /// Replaces lines and does all that hangs on it: undo step, live ranges, selection, listener.
-    /// @param first line from 0.
-    /// @param removed how many lines go, 0 and up.
-    /// @param inserted the lines that take their place; an empty document keeps one empty line.
-    /// @param map how places move, in document positions before and after.
-    /// Lines whose block is `NoTag` become `DIV` lines, and so do rules (`HR`) with content.
+    /// Replaces lines and updates the undo step, the live ranges, the selection and the listener.
+    /// \param first     the first line, from 0
+    /// \param removed   the number of removed lines, from 0
+    /// \param inserted  the new lines; an empty document keeps one empty line
+    /// \param map       maps positions before the change to positions after it
+    ///
+    /// Lines with the block `NoTag` become `DIV` lines, and so do rules (`HR`) with content.
     void splice(int first, int removed, std::vector<LinePtr> inserted, const EditMap& map);
 
-    /// Splices made while one of these lives are one undo step.
+    /// All splices during the lifetime of a group are one undo step.
     class EditGroup
     {
     public:
@@ -237,21 +240,21 @@ public:
         DisplayDocument& document;
     };
 
-    /// One listener at a time; null for none. Not owned.
+    /// At most one listener; null for none. Not owned.
     void setListener(DisplayListener* newListener) { listener = newListener; }
-    /// The laid-out page behind ranges and elements; null while no view shows the document. Not owned.
+    /// The laid-out page for ranges and elements; null while no view shows the document. Not owned.
     void setLayout(LayoutQuery* newLayout) { pageLayout = newLayout; }
     [[nodiscard]] LayoutQuery* layout() const { return pageLayout; }
 
 private:
-    /// Lines `first`…, before and after one splice.
+    /// The lines from `first` on before and after one splice.
     struct Change
     {
         int first;
         std::vector<LinePtr> before;
         std::vector<LinePtr> after;
         EditMap map;
-        /// What very long lines share on both sides and so do not hold; null while the lines are whole.
+        /// The common ends of very long lines, which are stored only once; null if the lines are complete.
         std::unique_ptr<const CommonEnds> sharedEnds;
     };
     struct UndoStep
@@ -259,7 +262,7 @@ private:
         std::vector<Change> changes;
         Selection selectionBefore;
         Selection selectionAfter;
-        bool typing = false; ///< A run of typing that the next typed character may join.
+        bool typing = false; ///< A run of typing that the next typed character continues.
     };
 
     friend class TextRange;
@@ -287,12 +290,12 @@ private:
     DisplayListener* listener = nullptr;
     LayoutQuery* pageLayout = nullptr;
     std::vector<UndoStep> steps;
-    std::size_t undoSteps = 0; ///< Steps that are done; those behind can be redone.
+    std::size_t undoSteps = 0; ///< The number of executed steps; those after it can be redone.
     std::vector<TextRange*> liveRanges;
-    mutable std::vector<qint64> lineStarts; ///< Character index of each line's start, as far as known.
+    mutable std::vector<qint64> lineStarts; ///< The character index of each line's start, as far as known.
     mutable int knownLineStarts = 0;
     int groupDepth = 0;
-    bool stepOpen = false; ///< The group running has its undo step already.
+    bool stepOpen = false; ///< The current group already has its undo step.
 };
 
 } // namespace vmk

@@ -8,47 +8,48 @@
 
 namespace vmk {
 
-/// An element of the page as the editing logic addresses it: a line's block, or an in-line element that was
-/// found by its identifier. Good until the document changes; a line's element then stands for whatever line
-/// has its place, and one whose place is gone changes nothing but for `insertAdjacentHTML`, which goes to
-/// the end of the document.
+/// An element of the page as the editing code addresses it: the block of a line, or an in-line element that
+/// was found by its identifier. Valid until the document changes. After a change, a line's element refers to
+/// the line that now has its index. If there is no such line, operations do nothing, except for
+/// `insertAdjacentHTML`, which inserts at the end of the document.
 class DisplayElement
 {
 public:
-    /// Stands for no element.
+    /// Refers to no element.
     DisplayElement() = default;
     /// The block of a line, from 0.
     DisplayElement(DisplayDocument& ofDocument, int ofLine);
-    /// An in-line element: the start tag that is a line's mark.
+    /// An in-line element: the start tag at a mark of a line.
     DisplayElement(DisplayDocument& ofDocument, int ofLine, std::size_t ofMark);
 
     [[nodiscard]] bool exists() const;
     /// From 0.
     [[nodiscard]] int line() const { return lineIndex; }
-    /// The node index: the line's ordinal from 1, for an in-line element that of its line; -1 for none.
+    /// The node index: the number of the line from 1 (for an in-line element, of its line); -1 for no
+    /// element.
     [[nodiscard]] int sourceIndex() const { return exists() ? lineIndex + 1 : -1; }
-    /// The tag's name in capitals.
+    /// The name of the tag in upper case.
     [[nodiscard]] QString nodeName() const;
     [[nodiscard]] QString id() const;
     void setId(const QString& id);
     [[nodiscard]] QString className() const;
-    /// The value of an attribute; null when the element does not have it.
+    /// The value of an attribute; null if the element does not have it.
     [[nodiscard]] QString getAttribute(QStringView name) const;
-    /// The left margin of a line's style, in pixels; 0 when it has none.
+    /// The left margin in the style of a line, in pixels; 0 if it has none.
     [[nodiscard]] int marginLeft() const;
-    /// Sets the style's left margin in pixels, the rest of the style stays.
+    /// Sets the left margin in the style, in pixels; the rest of the style is unchanged.
     void setMarginLeft(int pixels);
-    /// The text within, without mark-up.
+    /// The text of the element, without mark-up.
     [[nodiscard]] QString innerText() const;
     [[nodiscard]] QString outerHTML() const;
-    /// Replaces the element by HTML; "" removes it. A line that goes leaves its place to the next one.
+    /// Replaces the element by HTML; "" removes it. The next line takes the index of a removed line.
     void setOuterHTML(const QString& html);
-    /// @param where "beforeBegin" or "afterEnd", in any case; others do nothing.
+    /// \param where  "beforeBegin" or "afterEnd", in any case; other values do nothing
     void insertAdjacentHTML(QStringView where, const QString& html);
-    /// Needs a view.
+    /// Requires a view.
     void scrollIntoView() const;
 
-    /// The text of the element as a pair of places.
+    /// The start and the end of the element's text.
     [[nodiscard]] Position contentStart() const;
     [[nodiscard]] Position contentEnd() const;
 

@@ -4,32 +4,32 @@
 
 #include <cstddef>
 
-/// What the elements of HTML are to the display.
+/// The meaning of HTML elements for the display.
 namespace vmk {
 
 enum class ElementKind : unsigned char
 {
-    Inline, ///< Kept as a pair of marks.
+    Inline, ///< Stored as a pair of marks.
     Void, ///< In-line, without content: `IMG`.
     Block, ///< Begins a line; without content it is an empty line.
-    Container, ///< Holds blocks; text of its own begins a line, but it is no line when empty.
+    Container, ///< Contains blocks. Its direct text begins a line; without content it is not a line.
     Break, ///< `BR`.
     Rule, ///< `HR`: a line without text.
-    Dropped, ///< `SCRIPT`, `STYLE`, `TITLE`: goes with its content.
+    Dropped, ///< `SCRIPT`, `STYLE`, `TITLE`: removed with the content.
     Head,
     Body,
-    Ignored, ///< `HTML`, `META`, `LINK`: only the tag goes.
+    Ignored, ///< `HTML`, `META`, `LINK`: only the tag is removed.
 };
 
-/// How deep in-line elements nest within a line; deeper ones do not count, neither read nor put in by an
-/// edit.
+/// The maximum nesting of in-line elements within a line. Deeper elements are ignored at reading and at
+/// editing.
 inline constexpr std::size_t MaxInlineDepth = 256;
 
-/// @param name in capitals. Unknown names are `Inline`.
+/// \param name  in upper case. Unknown names are `Inline`.
 [[nodiscard]] ElementKind elementKind(QStringView name);
 
-/// True when the start tag of the block `opening` ends a block `open` that still stands open around it:
-/// a `P` ends at the next block, an `LI` at the next `LI`.
+/// Returns true if the start tag of the block `opening` ends the block `open` around it: a `P` ends at the
+/// next block, an `LI` at the next `LI`.
 [[nodiscard]] bool endsImplicitly(QStringView open, QStringView opening);
 
 } // namespace vmk

@@ -4,21 +4,21 @@
 
 #include <QString>
 
-/// HTML out, in canonical form: `<DIV …>`, marks as they were written, `&lt;` `&gt;` `&amp;` escaped, U+00A0
-/// as `&nbsp;`. `readFragment` makes the same lines of it again.
+/// Writes HTML in canonical form: `<DIV …>`, marks as originally written, `&lt;` `&gt;` `&amp;` escaped,
+/// U+00A0 as `&nbsp;`. `readFragment` returns the same lines for it.
 namespace vmk {
 
-/// How runs of blanks, and blanks at the ends of a line, are written.
+/// The form of runs of blanks, and of blanks at the ends of a line.
 enum class Blanks
 {
-    AsTheyStand, ///< For pieces that come back through `readFragment`, which keeps them.
-    Protected, ///< For pages: each blank that a browser would swallow as `&nbsp;`.
+    AsTheyStand, ///< For pieces that `readFragment` reads, which keeps blanks.
+    Protected, ///< For pages: each blank that a browser would remove becomes `&nbsp;`.
 };
 
 /// Appends text with its special characters escaped.
 void writeText(QString& html, QStringView text);
 
-/// Appends what stands in a line, without the line's block tag.
+/// Appends the content of a line, without the line's block tag.
 void writeContent(QString& html, const TagTable& tags, const Line& line, Blanks blanks = Blanks::AsTheyStand);
 
 /// Appends a whole line with its block tag.

@@ -9,27 +9,28 @@
 
 namespace vmk {
 
-/// What only a laid-out page can tell. The view implements it and hands itself to its document; without a
-/// view ranges and elements answer such questions with nothing.
-/// Client coordinates are pixels from the top left of the visible part; they change with scrolling.
+/// Queries that need a laid-out page. The view implements them and registers itself with its document.
+/// Without a view, ranges and elements return empty results for such queries. Client coordinates are pixels
+/// from the top left corner of the visible part; they change with scrolling.
 class LayoutQuery
 {
 public:
-    /// One rectangle for each line box that the text from `from` to `to` touches, top down, in client
-    /// coordinates; a bare place gives one of width 0. Within a longer range empty lines may give none.
+    /// Returns one rectangle per line box that the text from `from` to `to` touches, from top to bottom, in
+    /// client coordinates. An empty range has one rectangle of width 0. Within a longer range, empty lines
+    /// may have none.
     [[nodiscard]] virtual std::vector<QRect> clientRects(Position from, Position to) = 0;
-    /// The rectangle around all of `clientRects`. A view need not lay out a long text for it: lines between
-    /// the first and the last may count with the whole width of their blocks.
+    /// Returns the rectangle around all of `clientRects`. A view may avoid laying out a long text for this:
+    /// lines between the first and the last may count with the whole width of their blocks.
     [[nodiscard]] virtual QRect boundingRect(Position from, Position to);
-    /// The place nearest to a client point.
+    /// Returns the position nearest to a client point.
     [[nodiscard]] virtual Position positionAt(QPoint clientPoint) = 0;
-    /// The line (from 0) whose block covers a client point, or -1 where only the body is.
+    /// Returns the line (from 0) whose block contains a client point, or -1 if only the body does.
     [[nodiscard]] virtual int lineAt(QPoint clientPoint) = 0;
-    /// `scrollLeft` and `scrollTop` of the page, pixels.
+    /// Returns `scrollLeft` and `scrollTop` of the page in pixels.
     [[nodiscard]] virtual QPoint scrollOffset() = 0;
-    /// Scrolls the page to that offset, as far as its length allows.
+    /// Scrolls the page to an offset, limited by the size of the page.
     virtual void scrollTo(QPoint offset) = 0;
-    /// Scrolls so that this place is seen, at the top where the page's length allows it.
+    /// Scrolls so that a position is visible, at the top if the length of the page allows it.
     virtual void scrollIntoView(Position place) = 0;
 
 protected:

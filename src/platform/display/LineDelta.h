@@ -4,28 +4,29 @@
 
 #include <vector>
 
-/// Old and new lines of an edit without what they share: what a step of undo in a very long line keeps.
+/// The old and new lines of an edit without their common ends: the part that an undo step in a very long line
+/// stores.
 namespace vmk {
 
-/// What two runs of lines share at the front of their first lines and at the back of their last ones.
+/// The common beginning of the first lines and the common end of the last lines of two runs of lines.
 struct CommonEnds
 {
     qsizetype frontText = 0;
     std::size_t frontMarks = 0;
     qsizetype backText = 0;
-    std::size_t backMarks = 0; ///< Alike as counted from the line's end.
+    std::size_t backMarks = 0; ///< Counted from the end of the line.
 
     friend bool operator==(const CommonEnds&, const CommonEnds&) = default;
 };
 
-/// @param before, after neither is empty.
+/// \param before, after  not empty
 [[nodiscard]] CommonEnds commonEnds(const std::vector<LinePtr>& before, const std::vector<LinePtr>& after);
 
-/// The lines of one side without the ends; only `withEnds` can make use of them.
+/// Returns the lines of one side without the common ends; only `withEnds` can use them.
 [[nodiscard]] std::vector<LinePtr> withoutEnds(const std::vector<LinePtr>& lines, const CommonEnds& ends);
 
-/// The lines of one side again, from what `withoutEnds` left of them and the other side's lines.
-/// @param otherFirst, otherLast the first and the last line of the other side.
+/// Restores the lines of one side from the result of `withoutEnds` and the other side's lines.
+/// \param otherFirst, otherLast  the first and the last line of the other side
 [[nodiscard]] std::vector<LinePtr> withEnds(const std::vector<LinePtr>& trimmed, const CommonEnds& ends,
                                             const Line& otherFirst, const Line& otherLast);
 

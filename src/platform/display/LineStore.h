@@ -10,15 +10,15 @@ namespace vmk {
 struct Line;
 using LinePtr = std::shared_ptr<const Line>;
 
-/// The lines of a document in order, as an array with a gap: replacing lines costs the lines themselves
-/// plus the way from the last edit's place, so edits that go through the book in one direction are cheap
-/// even when each of them adds or removes a line.
+/// The lines of a document in order, as a gap buffer. Replacing lines costs the lines themselves plus the
+/// distance to the previous edit, so that edits that proceed through the book in one direction are cheap even
+/// if each of them adds or removes a line.
 class LineStore
 {
 public:
     [[nodiscard]] int size() const { return int(slots.size() - gapSize); }
 
-    /// @param index 0 to `size() - 1`.
+    /// \param index  0 to `size() - 1`
     [[nodiscard]] const LinePtr& operator[](int index) const
     {
         const auto i = std::size_t(index);
@@ -33,7 +33,7 @@ public:
         gapSize = 0;
     }
 
-    /// Replaces `removed` lines from `first` on by the given ones.
+    /// Replaces `removed` lines from `first` on by `inserted`.
     void replace(int first, int removed, const std::vector<LinePtr>& inserted)
     {
         if (std::size_t(removed) == inserted.size()) {

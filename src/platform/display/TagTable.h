@@ -9,22 +9,22 @@
 
 namespace vmk {
 
-/// Number of an interned start tag; `NoTag` stands for "no tag at all".
+/// The number of an interned start tag; `NoTag` means that there is no tag.
 using TagId = std::uint32_t;
 inline constexpr TagId NoTag = 0;
 
-/// One start tag as it was written, so far as it reads back as the same tag.
+/// One start tag as written, as far as it reads back as the same tag.
 struct Tag
 {
-    QString name; ///< In capitals: `DIV`, `SPAN`.
-    QString attributes; ///< The text between name and `>`, trimmed, quotes and all: `class=t`.
-    QString id; ///< Value of the attribute `id`, without quotes; empty when it has none.
+    QString name; ///< In upper case: `DIV`, `SPAN`.
+    QString attributes; ///< The text between name and `>`, trimmed, including quotes: `class=t`.
+    QString id; ///< The value of the attribute `id`, without quotes; empty if it has none.
     QString className; ///< Value of the attribute `class`.
     QString style; ///< Value of the attribute `style`.
 
-    /// The value of any attribute, without quotes and with its character references resolved.
-    /// @param attribute name in any case.
-    /// @return a null string when the tag does not have it.
+    /// Returns the value of any attribute, without quotes and with its character references resolved.
+    /// \param attribute  the name, in any case
+    /// \return a null string if the tag does not have it
     [[nodiscard]] QString value(QStringView attribute) const;
     /// The start tag with its angle brackets: `<DIV id=FirstDiv>`.
     [[nodiscard]] QString startTag() const;
@@ -34,9 +34,9 @@ struct Tag
     void writeEnd(QString& html) const;
 };
 
-/// Every different start tag of a document, once. A book of a million tags has some dozens of different
-/// ones; lines and marks hold numbers only. Tags are never taken out, so a number stays good as long as
-/// the table lives, undo steps included.
+/// The distinct start tags of a document. A book of a million tags has a few dozen distinct ones; lines and
+/// marks store only their numbers. Tags are never removed, so that a number is valid for the lifetime of the
+/// table, which includes undo steps.
 class TagTable
 {
 public:
@@ -45,22 +45,23 @@ public:
     TagTable& operator=(const TagTable&) = delete;
     ~TagTable();
 
-    /// The number of the start tag with this name (any case) and attribute text.
+    /// Returns the number of the start tag with this name (in any case) and attribute text.
     ///
-    /// Whatever the text holds, the tag reads back as itself: blanks and the slash of `<BR/>` at its ends go,
-    /// line ends are blanks, angle brackets stand as references, an open quote is closed, a value that is
-    /// missing behind its `=` is empty.
+    /// The tag always reads back as itself: blanks and the slash of `<BR/>` at the ends of the text are
+    /// removed, line ends become blanks, angle brackets become references, an open quote is closed, and a
+    /// missing value after `=` is empty.
     [[nodiscard]] TagId intern(QStringView name, QStringView attributes);
-    /// The tag of a number that `intern` gave; for `NoTag` a tag without a name.
+    /// The tag of a number that `intern` returned; for `NoTag`, a tag without a name.
     [[nodiscard]] const Tag& operator[](TagId id) const { return *tags[id]; }
-    /// The same tag with one attribute set, added or (null value) taken away, however often it is there; the
-    /// others stay as written.
+    /// Returns the same tag with one attribute set, added or (for a null value) removed, even if it occurs
+    /// several times. The other attributes are unchanged.
     [[nodiscard]] TagId withAttribute(TagId id, QStringView attribute, const QString& value);
     [[nodiscard]] int size() const { return int(tags.size()); }
 
 private:
     std::vector<std::unique_ptr<const Tag>> tags;
-    QHash<QString, TagId> numbers; ///< By name and attribute text, also as these were given.
+    QHash<QString, TagId>
+        numbers; ///< By name and attribute text, also in the form in which they were passed.
 };
 
 } // namespace vmk

@@ -10,20 +10,20 @@
 
 namespace vmk {
 
-/// A search for plain text in a document, line by line, without any copy of the text.
+/// A search for plain text in a document, line by line, without copying the text.
 class TextSearch
 {
 public:
-    /// @param sought not empty; CrLf, CR and LF in it match a line break.
-    /// @param caseMatters otherwise letters are equal to their other case.
-    /// @param wholeWordsOnly only hits with no letter, digit or underscore beside them.
+    /// \param sought          not empty; CrLf, CR and LF in it match a line break
+    /// \param caseMatters     if false, letters match in any case
+    /// \param wholeWordsOnly  finds only matches without a letter, digit or underscore next to them
     TextSearch(const QString& sought, bool caseMatters, bool wholeWordsOnly);
 
     using Hit = std::pair<Position, Position>;
 
-    /// The first hit that begins at `from` or behind.
+    /// Returns the first match that begins at or after `from`.
     [[nodiscard]] std::optional<Hit> findForward(const DisplayDocument& document, Position from) const;
-    /// The last hit that ends at `from` or in front.
+    /// Returns the last match that ends at or before `from`.
     [[nodiscard]] std::optional<Hit> findBackward(const DisplayDocument& document, Position from) const;
 
 private:
@@ -33,7 +33,7 @@ private:
     [[nodiscard]] std::optional<Hit> acrossBreaks(const DisplayDocument& document, int line) const;
     [[nodiscard]] bool standsAlone(const DisplayDocument& document, const Hit& hit) const;
 
-    std::vector<QString> pieces; ///< Between the line breaks; folded unless case matters.
+    std::vector<QString> pieces; ///< The parts between the line breaks; case-folded unless case matters.
     bool matchCase;
     bool wholeWord;
 };

@@ -45,7 +45,7 @@ public:
     explicit operator bool() const { return handle >= 0; }
     [[nodiscard]] int Get() const { return handle; }
 
-    /// False if the system reports a late write error.
+    /// Returns false if the system reports a delayed write error.
     bool Close() { return handle < 0 || ::close(std::exchange(handle, -1)) == 0; }
 
 private:
@@ -112,8 +112,8 @@ QByteArray FolderOf(const QByteArray& path)
     return slash < 0 ? QByteArray(".") : slash == 0 ? QByteArray("/") : path.left(slash);
 }
 
-/// Where a write through the path ends: links followed to the last, which need not exist. Empty for a
-/// circle of links.
+/// The target of a write to a path: links are followed to the last one, whose target may not exist. Empty for
+/// a cycle of links.
 QByteArray FollowLinks(QByteArray path)
 {
     constexpr int MaxLinks = 40;
@@ -129,7 +129,7 @@ QByteArray FollowLinks(QByteArray path)
     return {};
 }
 
-/// Makes the rename itself last: a folder's entries are written by flushing the folder.
+/// Makes the rename itself durable: flushing a folder writes its entries.
 void FlushFolder(const QByteArray& folder)
 {
     const Descriptor handle = OpenFile(folder, O_RDONLY | O_DIRECTORY);
@@ -137,7 +137,7 @@ void FlushFolder(const QByteArray& folder)
         ::fsync(handle.Get());
 }
 
-/// A name beside `target` that no file has; short, so that a long target name leaves room for it.
+/// A name next to `target` that no file has; short, so that it fits even if the target name is long.
 QByteArray TemporaryName(const QByteArray& target)
 {
     static std::random_device source;
@@ -145,11 +145,11 @@ QByteArray TemporaryName(const QByteArray& target)
     return FolderOf(target) + "/.vmk-" + QByteArray::number(number, 36) + ".tmp";
 }
 
-/// New content on its way to a target: a temporary file beside it, deleted unless committed.
+/// The new content of a target: a temporary file next to it, deleted unless committed.
 class PendingFile
 {
 public:
-    /// `path` is not a link. The temporary file takes its permissions and owner where it exists.
+    /// `path` is not a link. The temporary file takes the permissions and owner of an existing file.
     explicit PendingFile(const QByteArray& path)
         : target(path)
         , old(Status(path))
@@ -169,10 +169,10 @@ public:
     explicit operator bool() const { return bool(handle); }
     [[nodiscard]] int Get() const { return handle.Get(); }
 
-    /// The rename takes place only when every byte is written, and on the disk if flushed.
+    /// Renames only when every byte is written, and flushed to the disk if requested.
     bool Commit(Durability durability = Durability::Flushed, std::optional<mode_t> permissions = {})
     {
-        // A file system without permissions may refuse; the content matters more.
+        // A file system without permissions may refuse; the content is more important.
         if (const std::optional<mode_t> mode = permissions ? permissions : oldMode)
             static_cast<void>(::fchmod(handle.Get(), *mode));
         const bool isFlushed = durability == Durability::Flushed;
@@ -189,7 +189,7 @@ public:
 private:
     Descriptor OpenTemporary()
     {
-        // Private until the old permissions are known to be set.
+        // Private until the old permissions are set.
         const mode_t mode = old ? 0600 : 0666;
         constexpr int Tries = 100;
         for (int i = 0; i < Tries; ++i) {
@@ -211,7 +211,8 @@ private:
         struct stat now = {};
         if (::fstat(handle.Get(), &now) != 0 || (now.st_uid == old->st_uid && now.st_gid == old->st_gid))
             return;
-        // Someone else's file: what cannot be handed back to them must not run with their rights.
+        // Another user's file: if the owner cannot be restored, the file must not run with that user's
+        // rights.
         if (::fchown(handle.Get(), old->st_uid, old->st_gid) != 0
             && ::fchown(handle.Get(), uid_t(-1), old->st_gid) != 0)
             oldMode = *oldMode & ~mode_t(S_ISUID | S_ISGID);
@@ -224,7 +225,7 @@ private:
     Descriptor handle;
 };
 
-/// Fills a pending file from an open one.
+/// Copies an open file to a pending file.
 bool CopyBytes(int from, int to)
 {
     std::string buffer(ChunkBytes, '\0');
@@ -241,7 +242,7 @@ bool MatchesPattern(QStringView name, QStringView pattern)
 {
     if (pattern == u"*.*")
         return true;
-    // Greedy, stepping back to the last star: linear in practice, never exponential.
+    // Greedy, with backtracking to the last star: linear in practice, never exponential.
     qsizetype n = 0;
     qsizetype p = 0;
     qsizetype star = -1;
@@ -277,7 +278,7 @@ QStringList EntriesOf(const QString& folder)
     return QDir(folder).entryList(AllEntries, QDir::Name);
 }
 
-/// Copies into a folder that is not there yet; one level of listing a call.
+/// Copies into a folder that does not exist yet; each call lists one level.
 bool CopyTreeInto(const QString& from, const QString& to)
 {
     const auto copyEntry = [&](const QString& name) {
@@ -289,7 +290,7 @@ bool CopyTreeInto(const QString& from, const QString& to)
     return MakeOneFolder(to) && std::ranges::all_of(EntriesOf(from), copyEntry);
 }
 
-/// Whether `inner` lies in the folder `outer`, at any depth; neither need exist.
+/// Whether `inner` is inside the folder `outer`, at any depth; neither has to exist.
 bool LiesInside(const QString& inner, const QString& outer)
 {
     const QString outerPath = QFileInfo(outer).canonicalFilePath();
@@ -354,7 +355,7 @@ FileContent ReadContent(const QString& path)
     if (status.st_size > static_cast<off_t>(MaxFileBytes))
         return fail(ReadOutcome::TooLarge);
 
-    // One byte more than the file says, so that the end is met in the same pass.
+    // One byte more than the reported size, so that the same pass detects the end.
     std::size_t used = 0;
     content.bytes.resize(static_cast<std::size_t>(status.st_size) + 1);
     for (;;) {
@@ -432,7 +433,7 @@ bool MoveOneFile(const QString& from, const QString& to)
     const QByteArray target = FollowLinks(SystemPath(to));
     if (source.isEmpty() || target.isEmpty())
         return false;
-    // A link moved onto what it leads to would leave nothing but a link to itself.
+    // Moving a link to its own target would leave only a link to itself.
     if (IsSameFile(from, to))
         return true;
     if (::rename(source.constData(), target.constData()) == 0) {
@@ -461,7 +462,7 @@ bool DeleteFolderTree(const QString& path)
     const std::optional<struct stat> status = LinkStatus(name);
     if (!status || !S_ISDIR(status->st_mode) || IsSameFile(path, u"/"_s))
         return false;
-    // A folder closed to its owner is opened, as a file's attributes are cleared before it is deleted.
+    // Access to a folder closed to its owner is enabled, as a file's attributes are cleared before deletion.
     if ((status->st_mode & S_IRWXU) != S_IRWXU)
         ::chmod(name.constData(), (status->st_mode & PermissionBits) | S_IRWXU);
     bool allGone = true;
@@ -494,7 +495,7 @@ bool CopyFolderTree(const QString& from, const QString& to)
         return false;
     }
     if (!MoveOneFile(fresh, target)) {
-        // Put the old folder back before anything is thrown away.
+        // Restore the old folder before anything is deleted.
         const bool restored = old != FileKind::Folder || MoveOneFile(aside, target);
         if (restored)
             DeleteFolderTree(fresh);

@@ -8,14 +8,14 @@
 #include <string>
 #include <string_view>
 
-/// Files as the system sees them. All that is particular to POSIX stays in this folder; the rest of the
-/// program goes through `FileOperations.h`.
+/// Files as the system presents them. All POSIX code is in this folder; the rest of the program uses
+/// `FileOperations.h`.
 namespace vmk {
 
 enum class FileKind
 {
-    None, ///< nothing there, or not reachable
-    File, ///< an ordinary file
+    None, ///< does not exist, or is not accessible
+    File, ///< a regular file
     Folder,
     Other ///< a device, a pipe or a socket
 };
@@ -29,80 +29,85 @@ enum class ReadOutcome
     TooLarge
 };
 
-/// A whole file, or why there is none.
+/// The content of a file, or the reason why it could not be read.
 struct FileContent
 {
     ReadOutcome outcome = ReadOutcome::Ok;
     std::string bytes;
-    /// The system's words on an outcome of `Unreadable`, else empty.
+    /// The system's error message for `Unreadable`, otherwise empty.
     QString systemReason;
 };
 
 /// Larger files are refused: positions in a book are 32-bit.
 inline constexpr std::size_t MaxFileBytes = 0x7fffffff;
 
-/// What stands at the path; links are followed. `None` for a link that leads nowhere.
+/// Returns the kind of file at the path; links are followed. `None` for a dangling link.
 [[nodiscard]] FileKind KindOfFile(const QString& path);
 
-/// Whether a directory entry of this name stands, a dangling link included.
+/// Returns whether a directory entry with this name exists; a dangling link counts.
 [[nodiscard]] bool EntryExists(const QString& path);
 
-/// Whether both paths lead to the same existing file or folder.
+/// Returns whether both paths refer to the same existing file or folder.
 [[nodiscard]] bool IsSameFile(const QString& a, const QString& b);
 
-/// Whether the process may make files in the folder.
+/// Returns whether the process can create files in the folder.
 [[nodiscard]] bool IsFolderWritable(const QString& folder);
 
-/// Reads a whole file, device or pipe; up to `MaxFileBytes`.
+/// Reads a complete file, device or pipe, up to `MaxFileBytes`.
 [[nodiscard]] FileContent ReadContent(const QString& path);
 
-/// One plain line for the user: "file not found", "is a folder", "cannot be read: ..."; empty for `Ok`.
+/// Returns one line for the user: "file not found", "is a folder", "cannot be read: ..."; empty for `Ok`.
 [[nodiscard]] QString ReadFailureText(const FileContent& content);
 
-/// Whether a write must outlast a failure of the machine.
+/// Whether a write must survive a crash of the machine.
 enum class Durability
 {
     Flushed, ///< on the disk before the call returns
-    Scratch ///< left to the system to write out; for files of one run
+    Scratch ///< the system writes it later; for files of one run
 };
 
-/// Puts the bytes in place of the file's content, or makes the file.
-/// The bytes go to a temporary file beside the target, are flushed to the disk, and take the target's name
-/// by a rename: whatever fails, the old or the new content stands, whole. The target's permissions stay as
-/// they are, so a read-only file is replaced too and stays read-only. A link is written through to what it
-/// leads to; of a file with several names only this one is replaced; a device or pipe is written straight.
-/// False when the old content stands.
+/// Replaces the content of a file, or creates the file.
+///
+/// The bytes are written to a temporary file next to the target, flushed to the disk, and renamed to the
+/// target. After any failure, the file contains either all of the old or all of the new content. The
+/// permissions of the target are kept, so that a read-only file is replaced too and remains read-only. A link
+/// is followed to its target. Of a file with several names, only this name is replaced. A device or pipe is
+/// written directly.
+/// \return false if the old content is unchanged
 [[nodiscard]] bool ReplaceContent(const QString& path, std::string_view bytes,
                                   Durability durability = Durability::Flushed);
 
-/// Copies one ordinary file over `to`, with the guarantees of `ReplaceContent`; the copy takes the
-/// permissions of `from` and is writable by its owner. False if nothing was changed.
+/// Copies one regular file over `to`, with the guarantees of `ReplaceContent`. The copy has the permissions
+/// of `from` and is writable by its owner.
+/// \return false if nothing was changed
 [[nodiscard]] bool CopyOneFile(const QString& from, const QString& to);
 
 /// Moves a file, or a folder within its file system, over `to`. Between file systems a file is copied and
-/// then deleted. Nothing is done when both are the same file. False if the move failed.
+/// then deleted. Does nothing if both are the same file.
+/// \return false if the move failed
 [[nodiscard]] bool MoveOneFile(const QString& from, const QString& to);
 
-/// Deletes one file or link; never a folder. True if it is gone by this call.
+/// Deletes one file or link, never a folder. Returns true if this call deleted it.
 bool DeleteOneFile(const QString& path);
 
-/// Makes one folder level. True if a folder stands at the path afterwards.
+/// Creates one folder level. Returns true if a folder exists at the path afterwards.
 [[nodiscard]] bool MakeOneFolder(const QString& path);
 
-/// Deletes a folder with all that is in it. Links are deleted, what they lead to stays. A root folder is
-/// refused. False if anything was left.
+/// Deletes a folder with its content. Links are deleted, their targets are not. A root folder is refused.
+/// \return false if anything remains
 bool DeleteFolderTree(const QString& path);
 
-/// Copies a folder with all its content to `to`, in whose place the copy is put when it is complete: an
-/// existing folder there goes only then. Links are copied as what they lead to. False, with both folders
-/// as they were, if anything cannot be copied, or if one folder lies inside the other.
+/// Copies a folder with its content to `to`. The complete copy then replaces `to`; an existing folder there
+/// is deleted only at that point. Links are copied as their targets.
+/// \return false, with both folders unchanged, if anything cannot be copied, or if one folder is inside the
+///         other
 [[nodiscard]] bool CopyFolderTree(const QString& from, const QString& to);
 
-/// Names of the folder's files (not folders) that fit the pattern, sorted. `*` stands for any run of
-/// characters and `?` for one; "*.*" fits every name.
+/// Returns the sorted names of the folder's files (not folders) that match the pattern. `*` matches any run
+/// of characters and `?` matches one; "*.*" matches every name.
 [[nodiscard]] QStringList FindFiles(const QString& folder, const QString& pattern);
 
-/// Date of the last change, local time; invalid if the file is missing.
+/// Returns the date of the last change in local time; invalid if the file is missing.
 [[nodiscard]] QDate LastWriteDate(const QString& path);
 
 } // namespace vmk

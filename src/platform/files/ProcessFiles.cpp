@@ -13,7 +13,7 @@ void HoldStandardHandles()
         const bool isClosed = ::fcntl(handle, F_GETFD) == -1;
         if (!isClosed)
             continue;
-        // The lowest free number is this one. Opened the wrong way round, so that its use is an error.
+        // The lowest free number is this one. Opened for the wrong direction, so that using it is an error.
         const int wrongWay = handle == STDIN_FILENO ? O_WRONLY : O_RDONLY;
         static_cast<void>(::open("/dev/null", wrongWay));
     }

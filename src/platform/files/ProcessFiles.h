@@ -1,16 +1,16 @@
 #pragma once
 
-/// What a process has to settle once, first thing in `main`, before it opens its first file.
+/// Process-wide setup, called first in `main`, before any file is opened.
 namespace vmk {
 
-/// Fills the standard handles that the caller has closed. Otherwise the next file opened would get such a
-/// handle's number, and what is printed would go into a book. What is written to a handle filled here fails.
+/// Opens the standard handles that the caller has closed. Otherwise the next opened file would get the number
+/// of such a handle, and printed text would be written into a book. Writing to a handle opened here fails.
 void HoldStandardHandles();
 
-/// Lets a write beyond the limit on the size of files fail like any other, in place of ending the process.
+/// Makes a write beyond the file size limit fail like any other write instead of ending the process.
 void SurviveFileSizeLimit();
 
-/// The same for a write into a pipe that nobody reads any more.
+/// The same for a write to a pipe without a reader.
 void SurviveBrokenPipes();
 
 } // namespace vmk

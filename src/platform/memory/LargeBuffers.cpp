@@ -14,7 +14,7 @@ std::string StringWithRoom(size_t capacity)
     text.reserve(capacity);
     if (capacity < WorthAsking)
         return text;
-    // Only whole pages are the string's own. A system that does not follow the advice changes nothing.
+    // Only whole pages belong to the string. If the system ignores the advice, nothing changes.
     const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
     const size_t begun = reinterpret_cast<uintptr_t>(text.data()) % page;
     const size_t skipped = begun == 0 ? 0 : page - begun;

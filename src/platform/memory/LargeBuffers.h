@@ -5,8 +5,8 @@
 
 namespace vmk {
 
-/// An empty string with room for `capacity` bytes. From a few megabytes on the system is asked to back it
-/// with large pages: otherwise a book-sized result costs more in first touches of its pages than in work.
+/// Returns an empty string with a capacity of `capacity` bytes. From a few megabytes, requests large pages
+/// from the system: otherwise the page faults of a book-sized result take more time than the work itself.
 [[nodiscard]] std::string StringWithRoom(size_t capacity);
 
 } // namespace vmk

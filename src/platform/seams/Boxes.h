@@ -14,17 +14,17 @@ enum class BoxKind
     YesNo ///< question, Yes and No
 };
 
-/// The title of a box that is given none.
+/// The default title of a box.
 inline constexpr QLatin1StringView ProgramTitle("Vellumark");
 
-/// Shows a modal box; true for Yes. Without a window the text goes to the standard error stream and the
-/// answer is No. Lines of the text are parted by `CrLf` or LF.
+/// Shows a modal box; returns true for Yes. Without a window, the text is written to standard error and the
+/// result is false. Lines of the text are separated by `CrLf` or LF.
 [[nodiscard]] Seam<bool(BoxKind kind, const QString& text, const QString& title)>& BoxSeam();
 
 void PlainBox(const QString& text, const QString& title = ProgramTitle);
 void InformationBox(const QString& text, const QString& title = ProgramTitle);
 void StopBox(const QString& text, const QString& title = ProgramTitle);
-/// True for Yes; closing the box means No.
+/// Returns true for Yes; closing the box means No.
 [[nodiscard]] bool YesNoBox(const QString& text, const QString& title = ProgramTitle);
 
 } // namespace vmk

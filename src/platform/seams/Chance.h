@@ -6,18 +6,18 @@
 
 #include <cstdint>
 
-/// What differs from run to run: time and the random number.
+/// Values that differ from run to run: time and random numbers.
 namespace vmk {
 
-/// Milliseconds of a counter that only grows.
+/// A counter in milliseconds that never decreases.
 [[nodiscard]] Seam<int64_t()>& TickSeam();
 [[nodiscard]] int64_t TickMilliseconds();
 
-/// Local date and time.
+/// The local date and time.
 [[nodiscard]] Seam<QDateTime()>& NowSeam();
 [[nodiscard]] QDateTime Now();
 
-/// A random fraction, 0 included and 1 not.
+/// A random fraction, from 0 inclusive to 1 exclusive.
 [[nodiscard]] Seam<double()>& RandomSeam();
 [[nodiscard]] double RandomFraction();
 

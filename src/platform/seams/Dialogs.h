@@ -19,18 +19,18 @@ struct FileDialogRequest
     };
     Kind kind = Open;
     QString title;
-    /// The folder that the dialog starts in; one that does not exist is passed over.
+    /// The initial folder; ignored if it does not exist.
     QString folder;
-    /// The name that stands in the dialog at first, without a folder.
+    /// The initial file name, without a folder.
     QString fileName;
-    /// Descriptions and patterns, all parted by "|": "Fiction Book Files (*.fb2)|*.fb2|".
+    /// Descriptions and patterns, separated by "|": "Fiction Book Files (*.fb2)|*.fb2|".
     QString filter;
 };
 
 struct FontChoice
 {
     QString name;
-    /// Points.
+    /// In points.
     int size = 0;
     bool bold = false;
     bool italic = false;
@@ -38,19 +38,19 @@ struct FontChoice
     bool operator==(const FontChoice&) const = default;
 };
 
-/// Full paths of the files chosen, empty when cancelled; one path unless several were asked for. A save
-/// dialog does not ask about replacing: the caller does where that is wanted. The current folder of the
-/// process stays as it is. Cancelled without a window.
+/// Returns the full paths of the chosen files, empty if cancelled; at most one path unless several are
+/// requested. A save dialog does not ask before replacing a file: the caller does if required. The current
+/// folder of the process is unchanged. Without a window, returns as if cancelled.
 [[nodiscard]] Seam<QStringList(const FileDialogRequest& request)>& FileDialogSeam();
 [[nodiscard]] QStringList AskFiles(const FileDialogRequest& request);
-/// The first of the files chosen; empty when cancelled.
+/// Returns the first chosen file; empty if cancelled.
 [[nodiscard]] QString AskFile(const FileDialogRequest& request);
 
-/// The font chosen, or nothing when cancelled. Cancelled without a window.
+/// Returns the chosen font, or nothing if cancelled or without a window.
 [[nodiscard]] Seam<std::optional<FontChoice>(const FontChoice& current)>& FontDialogSeam();
 [[nodiscard]] std::optional<FontChoice> AskFont(const FontChoice& current);
 
-/// The colour chosen, as "#RRGGBB", or nothing when cancelled. Cancelled without a window.
+/// Returns the chosen colour as "#RRGGBB", or nothing if cancelled or without a window.
 [[nodiscard]] Seam<std::optional<QString>(const QString& current)>& ColorDialogSeam();
 [[nodiscard]] std::optional<QString> AskColor(const QString& current);
 

@@ -4,14 +4,14 @@
 
 #include <QString>
 
-/// What the low layers say to the main window. Nothing happens without one.
+/// Calls from the lower layers to the main window. Without a window they do nothing.
 namespace vmk {
 
-/// Writes the first panel of `StatusMsg`, shown before the call returns.
+/// Sets the first panel of `StatusMsg`; the text is visible before the call returns.
 [[nodiscard]] Seam<void(const QString& text)>& StatusSeam();
 void ShowStatus(const QString& text);
 
-/// Writes a panel of `Status`, counted from 1.
+/// Sets a panel of `Status`, counted from 1.
 [[nodiscard]] Seam<void(int panel, const QString& text)>& StatusPanelSeam();
 void ShowStatusPanel(int panel, const QString& text);
 
@@ -21,11 +21,11 @@ enum class Pointer
     Hourglass
 };
 
-/// The mouse pointer over the whole program.
+/// Sets the mouse pointer for the whole program.
 [[nodiscard]] Seam<void(Pointer pointer)>& PointerSeam();
 void SetPointer(Pointer pointer);
 
-/// The hourglass for its scope; the default pointer afterwards, whatever stood before.
+/// Shows the hourglass for its scope, then the default pointer, whatever the pointer was before.
 class HourglassScope
 {
 public:
@@ -35,8 +35,8 @@ public:
     ~HourglassScope() { SetPointer(Pointer::Default); }
 };
 
-/// Lets the interface handle what has come in. Without a window: the events of the application object, if
-/// there is one.
+/// Processes pending events of the user interface. Without a window, those of the application object, if one
+/// exists.
 [[nodiscard]] Seam<void()>& ProcessEventsSeam();
 void ProcessEvents();
 

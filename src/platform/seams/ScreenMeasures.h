@@ -4,10 +4,10 @@
 
 namespace vmk {
 
-/// Sizes of the screen and of what the desktop draws round its windows, in pixels.
+/// Sizes of the screen and of the window decorations, in pixels.
 struct ScreenMeasures
 {
-    /// Of a screen of 96 dots an inch; a twip is 1/1440 inch.
+    /// For a screen of 96 dots per inch; a twip is 1/1440 inch.
     float twipsPerPixelX = 15;
     float twipsPerPixelY = 15;
     float captionHeight = 23;
@@ -25,7 +25,7 @@ struct ScreenMeasures
     float hScrollHeight = 17;
 };
 
-/// Asks the desktop for its measures. Without a window: those above.
+/// Returns the desktop's measures. Without a window, the defaults above.
 [[nodiscard]] Seam<ScreenMeasures()>& ScreenMeasuresSeam();
 
 } // namespace vmk

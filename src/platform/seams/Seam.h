@@ -5,8 +5,8 @@
 
 namespace vmk {
 
-/// A place where the program reaches out of itself: a function that a window fills in at start and that a
-/// test may replace. It starts with what is right without a window.
+/// A replaceable function through which the program reaches its environment. A window sets it at start, and a
+/// test may replace it. The initial function is the right one without a window.
 template <typename Signature>
 class Seam;
 
@@ -25,14 +25,14 @@ public:
 
     Result operator()(Args... args) const { return current(std::forward<Args>(args)...); }
 
-    /// Puts a function in place; gives the one that stood there.
+    /// Sets the function; returns the previous one.
     Function Fill(Function function) { return std::exchange(current, std::move(function)); }
 
 private:
     Function current;
 };
 
-/// Fills a seam for its scope: `const SeamGuard guard(BoxSeam(), [&](...) {...});`
+/// Sets a seam for its scope: `const SeamGuard guard(BoxSeam(), [&](...) {...});`
 template <typename Signature>
 class SeamGuard
 {

@@ -4,9 +4,9 @@ class QWidget;
 
 namespace vmk {
 
-/// The window that a box or dialog stands before: the active one if it belongs to the main window, else the
-/// main window. Only where there is none it is the active window, or null. A form that goes by itself while
-/// the box is open, as the report of a validation does, is therefore never the owner beside a main window.
+/// Returns the parent of a box or dialog: the active window if it belongs to the main window, otherwise the
+/// main window. Without a main window, the active window or null. A form that closes itself while the box is
+/// open, such as the report of a validation, is therefore never the parent while there is a main window.
 [[nodiscard]] QWidget* DialogOwner();
 
 } // namespace vmk

@@ -26,7 +26,7 @@ QMessageBox::Icon IconOf(BoxKind kind)
     return QMessageBox::NoIcon;
 }
 
-/// The usual pointer for as long as the user is asked, also in the middle of long work.
+/// Shows the default pointer while the box is open, also during long work.
 class UsualPointerScope
 {
 public:

@@ -4,7 +4,7 @@
 
 namespace vmk {
 
-/// Shows a box over the active window until it is answered; true for Yes. The text is taken as plain text.
+/// Shows a box over the active window until the user closes it; returns true for Yes. The text is plain text.
 bool ShowMessageBox(BoxKind kind, const QString& text, const QString& title);
 
 } // namespace vmk

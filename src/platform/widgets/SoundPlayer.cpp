@@ -20,8 +20,8 @@ namespace vmk {
 
 namespace {
 
-/// What a device may need beyond the sound's length to start. One that is stuck holds the program up no
-/// longer.
+/// The time, besides the sound's length, that a device may need to start. A device that does not respond does
+/// not block the program for longer.
 constexpr auto Patience = 1000ms;
 
 struct Block
@@ -30,7 +30,7 @@ struct Block
     QByteArray content;
 };
 
-/// Takes the next block of a RIFF file off `rest`.
+/// Removes the next block of a RIFF file from `rest`.
 std::optional<Block> TakeBlock(QByteArray& rest)
 {
     constexpr qsizetype HeadSize = 8;
@@ -53,7 +53,7 @@ std::optional<QAudioFormat> FormatOf(const WaveSound& sound)
     return format;
 }
 
-/// Plays on the calling thread, whose events it handles, until the device has run dry.
+/// Plays on the calling thread and processes its events until the device has played everything.
 void PlayHere(const WaveSound& sound, const QAudioDevice& device, const QAudioFormat& format)
 {
     QByteArray bytes = sound.samples;
@@ -69,7 +69,7 @@ void PlayHere(const WaveSound& sound, const QAudioDevice& device, const QAudioFo
     if (sink.error() != QAudio::NoError)
         return;
 
-    // The device goes idle when it has taken the last samples; they are heard only when it has played them.
+    // The device becomes idle when it has received the last samples, before it has played them.
     QTimer look;
     QObject::connect(&look, &QTimer::timeout, &loop, [&] {
         if (std::chrono::microseconds(sink.processedUSecs()) >= sound.length())
@@ -128,13 +128,13 @@ void PlayToEnd(const QString& path)
     if (device.isNull() || !format || !device.isFormatSupported(*format))
         return;
 
-    // A thread of its own plays, so that nothing else of the program runs meanwhile: no timer, no key.
+    // Plays on a separate thread, so that no timer and no key of the program runs meanwhile.
     std::unique_ptr<QThread> player(
         QThread::create([sound = *sound, device, format = *format] { PlayHere(sound, device, format); }));
     player->start();
     if (player->wait(QDeadlineTimer(sound->length() + Patience + Patience / 2)))
         return;
-    // The device is stuck. The thread is left behind and frees itself, should it ever come back.
+    // The device does not respond. The thread is abandoned and deletes itself if it ever ends.
     QObject::connect(player.get(), &QThread::finished, player.get(), &QObject::deleteLater);
     (void)player.release();
 }

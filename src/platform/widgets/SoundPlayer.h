@@ -8,7 +8,7 @@
 
 namespace vmk {
 
-/// A sound as its file holds it: uncompressed samples and how to play them.
+/// A sound as stored in its file: uncompressed samples and their format.
 struct WaveSound
 {
     int sampleRate = 0;
@@ -19,12 +19,12 @@ struct WaveSound
     [[nodiscard]] std::chrono::milliseconds length() const;
 };
 
-/// Reads a wave file's bytes; nothing when they are no uncompressed wave of 8 or 16 bits. A file cut short
-/// gives the samples that are there.
+/// Parses the bytes of a wave file. Returns nothing unless they are an uncompressed wave of 8 or 16 bits. For
+/// a truncated file, returns the samples that exist.
 [[nodiscard]] std::optional<WaveSound> ReadWaveSound(const QByteArray& file);
 
-/// Plays a wave file and returns when it has ended. Returns at once when the file cannot be played or there
-/// is no sound device, and a second behind the sound's length when the device is stuck.
+/// Plays a wave file and returns when it has ended. Returns at once if the file cannot be played or there is
+/// no sound device, and one second after the sound's length if the device does not respond.
 void PlayToEnd(const QString& path);
 
 } // namespace vmk

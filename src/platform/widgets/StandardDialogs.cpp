@@ -12,10 +12,10 @@ namespace vmk {
 
 namespace {
 
-/// Room for long names beside sizes and dates.
+/// Wide enough for long names next to sizes and dates.
 constexpr QSize LeastFileDialog(760, 480);
 
-/// The extension that the filter's first pattern asks for; empty if it leaves the choice.
+/// The extension in the first pattern of the filter; empty if the pattern allows any.
 QString ExtensionOf(const QString& filter)
 {
     const QString pattern = filter.section(u'|', 1, 1);
@@ -30,7 +30,7 @@ QStringList NameFilters(const QString& filter)
     const QStringList pieces = filter.split(u'|');
     QStringList filters;
     for (qsizetype i = 0; i + 1 < pieces.size(); i += 2) {
-        // The toolkit takes what stands in the last brackets for the patterns.
+        // The toolkit reads the patterns from the last brackets.
         const QString patterns = u"("_s + QString(pieces[i + 1]).replace(u';', u' ') + u")"_s;
         const QString& description = pieces[i];
         filters += description.endsWith(patterns) ? description : (description + u' ' + patterns).trimmed();
@@ -46,9 +46,9 @@ QStringList ShowFileDialog(const FileDialogRequest& request)
     dialog.setFileMode(saving                                               ? QFileDialog::AnyFile
                            : request.kind == FileDialogRequest::OpenSeveral ? QFileDialog::ExistingFiles
                                                                             : QFileDialog::ExistingFile);
-    // Replacing is the caller's question.
+    // The caller asks before replacing a file.
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
-    // A name typed without an extension gets the one that the program looks for later.
+    // A name typed without an extension gets the one that the program expects later.
     if (saving)
         dialog.setDefaultSuffix(ExtensionOf(request.filter));
     dialog.resize(dialog.sizeHint().expandedTo(LeastFileDialog));

@@ -4,16 +4,16 @@
 
 namespace vmk {
 
-/// "Books (*.fb2)|*.fb2|All files|*.*|" as the toolkit's list of filters; a description without its patterns
-/// gets them, several patterns may be parted by ";". An odd last piece is dropped.
+/// Converts "Books (*.fb2)|*.fb2|All files|*.*|" to the toolkit's list of filters. The patterns are added to
+/// a description without them; several patterns may be separated by ";". An unpaired last piece is ignored.
 [[nodiscard]] QStringList NameFilters(const QString& filter);
 
-/// Shows the dialog over the active window. The current folder of the process stays as it is.
+/// Shows the dialog over the active window. Does not change the current folder of the process.
 [[nodiscard]] QStringList ShowFileDialog(const FileDialogRequest& request);
 
 [[nodiscard]] std::optional<FontChoice> ShowFontDialog(const FontChoice& current);
 
-/// \param current a colour's name or "#RRGGBB"; anything else starts with black
+/// \param current  the name of a colour or "#RRGGBB"; anything else starts with black
 [[nodiscard]] std::optional<QString> ShowColorDialog(const QString& current);
 
 } // namespace vmk

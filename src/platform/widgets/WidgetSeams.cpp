@@ -26,7 +26,7 @@ bool OpenTarget(const QString& target)
                                                    : QUrl(target));
 }
 
-/// One hourglass at most, however often it is asked for: one call puts the default back.
+/// At most one hourglass, even after several calls: one call restores the default.
 void ShowPointer(Pointer pointer)
 {
     const bool shown = QGuiApplication::overrideCursor() != nullptr;

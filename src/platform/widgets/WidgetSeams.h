@@ -2,9 +2,9 @@
 
 namespace vmk {
 
-/// Fills the seams of the desktop with the toolkit's means: message boxes, file, font and colour dialogs,
-/// sound, opening of files and URLs, the clipboard and the mouse pointer. Once, with the application object
-/// in place and before anything is shown.
+/// Sets the seams of the desktop to functions of the toolkit: message boxes, file, font and colour dialogs,
+/// sound, opening of files and URLs, the clipboard and the mouse pointer. Called once, with an application
+/// object, before anything is shown.
 void FillWidgetSeams();
 
 } // namespace vmk
