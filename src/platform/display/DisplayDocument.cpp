@@ -12,7 +12,7 @@ namespace vmk {
 
 namespace {
 
-/// Text cut at its CrLf, CR and LF, each piece as a line without block and marks.
+/// The text split at CrLf, CR and LF; each piece is a line without block and marks.
 std::vector<Line> piecesOf(const QString& text)
 {
     std::vector<Line> pieces;
@@ -34,7 +34,7 @@ bool hasContent(const Line& line)
     return !line.text.isEmpty() || !line.marks.empty();
 }
 
-/// Where content ends that was put in at a place.
+/// The end of content that was inserted at a position.
 Position endOfContent(Position from, const std::vector<Line>& content)
 {
     const int lineBreaks = int(content.size()) - 1;
@@ -193,7 +193,7 @@ Position DisplayDocument::positionAt(qint64 characterIndex) const
 {
     if (characterIndex <= 0)
         return {};
-    // Only as far as the place lies: what an edit has made unknown further on stays so.
+    // Only up to the position: the line starts after it remain unknown until they are needed.
     constexpr int Stride = 256;
     while (
         knownLineStarts == 0
@@ -251,7 +251,8 @@ void DisplayDocument::splice(int first, int removed, std::vector<LinePtr> insert
     exchange(first, made.before, made.after, map);
 }
 
-/// Keeps of a change in very long lines only what has changed, so that a key there does not cost the line.
+/// Reduces a change in very long lines to the changed part, so that a key press there does not store the
+/// line.
 void DisplayDocument::makeSmall(Change& change)
 {
     constexpr qsizetype VeryLong = 8192;
@@ -268,7 +269,7 @@ void DisplayDocument::makeSmall(Change& change)
     change.sharedEnds = std::make_unique<const CommonEnds>(ends);
 }
 
-/// Does a change again, or takes it back.
+/// Applies a change again, or reverts it.
 void DisplayDocument::apply(const Change& change, bool forward)
 {
     const auto& from = forward ? change.before : change.after;
@@ -283,7 +284,7 @@ void DisplayDocument::apply(const Change& change, bool forward)
     exchange(change.first, present, withEnds(to, *change.sharedEnds, *present.front(), *present.back()), map);
 }
 
-/// Makes a line one that reads back as itself: with a block, a rule only without content, no tag too deep.
+/// Makes a line read back as itself: with a block, a rule only without content, no tag nested too deep.
 void DisplayDocument::makeFit(LinePtr& line)
 {
     const bool isWrongBlock
@@ -299,7 +300,7 @@ void DisplayDocument::exchange(int first, const std::vector<LinePtr>& removed,
 {
     lines.replace(first, int(removed.size()), inserted);
     knownLineStarts = std::min({knownLineStarts, first + 1, lineCount()});
-    // What lies in front of the edit stays as it was; all else may have to fit itself to the new lines.
+    // Positions before the edit are unchanged; all others may have to be adjusted to the new lines.
     const auto carried = [&](Position place) { return place < map.from ? place : valid(map(place)); };
     for (TextRange* range : liveRanges) {
         range->first = carried(range->first);
@@ -323,7 +324,7 @@ void DisplayDocument::endTypingRun()
 
 // ---------------------------------------------------------------- editing anywhere
 
-/// The block tag for a line that comes from splitting another: an identifier stays with the first.
+/// The block tag for a line split from another: an identifier remains with the first.
 TagId DisplayDocument::blockWithoutId(TagId block)
 {
     return tagTable[block].id.isEmpty() ? block : tagTable.withAttribute(block, u"id", QString());
@@ -338,7 +339,7 @@ Position DisplayDocument::replaceContent(Position from, Position to, const std::
         *first, startCut(tagTable, *first, from, to), *last, endCut(tagTable, *last, from, to), content,
         blockWithoutId(first->block), dropEmptyElements ? EmptyElements::Remove : EmptyElements::Keep);
 
-    // A line that moves up to the start of an emptied one keeps its own block, but not the identifier.
+    // A line that moves up to the start of an emptied one keeps its block, but not the identifier.
     const bool movesUp
         = from.line != to.line && from.offset == 0 && content.size() == 1 && !hasContent(content[0]);
     if (movesUp) {
@@ -415,8 +416,8 @@ Position DisplayDocument::replaceHtml(int line, Cut from, Cut to, QStringView ht
     return replaceBlocks(line, from, to, {Line()}, true);
 }
 
-/// Puts content into one line: text outside blocks joins what stands beside it, blocks stand alone, and
-/// where nothing of the line is left beside them no empty line stays.
+/// Inserts content into one line: text outside blocks is joined to the text next to it, blocks become
+/// separate lines. No empty line remains where the rest of the line is empty.
 Position DisplayDocument::replaceBlocks(int line, Cut from, Cut to, std::vector<Line> content, bool openEnded)
 {
     const bool standsAlone = content.front().block != NoTag;
@@ -438,7 +439,7 @@ Position DisplayDocument::replaceBlocks(int line, Cut from, Cut to, std::vector<
     if (standsAlone && made.size() > 1 && !hasContent(made.front())) {
         made.erase(made.begin());
         --end.line;
-        // What is left of the line is all of it, moved down: it keeps its identifier.
+        // The rest is the complete old line, moved down: it keeps its identifier.
         if (!openEnded && !restIsEmpty)
             made.back().block = old->block;
     }
@@ -459,7 +460,7 @@ void DisplayDocument::replaceLines(int first, int count, QStringView html)
     if (count == 0 && made.empty())
         return;
     const auto inserted = int(made.size());
-    // Places in the lines replaced go to their start; those behind move along.
+    // Positions in the replaced lines move to their start; those after them move with their lines.
     splice(first, count, std::move(made),
            {{first, 0}, {first + count, 0}, {first + inserted, 0}, count == 0});
 }
@@ -493,7 +494,7 @@ void DisplayDocument::typeText(const QString& text)
     const bool joins
         = groupDepth == 0 && canUndo() && !canRedo() && steps.back().typing && currentSelection.isEmpty();
     const EditGroup group(*this);
-    // The last step stays open for one more change.
+    // The last step remains open for one more change.
     stepOpen = stepOpen || joins;
     const Position caret = replaceText(currentSelection.start(), currentSelection.end(), text);
     setSelection(caret, caret);
@@ -502,7 +503,7 @@ void DisplayDocument::typeText(const QString& text)
         mergeTyping();
 }
 
-/// Makes one change of the last two, where the second one typed on at the end of the first.
+/// Merges the last two changes into one, where the second one continues typing at the end of the first.
 void DisplayDocument::mergeTyping()
 {
     std::vector<Change>& changes = steps.back().changes;

@@ -10,7 +10,7 @@ namespace vmk {
 
 namespace {
 
-/// The margin in a style text: the number in front of `px`.
+/// The margin in a style: the number before `px`.
 const QRegularExpression& marginPattern()
 {
     static const QRegularExpression pattern(QStringLiteral("margin-left\\s*:\\s*(-?\\d+)\\s*px"),
@@ -44,7 +44,7 @@ bool DisplayElement::exists() const
     return line.block != NoTag;
 }
 
-/// The index of the end tag that belongs to the start tag.
+/// The index of the end tag that matches the start tag.
 std::size_t DisplayElement::closingMark() const
 {
     const Line& line = document->line(lineIndex);
@@ -119,7 +119,7 @@ void DisplayElement::setMarginLeft(int pixels)
 {
     if (!exists())
         return;
-    // In the browser's own spelling, which other code looks for.
+    // In the browser's spelling, which other code searches for.
     const QString margin = QStringLiteral("MARGIN-LEFT: %1px").arg(pixels);
     QString style = document->tags()[tag()].style;
     if (style.contains(marginPattern()))

@@ -93,9 +93,9 @@ int nodeIndex(const DisplayDocument* document, int line)
     return document && document->line(line).block != NoTag ? line + 1 : -1;
 }
 
-/// Looks for a character of one of two kinds next to a place and on, one character at a time.
-/// @param step -1 to the left, 1 to the right.
-/// @return where `wanted` stands, if it comes before `unwanted` and within the limit.
+/// Searches from a position for either of two characters, one character at a time.
+/// \param step  -1 to the left, 1 to the right
+/// \return the position of `wanted`, if it comes before `unwanted` and within the limit
 std::optional<Position> whicheverFirst(DisplayDocument& document, Position place, int step,
                                        QStringView wanted, QStringView unwanted)
 {
@@ -123,7 +123,7 @@ int NodeAtRangeStart(const TextRange& range)
 
 int NodeAtRangeEnd(const TextRange& range)
 {
-    // At the start of a line the last character is the line break in front of it.
+    // At the start of a line the previous character is the line break.
     const bool atBreak = !range.isEmpty() && range.end().offset == 0;
     return nodeIndex(range.ofDocument(), range.end().line - (atBreak ? 1 : 0));
 }

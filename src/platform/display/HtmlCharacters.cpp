@@ -112,7 +112,7 @@ char32_t readReference(QStringView text, qsizetype& length)
     if (text.size() > 1 && text[1] == u'#')
         return readNumericReference(text, length);
 
-    // A named reference ends at its semicolon; without one it is plain text, so that a typed "&copy" stays.
+    // A named reference ends with a semicolon; without one it is plain text, so that a typed "&copy" is kept.
     constexpr qsizetype LongestName = 8;
     const qsizetype semicolon = text.first(std::min(text.size(), LongestName + 2)).indexOf(u';');
     if (semicolon < 0)

@@ -15,11 +15,11 @@ namespace vmk {
 
 namespace {
 
-/// Deeper nesting is flattened: no page needs it, and hostile input must not cost more than its size.
+/// Deeper nesting is flattened: no page needs it, and the cost of hostile input must be linear in its size.
 constexpr std::size_t MaxBlockDepth = 256;
-/// In-line elements that go on in the lines that follow; more of them end with their line.
+/// The maximum number of in-line elements that continue in the following lines; others end with their line.
 constexpr std::size_t MaxCarriedDepth = 24;
-/// How far a quoted attribute value that holds `>` is followed before its quote counts as a stray one.
+/// The maximum length of a quoted attribute value with a `>`; beyond it, the quote counts as unclosed.
 constexpr std::size_t LongestQuotedValue = 4096;
 
 enum class Spacing
@@ -33,22 +33,22 @@ constexpr bool isLetter(char32_t c)
     return (c >= U'a' && c <= U'z') || (c >= U'A' && c <= U'Z');
 }
 
-/// What ends an element's name. A quote in a name would swallow what follows the end tag.
+/// The characters that end the name of an element. A quote in a name would hide the text after the end tag.
 constexpr bool endsName(char32_t c)
 {
     return isHtmlSpace(c) || c == U'/' || c == U'>' || c == U'=' || c == U'"' || c == U'\'';
 }
 
-/// A tag as the reader needs it.
+/// The properties of a tag that the reader uses.
 struct TagFacts
 {
-    TagId tag = NoTag; ///< The interned start tag; for an end tag the one without attributes.
-    TagId name = NoTag; ///< The interned tag of that name without attributes: equal for equal names.
+    TagId tag = NoTag; ///< The interned start tag; for an end tag, the one without attributes.
+    TagId name = NoTag; ///< The interned tag with this name and without attributes: equal for equal names.
     ElementKind kind = ElementKind::Inline;
     bool isEnd = false;
 };
 
-/// @tparam Char `char` for UTF-8, `char16_t` for UTF-16.
+/// \tparam Char  `char` for UTF-8, `char16_t` for UTF-16
 template <class Char>
 class Reader
 {
@@ -70,14 +70,14 @@ private:
         TagId tag = NoTag;
         TagId name = NoTag;
         ElementKind kind = ElementKind::Block;
-        bool filled = false; ///< Has had a line or a block of its own.
+        bool filled = false; ///< A line or a block inside it exists already.
         std::size_t inlineDepth = 0; ///< In-line elements open around it.
     };
     struct OpenInline
     {
         TagId tag = NoTag;
         TagId name = NoTag;
-        bool everMarked = false; ///< Its start tag stands in some line already.
+        bool everMarked = false; ///< Its start tag is in a line already.
     };
 
     // Tokens.
@@ -127,13 +127,14 @@ private:
     HtmlContent content;
     std::vector<OpenBlock> blocks;
     std::vector<OpenInline> inlines;
-    std::size_t markedInlines = 0; ///< Of `inlines`, how many from the bottom stand in the line at hand.
+    std::size_t markedInlines
+        = 0; ///< The number of elements of `inlines`, from the bottom, that are in the current line.
 
     bool lineOpen = false;
-    bool endsCollapsible = false; ///< The text ends in a blank that collapses with what follows.
+    bool endsCollapsible = false; ///< The text ends with a blank that collapses with the following one.
     std::u16string text;
     std::vector<Mark> marks;
-    std::u16string heldSpace; ///< White space that belongs to the line that may begin.
+    std::u16string heldSpace; ///< White space that belongs to the next line, if one begins.
     bool heldCollapsible = false;
 
     struct StrayQuote
@@ -141,9 +142,9 @@ private:
         std::size_t tagEnd = 0;
         Char quote = {};
     };
-    std::vector<StrayQuote> strayQuotes; ///< Quotes left open in tags of the head, in order.
+    std::vector<StrayQuote> strayQuotes; ///< Unclosed quotes in tags of the head, in order.
 
-    // What a search to the end of the input has shown not to come any more.
+    // Results of searches to the end of the input: no further occurrence exists.
     bool noBracket = false;
     bool noCommentEnd = false;
     std::vector<TagId> neverEnded;
@@ -170,13 +171,13 @@ HtmlContent Reader<Char>::read()
             readCharacter();
     }
 
-    // What is open here ends as if its end tag stood here.
+    // All open elements end here as if their end tags followed.
     while (!blocks.empty())
         closeBlock();
     const bool onlySpace = content.lines.empty() && !lineOpen && !heldSpace.empty();
     if (onlySpace && !heldCollapsible && spacing == Spacing::Keep)
         beginLine();
-    // An empty element in front of nothing still is content.
+    // An empty element at the end of the input is content too.
     if (std::any_of(inlines.begin(), inlines.end(), [](const OpenInline& open) { return !open.everMarked; }))
         markOpenElements();
     content.openEnded = lineOpen;
@@ -192,7 +193,7 @@ std::size_t Reader<Char>::find(Char c, std::size_t from) const
 
 // ---------------------------------------------------------------- tags
 
-/// The place of the `>` that ends the tag begun at `start`, or `npos`. A `>` inside a quoted value does not
+/// The position of the `>` that ends the tag at `start`, or `npos`. A `>` inside a quoted value does not
 /// count, unless the quote is never closed.
 template <class Char>
 std::size_t Reader<Char>::findTagEnd(std::size_t start)
@@ -227,7 +228,7 @@ std::size_t Reader<Char>::findTagEnd(std::size_t start)
     return first;
 }
 
-/// Reads the tag, comment or declaration at `at`; false when its `<` is a plain character.
+/// Reads the tag, comment or declaration at `at`; returns false if its `<` is a plain character.
 template <class Char>
 bool Reader<Char>::readMarkup()
 {
@@ -256,7 +257,7 @@ bool Reader<Char>::readMarkup()
     return true;
 }
 
-/// Comments and declarations go; one that never ends is text.
+/// Comments and declarations are removed; one that never ends is text.
 template <class Char>
 bool Reader<Char>::readDeclaration()
 {
@@ -278,7 +279,7 @@ bool Reader<Char>::readDeclaration()
     return true;
 }
 
-/// The facts of a tag, from the cache if the same characters came by before.
+/// The properties of a tag, from the cache if the same characters occurred before.
 template <class Char>
 const TagFacts& Reader<Char>::tagFacts(View inner)
 {
@@ -311,7 +312,7 @@ TagFacts Reader<Char>::makeTagFacts(View inner)
     return facts;
 }
 
-/// Where the end tag of that name begins, behind `at`, or `npos`.
+/// The position of the next end tag with that name after `at`, or `npos`.
 template <class Char>
 std::size_t Reader<Char>::findEndTag(QStringView name) const
 {
@@ -332,7 +333,7 @@ std::size_t Reader<Char>::findEndTag(QStringView name) const
     return View::npos;
 }
 
-/// Skips the content of an element that shows nothing; false when it never ends and so must be text.
+/// Skips an element whose content is not displayed; returns false if it never ends and is therefore text.
 template <class Char>
 bool Reader<Char>::skipElement(TagId name)
 {
@@ -373,8 +374,9 @@ void Reader<Char>::readText(std::size_t stop)
     }
 }
 
-/// The common case in one go: plain characters, with single blanks between them. Where most of a page's time
-/// goes. @return false when none stands here.
+/// The common case in one step: plain characters with single blanks between them. Most of the time for a page
+/// is spent here.
+/// \return false if there is none here
 template <class Char>
 bool Reader<Char>::readRun(std::size_t stop)
 {
@@ -404,7 +406,7 @@ bool Reader<Char>::readRun(std::size_t stop)
     return true;
 }
 
-/// A run of white space, to its end or to the end of the text.
+/// Reads a run of white space up to its end or the end of the text.
 template <class Char>
 void Reader<Char>::readSpace()
 {
@@ -449,7 +451,7 @@ void Reader<Char>::putSpace(QStringView run, bool collapsible)
     }
     if (collapsible && (endsCollapsible || text.empty()))
         return;
-    // A blank kept inside an element is text of it.
+    // A blank that is kept inside an element is part of its text.
     markOpenElements();
     text.append(run.utf16(), std::size_t(run.size()));
     endsCollapsible = collapsible;
@@ -458,7 +460,7 @@ void Reader<Char>::putSpace(QStringView run, bool collapsible)
 template <class Char>
 void Reader<Char>::readReferenceAt()
 {
-    // Nearly all references of a page are the brackets of its tags.
+    // Nearly all references of a page are the angle brackets of its tags.
     constexpr std::array<Char, 4> LessThan = {Char('&'), Char('l'), Char('t'), Char(';')};
     constexpr std::array<Char, 4> GreaterThan = {Char('&'), Char('g'), Char('t'), Char(';')};
     const View four = input.substr(at, 4);
@@ -477,7 +479,7 @@ void Reader<Char>::readReferenceAt()
     qsizetype referenceLength = 0;
     const char32_t c = readReference(QStringView(characters.data(), qsizetype(length)), referenceLength);
     at += c == 0 ? 1 : std::size_t(referenceLength);
-    // White space stays white space when it is written by number.
+    // White space remains white space if it is written as a numeric reference.
     const auto space = char16_t(c);
     if (isHtmlSpace(c))
         putSpace(QStringView(&space, 1), c == U'\r' || c == U'\n' || spacing == Spacing::Collapse);
@@ -485,7 +487,7 @@ void Reader<Char>::readReferenceAt()
         put(c == 0 ? U'&' : c);
 }
 
-/// One character of text, decoded; it is text whatever it is.
+/// Reads one character as text, whatever it is.
 template <class Char>
 void Reader<Char>::readCharacter()
 {
@@ -595,7 +597,7 @@ void Reader<Char>::startBlock(const TagFacts& facts)
     while (!blocks.empty() && endsImplicitly(tags[blocks.back().name].name, name))
         closeBlock();
     if (blocks.size() >= MaxBlockDepth) {
-        // It would hold the block that takes its place, and so is no empty line.
+        // It would contain the block that replaces it, so it is not an empty line.
         blocks.back().filled = true;
         closeBlock();
     }
@@ -610,7 +612,7 @@ void Reader<Char>::startBlock(const TagFacts& facts)
     blocks.push_back(block);
 }
 
-/// Ends the innermost block and the in-line elements that were opened in it.
+/// Ends the innermost block and the in-line elements opened in it.
 template <class Char>
 void Reader<Char>::closeBlock()
 {
@@ -645,10 +647,10 @@ void Reader<Char>::endInline(TagId name)
     if (i == 0)
         return;
     const std::size_t index = i - 1;
-    // An element without any text in it is kept as well: it may be a field or an anchor.
+    // An element without text is kept too: it may be a field or an anchor.
     if (!inlines[index].everMarked)
         markOpenElements();
-    // What was opened inside and still is open goes on behind the end tag.
+    // Elements that were opened inside and are still open continue after the end tag.
     while (markedInlines > index)
         marks.push_back(Mark::closing(int(text.size()), inlines[--markedInlines].tag));
     inlines.erase(inlines.begin() + std::ptrdiff_t(index));
@@ -656,7 +658,7 @@ void Reader<Char>::endInline(TagId name)
         --block->inlineDepth;
 }
 
-/// `BR`, or a line end in preformatted text.
+/// Handles `BR`, or a line end in preformatted text.
 template <class Char>
 void Reader<Char>::lineBreak()
 {
@@ -675,7 +677,7 @@ void Reader<Char>::beginLine()
     heldCollapsible = false;
 }
 
-/// Opens, in the line at hand or a new one, all elements that are open and not yet in it.
+/// Opens all open elements that are not in the current line yet; begins a line if necessary.
 template <class Char>
 void Reader<Char>::markOpenElements()
 {
@@ -706,7 +708,7 @@ void Reader<Char>::endLine()
     TagId block = NoTag;
     if (!blocks.empty()) {
         OpenBlock& around = blocks.back();
-        // An identifier names one line only.
+        // Only one line has the identifier.
         if (around.filled)
             around.tag = tags.withAttribute(around.tag, u"id", QString());
         block = around.kind == ElementKind::Container ? plainBlock(around.tag) : around.tag;
@@ -723,7 +725,7 @@ void Reader<Char>::endLine()
         inlines.resize(MaxCarriedDepth);
 }
 
-/// The block of a line that stands in a list or table itself, in none of its items or cells.
+/// The block of a line that is directly in a list or table, outside its items or cells.
 template <class Char>
 TagId Reader<Char>::plainBlock(TagId container)
 {
@@ -732,8 +734,8 @@ TagId Reader<Char>::plainBlock(TagId container)
     return align.isEmpty() ? div : tags.withAttribute(div, u"align", align);
 }
 
-/// All up to here is the page's head, if nothing of the page has begun yet. It stays as written, but that
-/// quotes left open are closed: in another page they might find a partner further on.
+/// If no content of the page has begun, everything up to here is its head. The head is kept as written,
+/// except that unclosed quotes are closed: in another page they could match a later quote.
 template <class Char>
 bool Reader<Char>::takeHead(std::size_t end)
 {
@@ -758,7 +760,7 @@ bool Reader<Char>::takeHead(std::size_t end)
 
 HtmlContent readPage(TagTable& tags, const QByteArray& html)
 {
-    // Only a byte order mark tells of UTF-16: pages are written in UTF-8.
+    // Only a byte order mark indicates UTF-16: pages are written in UTF-8.
     QByteArray utf8 = html;
     if (html.startsWith("\xff\xfe"))
         utf8 = QString(QStringDecoder(QStringConverter::Utf16LE)(html)).toUtf8();

@@ -6,7 +6,8 @@ namespace vmk {
 
 namespace {
 
-/// Appends characters of a line's text; with `protectBlanks`, `i` knows its neighbours in the whole text.
+/// Appends characters of a line's text. `text` is the whole text, so that `protectBlanks` can check
+/// neighbours.
 void writeCharacters(QString& html, QStringView text, qsizetype from, qsizetype to, bool protectBlanks)
 {
     qsizetype plainFrom = from;

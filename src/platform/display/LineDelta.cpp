@@ -6,7 +6,7 @@ namespace vmk {
 
 namespace {
 
-/// How much of two sequences, of `most` at most, is alike from their fronts on.
+/// The length of the common prefix of two sequences, at most `most`.
 template <class Iterator, class Alike>
 auto alikeLength(Iterator a, Iterator b, std::ptrdiff_t most, Alike alike)
 {
@@ -33,7 +33,7 @@ CommonEnds commonEnds(const std::vector<LinePtr>& before, const std::vector<Line
         = alikeLength(oldFirst.marks.begin(), newFirst.marks.begin(),
                       shorter(std::ssize(oldFirst.marks), std::ssize(newFirst.marks)), std::equal_to<>());
 
-    // In a single line the back begins behind the front.
+    // In a single line the common end must not overlap the common beginning.
     const auto textLeft = [frontText](const std::vector<LinePtr>& lines) {
         return lines.back()->text.size() - (lines.size() == 1 ? frontText : 0);
     };

@@ -8,7 +8,7 @@ namespace vmk {
 
 namespace {
 
-/// A start tag that stands open at a place, and which of the line's marks it is.
+/// A start tag that is open at a position, and the index of its mark.
 struct OpenMark
 {
     TagId tag = NoTag;
@@ -29,7 +29,7 @@ std::vector<OpenMark> openMarks(const Line& line, std::size_t end)
     return open;
 }
 
-/// How many elements, from the outermost, are open all the way from one mark to another.
+/// The number of elements, from the outermost, that are open all the way from one mark to another.
 std::size_t sharedDepth(const Line& line, std::size_t firstMark, std::size_t lastMark, std::size_t depth)
 {
     std::size_t lowest = depth;
@@ -40,7 +40,7 @@ std::size_t sharedDepth(const Line& line, std::size_t firstMark, std::size_t las
     return lowest;
 }
 
-/// How many of the elements open at a cut, from the innermost, end right there.
+/// The number of elements open at a cut, from the innermost, that end exactly there.
 std::size_t endingAt(const Line& line, Cut cut)
 {
     std::size_t next = cut.mark;
@@ -49,14 +49,14 @@ std::size_t endingAt(const Line& line, Cut cut)
     return next - cut.mark;
 }
 
-/// Writes one new line, mark by mark.
+/// Composes one new line, mark by mark.
 class LineComposer
 {
 public:
     explicit LineComposer(TagId block) { line.block = block; }
 
-    /// The line up to a cut. Of the elements open there, those deeper than `shared` end; if they had begun
-    /// right at the cut they leave nothing behind.
+    /// Appends the line up to a cut. Of the elements open there, those deeper than `shared` end; those that
+    /// begin exactly at the cut are omitted.
     void appendLeft(const Line& source, Cut cut, const std::vector<OpenMark>& open, std::size_t shared)
     {
         const auto beginsAtCut = [&](std::size_t index) {
@@ -76,8 +76,8 @@ public:
         }
     }
 
-    /// The line from a cut on. Elements open there and deeper than `shared` begin again, unless they end
-    /// right at the cut.
+    /// Appends the line from a cut on. Elements open there and deeper than `shared` begin again, unless they
+    /// end exactly at the cut.
     void appendRight(const Line& source, Cut cut, const std::vector<OpenMark>& open, std::size_t shared)
     {
         const std::size_t ended = std::min(endingAt(source, cut), open.size() - shared);
@@ -145,7 +145,7 @@ Cut insertionCut(const TagTable& tags, const Line& line, int offset)
         if (marks[i].open && !marks[i + 1].open && takesText(tags[marks[i].tag]))
             return {offset, i + 1};
     }
-    // Text in front goes on; at the start of a line there is none, and the first element takes it.
+    // The elements of the text before it continue; at the start of a line, the first element takes the text.
     return {offset, offset > 0 ? begin : end};
 }
 
@@ -181,7 +181,7 @@ std::vector<Line> replaceContent(const Line& first, Cut a, const Line& last, Cut
     const auto openBehind = openMarks(last, b.mark);
     std::size_t shared = &first == &last ? sharedDepth(first, a.mark, b.mark, openBefore.size()) : 0;
     if (content.size() == 1 && isEmpty(content[0]) && emptyElements == EmptyElements::Remove) {
-        // An element that would be left without text counts as one that ends on both sides.
+        // An element that would have no text counts as one that ends on both sides.
         const std::size_t lasting = openBehind.size() - std::min(endingAt(last, b), openBehind.size());
         while (shared > lasting && openBefore[shared - 1].pos == a.offset)
             --shared;
@@ -193,7 +193,7 @@ std::vector<Line> replaceContent(const Line& first, Cut a, const Line& last, Cut
         const bool isFirst = i == 0;
         const bool isLast = i + 1 == content.size();
         const TagId block = content[i].block == NoTag ? nextBlock : content[i].block;
-        // In several lines the shared elements go on only where there is something for them to hold.
+        // In several lines, the shared elements continue only in lines that are not empty.
         const std::size_t around = content.size() > 1 && isEmpty(content[i]) ? 0 : shared;
 
         LineComposer composer(isFirst ? first.block : block);

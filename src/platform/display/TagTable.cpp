@@ -8,17 +8,17 @@ namespace vmk {
 
 namespace {
 
-/// One attribute in a tag's attribute text: where its name and its raw value stand.
+/// One attribute in the attribute text of a tag: the positions of its name and its raw value.
 struct AttributePlace
 {
     qsizetype nameStart = 0;
     qsizetype nameEnd = 0;
-    qsizetype valueStart = 0; ///< Behind the opening quote.
-    qsizetype valueEnd = 0; ///< In front of the closing quote.
-    qsizetype end = 0; ///< Behind the closing quote.
+    qsizetype valueStart = 0; ///< After the opening quote.
+    qsizetype valueEnd = 0; ///< Before the closing quote.
+    qsizetype end = 0; ///< After the closing quote.
 };
 
-/// Reads the next attribute from `at` on; false at the end of the text.
+/// Reads the next attribute from `at` on; returns false at the end of the text.
 bool nextAttribute(QStringView text, qsizetype at, AttributePlace& place)
 {
     const auto skip = [&text](qsizetype from, auto&& accept) {
@@ -31,7 +31,7 @@ bool nextAttribute(QStringView text, qsizetype at, AttributePlace& place)
     place.nameStart = skip(at, [&](QChar c) { return isBlank(c) || c == u'/'; });
     if (place.nameStart >= text.size())
         return false;
-    // A name that begins with an equals sign keeps it, so that the loop always moves on.
+    // A name that begins with an equals sign keeps it, so that the loop always advances.
     place.nameEnd = skip(place.nameStart + 1, [&](QChar c) { return !isBlank(c) && c != u'='; });
     place.valueStart = place.valueEnd = place.end = place.nameEnd;
 
@@ -76,7 +76,7 @@ QStringView withoutOuterSpace(QStringView text)
     return text;
 }
 
-/// Closes a quote that attribute text leaves open, so that it cannot swallow what follows the tag.
+/// Closes a quote that the attribute text leaves open, so that it cannot hide the text after the tag.
 void closeLastQuote(QString& attributes)
 {
     qsizetype i = 0;
@@ -92,7 +92,7 @@ void closeLastQuote(QString& attributes)
     }
 }
 
-/// Gives the last attribute a value if only its `=` is there: what is added behind it would become it.
+/// Adds an empty value if the last attribute ends with `=`: otherwise appended text would become its value.
 void completeLastValue(QString& attributes)
 {
     if (!attributes.endsWith(u'='))
@@ -104,14 +104,14 @@ void completeLastValue(QString& attributes)
         attributes += QStringLiteral("\"\"");
 }
 
-/// Attribute text in the one form that reads back as itself; see `intern`.
+/// The canonical attribute text, which reads back as itself; see `intern`.
 QString canonicalAttributes(QStringView written)
 {
     QString text = withoutOuterSpace(written).toString();
     text.replace(u'<', QStringLiteral("&lt;")).replace(u'>', QStringLiteral("&gt;"));
     text.replace(u'\r', u' ').replace(u'\n', u' ');
     closeLastQuote(text);
-    // The slash of `<BR/>`, but not the one that ends an unquoted address; again if another one shows.
+    // The slash of `<BR/>`, but not one that ends an unquoted address; repeated if another one is found.
     const auto endsInSlash = [&text] {
         return text == u"/" || text.endsWith(QStringLiteral(" /")) || text.endsWith(QStringLiteral("\"/"));
     };
@@ -121,7 +121,7 @@ QString canonicalAttributes(QStringView written)
     return text;
 }
 
-/// Names of HTML know capitals of the letters A to Z only. Brackets are references as in attributes.
+/// In HTML names only the letters A to Z have a case. Brackets become references as in attributes.
 QString canonicalName(QStringView written)
 {
     QString name = written.toString();
@@ -133,7 +133,7 @@ QString canonicalName(QStringView written)
     return name;
 }
 
-/// Names never hold a blank, so the pair is unambiguous.
+/// Names never contain a blank, so that the pair is unambiguous.
 QString keyOf(QStringView name, QStringView attributes)
 {
     QString key;
@@ -161,7 +161,7 @@ QString Tag::value(QStringView attribute) const
         return {};
     const QStringView raw
         = QStringView(attributes).sliced(place.valueStart, place.valueEnd - place.valueStart);
-    // A present but empty attribute is empty, not null.
+    // An attribute that exists but is empty is an empty string, not a null string.
     return raw.isEmpty() ? QStringLiteral("") : resolveReferences(raw);
 }
 

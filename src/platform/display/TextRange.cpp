@@ -18,7 +18,7 @@ bool isName(QStringView given, QStringView name)
     return given.compare(name, Qt::CaseInsensitive) == 0;
 }
 
-/// Which ends a `how` speaks of; `known` is false for anything else.
+/// The end points that `how` names; `known` is false for any other text.
 struct EndPoints
 {
     bool known = false;
@@ -39,10 +39,10 @@ EndPoints endPoints(QStringView how)
     return {};
 }
 
-/// Moves by characters, also through surrogate pairs in the direction of the move.
+/// Moves by characters, and through a surrogate pair in the direction of the move.
 Position movedByCharacters(const DisplayDocument& document, Position place, int count)
 {
-    // Short ways are walked, long ones looked up.
+    // Short distances are walked, long ones looked up.
     constexpr int ShortWay = 256;
     Position target = place;
     const int length = int(document.line(place.line).text.size());
@@ -61,11 +61,11 @@ Position movedByCharacters(const DisplayDocument& document, Position place, int 
         target = document.positionAt(document.characterIndex(place) + count);
 
     const Position whole = document.valid(target);
-    // `valid` falls back to the pair's front; a move forwards goes behind it.
+    // `valid` moves to the start of the pair; a forward move ends after the pair.
     return whole != target && count > 0 ? Position{whole.line, whole.offset + 2} : whole;
 }
 
-/// How many characters lie between two places, negative when the second comes first.
+/// The number of characters between two positions, negative if the second one is first.
 int distance(const DisplayDocument& document, Position from, Position to)
 {
     constexpr int NearbyLines = 64;
@@ -81,7 +81,7 @@ int distance(const DisplayDocument& document, Position from, Position to)
 
 } // namespace
 
-// ---------------------------------------------------------------- life
+// ---------------------------------------------------------------- lifetime
 
 TextRange::TextRange(DisplayDocument& ofDocument, Position from, Position to)
 {
@@ -117,7 +117,7 @@ void TextRange::attach(DisplayDocument* newDocument)
     if (newDocument == document)
         return;
     if (document) {
-        // The last one of the list takes the freed place.
+        // The last range of the list moves to the free index.
         auto& ranges = document->liveRanges;
         ranges[registration] = ranges.back();
         ranges[registration]->registration = registration;
@@ -382,7 +382,7 @@ QRect LayoutQuery::boundingRect(Position from, Position to)
 {
     QRect bounds;
     for (const QRect& rect : clientRects(from, to)) {
-        // Not `united`, which passes over the rectangles of bare places: they are 0 wide.
+        // Not `united`, which ignores the rectangles of empty ranges: their width is 0.
         if (bounds.isNull())
             bounds = rect;
         const int left = std::min(bounds.x(), rect.x());

@@ -9,7 +9,7 @@ namespace vmk {
 
 namespace {
 
-/// The other case's common form, one code unit for one.
+/// The common form of both cases; one code unit for each code unit.
 char16_t folded(char16_t c)
 {
     if (c < 0x80)
@@ -63,7 +63,7 @@ bool TextSearch::equalAt(const QString& text, int offset, const QString& piece) 
                       [](char16_t a, char16_t b) { return a == b || folded(a) == b; });
 }
 
-/// The first place from `from` on where the one piece stands, or -1.
+/// The first position from `from` on at which the only piece occurs, or -1.
 int TextSearch::indexIn(const QString& text, int from) const
 {
     const QString& piece = pieces.front();
@@ -79,7 +79,7 @@ int TextSearch::indexIn(const QString& text, int from) const
     return -1;
 }
 
-/// The last place up to `from` where the one piece stands, or -1.
+/// The last position up to `from` at which the only piece occurs, or -1.
 int TextSearch::lastIndexIn(const QString& text, int from) const
 {
     const QString& piece = pieces.front();
@@ -92,7 +92,8 @@ int TextSearch::lastIndexIn(const QString& text, int from) const
     return -1;
 }
 
-/// The hit whose first piece ends a line, all middle ones are whole lines, and the last begins one.
+/// A match whose first piece ends a line, whose middle pieces are whole lines, and whose last piece begins
+/// one.
 std::optional<TextSearch::Hit> TextSearch::acrossBreaks(const DisplayDocument& document, int line) const
 {
     const int breaks = int(pieces.size()) - 1;
@@ -113,7 +114,7 @@ std::optional<TextSearch::Hit> TextSearch::acrossBreaks(const DisplayDocument& d
     return Hit{{line, start}, {line + breaks, int(pieces.back().size())}};
 }
 
-/// True when a hit does not cut a surrogate pair, nor a word where only whole ones count.
+/// True if a match does not cut a surrogate pair and, if only whole words count, no word.
 bool TextSearch::standsAlone(const DisplayDocument& document, const Hit& hit) const
 {
     const auto& [from, to] = hit;

@@ -18,7 +18,7 @@ Sort sortOf(QChar c)
     return isWordCharacter(c) ? Sort::Letter : Sort::Sign;
 }
 
-/// True when a word begins in front of the character at `offset`, or the text ends there.
+/// True if a word begins before the character at `offset`, or the text ends there.
 bool isWordStart(const QString& text, int offset)
 {
     if (offset <= 0 || offset >= text.size())
@@ -31,7 +31,7 @@ bool isWordStart(const QString& text, int offset)
 
 bool isWordCharacter(QChar c)
 {
-    // Halves of a pair are letters: what lies outside the basic plane is script far more often than sign.
+    // Halves of a pair count as letters: most characters outside the basic plane belong to scripts.
     return c.isLetterOrNumber() || c.isMark() || c == u'_' || c == QChar(0xAD) || c.isSurrogate();
 }
 

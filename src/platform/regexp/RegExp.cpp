@@ -32,7 +32,7 @@ using MatchContext = std::unique_ptr<pcre2_match_context, Freed<&pcre2_match_con
 using CompileContext = std::unique_ptr<pcre2_compile_context, Freed<&pcre2_compile_context_free>>;
 using JitStack = std::unique_ptr<pcre2_jit_stack, Freed<&pcre2_jit_stack_free>>;
 
-/// Never null, which the engine would take for a mistake.
+/// Never null, which the engine treats as an error.
 PCRE2_SPTR EngineUnits(QStringView text)
 {
     static_assert(sizeof(PCRE2_UCHAR) == sizeof(char16_t));
@@ -73,7 +73,7 @@ Code Compile(const EnginePattern& pattern, const Key& key)
     PCRE2_SIZE place = 0;
     Code code(pcre2_compile(EngineUnits(pattern.text), static_cast<PCRE2_SIZE>(pattern.text.size()), options,
                             &error, &place, context.get()));
-    // Without the just-in-time compiler the engine interprets: slower, and just as right.
+    // Without the just-in-time compiler the engine interprets the pattern: slower, with the same results.
     if (code)
         pcre2_jit_compile(code.get(), PCRE2_JIT_COMPLETE);
     return code;
@@ -90,7 +90,7 @@ std::shared_ptr<const Compiled> MakeCompiled(const Key& key)
     return std::make_shared<const Compiled>(Compiled{std::move(code), pattern->groupCount});
 }
 
-/// The patterns used last, latest first; bad ones too, so that they are not tried again and again.
+/// The most recently used patterns, latest first; bad ones too, so that they are not compiled again.
 class Cache
 {
 public:
@@ -125,7 +125,7 @@ std::shared_ptr<const Compiled> FindCompiled(const Key& key)
 
 // ---------------------------------------------------------------- runaway searches
 
-/// The time that this thread has worked, so that a busy machine makes no honest search fail.
+/// The processor time of this thread, so that a busy machine does not make a normal search fail.
 std::chrono::nanoseconds ThreadTime()
 {
     timespec time{};
@@ -133,8 +133,8 @@ std::chrono::nanoseconds ThreadTime()
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
-/// Ends a search that takes too long. The engine asks at the check points of the pattern; the clock is looked
-/// at the less often the quicker the questions come.
+/// Ends a search that takes too long. The engine calls back at the check points of the pattern; the faster
+/// the calls, the fewer of them read the clock.
 class Watch
 {
 public:
@@ -152,7 +152,7 @@ public:
     }
 
 private:
-    /// Whether there is time left.
+    /// Returns whether time remains.
     bool look()
     {
         const auto now = ThreadTime();
@@ -165,8 +165,8 @@ private:
     static constexpr auto BaseTime = std::chrono::milliseconds(250);
     static constexpr auto TimeForUnit = std::chrono::nanoseconds(100);
     static constexpr auto Soon = std::chrono::milliseconds(2);
-    /// From one question to the next the engine passes over the text at most once: so many units may go by
-    /// between two looks.
+    /// Between two calls the engine reads the text at most once: this limits the code units between two
+    /// readings of the clock.
     static constexpr qsizetype UnwatchedUnits = 100'000'000;
 
     std::chrono::nanoseconds lastLook;
@@ -188,7 +188,7 @@ pcre2_jit_stack* ThreadJitStack()
 
 // ---------------------------------------------------------------- matching
 
-/// Finds one match after the other in a text.
+/// Finds the matches in a text one after the other.
 class RegExp::Matcher
 {
 public:
@@ -261,7 +261,7 @@ QStringView RegExp::Matcher::group(int number) const
 
 namespace {
 
-/// A replacement template taken apart.
+/// One part of a parsed replacement template.
 struct TemplatePart
 {
     enum Kind
@@ -276,7 +276,7 @@ struct TemplatePart
     int group = 0;
 };
 
-/// Reads `$1` to `$99` at `at`; the number of digits is 0 where no such group exists.
+/// Reads `$1` to `$99` at `at`; the number of digits is 0 if there is no such group.
 std::pair<int, qsizetype> ReadGroupNumber(QStringView digits, int groupCount)
 {
     for (const qsizetype length : {2, 1}) {

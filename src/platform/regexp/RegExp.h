@@ -10,59 +10,59 @@
 
 namespace vmk {
 
-/// One match. Positions and lengths in UTF-16 code units, from 0.
+/// One match. Positions and lengths are in UTF-16 code units, from 0.
 struct RegExpMatch
 {
     QString Value;
     qsizetype FirstIndex = 0;
     qsizetype Length = 0;
-    /// The groups from the first on; a group that took no part is empty.
+    /// The groups from the first on; a group that did not participate is empty.
     QStringList SubMatches;
 };
 
-/// A regular expression of the dialect that scripts of the third ECMAScript edition use.
+/// A regular expression in the dialect of ECMAScript, third edition.
 ///
-/// Set the four properties and call; patterns are compiled when first used and remembered. A call that fails
-/// gives no value: the pattern is bad (which includes syntax of other dialects, see RegExpSyntax.h), or it
-/// ran away on this text: a call may take a quarter of a second of the processor's time, and a tenth of a
-/// second more for each million code units.
+/// Set the four properties and call a function; patterns are compiled on first use and cached. A call returns
+/// no value on failure: if the pattern is bad (which includes syntax of other dialects, see RegExpSyntax.h),
+/// or if the search exceeds its time limit: a quarter of a second of processor time plus a tenth of a second
+/// per million code units.
 ///
-/// The dialect: `.` is anything but LF; `\w`, `\d`, `\b` know ASCII only; `\s` is blank, tab, LF, VT, FF and
-/// CR, not the non-breaking space; ignoring case covers all letters; `^` and `$` hold at the ends of the
-/// text, and with `MultiLine` behind and before each LF; a reference to a group that took no part matches
-/// emptily. A character outside the basic plane counts as one for `.` and classes.
+/// The dialect: `.` is anything except LF; `\w`, `\d`, `\b` are ASCII only; `\s` is blank, tab, LF, VT, FF
+/// and CR, not the non-breaking space; ignoring case applies to all letters; `^` and `$` match at the ends of
+/// the text and, with `MultiLine`, after and before each LF; a reference to a group that did not participate
+/// matches the empty text. A character outside the basic plane counts as one character for `.` and classes.
 class RegExp
 {
 public:
     QString Pattern;
     bool IgnoreCase = false;
-    /// All matches, not the first alone.
+    /// Finds all matches, not only the first one.
     bool Global = false;
     bool MultiLine = false;
-    /// Pattern and text hold bytes, as the characters 0 to 255: only A to Z have a case.
+    /// Pattern and text are bytes, as the characters 0 to 255: only A to Z have a case.
     bool ByteText = false;
 
-    /// The matches from left to right, none overlapping; behind an empty match the search goes on one
-    /// character further.
+    /// Returns the non-overlapping matches from left to right. After an empty match the search continues one
+    /// character later.
     [[nodiscard]] std::optional<std::vector<RegExpMatch>> Execute(QStringView text) const;
 
-    /// The text with its matches replaced by the template, in which `$1` to `$99` are groups, `$&` is the
-    /// match,
-    /// `` $` `` and `$'` what stands before and behind it, `$$` a dollar; all else, numbers without a group
-    /// included, is plain text. `count`, when given, receives the number of replacements.
+    /// Returns the text with its matches replaced by the template. In the template, `$1` to `$99` are groups,
+    /// `$&` is the match, `` $` `` and `$'` are the text before and after it, and `$$` is a dollar;
+    /// everything else, including numbers without a group, is plain text. `count`, if not null, receives the
+    /// number of replacements.
     [[nodiscard]] std::optional<QString> Replace(QStringView text, QStringView replacement,
                                                  qsizetype* count = nullptr) const;
 
-    /// Whether there is a match.
+    /// Returns whether there is a match.
     [[nodiscard]] std::optional<bool> Test(QStringView text) const;
 
-    /// Number of matches.
+    /// Returns the number of matches.
     [[nodiscard]] std::optional<qsizetype> Count(QStringView text) const;
 
 private:
     class Matcher;
 
-    /// Calls back with each match in turn until there are no more; false on failure.
+    /// Calls `take` with each match until there are no more; returns false on failure.
     [[nodiscard]] bool forEachMatch(QStringView text, const std::function<void(const Matcher&)>& take) const;
 };
 

@@ -27,7 +27,7 @@ bool IsAsciiLetter(QChar c)
     return small >= u'a' && small <= u'z';
 }
 
-/// Counts the groups that keep what they match: that decides what `\1` means.
+/// Counts the capturing groups: they determine the meaning of `\1`.
 int CountGroups(QStringView pattern)
 {
     int groups = 0;
@@ -46,7 +46,7 @@ int CountGroups(QStringView pattern)
     return groups;
 }
 
-/// What a plain character or an escape stands for.
+/// The meaning of a plain character or an escape.
 struct Atom
 {
     enum Kind
@@ -60,7 +60,7 @@ struct Atom
     Kind kind = Character;
     /// The character, or the number of the group.
     char32_t value = 0;
-    /// Of sets and anchors, the letter behind the backslash; the engine has the same.
+    /// For sets and anchors, the letter after the backslash; the engine uses the same one.
     QChar letter;
 };
 
@@ -103,9 +103,9 @@ private:
     qsizetype at = 0;
     int groupCount;
     bool writesCheckPoints;
-    /// What was read last may bear a quantifier.
+    /// A quantifier is allowed after the last item.
     bool quantifiable = false;
-    /// Of each open group, innermost last: it has alternatives.
+    /// For each open group, innermost last: whether it has alternatives.
     std::vector<bool> branches;
     EnginePattern result;
 };
@@ -188,7 +188,7 @@ bool Translator::closeGroup()
     return true;
 }
 
-/// Length of the quantifier here, without the "?" of a lazy one; 0 where there is none.
+/// The length of the quantifier here, without the "?" of a lazy one; 0 if there is none.
 qsizetype Translator::quantifierLength() const
 {
     if (atEnd())
@@ -257,7 +257,7 @@ bool Translator::readClass()
     return true;
 }
 
-/// A character, a set or a range. A dash beside a set is a dash.
+/// Reads a character, a set or a range. A dash next to a set is a plain dash.
 bool Translator::readClassItem()
 {
     if (posixClassAhead())
@@ -337,8 +337,8 @@ std::optional<Atom> Translator::readEscape(bool inClass)
     }
 }
 
-/// A group's number of one or two digits, as far as there is such a group; else up to three octal digits;
-/// else the digit itself.
+/// Reads a group number of one or two digits, if such a group exists; otherwise up to three octal digits;
+/// otherwise the digit itself.
 Atom Translator::readNumber(bool inClass)
 {
     const auto number = [this](qsizetype digits) { return pattern.mid(at, digits).toInt(); };
@@ -358,7 +358,7 @@ Atom Translator::readNumber(bool inClass)
     return {Atom::Character, value, {}};
 }
 
-/// So many hexadecimal digits, or nothing read.
+/// Reads exactly this many hexadecimal digits, or nothing.
 std::optional<char32_t> Translator::readHex(qsizetype digits)
 {
     if (pattern.size() - at < digits)
@@ -376,7 +376,7 @@ std::optional<char32_t> Translator::readHex(qsizetype digits)
     return value;
 }
 
-/// The number behind `\u`; two halves of a surrogate pair are one character.
+/// Reads the number after `\u`; two halves of a surrogate pair are one character.
 char32_t Translator::readCodeUnits()
 {
     const auto high = readHex(4);
@@ -401,7 +401,7 @@ char32_t Translator::readPlain()
     return QChar::surrogateToUcs4(c, pattern[at++]);
 }
 
-/// All but letters and digits are written by number, so that nothing can mean more than itself.
+/// All characters except letters and digits are written by number, so that none has a special meaning.
 void Translator::writeCharacter(char32_t c)
 {
     if (c < 0x80 && (IsAsciiLetter(QChar(c)) || IsDigit(QChar(c))))
@@ -438,8 +438,8 @@ void Translator::addChoice()
 
 std::optional<EnginePattern> TranslatePattern(QStringView pattern)
 {
-    // One choice costs at most a pass over the text for each place where a match may begin, so that it is
-    // enough to check there; several multiply.
+    // One choice costs at most one pass over the text per start position, so that a check point at the start
+    // is sufficient; the costs of several choices multiply.
     std::optional<EnginePattern> plain = Translator(pattern, false).translate();
     if (!plain || plain->choices == 0)
         return plain;

@@ -7,28 +7,27 @@
 
 namespace vmk {
 
-/// How the engine is told to call back.
+/// The construct at which the engine calls back.
 inline constexpr QStringView CheckPoint = u"(?C)";
 
-/// A pattern in the words of the engine underneath.
+/// A pattern in the syntax of the engine.
 struct EnginePattern
 {
-    /// With a `CheckPoint` wherever a search must be looked at lest it run away; none where it cannot.
+    /// With a `CheckPoint` wherever a search may exceed its time; without one where it cannot.
     QString text;
-    /// Groups that keep what they match.
+    /// The number of capturing groups.
     int groupCount = 0;
-    /// Places where the search may branch: quantifiers and groups with alternatives.
+    /// The number of positions where the search may branch: quantifiers and groups with alternatives.
     int choices = 0;
 };
 
-/// Reads a pattern of our dialect and writes it for PCRE2, so that each construct means what the dialect
-/// says. No value for a bad pattern. Refused besides plain mistakes: everything that only other dialects
-/// have, so that nobody gets another meaning than the one intended: groups beginning with `(?` other than
-/// `(?:`, `(?=` and `(?!`, verbs `(*`, a quantifier behind a quantifier (possessive ones too) or behind an
-/// anchor, POSIX classes, and a backslash before a letter that means nothing here (`\A \Z \z \G \K \R \X \h
-/// \Q \E \p \g \k` and so on). A `{` that begins no quantifier, `]` and `}` alone stand for themselves; `[]`
-/// matches nothing and
-/// `[^]` everything; a number behind a backslash that names no group is octal.
+/// Translates a pattern of our dialect to PCRE2, so that each construct has the meaning of the dialect.
+/// Returns no value for a bad pattern. Syntax of other dialects is bad too, because it would silently have
+/// another meaning: groups beginning with `(?` other than `(?:`, `(?=` and `(?!`, verbs `(*`, a quantifier
+/// after a quantifier (also possessive) or after an anchor, POSIX classes, and a backslash before a letter
+/// without a meaning here (`\A \Z \z \G \K \R \X \h \Q \E \p \g \k` and so on). A `{` that begins no
+/// quantifier, and a single `]` or `}`, are plain characters; `[]` matches nothing and `[^]` everything; a
+/// number after a backslash that is not the number of a group is octal.
 [[nodiscard]] std::optional<EnginePattern> TranslatePattern(QStringView pattern);
 
 } // namespace vmk

@@ -10,7 +10,7 @@
 
 namespace vmk {
 
-/// Calls a libxml2 function to free what a smart pointer held.
+/// A deleter for smart pointers that calls a libxml2 function.
 template <auto Free>
 struct LibXmlDeleter
 {
@@ -23,8 +23,8 @@ struct LibXmlDeleter
 
 using XmlDocPtr = std::unique_ptr<xmlDoc, LibXmlDeleter<xmlFreeDoc>>;
 
-/// Sets libxml2 up for this program, once: no catalogues, and no file but those of a schema that is being
-/// compiled. Any thread may call it, any number of times.
+/// Initializes libxml2 for this program: no catalogues, and no files except those of a schema that is being
+/// compiled. Can be called by any thread, any number of times.
 void InitLibXml();
 
 } // namespace vmk

@@ -6,7 +6,7 @@
 
 namespace vmk {
 
-/// Codes of the errors that are found here and not by libxml2, whose own codes stay below.
+/// Codes of the errors that are found here and not by libxml2. The codes of libxml2 are lower.
 enum XmlErrorCode : int
 {
     XmlUnknownEncoding = 100001,
@@ -21,8 +21,8 @@ enum XmlErrorCode : int
 
 /// The first error of a text: `parseError` of the document.
 ///
-/// The place is, for a text that is not well-formed, where the parser stopped; for an error found at a
-/// start tag its "<"; for an error found at an end tag just behind its "</".
+/// The position is, for a text that is not well-formed, the position where the parser stopped; for an error
+/// at a start tag, its "<"; for an error at an end tag, the position after its "</".
 struct XmlParseError : XmlPosition
 {
     int errorCode = 0; ///< 0: no error

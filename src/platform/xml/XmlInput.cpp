@@ -13,7 +13,7 @@
 
 namespace vmk {
 
-/// Turns the bytes of one encoding into UTF-8, piece by piece.
+/// Converts the bytes of one encoding to UTF-8, piece by piece.
 class XmlInput::Decoder
 {
 public:
@@ -35,9 +35,9 @@ public:
     {
     }
     virtual ~Decoder() = default;
-    /// Decodes whole characters from the front of `in` while they fit into `out`.
+    /// Decodes whole characters from the beginning of `in` as long as they fit into `out`.
     [[nodiscard]] virtual Step decode(std::string_view in, char* out, size_t room) = 0;
-    /// Goes back to the state at the start of a text.
+    /// Resets to the state at the start of a text.
     virtual void reset() { }
 
     const std::string name;
@@ -48,7 +48,7 @@ namespace {
 constexpr size_t PieceSize = 16'384;
 constexpr size_t LongestCharacter = 8;
 
-/// One byte a character.
+/// One byte per character.
 class TableDecoder final : public XmlInput::Decoder
 {
 public:
@@ -96,7 +96,7 @@ private:
     std::array<Utf8, 256> table{};
 };
 
-/// Any encoding that the C library knows.
+/// Any encoding that the C library supports.
 class IconvDecoder final : public XmlInput::Decoder
 {
 public:
@@ -113,7 +113,7 @@ public:
     IconvDecoder(const IconvDecoder&) = delete;
     IconvDecoder& operator=(const IconvDecoder&) = delete;
 
-    // iconv_open() tells of a failure by a pointer of -1.
+    // iconv_open() returns the pointer -1 on failure.
     [[nodiscard]] bool isOpen() const { return reinterpret_cast<intptr_t>(handle) != -1; }
 
     Step decode(std::string_view in, char* out, size_t room) override
@@ -148,13 +148,13 @@ struct DeclaredEncoding
     size_t at; // of the name in the text
 };
 
-/// The encoding named by the XML declaration at the start of a text in an ASCII-like encoding.
+/// The encoding named in the XML declaration at the start of a text in an ASCII-compatible encoding.
 std::optional<DeclaredEncoding> FindDeclaredEncoding(std::string_view text)
 {
     constexpr std::string_view Blanks = " \t\r\n";
     if (!text.starts_with("<?xml") || text.size() < 6 || Blanks.find(text[5]) == std::string_view::npos)
         return std::nullopt;
-    // A declaration holds ASCII only; what lies behind anything else is none.
+    // A declaration is ASCII only; anything after another byte is not part of one.
     std::string_view declaration = text.substr(0, std::min<size_t>(text.find("?>"), 4096));
     const auto isAscii = [](unsigned char c) { return c >= 0x09 && c < 0x80; };
     declaration = declaration.substr(
@@ -177,7 +177,7 @@ std::optional<DeclaredEncoding> FindDeclaredEncoding(std::string_view text)
     return DeclaredEncoding{declaration.substr(at + 1, end - at - 1), at + 1};
 }
 
-/// True for what the grammar calls a name of an encoding; nothing else is shown to iconv.
+/// True for a valid encoding name in the XML grammar; no other name is passed to iconv.
 bool IsEncodingName(std::string_view name)
 {
     const auto isPart
@@ -186,7 +186,7 @@ bool IsEncodingName(std::string_view name)
         && std::ranges::all_of(name, isPart);
 }
 
-/// Two or four bytes a character: what is declared in single bytes can't be in one of these.
+/// Two or four bytes per character: a declaration in single bytes cannot be in one of these.
 bool IsWide(std::string_view lowerName)
 {
     static constexpr std::array<std::string_view, 7> Starts
@@ -221,7 +221,7 @@ void XmlInput::choose(XmlEncoding encoding)
     }
     if (dropMark("\xEF\xBB\xBF") || encoding.kind() == XmlEncoding::Kind::Utf8)
         return;
-    // The mark of UTF-32 begins like that of UTF-16.
+    // The mark of UTF-32 begins with that of UTF-16.
     using namespace std::string_view_literals;
     if (dropMark("\xFF\xFE\0\0"sv))
         decoder = std::make_unique<IconvDecoder>("UTF-32LE");
@@ -280,7 +280,7 @@ qsizetype XmlInput::read(char* out, qsizetype capacity)
 qsizetype XmlInput::readUtf8(char* out, size_t room)
 {
     if (consumed == produced) {
-        // The next piece is tested as a whole; a character cut by its end waits for the next test.
+        // Each piece is validated as a whole; a character cut by its end waits for the next one.
         const std::string_view piece = bytes.substr(static_cast<size_t>(produced), PieceSize);
         const size_t valid = ValidUtf8Prefix(piece);
         produced += static_cast<qsizetype>(valid);
@@ -302,7 +302,7 @@ bool XmlInput::refill()
     pending.resize(step.produced);
     consumed += static_cast<qsizetype>(step.consumed);
     produced += static_cast<qsizetype>(step.produced);
-    // What was decoded before the bad bytes is handed out first.
+    // The text before the bad bytes is returned first.
     if (step.produced == 0 && step.end == Decoder::End::BadBytes)
         failed = Failure{XmlBadCharacter, produced, "The bytes here are no character of " + decoder->name};
     return step.produced > 0;
@@ -310,7 +310,8 @@ bool XmlInput::refill()
 
 namespace {
 
-/// Decodes the first `length` bytes of UTF-8 again, piece by piece, for `take`; returns the bytes consumed.
+/// Decodes the first `length` bytes of UTF-8 again, piece by piece, for `take`; returns the number of bytes
+/// read.
 template <typename Take>
 size_t DecodeFront(XmlInput::Decoder& decoder, std::string_view bytes, size_t length, Take take)
 {
@@ -329,7 +330,7 @@ size_t DecodeFront(XmlInput::Decoder& decoder, std::string_view bytes, size_t le
     return consumed;
 }
 
-/// Counts units, lines and columns over a text in UTF-8 that comes in pieces.
+/// Counts units, lines and columns of a UTF-8 text that arrives in pieces.
 class PositionCounter
 {
 public:
@@ -347,7 +348,7 @@ public:
             addSums(text.data() + at, std::min(BlockSize, text.size() - at));
         afterCr = text.back() == '\r';
 
-        // The column is counted in the last line alone.
+        // The column is counted only in the last line.
         if (const size_t lineEnd = text.find_last_of("\r\n"); lineEnd != std::string_view::npos) {
             position.linepos = 1;
             text.remove_prefix(lineEnd + 1);
@@ -356,7 +357,7 @@ public:
     }
 
 private:
-    /// What a byte-sized sum can hold; such sums take many bytes in one step of the processor.
+    /// Sums of this size fit in a byte; such sums process many bytes in one instruction.
     static constexpr size_t BlockSize = 64;
 
     static bool IsCharacterStart(char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80; }
@@ -370,7 +371,7 @@ private:
         position.line += IsLineEnd(c, before) ? 1 : 0;
     }
 
-    /// For bytes that others stand in front of.
+    /// For bytes that have a predecessor.
     void addSums(const char* bytes, size_t count)
     {
         const char* const before = bytes - 1;

@@ -9,7 +9,7 @@
 
 namespace vmk {
 
-/// How the bytes of an XML text are to be read.
+/// The encoding of the bytes of an XML text.
 class XmlEncoding
 {
 public:
@@ -20,12 +20,12 @@ public:
         CodePage
     };
 
-    /// The byte order mark or the XML declaration decides, UTF-8 without either: a file as it stands.
+    /// The byte order mark or the XML declaration decides; UTF-8 if both are missing. For files.
     [[nodiscard]] static XmlEncoding byDeclaration() { return {Kind::ByDeclaration, 0}; }
     /// UTF-8, whatever the declaration says.
     [[nodiscard]] static XmlEncoding utf8() { return {Kind::Utf8, 65001}; }
-    /// One byte a character in the Windows code page `number` (1250, 1251 or 1252), whatever the
-    /// declaration says. Bytes without a character stand for the C1 control of the same number.
+    /// One byte per character in the Windows code page `number` (1250, 1251 or 1252), whatever the
+    /// declaration says. Bytes without a character are the C1 control with the same number.
     [[nodiscard]] static XmlEncoding codePage(int number) { return {Kind::CodePage, number}; }
 
     [[nodiscard]] Kind kind() const { return kind_; }
@@ -42,23 +42,23 @@ private:
     int number_;
 };
 
-/// A place in an XML text, told in four ways. A line ends with CR LF, LF or CR.
+/// A position in an XML text in four units. A line ends with CR LF, LF or CR.
 struct XmlPosition
 {
-    qsizetype fileByte = 0; ///< bytes of the given text before the place
-    qsizetype filepos = 0; ///< UTF-16 units before it, each line end counted as it stands
+    qsizetype fileByte = 0; ///< bytes of the given text before the position
+    qsizetype filepos = 0; ///< UTF-16 units before it; each line end counts with its actual length
     int line = 1; ///< from 1
-    int linepos = 1; ///< characters (code points), from 1; a byte order mark is not counted
+    int linepos = 1; ///< characters (code points), from 1, without a byte order mark
 };
 
-/// The bytes of an XML text as a stream of UTF-8, which remembers where its bytes came from.
+/// The bytes of an XML text as a stream of UTF-8 that maps its positions back to the bytes.
 ///
 /// The bytes are not copied and must outlive the object.
 class XmlInput
 {
 public:
     class Decoder;
-    /// Why the bytes can't be read on, at which place of the stream.
+    /// Why the bytes cannot be read further, and at which position of the stream.
     struct Failure
     {
         int errorCode;
@@ -71,19 +71,19 @@ public:
     XmlInput& operator=(const XmlInput&) = delete;
     ~XmlInput();
 
-    /// Puts up to `capacity` bytes of UTF-8 at `out`. Returns their number, 0 at the end of the text, at
-    /// bytes that are no character of the encoding (see `failure`), and after `stop`.
+    /// Writes up to `capacity` bytes of UTF-8 to `out`. Returns their number; 0 at the end of the text, at
+    /// bytes that are invalid in the encoding (see `failure`), and after `stop`.
     [[nodiscard]] qsizetype read(char* out, qsizetype capacity);
-    /// Ends the stream: nothing more is read.
+    /// Ends the stream: `read` then returns 0.
     void stop() { stopped = true; }
 
-    /// Set when the encoding is not known, or once `read` has met bytes that are no character of it.
+    /// Set if the encoding is unknown, or after `read` has met bytes that are invalid in it.
     [[nodiscard]] const std::optional<Failure>& failure() const { return failed; }
 
-    /// The first `length` bytes of the stream; a character cut by the limit is left out of text that has to
-    /// be decoded anew, which `room` then holds.
+    /// Returns the first `length` bytes of the stream, stored in `room` if they have to be decoded again. In
+    /// that case, a character cut by the limit is omitted.
     [[nodiscard]] std::string_view prefix(qsizetype length, std::string& room) const;
-    /// The place of the stream's byte `offset` in the text that was given.
+    /// Returns the position in the given text of byte `offset` of the stream.
     [[nodiscard]] XmlPosition locate(qsizetype offset) const;
 
 private:
@@ -94,11 +94,11 @@ private:
 
     std::string_view bytes; // without the byte order mark
     qsizetype markBytes = 0; // length of the byte order mark
-    std::unique_ptr<Decoder> decoder; // none: the bytes are UTF-8
+    std::unique_ptr<Decoder> decoder; // null: the bytes are UTF-8
     qsizetype consumed = 0; // of `bytes`
     qsizetype produced
         = 0; // of the stream, `pending` included; without a decoder, tested and not yet read too
-    std::string pending; // decoded, from `pendingStart` on not yet handed out
+    std::string pending; // decoded, from `pendingStart` on not read yet
     size_t pendingStart = 0;
     bool stopped = false;
     std::optional<Failure> failed;

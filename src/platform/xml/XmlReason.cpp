@@ -8,7 +8,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-/// Where the list that opens before `at` closes, or npos; namespaces in braces and quoted values are skipped.
+/// The end of the list that opens before `at`, or npos; namespaces in braces and quoted values are skipped.
 size_t FindListEnd(std::string_view text, size_t at, char close)
 {
     for (; at < text.size(); ++at) {
@@ -23,7 +23,7 @@ size_t FindListEnd(std::string_view text, size_t at, char close)
     return std::string_view::npos;
 }
 
-/// Puts "…" in place of the entries of `list` that lie behind `XmlReasonListLength` visible characters.
+/// Replaces the entries of `list` after `XmlReasonListLength` visible characters by "…".
 std::string CutList(std::string_view list)
 {
     int visible = 0;
@@ -56,7 +56,7 @@ std::string TidyReason(std::string_view message)
     line.erase(line.find_last_not_of(' ') + 1);
     if (line == "xmlParseEntityRef: no name")
         return "An '&' that begins no reference must be written as '&amp;'";
-    // Names of functions of the parser tell a reader nothing.
+    // The names of parser functions are not useful to the user.
     if (const size_t colon = line.find(": "); line.starts_with("xmlParse") && colon != std::string::npos)
         line.erase(0, colon + 2);
 

@@ -7,15 +7,15 @@
 
 namespace vmk {
 
-/// Longest list of permitted names or values that a reason shows, in characters; namespaces in braces, which
-/// are dropped before it is shown, do not count.
+/// The maximum length of a list of permitted names or values in a reason, in characters. Namespaces in braces
+/// do not count, because they are removed before the reason is shown.
 inline constexpr int XmlReasonListLength = 160;
 
-/// Makes one line of a libxml2 message: line ends become blanks, blanks at the end go, and a list in braces
-/// or brackets that is longer than a screen line is cut behind an entry with "…".
+/// Converts a libxml2 message to one line: line ends become blanks, blanks at the end are removed, and a list
+/// in braces or brackets that is longer than a screen line is cut after an entry, with "…".
 [[nodiscard]] std::string TidyReason(std::string_view message);
 
-/// Deletes every "{" + `namespaceUri` + "}" and every bare `namespaceUri`, whatever the case.
+/// Removes every "{" + `namespaceUri` + "}" and every bare `namespaceUri`, in any case.
 [[nodiscard]] QString WithoutNamespace(QString reason, const QString& namespaceUri);
 
 } // namespace vmk

@@ -30,8 +30,7 @@ std::string QName(const xmlChar* name, const xmlChar* prefix)
                              : std::string(View(prefix)) + ':' + std::string(View(name));
 }
 
-/// Puts the attributes of one tag into the order in which `tag` names them; what it doesn't name stays
-/// behind.
+/// Sorts the attributes of one tag into the order in `tag`; those that it does not contain come last.
 void SortAsWritten(std::vector<XmlAttribute>& attributes, std::string_view tag)
 {
     constexpr std::string_view Blanks = " \t\r\n";
@@ -69,7 +68,7 @@ public:
     XmlParseError run();
 
 private:
-    /// Where an error shows, seen from the parser's place at that moment.
+    /// The position of an error, relative to the parser's position at that moment.
     enum class Place
     {
         Here,
@@ -127,9 +126,9 @@ private:
     std::unique_ptr<Validation> validation;
     std::optional<Found> found;
     std::string text; // characters since the last other event
-    qsizetype markupEnd = 0; // the parser's place after the last other event
-    qsizetype expanded = 0; // bytes that entities have brought
-    qsizetype references = 0; // to entities, those within entities included
+    qsizetype markupEnd = 0; // the parser's position after the last other event
+    qsizetype expanded = 0; // bytes of expanded entities
+    qsizetype references = 0; // to entities, including those within entities
     int depth = 0;
 };
 
@@ -137,7 +136,7 @@ XmlParseError Pass::run()
 {
     if (!input.failure())
         parse();
-    // Bytes that can't be decoded end the text; what the parser says of that end is no news.
+    // Bytes that cannot be decoded end the text; the parser's own error at that end is not reported.
     if (const auto& failure = input.failure(); failure && (!found || found->offset >= failure->offset))
         found = Found{failure->errorCode, Place::Here, failure->offset, failure->reason};
     return report();
@@ -160,8 +159,8 @@ void Pass::parse()
         return;
     }
 
-    // The stream is UTF-8 already: its declaration no longer counts, and nothing is to be guessed. The
-    // parser's own bounds on size are off; depth, entities and attributes are bounded here.
+    // The stream is UTF-8 already: its declaration is ignored, and nothing is detected. The parser's own size
+    // limits are off; depth, entities and attributes are limited here.
     xmlCtxtUseOptions(context, XML_PARSE_NONET | XML_PARSE_IGNORE_ENC | XML_PARSE_HUGE);
     context->encoding = xmlStrdup(reinterpret_cast<const xmlChar*>("UTF-8"));
     *context->sax = callbacks();
@@ -175,9 +174,9 @@ void Pass::parse()
     context->myDoc = nullptr;
 }
 
-/// Hands the text to the parser piece by piece. The parser compares the attributes of a tag each with each,
-/// behind the last of them, and looks through all namespaces in force for each name: what would take it
-/// minutes is told by the room that it has made for them.
+/// Passes the text to the parser piece by piece. At the end of a tag, the parser compares each attribute with
+/// each other one, and for each name it searches all namespaces in scope. The sizes of its arrays show a tag
+/// that would take minutes.
 qsizetype Pass::readOn(char* out, qsizetype capacity)
 {
     constexpr int MostAttributes = 10'000;
@@ -226,7 +225,7 @@ qsizetype Pass::placeOf(const Found& error) const
     if (error.place == Place::Reference)
         return orHere(before.rfind('&'));
     if (error.place == Place::Text) {
-        // Behind a start tag the parser's place is before its ">".
+        // After a start tag the parser's position is before its ">".
         auto at = static_cast<size_t>(markupEnd);
         if (at < before.size() && before[at] == '/')
             ++at;
@@ -234,7 +233,7 @@ qsizetype Pass::placeOf(const Found& error) const
             ++at;
         return orHere(before.find_first_not_of(" \t\r\n", at));
     }
-    // Neither kind of tag holds a "<" but its first character.
+    // Neither kind of tag contains a "<" except as its first character.
     const size_t open = before.rfind('<');
     const bool behindSlash = error.place == Place::EndTag && before.compare(open, 2, "</") == 0;
     return orHere(open) + (behindSlash ? 2 : 0);
@@ -260,7 +259,7 @@ xmlSAXHandler Pass::callbacks()
     sax.startDocument = [](void* pass) { of(pass).startDocument(); };
     sax.serror = [](void* pass, xmlErrorPtr error) { of(pass).parserError(*error); };
 
-    // The declarations of the document type are kept by libxml2, in a document without elements.
+    // libxml2 keeps the declarations of the document type in a document without elements.
     sax.internalSubset = [](void* pass, const xmlChar* name, const xmlChar* id, const xmlChar* location) {
         of(pass).noteMarkupEnd();
         xmlSAX2InternalSubset(of(pass).context, name, id, location);
@@ -316,7 +315,8 @@ void Pass::parserError(const xmlError& error)
 
 xmlEntityPtr Pass::countExpansion(xmlEntityPtr entity)
 {
-    // References take time even to nothing; those that the text itself writes out are not the danger.
+    // References take time even if they expand to nothing; those that the text itself contains are limited by
+    // its size.
     constexpr qsizetype FreeReferences = 20'000;
     constexpr qsizetype ShortestReference = 3;
     if (entity == nullptr)
@@ -331,7 +331,7 @@ xmlEntityPtr Pass::countExpansion(xmlEntityPtr entity)
 
 void Pass::reference(const xmlChar* name)
 {
-    // Comes behind the content of an internal entity, and alone for one that would have to be read.
+    // Called after the content of an internal entity, and without content for one that would have to be read.
     const xmlEntity* entity = xmlSAX2GetEntity(context, name);
     if (entity == nullptr || entity->etype == XML_EXTERNAL_GENERAL_PARSED_ENTITY)
         fail(XmlExternalEntity, Place::Reference,
@@ -344,7 +344,7 @@ void Pass::startDocument()
     const xmlParserInput& stream = *context->input;
     const std::string_view start(reinterpret_cast<const char*>(stream.base),
                                  static_cast<size_t>(stream.cur - stream.base));
-    // The parser has skipped the blanks behind it too.
+    // The parser has also skipped the blanks after it.
     if (handler != nullptr && listening() && start.starts_with("<?xml"))
         handler->xmlDeclaration(start.substr(0, start.find("?>") + 2));
     noteMarkupEnd();
@@ -407,7 +407,7 @@ void Pass::endElement(const xmlChar* name, const xmlChar* prefix, const xmlChar*
 void Pass::sendStart(const xmlChar* name, const xmlChar* prefix, int namespaceCount,
                      const xmlChar** namespaces, int attributeCount, const xmlChar** attributes)
 {
-    // All names first, as views into them need them in their final places.
+    // All names first: views into them need their final addresses.
     const auto count = static_cast<size_t>(namespaceCount) + static_cast<size_t>(attributeCount);
     std::vector<std::string> names;
     names.reserve(count);
@@ -426,13 +426,13 @@ void Pass::sendStart(const xmlChar* name, const xmlChar* prefix, int namespaceCo
         const auto length = static_cast<int>(attribute[4] - attribute[3]);
         sent.push_back({names.back(), resolved(attribute[3], View(attribute[3], length), values)});
     }
-    // The parser gives namespaces apart; the tag tells their place among the attributes.
+    // The parser reports namespaces separately; the tag determines their order among the attributes.
     if (namespaceCount > 0 && attributeCount > 0)
         SortAsWritten(sent, startTagText());
     handler->startElement(QName(name, prefix), sent);
 }
 
-/// A value as it is, or kept in `values` with the references that the parser leaves in it ("&#38;" for an
+/// Returns a value unchanged, or stored in `values` if the parser left references in it ("&#38;" for an
 /// ampersand, entities of the document type by name).
 std::string_view Pass::resolved(const xmlChar* value, std::string_view view, std::vector<std::string>& values)
 {
@@ -469,7 +469,7 @@ void Pass::flushText()
     if (listening() && sendToSchema(text) && handler != nullptr)
         handler->characters(text);
     text.clear();
-    // A picture's text is not worth keeping room for.
+    // The text of a picture is too large to keep its buffer.
     if (text.capacity() > 1'000'000)
         text.shrink_to_fit();
 }

@@ -21,7 +21,7 @@ namespace {
 constexpr std::string_view SchemaNamespace = "http://www.w3.org/2001/XMLSchema";
 constexpr qint64 LargestSchemaFile = 64LL * 1024 * 1024;
 
-/// What is read while one schema is compiled on this thread.
+/// The state of one schema compilation on this thread.
 class Compilation
 {
 public:
@@ -39,7 +39,7 @@ public:
     Compilation(const Compilation&) = delete;
     Compilation& operator=(const Compilation&) = delete;
 
-    /// Reads a file of the schema; nothing, with the reason noted, when it can't be.
+    /// Reads a file of the schema; on failure, records the reason and returns nothing.
     std::optional<QByteArray> read(const QString& path)
     {
         const QFileInfo info(path);
@@ -60,7 +60,7 @@ public:
         return files.emplace_back(file.readAll());
     }
 
-    /// Keeps the first reason only: what follows comes of it.
+    /// Keeps only the first reason: the following errors result from it.
     void note(const QString& path, int line, const QString& reason)
     {
         if (problem.isEmpty())
@@ -74,20 +74,20 @@ public:
     std::vector<QByteArray> files;
 
 private:
-    QString main; // path of the schema's first file
+    QString main; // the path of the schema's main file
     static thread_local Compilation* current;
 };
 
 thread_local Compilation* Compilation::current = nullptr;
 
-/// The path of a file URL as the user would write it; a URL of another kind as it stands.
+/// The path of a file URL as the user would write it; a URL of another kind is unchanged.
 QString PathOfUrl(const char* url)
 {
     const QUrl parsed = QUrl::fromEncoded(QByteArray(url));
     return parsed.isLocalFile() ? parsed.toLocalFile() : QString::fromUtf8(url);
 }
 
-/// libxml2 asks here for every file but the one that it was given; only a schema's own files are read.
+/// libxml2 calls this for every file except the one it was given; only files of a schema are read.
 xmlParserInputPtr Compilation::load(const char* url, const char*, xmlParserCtxtPtr context)
 {
     if (current == nullptr || url == nullptr)
@@ -110,7 +110,7 @@ xmlParserInputPtr Compilation::load(const char* url, const char*, xmlParserCtxtP
 
 void Compilation::takeError(void* self, xmlErrorPtr error)
 {
-    // A schema without one of its parts would refuse books for no fault of theirs, so that warning counts.
+    // Without one of its parts, a schema would refuse valid books, so that this warning is an error.
     const bool missingPart
         = error->code == XML_SCHEMAP_WARN_UNLOCATED_SCHEMA || error->code == XML_SCHEMAP_WARN_SKIP_SCHEMA;
     if (error->level < XML_ERR_ERROR && !missingPart)
@@ -143,7 +143,7 @@ bool IsSchemaNode(const xmlNode* node, std::string_view name)
         && name == reinterpret_cast<const char*>(node->name);
 }
 
-/// True for an attribute declaration whose type is xs:ID itself.
+/// True for an attribute declaration whose type is directly xs:ID.
 bool DeclaresId(const xmlNode* attribute)
 {
     const std::string type = Attribute(attribute, "type");
@@ -157,7 +157,7 @@ bool DeclaresId(const xmlNode* attribute)
     return space != nullptr && SchemaNamespace == reinterpret_cast<const char*>(space->href);
 }
 
-/// Notes for each attribute declared below `root` whether all its declarations so far were of type xs:ID.
+/// Records for each attribute declared below `root` whether all its declarations so far have the type xs:ID.
 void CollectIdAttributes(const xmlNode* root, std::map<std::string, bool>& declared)
 {
     const xmlNode* node = root;

@@ -5,7 +5,7 @@
 
 namespace vmk {
 
-/// What libxml2 made of the files. The schema points into the tree of its main file.
+/// The libxml2 objects of a schema. The schema points into the tree of its main file.
 struct XmlSchema::Parts
 {
     XmlDocPtr tree;

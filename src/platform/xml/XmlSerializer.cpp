@@ -15,7 +15,7 @@ struct SpecialBytes
 {
     ByteSet inText{};
     ByteSet inValue{};
-    ByteSet inRawText{}; // comments and the like: nothing is escaped there
+    ByteSet inRawText{}; // comments and similar: nothing is escaped there
 
     constexpr SpecialBytes()
     {
@@ -33,7 +33,7 @@ bool IsWhite(std::string_view text)
     return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
 }
 
-/// Tabs and line ends alone are layout, as a saved tree has them; a blank may part words.
+/// Only tabs and line ends are layout, as in a saved tree; a blank may separate words.
 bool HasBlank(std::string_view white)
 {
     return white.find(' ') != std::string_view::npos;
@@ -83,7 +83,7 @@ void XmlSerializer::xmlDeclaration(std::string_view)
 void XmlSerializer::docType(std::string_view asWritten)
 {
     beginChild(Next::Other);
-    // As written, so its line ends have not been brought to one form yet.
+    // As written: its line ends are not normalised yet.
     for (size_t i = 0; i < asWritten.size(); ++i) {
         const char c = asWritten[i];
         if (c == '\r' && i + 1 < asWritten.size() && asWritten[i + 1] == '\n')
@@ -131,7 +131,7 @@ void XmlSerializer::endElement(std::string_view name)
 
 void XmlSerializer::characters(std::string_view text)
 {
-    // Whether white space alone is to stay shows with what comes next.
+    // The next event decides whether this white space is kept.
     if (IsWhite(text)) {
         white = text;
         return;
@@ -192,7 +192,7 @@ void XmlSerializer::beginText()
     parent.afterInLine = false;
 }
 
-/// Decides over the white space alone that stands before `next`.
+/// Decides whether the white space before `next` is kept.
 void XmlSerializer::settleWhite(Element& parent, Next next)
 {
     writtenWhite = 0;
@@ -203,8 +203,8 @@ void XmlSerializer::settleWhite(Element& parent, Next next)
     if (isText)
         makeMixed(parent);
 
-    // It is written even where a break will take its place: text may follow, and then it has to be there.
-    // Line ends in it are the layout's own and go.
+    // Written even if a break will replace it: text may follow, which requires it. Its line ends belong to
+    // the layout and are removed.
     std::erase_if(white, [](char c) { return c == '\r' || c == '\n'; });
     const bool nothingElse = next == Next::EndTag && !parent.hasContent;
     if (!white.empty() && (isText || !nothingElse)) {

@@ -10,16 +10,16 @@
 
 namespace vmk {
 
-/// What the parser's `xml` is by default for a text that has a declaration.
+/// The default declaration of the parser's `xml` for a text with a declaration.
 inline constexpr std::string_view PlainXmlDeclaration = R"(<?xml version="1.0"?>)";
 
-/// A parsed text written anew: the text itself and the places where the tree begins a new line.
+/// A serialized text: the text itself and the positions where the tree begins a new line.
 ///
-/// Keeping the two apart makes it cheap to find out late that an element holds text and has to stay on one
-/// line: its breaks are forgotten, and the text is right as it stands.
+/// Because both are separate, it is cheap to find out late that an element contains text and must remain on
+/// one line: its breaks are dropped, and the text is already correct.
 struct XmlTreeText
 {
-    /// `length` bytes of white space at `position` give way to `CrLf` and `depth` tabs.
+    /// `length` bytes of white space at `position` are replaced by `CrLf` and `depth` tabs.
     struct Break
     {
         size_t position;
@@ -33,32 +33,32 @@ struct XmlTreeText
 
     /// The size of `laidOut()`, in bytes.
     [[nodiscard]] size_t laidOutSize() const;
-    /// The text with its breaks written out.
+    /// Returns the text with its breaks written out.
     [[nodiscard]] std::string laidOut() const;
 };
 
-/// Writes a text from its parser events, without a tree in memory.
+/// Serializes a text from its parser events, without a tree in memory.
 ///
-/// Every child of an element that holds only elements stands on a line of its own; an element that holds
-/// text stays on one line, with its content untouched. White space alone between elements goes, except in
-/// the midst of text: in an element that holds text, and, if there is a blank in it, in or between in-line
-/// elements (a space there parts words). An element without
-/// content is written `<name/>`, attribute values stand in double quotes; `&`, `<` and `>` are escaped and
-/// references resolved. Comments, processing instructions, CDATA sections and the document type stay in
-/// their places. Line ends in text, CDATA, comments and values are written `CrLf`.
+/// Every child of an element that contains only elements is on its own line. An element that contains text is
+/// on one line, with its content unchanged. White space between elements is removed, except within text: in
+/// an element that contains text, and, if it contains a blank, in or between in-line elements (where it
+/// separates words). An element without content is written as `<name/>`, attribute values are in double
+/// quotes; `&`, `<` and `>` are escaped and references resolved. Comments, processing instructions, CDATA
+/// sections and the document type keep their positions. Line ends in text, CDATA, comments and values are
+/// written as `CrLf`.
 ///
-/// Time and memory are linear in the text, whatever its nesting.
+/// Time and memory are linear in the size of the text, for any nesting.
 class XmlSerializer final : public XmlSaxHandler
 {
 public:
-    /// \param inLineNames  names, with prefix, of the elements that stand in the midst of text
-    /// \param declaration  what stands in place of the text's own declaration, if it has one
-    /// \param expectedSize  bytes of text to make room for at once
+    /// \param inLineNames   names, with prefix, of the elements that occur within text
+    /// \param declaration   replaces the text's own declaration, if it has one
+    /// \param expectedSize  the number of bytes to reserve
     explicit XmlSerializer(std::vector<std::string> inLineNames,
                            std::string declaration = std::string(PlainXmlDeclaration),
                            size_t expectedSize = 0);
 
-    /// What has been written. Call once, after an error-free pass.
+    /// Returns the result. Call once, after a pass without an error.
     [[nodiscard]] XmlTreeText take();
 
     void xmlDeclaration(std::string_view asWritten) override;
@@ -75,9 +75,9 @@ private:
     {
         size_t firstBreak; // of its content
         bool inLine;
-        bool mixed; // holds text, or stands in an element that does
+        bool mixed; // contains text, or is in an element that does
         bool hasContent = false;
-        bool afterInLine = false; // its last child so far is an in-line element
+        bool afterInLine = false; // the last child so far is an in-line element
     };
     enum class Next
     {
@@ -99,8 +99,8 @@ private:
     std::string declaration;
     XmlTreeText out;
     std::vector<Element> open;
-    std::string white; // white space alone, met since the last event
-    uint32_t writtenWhite = 0; // what of it has been written
+    std::string white; // white space since the last event
+    uint32_t writtenWhite = 0; // the number of its bytes that are written
 };
 
 } // namespace vmk

@@ -59,7 +59,7 @@ std::optional<Validation::Problem> Validation::takeProblem()
     return std::exchange(problem, std::nullopt);
 }
 
-// libxml2 tests that identifiers are unique only where it builds a tree.
+// libxml2 checks the uniqueness of identifiers only if it builds a tree.
 std::optional<Validation::Problem> Validation::checkIds(const xmlChar* element, int attributeCount,
                                                         const xmlChar** attributes)
 {

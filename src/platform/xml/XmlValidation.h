@@ -11,7 +11,7 @@
 
 namespace vmk {
 
-/// One document on its way through a schema, event by event. Keeps no tree.
+/// The streaming validation of one document, event by event. Builds no tree.
 class Validation
 {
 public:
@@ -21,13 +21,13 @@ public:
         std::string reason;
     };
 
-    /// \param names  the dictionary of the parser that gives the events
+    /// \param names  the dictionary of the parser that creates the events
     Validation(const XmlSchema& schema, xmlDictPtr names);
     ~Validation();
     Validation(const Validation&) = delete;
     Validation& operator=(const Validation&) = delete;
 
-    // Arguments as in the parser's own events; each returns the first problem found by it.
+    // Arguments as in the parser's own events; each returns the first problem that it finds.
     [[nodiscard]] std::optional<Problem> startElement(const xmlChar* name, const xmlChar* prefix,
                                                       const xmlChar* uri, int namespaceCount,
                                                       const xmlChar** namespaces, int attributeCount,
@@ -46,7 +46,7 @@ private:
     xmlSAXHandlerPtr events = nullptr;
     void* eventData = nullptr;
     std::optional<Problem> problem;
-    std::vector<const xmlChar*> idNames; // of the dictionary: compared as pointers
+    std::vector<const xmlChar*> idNames; // from the dictionary: compared as pointers
     std::unordered_set<std::string> seenIds;
 };
 
