@@ -3,16 +3,17 @@
 // view. Prints processor milliseconds, a row a page, so that the growth shows; medians where a command runs
 // often.
 
+#include "BookVariables.h"
 #include "CaretTag.h"
 #include "ClipboardRules.h"
 #include "DisplayPage.h"
 #include "DisplayView.h"
 #include "FieldRules.h"
-#include "Globals.h"
 #include "NodeShift.h"
 #include "PageMaker.h"
 #include "PasteRules.h"
 #include "Repaint.h"
+#include "SettingsVariables.h"
 #include "TypingRules.h"
 
 #include <QApplication>

@@ -13,10 +13,10 @@
 #include "FbFunctions.h"
 #include "FileOperations.h"
 #include "Form1.h"
-#include "Globals.h"
 #include "InitGlobals.h"
 #include "PanelBar.h"
 #include "Settings.h"
+#include "SettingsVariables.h"
 #include "WidgetSeams.h"
 
 #include <QApplication>

@@ -2,8 +2,8 @@
 
 #include "CodePages.h"
 #include "FileOperations.h"
-#include "Globals.h"
 #include "ScreenMeasures.h"
+#include "StartUpVariables.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,8 +1,11 @@
 #include "Settings.h"
 
+#include "BookVariables.h"
 #include "Boxes.h"
 #include "FileOperations.h"
-#include "Globals.h"
+#include "LineEnds.h"
+#include "SettingsVariables.h"
+#include "StartUpVariables.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,8 @@
 #include "Sounds.h"
 
 #include "Desktop.h"
-#include "Globals.h"
+#include "SettingsVariables.h"
+#include "StartUpVariables.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,12 +1,14 @@
 #include "BookFileCheck.h"
 
+#include "BookVariables.h"
 #include "Boxes.h"
 #include "Desktop.h"
 #include "FictionBookNamespace.h"
 #include "FileOperations.h"
-#include "Globals.h"
+#include "LineEnds.h"
 #include "MainWindowSeams.h"
 #include "ProcessEnd.h"
+#include "SettingsVariables.h"
 #include "Sounds.h"
 #include "XmlDocument.h"
 

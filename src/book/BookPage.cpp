@@ -1,6 +1,6 @@
 #include "BookPage.h"
 
-#include "Globals.h"
+#include "LineEnds.h"
 #include "MainWindowSeams.h"
 #include "PageLines.h"
 #include "XmlDocument.h"

@@ -1,8 +1,8 @@
 #include "BookParts.h"
 
+#include "BookVariables.h"
 #include "Boxes.h"
 #include "EmptyPage.h"
-#include "Globals.h"
 #include "TagFunctions.h"
 #include "TextFunctions.h"
 

@@ -2,12 +2,14 @@
 
 #include "BookPage.h"
 #include "BookParts.h"
+#include "BookVariables.h"
 #include "Boxes.h"
 #include "CodePages.h"
 #include "EmptyPage.h"
 #include "Encodings.h"
-#include "Globals.h"
 #include "MainWindowSeams.h"
+#include "SettingsVariables.h"
+#include "StartUpVariables.h"
 
 using namespace Qt::StringLiterals;
 

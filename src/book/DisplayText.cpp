@@ -1,8 +1,9 @@
 #include "DisplayText.h"
 
 #include "DisplayDocument.h"
-#include "Globals.h"
 #include "LargeBuffers.h"
+#include "LineEnds.h"
+#include "NonBreakingSpace.h"
 #include "XmlDeclarations.h"
 
 #include <algorithm>

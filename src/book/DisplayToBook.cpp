@@ -1,10 +1,12 @@
 #include "DisplayToBook.h"
 
+#include "BookVariables.h"
 #include "CodePages.h"
 #include "Encodings.h"
-#include "Globals.h"
 #include "LargeBuffers.h"
+#include "LineEnds.h"
 #include "MainWindowSeams.h"
+#include "NonBreakingSpace.h"
 #include "TextFunctions.h"
 #include "XmlDeclarations.h"
 #include "XmlDocument.h"

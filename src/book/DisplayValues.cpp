@@ -1,6 +1,6 @@
 #include "DisplayValues.h"
 
-#include "Globals.h"
+#include "SettingsVariables.h"
 
 namespace vmk {
 

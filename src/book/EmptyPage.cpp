@@ -1,9 +1,9 @@
 #include "EmptyPage.h"
 
 #include "FileOperations.h"
-#include "Globals.h"
 #include "MainWindowSeams.h"
 #include "Sounds.h"
+#include "StartUpVariables.h"
 
 namespace vmk {
 

@@ -1,7 +1,8 @@
 #include "PageLines.h"
 
-#include "Globals.h"
 #include "LargeBuffers.h"
+#include "LineEnds.h"
+#include "NonBreakingSpace.h"
 #include "XmlDeclarations.h"
 #include "XmlSerializer.h"
 

@@ -1,12 +1,14 @@
 #include "SaveBook.h"
 
+#include "BookVariables.h"
 #include "Boxes.h"
 #include "CodePages.h"
 #include "Encodings.h"
 #include "FileOperations.h"
-#include "Globals.h"
 #include "MainWindowSeams.h"
+#include "SettingsVariables.h"
 #include "Sounds.h"
+#include "StartUpVariables.h"
 #include "TextFunctions.h"
 
 using namespace Qt::StringLiterals;

@@ -1,7 +1,8 @@
 #include "TreeLines.h"
 
-#include "Globals.h"
 #include "LargeBuffers.h"
+#include "LineEnds.h"
+#include "StartUpVariables.h"
 #include "TextFunctions.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 #include "CodePages.h"
 #include "EmptyPage.h"
 #include "FileOperations.h"
-#include "Globals.h"
+#include "StartUpVariables.h"
 
 namespace vmk {
 

@@ -2,10 +2,11 @@
 #include "Command.h"
 #include "CommandLine.h"
 #include "Encodings.h"
-#include "Globals.h"
 #include "PageOfBook.h"
 #include "SaveBook.h"
 #include "Settings.h"
+#include "SettingsVariables.h"
+#include "StartUpVariables.h"
 #include "TextFunctions.h"
 
 #include <algorithm>

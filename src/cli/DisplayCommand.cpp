@@ -1,8 +1,8 @@
 #include "Command.h"
 #include "CommandLine.h"
-#include "Globals.h"
 #include "PageOfBook.h"
 #include "Settings.h"
+#include "StartUpVariables.h"
 #include "TreeLines.h"
 
 using namespace Qt::StringLiterals;

@@ -1,3 +1,4 @@
+#include "BookVariables.h"
 #include "CommLineInfoF.h"
 #include "DisplayView.h"
 #include "EditorFunctions.h"
@@ -5,10 +6,10 @@
 #include "FbFunctions.h"
 #include "FileOperations.h"
 #include "Form1.h"
-#include "Globals.h"
 #include "MainWindowSeams.h"
 #include "PanelBar.h"
 #include "Sounds.h"
+#include "StartUpVariables.h"
 #include "VirtualKeys.h"
 
 #include <QCursor>

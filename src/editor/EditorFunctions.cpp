@@ -1,13 +1,14 @@
 #include "EditorFunctions.h"
 
+#include "BookVariables.h"
 #include "CodePages.h"
 #include "Desktop.h"
 #include "DisplayView.h"
 #include "EditorState.h"
 #include "FileOperations.h"
 #include "Form1.h"
-#include "Globals.h"
 #include "MainWindowSeams.h"
+#include "SettingsVariables.h"
 #include "Sounds.h"
 #include "TextFunctions.h"
 

@@ -2,6 +2,7 @@
 
 #include "BookFileCheck.h"
 #include "BookToDisplay.h"
+#include "BookVariables.h"
 #include "Boxes.h"
 #include "Desktop.h"
 #include "DisplayView.h"
@@ -11,12 +12,13 @@
 #include "FictionBookNamespace.h"
 #include "FileOperations.h"
 #include "Form1.h"
-#include "Globals.h"
 #include "MainWindowSeams.h"
 #include "PanelBar.h"
 #include "SaveBook.h"
 #include "SchemaViewerF.h"
+#include "SettingsVariables.h"
 #include "Sounds.h"
+#include "StartUpVariables.h"
 #include "TextFunctions.h"
 #include "XmlDocument.h"
 

@@ -1,5 +1,6 @@
 #include "Form1.h"
 
+#include "BookVariables.h"
 #include "Boxes.h"
 #include "Desktop.h"
 #include "Dialogs.h"
@@ -11,14 +12,14 @@
 #include "EmptyPage.h"
 #include "FbFunctions.h"
 #include "FileOperations.h"
-#include "Globals.h"
 #include "MainWindowSeams.h"
 #include "PanelBar.h"
 #include "ProcessEnd.h"
 #include "SaveBook.h"
 #include "SchemasF.h"
 #include "Settings.h"
-#include "Start.h"
+#include "SettingsVariables.h"
+#include "StartUpVariables.h"
 #include "ToolbarPictures.h"
 #include "WelcomePage.h"
 

@@ -1,7 +1,7 @@
 #include "PanelBar.h"
 
 #include "DroppedFiles.h"
-#include "Globals.h"
+#include "StartUpVariables.h"
 
 #include <QDragEnterEvent>
 #include <QPainter>

@@ -1,8 +1,8 @@
 #include "SchemasF.h"
 
 #include "FileOperations.h"
-#include "Globals.h"
 #include "SchemaViewerF.h"
+#include "SettingsVariables.h"
 #include "WindowFunctions.h"
 
 #include <QCloseEvent>

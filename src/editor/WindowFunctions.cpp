@@ -1,6 +1,6 @@
 #include "WindowFunctions.h"
 
-#include "Globals.h"
+#include "StartUpVariables.h"
 
 #include <QScreen>
 #include <QWidget>

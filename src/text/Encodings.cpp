@@ -1,7 +1,8 @@
 #include "Encodings.h"
 
+#include "BookVariables.h"
 #include "CodePages.h"
-#include "Globals.h"
+#include "SettingsVariables.h"
 #include "TagFunctions.h"
 #include "TextFunctions.h"
 

@@ -1,7 +1,8 @@
 #include "TagFunctions.h"
 
 #include "CodePages.h"
-#include "Globals.h"
+#include "LineEnds.h"
+#include "NonBreakingSpace.h"
 #include "TextFunctions.h"
 
 #include <optional>

@@ -1,7 +1,7 @@
 #include "InitGlobals.h"
 #include "FileOperations.h"
-#include "Globals.h"
 #include "ScreenMeasures.h"
+#include "StartUpVariables.h"
 #include "TestPaths.h"
 #include "Workplace.h"
 

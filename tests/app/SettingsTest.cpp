@@ -1,7 +1,9 @@
 #include "Settings.h"
+#include "BookVariables.h"
 #include "Boxes.h"
 #include "FileOperations.h"
-#include "Globals.h"
+#include "SettingsVariables.h"
+#include "StartUpVariables.h"
 #include "Workplace.h"
 
 #include <QRandomGenerator>

@@ -1,6 +1,6 @@
 #include "Sounds.h"
 #include "Desktop.h"
-#include "Globals.h"
+#include "SettingsVariables.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -2,13 +2,15 @@
 #include "BookReference.h"
 #include "BookTestSupport.h"
 #include "BookToDisplay.h"
+#include "BookVariables.h"
 #include "Boxes.h"
 #include "CodePages.h"
 #include "DisplayToBook.h"
 #include "Encodings.h"
-#include "Globals.h"
 #include "SaveBook.h"
 #include "Settings.h"
+#include "SettingsVariables.h"
+#include "StartUpVariables.h"
 
 #include <gtest/gtest.h>
 

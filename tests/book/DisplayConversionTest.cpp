@@ -1,15 +1,17 @@
 #include "BookParts.h"
 #include "BookTestSupport.h"
 #include "BookToDisplay.h"
+#include "BookVariables.h"
 #include "Boxes.h"
 #include "CodePages.h"
 #include "Desktop.h"
 #include "DisplayToBook.h"
 #include "EmptyPage.h"
-#include "Globals.h"
 #include "MainWindowSeams.h"
 #include "SaveBook.h"
 #include "Settings.h"
+#include "SettingsVariables.h"
+#include "StartUpVariables.h"
 
 #include <gtest/gtest.h>
 

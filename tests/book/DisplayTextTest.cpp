@@ -3,8 +3,9 @@
 #include "BookToDisplay.h"
 #include "Boxes.h"
 #include "DisplayDocument.h"
-#include "Globals.h"
 #include "Settings.h"
+#include "SettingsVariables.h"
+#include "StartUpVariables.h"
 #include "TextFunctions.h"
 #include "TextRange.h"
 

@@ -2,10 +2,10 @@
 
 #include "Books.h"
 #include "FileOperations.h"
-#include "Globals.h"
 #include "InitGlobals.h"
 #include "QtPrinting.h"
 #include "Settings.h"
+#include "SettingsVariables.h"
 #include "TestPaths.h"
 #include "Workplace.h"
 #include "XDesktop.h"

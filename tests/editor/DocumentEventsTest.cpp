@@ -1,6 +1,7 @@
 #include "WindowTest.h"
 
 #include "EditorFunctions.h"
+#include "SettingsVariables.h"
 #include "VirtualKeys.h"
 
 /// Keys, clicks, focus and the status line of the display.

@@ -1,6 +1,7 @@
 #include "WindowTest.h"
 
 #include "FileDrops.h"
+#include "SettingsVariables.h"
 
 #include <QScreen>
 #include <QSettings>

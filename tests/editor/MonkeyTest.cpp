@@ -4,6 +4,7 @@
 #include "EditorFunctions.h"
 #include "MainWindowSeams.h"
 #include "SaveBook.h"
+#include "SettingsVariables.h"
 #include "WindowTest.h"
 
 #include <QCryptographicHash>

@@ -1,7 +1,7 @@
 #include "PanelBar.h"
 
 #include "FileDrops.h"
-#include "Globals.h"
+#include "StartUpVariables.h"
 
 #include <QLabel>
 #include <QSignalSpy>

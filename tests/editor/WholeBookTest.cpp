@@ -4,6 +4,7 @@
 #include "FileDrops.h"
 #include "MainWindowSeams.h"
 #include "SaveBook.h"
+#include "SettingsVariables.h"
 
 #include <QDir>
 #include <QScrollBar>

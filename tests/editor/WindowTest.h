@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BookVariables.h"
 #include "Boxes.h"
 #include "Desktop.h"
 #include "Dialogs.h"
@@ -8,12 +9,12 @@
 #include "EditorState.h"
 #include "FileOperations.h"
 #include "Form1.h"
-#include "Globals.h"
 #include "InitGlobals.h"
 #include "PanelBar.h"
 #include "ProcessEnd.h"
 #include "SchemaViewerF.h"
 #include "Settings.h"
+#include "StartUpVariables.h"
 #include "TestPaths.h"
 #include "Workplace.h"
 

@@ -2,12 +2,14 @@
 // a file; and what was saved as a tree must be well-formed.
 
 #include "BookToDisplay.h"
+#include "BookVariables.h"
 #include "Boxes.h"
 #include "CodePages.h"
 #include "DisplayToBook.h"
-#include "Globals.h"
 #include "SaveBook.h"
 #include "Settings.h"
+#include "SettingsVariables.h"
+#include "StartUpVariables.h"
 #include "XmlDocument.h"
 
 #include <cstdlib>

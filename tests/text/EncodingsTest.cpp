@@ -1,8 +1,9 @@
 #include "Encodings.h"
 
+#include "BookVariables.h"
 #include "CodePages.h"
 #include "Corpus.h"
-#include "Globals.h"
+#include "SettingsVariables.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "CaretTag.h"
 
+#include "BookVariables.h"
 #include "CodePages.h"
 #include "DisplayPage.h"
-#include "Globals.h"
 #include "MainWindowSeams.h"
 #include "Sounds.h"
 #include "TagFunctions.h"

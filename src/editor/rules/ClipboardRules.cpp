@@ -3,7 +3,6 @@
 #include "Desktop.h"
 #include "DisplayPage.h"
 #include "EditLines.h"
-#include "Globals.h"
 #include "TextFunctions.h"
 #include "TextRange.h"
 #include "TypingRules.h"

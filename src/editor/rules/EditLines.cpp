@@ -1,7 +1,7 @@
 #include "EditLines.h"
 
+#include "BookVariables.h"
 #include "DisplayPage.h"
-#include "Globals.h"
 #include "HtmlWriter.h"
 #include "LineEdit.h"
 

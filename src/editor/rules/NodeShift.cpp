@@ -2,7 +2,7 @@
 
 #include "DisplayPage.h"
 #include "EditLines.h"
-#include "Globals.h"
+#include "SettingsVariables.h"
 
 #include <QHash>
 

@@ -1,10 +1,12 @@
 #include "PasteRules.h"
 
+#include "BookVariables.h"
 #include "DisplayPage.h"
 #include "EditLines.h"
-#include "Globals.h"
 #include "LineEdit.h"
+#include "NonBreakingSpace.h"
 #include "RegExp.h"
+#include "SettingsVariables.h"
 #include "TextFunctions.h"
 #include "TextRange.h"
 

@@ -1,12 +1,13 @@
 #include "Repaint.h"
 
+#include "BookVariables.h"
 #include "DisplayPage.h"
 #include "EditLines.h"
-#include "Globals.h"
 #include "HtmlReader.h"
 #include "HtmlWriter.h"
 #include "LayoutQuery.h"
 #include "PageLines.h"
+#include "SettingsVariables.h"
 
 #include <QHash>
 

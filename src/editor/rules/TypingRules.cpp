@@ -2,7 +2,8 @@
 
 #include "DisplayPage.h"
 #include "EditLines.h"
-#include "Globals.h"
+#include "NonBreakingSpace.h"
+#include "SettingsVariables.h"
 #include "TextRange.h"
 
 namespace vmk {

@@ -4,6 +4,18 @@
 
 namespace vmk {
 
+Seam<void()>& OpenMainWindowSeam()
+{
+    static Seam<void()> seam([] {});
+    return seam;
+}
+
+Seam<bool(const QString&, bool)>& LoadBookSeam()
+{
+    static Seam<bool(const QString&, bool)> seam([](const QString&, bool) { return false; });
+    return seam;
+}
+
 Seam<void(const QString&)>& StatusSeam()
 {
     static Seam<void(const QString&)> seam([](const QString&) {});

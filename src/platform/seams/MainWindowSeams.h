@@ -7,6 +7,15 @@
 /// Calls from the lower layers to the main window. Without a window they do nothing.
 namespace vmk {
 
+/// Creates and opens the main window if it is not open. Set by `main`.
+[[nodiscard]] Seam<void()>& OpenMainWindowSeam();
+
+/// Passes a book to the main window. Without a window, returns false.
+/// \param path     the file of the book
+/// \param opening  true if the book comes from the command line
+/// \return true if the book is being loaded
+[[nodiscard]] Seam<bool(const QString& path, bool opening)>& LoadBookSeam();
+
 /// Sets the first panel of `StatusMsg`; the text is visible before the call returns.
 [[nodiscard]] Seam<void(const QString& text)>& StatusSeam();
 void ShowStatus(const QString& text);

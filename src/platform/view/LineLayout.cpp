@@ -1,6 +1,6 @@
 #include "LineLayout.h"
 
-#include "Globals.h"
+#include "NonBreakingSpace.h"
 
 #include <algorithm>
 #include <cmath>

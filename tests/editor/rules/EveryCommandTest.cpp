@@ -9,6 +9,7 @@
 #include "PasteRules.h"
 #include "Repaint.h"
 #include "RulesFixture.h"
+#include "StartUpVariables.h"
 #include "TreeLines.h"
 #include "TypingRules.h"
 

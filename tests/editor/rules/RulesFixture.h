@@ -3,7 +3,8 @@
 #include "DisplayPage.h"
 #include "GridLayout.h"
 
-#include "Globals.h"
+#include "BookVariables.h"
+#include "SettingsVariables.h"
 #include "TextRange.h"
 
 #include <gtest/gtest.h>

@@ -4,8 +4,8 @@
 #include "BookToDisplay.h"
 #include "DisplayPage.h"
 #include "DisplayToBook.h"
-#include "Globals.h"
 #include "HtmlCharacters.h"
+#include "SettingsVariables.h"
 
 #include <QRegularExpression>
 

@@ -1,6 +1,7 @@
 #include "CommLineInfoF.h"
 #include "CommandText.h"
 #include "Form1.h"
+#include "MainWindowSeams.h"
 #include "ProcessFiles.h"
 #include "Start.h"
 #include "WidgetSeams.h"

@@ -1,16 +1,19 @@
 #include "Start.h"
 
 #include "BookFileCheck.h"
+#include "BookVariables.h"
 #include "Boxes.h"
 #include "CommLineInfoF.h"
 #include "CommandText.h"
 #include "FileOperations.h"
-#include "Globals.h"
 #include "InitGlobals.h"
+#include "LineEnds.h"
 #include "MainWindowSeams.h"
 #include "ProcessEnd.h"
 #include "Settings.h"
+#include "SettingsVariables.h"
 #include "Sounds.h"
+#include "StartUpVariables.h"
 
 #include <QFileInfo>
 
@@ -64,18 +67,6 @@ void ReportCleanBook(const QString& path)
 }
 
 } // namespace
-
-Seam<void()>& OpenMainWindowSeam()
-{
-    static Seam<void()> seam([] {});
-    return seam;
-}
-
-Seam<bool(const QString&, bool)>& LoadBookSeam()
-{
-    static Seam<bool(const QString&, bool)> seam([](const QString&, bool) { return false; });
-    return seam;
-}
 
 bool RunStart(const QString& commandText)
 {

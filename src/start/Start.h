@@ -1,18 +1,11 @@
 #pragma once
 
-#include "Seam.h"
-
 #include <QString>
 
 /// The start of the program: executes the request of the command line once, before the event loop.
 ///
 /// The functions return true if the process continues with the event loop, false if it has ended.
 namespace vmk {
-
-/// Creates and opens the main window if it is not open. Set by `main`.
-[[nodiscard]] Seam<void()>& OpenMainWindowSeam();
-/// Passes a book to the main window; returns true if it is being loaded.
-[[nodiscard]] Seam<bool(const QString& path, bool opening)>& LoadBookSeam();
 
 /// Runs all steps up to the open window: the workspace, the settings, the parser check, and the request of
 /// the command text.

@@ -1,6 +1,7 @@
 #include "CommLineInfoF.h"
 
-#include "Globals.h"
+#include "LineEnds.h"
+#include "StartUpVariables.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace vmk {
+
+/// Stands for a non-breaking space in the display, where the settings ask for visible ones.
+inline constexpr char NbspMarker = '\x7f';
+/// UTF-8 form of U+00A0 inside a byte string.
+inline constexpr char Utf8Nbsp[] = "\xc2\xa0";
+
+} // namespace vmk
