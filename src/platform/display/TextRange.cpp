@@ -360,7 +360,8 @@ bool TextRange::findText(const QString& sought, int count, int flags)
 {
     if (!document || sought.isEmpty())
         return false;
-    const TextSearch search(sought, (flags & MatchCase) != 0, (flags & WholeWord) != 0);
+    const TextSearch search(sought, (flags & MatchCase) != 0, (flags & WholeWord) != 0,
+                            (flags & NbspMarks) != 0);
     const auto hit = count < 0 ? search.findBackward(*document, last) : search.findForward(*document, first);
     if (!hit)
         return false;

@@ -93,12 +93,14 @@ public:
 
     static constexpr int WholeWord = 2;
     static constexpr int MatchCase = 4;
+    /// A non-breaking space in the sought text matches its visible mark in the display too.
+    static constexpr int NbspMarks = 8;
 
     /// Searches for text and becomes the match; otherwise the range is unchanged. CrLf, CR or LF in the
     /// sought text matches a line break.
     /// \param count  from 0: forwards, the first match from the range's start to the document's end;
     ///               negative: backwards, the last match between the document's start and the range's end
-    /// \param flags  `WholeWord` and `MatchCase`, added
+    /// \param flags  `WholeWord`, `MatchCase` and `NbspMarks`, added
     bool findText(const QString& sought, int count = 1, int flags = 0);
 
     // ---- layout; without a view the results are empty

@@ -9,6 +9,9 @@ namespace vmk {
 
 namespace {
 
+constexpr char16_t Nbsp = 0xA0;
+constexpr char16_t VisibleNbsp = 0x7F;
+
 /// The common form of both cases; one code unit for each code unit.
 char16_t folded(char16_t c)
 {
@@ -41,39 +44,49 @@ bool splitsPair(const QString& text, int offset)
 
 } // namespace
 
-TextSearch::TextSearch(const QString& sought, bool caseMatters, bool wholeWordsOnly)
+TextSearch::TextSearch(const QString& sought, bool caseMatters, bool wholeWordsOnly, bool marksMatch)
     : pieces(splitAtBreaks(sought))
     , matchCase(caseMatters)
     , wholeWord(wholeWordsOnly)
+    , nbspMarks(marksMatch && sought.contains(QChar(Nbsp)))
+    , literal(matchCase && !nbspMarks)
 {
-    if (matchCase)
+    if (literal)
         return;
     for (QString& piece : pieces) {
         for (QChar& c : piece)
-            c = QChar(folded(c.unicode()));
+            c = QChar(key(c.unicode()));
     }
+}
+
+/// What characters that count as equal have in common.
+char16_t TextSearch::key(char16_t c) const
+{
+    if (nbspMarks && c == VisibleNbsp)
+        return Nbsp;
+    return matchCase ? c : folded(c);
 }
 
 bool TextSearch::equalAt(const QString& text, int offset, const QString& piece) const
 {
     const QStringView part = QStringView(text).sliced(offset, piece.size());
-    if (matchCase)
+    if (literal)
         return part == piece;
     return std::equal(part.utf16(), part.utf16() + part.size(), piece.utf16(),
-                      [](char16_t a, char16_t b) { return a == b || folded(a) == b; });
+                      [this](char16_t a, char16_t b) { return a == b || key(a) == b; });
 }
 
 /// The first position from `from` on at which the only piece occurs, or -1.
 int TextSearch::indexIn(const QString& text, int from) const
 {
     const QString& piece = pieces.front();
-    if (matchCase)
+    if (literal)
         return int(text.indexOf(piece, from));
     const char16_t* const data = QStringView(text).utf16();
     const char16_t wanted = piece[0].unicode();
     const auto lastStart = int(text.size() - piece.size());
     for (int i = from; i <= lastStart; ++i) {
-        if (folded(data[i]) == wanted && equalAt(text, i, piece))
+        if (key(data[i]) == wanted && equalAt(text, i, piece))
             return i;
     }
     return -1;
@@ -86,7 +99,7 @@ int TextSearch::lastIndexIn(const QString& text, int from) const
     const char16_t* const data = QStringView(text).utf16();
     const char16_t wanted = piece[0].unicode();
     for (int i = std::min(from, int(text.size() - piece.size())); i >= 0; --i) {
-        if ((matchCase ? data[i] : folded(data[i])) == wanted && equalAt(text, i, piece))
+        if (key(data[i]) == wanted && equalAt(text, i, piece))
             return i;
     }
     return -1;

@@ -17,7 +17,8 @@ public:
     /// \param sought          not empty; CrLf, CR and LF in it match a line break
     /// \param caseMatters     if false, letters match in any case
     /// \param wholeWordsOnly  finds only matches without a letter, digit or underscore next to them
-    TextSearch(const QString& sought, bool caseMatters, bool wholeWordsOnly);
+    /// \param marksMatch      a non-breaking space in `sought` also matches U+007F, its mark in the display
+    TextSearch(const QString& sought, bool caseMatters, bool wholeWordsOnly, bool marksMatch = false);
 
     using Hit = std::pair<Position, Position>;
 
@@ -27,15 +28,18 @@ public:
     [[nodiscard]] std::optional<Hit> findBackward(const DisplayDocument& document, Position from) const;
 
 private:
+    [[nodiscard]] char16_t key(char16_t c) const;
     [[nodiscard]] int indexIn(const QString& text, int from) const;
     [[nodiscard]] int lastIndexIn(const QString& text, int from) const;
     [[nodiscard]] bool equalAt(const QString& text, int offset, const QString& piece) const;
     [[nodiscard]] std::optional<Hit> acrossBreaks(const DisplayDocument& document, int line) const;
     [[nodiscard]] bool standsAlone(const DisplayDocument& document, const Hit& hit) const;
 
-    std::vector<QString> pieces; ///< The parts between the line breaks; case-folded unless case matters.
+    std::vector<QString> pieces; ///< Between the line breaks, each character as its `key`.
     bool matchCase;
     bool wholeWord;
+    bool nbspMarks;
+    bool literal; ///< Each character is its own key.
 };
 
 } // namespace vmk

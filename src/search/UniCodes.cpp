@@ -1,0 +1,92 @@
+#include "UniCodes.h"
+
+#include "CodePages.h"
+#include "RegExp.h"
+#include "TextFunctions.h"
+
+#include <QStringList>
+
+#include <limits>
+
+namespace vmk {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// Blanks alone, not other white space.
+QString Trimmed(const QString& text)
+{
+    qsizetype from = 0;
+    qsizetype to = text.size();
+    while (from < to && text[from] == u' ')
+        ++from;
+    while (to > from && text[to - 1] == u' ')
+        --to;
+    return text.mid(from, to - from);
+}
+
+/// The decimal number that a text begins with; 0 if it begins with none, or with one beyond 32 bits.
+int32_t LeadingNumber(QStringView text)
+{
+    int64_t number = 0;
+    for (const QChar c : text) {
+        if (c < u'0' || c > u'9')
+            break;
+        number = number * 10 + (c.unicode() - u'0');
+        if (number > std::numeric_limits<int32_t>::max())
+            return 0;
+    }
+    return int32_t(number);
+}
+
+/// The character of a code; empty if there is none with that number.
+QString CharacterOfCode(int32_t code)
+{
+    constexpr int32_t FirstByteCode = 128;
+    constexpr int32_t LastByteCode = 191;
+    if (code <= 0 || code > int32_t(QChar::LastValidCodePoint))
+        return {};
+    // Bytes of the code page in this range only: this asymmetry is intended.
+    if (code >= FirstByteCode && code <= LastByteCode)
+        return QString(QChar(CharacterOfByte(static_cast<unsigned char>(code), CodePageSystem)));
+    if (code > 0xFFFF)
+        return QString::fromUcs4(reinterpret_cast<const char32_t*>(&code), 1);
+    return QString(QChar(char16_t(code)));
+}
+
+/// What one `uni(...)` stands for.
+/// @param segment a segment that holds "uni("
+QString Expanded(const QString& segment)
+{
+    QString codes = segment;
+    codes.remove("uni("_L1).remove(u')');
+    codes = Trimmed(codes);
+    if (!codes.contains(u',')) {
+        const QString character = CharacterOfCode(LeadingNumber(codes));
+        return codes.isEmpty() || !character.isEmpty() ? character : segment;
+    }
+    QString result;
+    for (const QString& item : codes.split(u',')) {
+        const QString part = Trimmed(item);
+        const QString character = CharacterOfCode(LeadingNumber(part));
+        result += character.isEmpty() ? part : character;
+    }
+    return result;
+}
+
+} // namespace
+
+void ParseUniCodes(QString& text)
+{
+    if (!text.contains("uni("_L1))
+        return;
+    const QString nul{QChar(u'\0')};
+    const QString parted = RegExpReplace(text, uR"((uni\x28[^\x29]*\x29))", nul + u"$1"_s + nul, false);
+    QString result;
+    for (const QString& segment : parted.split(QChar(u'\0')))
+        result += segment.contains("uni("_L1) ? Expanded(segment) : segment;
+    if (!result.isEmpty())
+        text = result;
+}
+
+} // namespace vmk
