@@ -37,7 +37,7 @@ void measureSize(int megabytes)
     const double load = milliseconds([&] { document.loadPage(page); });
     const double memory = heapMegabytes() - before;
 
-    TextRange range = createTextRange(document);
+    TextRange range = page::createTextRange(document);
     const QString missing = QStringLiteral("nowhere in the book");
     const double forward = milliseconds([&] { static_cast<void>(range.findText(missing, 1, 0)); });
     const double exact
@@ -51,7 +51,7 @@ void measureSize(int megabytes)
     });
     const double html = milliseconds([&] { length += range.htmlText().size(); });
     const double save = milliseconds([&] { length += document.savePage().size(); });
-    const double erase = milliseconds([&] { clear(document); });
+    const double erase = milliseconds([&] { page::clear(document); });
     const double undo = milliseconds([&] { document.undo(); });
     std::printf("%5d %8d %8.1f %8.1f %8.1f %8.1f %8.1f %8.1f %8.1f %8.1f %8.1f %8.2f\n", megabytes,
                 document.lineCount(), memory, load, forward, exact, backward, all, html, save, erase, undo);
@@ -62,8 +62,8 @@ void measureReplace()
     constexpr int Hits = 50000;
     DisplayDocument document;
     document.loadPage(reference::makeBookPage(qsizetype(30) << 20));
-    std::vector<TextRange> others(300, createTextRange(document));
-    TextRange range = createTextRange(document);
+    std::vector<TextRange> others(300, page::createTextRange(document));
+    TextRange range = page::createTextRange(document);
     int replaced = 0;
     const double replace = milliseconds([&] {
         while (replaced < Hits && range.findText(QStringLiteral("night"), 1, 0)) {
@@ -79,7 +79,7 @@ void measureReplace()
     std::printf("\n%d replacements with 300 other live ranges: %.0f ms; %d undone: %.0f ms\n", replaced,
                 replace, undone, undo);
 
-    range = createTextRange(document);
+    range = page::createTextRange(document);
     replaced = 0;
     const double breaks = milliseconds([&] {
         while (replaced < Hits && range.findText(QStringLiteral("night"), 1, 0)) {
@@ -106,7 +106,7 @@ void measureLongLine()
     DisplayDocument document;
     document.loadPage("<HTML><BODY><DIV>" + text + "</DIV></BODY></HTML>");
     const double before = heapMegabytes();
-    TextRange range = createTextRange(document);
+    TextRange range = page::createTextRange(document);
     int replaced = 0;
     const double replace = milliseconds([&] {
         while (replaced < Hits && range.findText(QStringLiteral("hit"), 1, 0)) {

@@ -7,9 +7,11 @@
 #include "CaretTag.h"
 #include "ClipboardRules.h"
 #include "DisplayPage.h"
+#include "DisplayValuesOfSettings.h"
 #include "DisplayView.h"
 #include "FieldRules.h"
 #include "NodeShift.h"
+#include "NonBreakingSpace.h"
 #include "PageMaker.h"
 #include "PasteRules.h"
 #include "Repaint.h"
@@ -108,22 +110,24 @@ int main(int argc, char* argv[])
     ShowNbsp = 1;
     const QString line = QStringLiteral("<DIV>a pasted line</DIV>");
 
+    const TagPaint paint = TagPaint::Of(DisplayValuesOfSettings());
+
     const std::vector<Row> small = {
-        {"blank", [](DisplayDocument& d) { InsertSpace(d, false); }},
-        {"non-breaking space", [](DisplayDocument& d) { InsertNbsp(d); }},
+        {"blank", [](DisplayDocument& d) { InsertSpace(d); }},
+        {"non-breaking space", [](DisplayDocument& d) { InsertNbsp(d, QLatin1Char(NbspMarker)); }},
         {"bold", [](DisplayDocument& d) { InsertInlineTag(d, InlineTag::Bold); }},
-        {"paste", [&line](DisplayDocument& d) { PasteText(d, line, {}); }},
-        {"paste as html", [&line](DisplayDocument& d) { PasteHtml(d, line, {}); }},
-        {"right shift", [](DisplayDocument& d) { RightShift(d); }},
-        {"left shift", [](DisplayDocument& d) { LeftShift(d); }},
-        {"repaint", [](DisplayDocument& d) { RePaintSelection(d, {}); }},
+        {"paste", [&line](DisplayDocument& d) { PasteText(d, line, {}, QLatin1Char(NbspMarker)); }},
+        {"paste as html", [&line](DisplayDocument& d) { PasteHtml(d, line, {}, QLatin1Char(NbspMarker)); }},
+        {"right shift", [](DisplayDocument& d) { RightShift(d, NodeShift); }},
+        {"left shift", [](DisplayDocument& d) { LeftShift(d, NodeShift); }},
+        {"repaint", [&paint](DisplayDocument& d) { RePaintSelection(d, {}, paint); }},
         {"caret right", [](DisplayDocument& d) { MoveCaret(d, CaretDirection::Right); }},
         {"tag under the caret", [](DisplayDocument& d) { static_cast<void>(GetTagUnderCaret(d)); }},
     };
     const std::vector<Row> whole = {
-        {"repaint (Esc)", [](DisplayDocument& d) { RePaintSelection(d, {}); }},
-        {"right shift (Tab)", [](DisplayDocument& d) { RightShift(d); }},
-        {"left shift (Ctrl+Tab)", [](DisplayDocument& d) { LeftShift(d); }},
+        {"repaint (Esc)", [&paint](DisplayDocument& d) { RePaintSelection(d, {}, paint); }},
+        {"right shift (Tab)", [](DisplayDocument& d) { RightShift(d, NodeShift); }},
+        {"left shift (Ctrl+Tab)", [](DisplayDocument& d) { LeftShift(d, NodeShift); }},
         {"upper case", [](DisplayDocument& d) { ChangeCase(d, LetterCase::Upper); }},
         {"copy", [](DisplayDocument& d) { CopySelection(d, false); }},
         {"copy as text", [](DisplayDocument& d) { CopyAsText(d); }},

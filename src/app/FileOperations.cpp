@@ -1,5 +1,7 @@
 #include "FileOperations.h"
 
+#include "FilePaths.h"
+
 #include <algorithm>
 #include <limits>
 
@@ -12,36 +14,6 @@ namespace {
 bool IsSeparator(QChar c)
 {
     return c == u'\\' || c == u'/';
-}
-
-/// Position of the last separator, or -1.
-qsizetype LastSeparator(QStringView path)
-{
-    return std::max(path.lastIndexOf(u'\\'), path.lastIndexOf(u'/'));
-}
-
-QString NameOf(const QString& path)
-{
-    return path.mid(LastSeparator(path) + 1);
-}
-
-QString FolderPartOf(const QString& path)
-{
-    return path.left(LastSeparator(path) + 1);
-}
-
-/// Only the extension of the name counts: a dot in the name of a folder does not start an extension.
-QString WithoutExtension(const QString& path)
-{
-    const qsizetype dot = path.lastIndexOf(u'.');
-    return dot > LastSeparator(path) ? path.left(dot) : path;
-}
-
-QString DriveOf(const QString& path)
-{
-    constexpr qsizetype MarkLength = 2;
-    const qsizetype mark = std::max(path.lastIndexOf(u":\\"), path.lastIndexOf(u":/"));
-    return mark < 0 ? QString() : path.left(mark + MarkLength);
 }
 
 /// Short paths keep their separator: without it, a root would become a different path.
@@ -60,8 +32,8 @@ bool IsPattern(const QString& path)
 
 QStringList FilesOfPattern(const QString& pattern)
 {
-    const QString folder = FolderPartOf(pattern);
-    return FindFiles(folder.isEmpty() ? u"."_s : folder, NameOf(pattern));
+    const QString folder = FolderOf(pattern);
+    return FindFiles(folder.isEmpty() ? u"."_s : folder, FileNameOf(pattern));
 }
 
 /// Copies or moves one file or all files of a pattern; returns true if all of them succeeded.
@@ -70,7 +42,7 @@ bool Transfer(const QString& from, const QString& to, bool (*transferOne)(const 
     if (!IsPattern(from)) {
         if (!FileExists(from))
             return false;
-        if (const QString folder = FolderPartOf(to); !folder.isEmpty())
+        if (const QString folder = FolderOf(to); !folder.isEmpty())
             MakeFolder(folder);
         return transferOne(from, to);
     }
@@ -78,7 +50,7 @@ bool Transfer(const QString& from, const QString& to, bool (*transferOne)(const 
     const QString targetFolder = IsSeparator(to.back()) ? to : to + u'/';
     bool allDone = true;
     for (const QString& name : FilesOfPattern(from))
-        allDone = transferOne(FolderPartOf(from) + name, targetFolder + name) && allDone;
+        allDone = transferOne(FolderOf(from) + name, targetFolder + name) && allDone;
     return allDone;
 }
 
@@ -89,7 +61,7 @@ void DeleteFiles(const QString& path)
         return;
     }
     for (const QString& name : FilesOfPattern(path))
-        DeleteOneFile(FolderPartOf(path) + name);
+        DeleteOneFile(FolderOf(path) + name);
 }
 
 } // namespace
@@ -97,7 +69,7 @@ void DeleteFiles(const QString& path)
 bool FileExists(const QString& path)
 {
     const QString plain = DropTrailingSeparator(path);
-    if (NameOf(plain).trimmed().isEmpty())
+    if (FileNameOf(plain).trimmed().isEmpty())
         return false;
     return KindOfFile(plain) != FileKind::None || (IsPattern(plain) && !FilesOfPattern(plain).isEmpty());
 }
@@ -105,7 +77,7 @@ bool FileExists(const QString& path)
 bool FolderExists(const QString& path)
 {
     const QString plain = DropTrailingSeparator(path);
-    return !NameOf(plain).trimmed().isEmpty() && KindOfFile(plain) == FileKind::Folder;
+    return !FileNameOf(plain).trimmed().isEmpty() && KindOfFile(plain) == FileKind::Folder;
 }
 
 bool MakeFolder(const QString& path)
@@ -173,13 +145,13 @@ QString FileOperation(int mode, const QString& a, const QString& b)
         static_cast<void>(CopyFolderTree(DropTrailingSeparator(a), DropTrailingSeparator(b)));
         break;
     case ExtensionMode:
-        return a.mid(a.lastIndexOf(u'.') + 1);
+        return ExtensionOf(a);
     case FolderOfMode:
-        return FolderPartOf(a);
+        return FolderOf(a);
     case NameMode:
-        return NameOf(a);
+        return FileNameOf(a);
     case BaseNameMode:
-        return WithoutExtension(NameOf(a));
+        return BaseNameOf(a);
     case DriveMode:
         return DriveOf(a);
     case WithoutExtensionMode:

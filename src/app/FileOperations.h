@@ -47,7 +47,7 @@ bool MakeFolder(const QString& path);
 /// Returns the date of the file's last change, without the time; invalid if the file is missing.
 [[nodiscard]] QDate FileDate(const QString& path);
 
-/// Modes of `FileOperation`. The path modes use only the text and accept both "\" and "/" as separators.
+/// Modes of `FileOperation`. The path modes are the functions of `FilePaths.h`.
 enum FileMode
 {
     DeleteFileMode = 0, ///< delete the file or pattern `a`

@@ -2,6 +2,7 @@
 
 #include "CodePages.h"
 #include "FileOperations.h"
+#include "FilePaths.h"
 #include "ScreenMeasures.h"
 #include "StartUpVariables.h"
 
@@ -26,7 +27,7 @@ QString Join(const QString& folder, QLatin1StringView name)
 
 QString FolderOfExecutable(const QString& executable)
 {
-    return FileOperation(FolderOfMode, executable).chopped(1);
+    return FolderOf(executable).chopped(1);
 }
 
 /// The data folder of an installed program: bin/ and share/ are siblings.
@@ -84,8 +85,8 @@ void SetAppPath(const ProgramPlace& place)
         AppPath = Join(place.userDataFolder, UserFolderName);
         SeedUserFolder(InstalledDataFolder(place.executable), AppPath);
     }
-    AppDrive = FileOperation(DriveMode, AppPath);
-    IniFilePath = AppPath + u'/' + FileOperation(BaseNameMode, place.executable) + u".ini"_s;
+    AppDrive = DriveOf(AppPath);
+    IniFilePath = AppPath + u'/' + BaseNameOf(place.executable) + u".ini"_s;
 }
 
 void SetFolders()

@@ -1,10 +1,10 @@
 #include "BookFileCheck.h"
 
-#include "BookVariables.h"
+#include "BookValidation.h"
 #include "Boxes.h"
 #include "Desktop.h"
-#include "FictionBookNamespace.h"
 #include "FileOperations.h"
+#include "FilePaths.h"
 #include "LineEnds.h"
 #include "MainWindowSeams.h"
 #include "ProcessEnd.h"
@@ -20,10 +20,10 @@ namespace {
 
 constexpr QStringView ParserPage = u"https://gitlab.gnome.org/GNOME/libxml2/-/wikis/home";
 
-void RefuseInBox(const QString& text, const QString& path, bool endOnError)
+void RefuseInBox(const QString& text, const QString& path, BookRefusal refusal)
 {
-    StopBox(text, u"VMK: "_s + FileOperation(NameMode, path));
-    if (endOnError)
+    StopBox(text, u"VMK: "_s + FileNameOf(path));
+    if (refusal == BookRefusal::BoxAndEnd)
         EndProcess();
 }
 
@@ -38,22 +38,30 @@ bool LinkedParserParses(std::string_view text)
 
 } // namespace
 
-bool CheckBookFile(const QString& path, bool boxes, bool endOnError)
+bool CheckBookFile(const QString& path, BookRefusal refusal)
 {
-    if (boxes && !FileExists(path)) {
-        RefuseInBox(u"file loading error: file not found"_s + QLatin1StringView(CrLf) + path, path,
-                    endOnError);
+    if (refusal != BookRefusal::StatusBar && !FileExists(path)) {
+        RefuseInBox(u"file loading error: file not found"_s + QLatin1StringView(CrLf) + path, path, refusal);
         return false;
     }
+    return CheckBookExtension(path, refusal);
+}
 
+bool HasBookExtension(const QString& path)
+{
     // Only the beginning is checked: "fb2", "fb" and "fbz" all pass.
-    if (FileOperation(ExtensionMode, path).toLower().startsWith(u"fb"))
+    return ExtensionOf(path).toLower().startsWith(u"fb");
+}
+
+bool CheckBookExtension(const QString& path, BookRefusal refusal)
+{
+    if (HasBookExtension(path))
         return true;
-    const QString refusal = u"file loading error: not allowed file extension"_s;
-    if (boxes) {
-        RefuseInBox(refusal, path, endOnError);
+    const QString reason = u"file loading error: not allowed file extension"_s;
+    if (refusal != BookRefusal::StatusBar) {
+        RefuseInBox(reason, path, refusal);
     } else {
-        ShowStatus(refusal);
+        ShowStatus(reason);
         PlayProgramSound(u"FileLoadError.wav"_s, true);
     }
     return false;
@@ -79,18 +87,9 @@ bool CheckMsxml(bool (*parses)(std::string_view text))
 
 bool ValidateFileQuietly(const QString& path)
 {
-    const bool againstSchema = ValidateOption.toLower() == u"schema";
-
-    XmlDocument document;
-    if (againstSchema) {
-        FbNamespace = FictionBookNamespace();
-        const auto cache = std::make_shared<XmlSchemaCache>();
-        cache->add(FbNamespace, SchemaFile);
-        document.schemas = cache;
-    }
-    document.validateOnParse = true;
-    document.loadXML(ReadFileText(path), XmlEncoding::byDeclaration());
-    return document.parseError().errorCode != 0;
+    const BookValidation validation = ValidationBySettings(ValidateAgainstOf(ValidateOption));
+    const XmlParseError error = validation.validate(ReadFileText(path), XmlEncoding::byDeclaration());
+    return error.errorCode != 0;
 }
 
 } // namespace vmk

@@ -6,13 +6,23 @@
 
 namespace vmk {
 
+/// How a file that is not accepted as a book is reported.
+enum class BookRefusal
+{
+    StatusBar, ///< only the extension is checked, and reported in the status bar with a sound
+    Box, ///< a missing file and a refused extension are each reported in a stop box
+    BoxAndEnd ///< the same, and the process ends after the box; the caller returns at once
+};
+
 /// Checks whether `path` may be a book: its extension begins with "fb", in any case.
-///
-/// \param boxes       if true, a missing file and a refused extension are each reported in a stop box; if
-///                    false, only the extension is checked, and reported in the status bar with a sound
-/// \param endOnError  if true, ends the process after a box; the caller returns at once
 /// \return false if the file is refused
-bool CheckBookFile(const QString& path, bool boxes, bool endOnError);
+bool CheckBookFile(const QString& path, BookRefusal refusal);
+
+/// The same for a file that exists: the extension alone decides.
+bool CheckBookExtension(const QString& path, BookRefusal refusal);
+
+/// Returns whether the extension begins with "fb", in any case.
+[[nodiscard]] bool HasBookExtension(const QString& path);
 
 /// Checks that the XML parser exists and works. If not, offers its download page, ends the process and
 /// returns false; the caller returns at once.

@@ -89,9 +89,10 @@ bool SplitBinaryPart(std::string& text, bool preview)
 
     const QString sound = u"ParseError.wav"_s;
     if (preview) {
-        ShowEmptyPage(u"Cannot open file: bad binary part"_s, QString(), sound, true, false);
+        ShowEmptyPage({.caption = u"Cannot open file: bad binary part"_s, .sound = sound, .preview = true});
     } else {
-        ShowEmptyPage(u"Vellumark"_s, u"cannot open file: bad binary part"_s, sound, false, false);
+        ShowEmptyPage(
+            {.caption = u"Vellumark"_s, .status = u"cannot open file: bad binary part"_s, .sound = sound});
         BadBinaryPart = true;
     }
     StopBox(u"Cannot load file: bad binary part"_s, u"Vellumark"_s);

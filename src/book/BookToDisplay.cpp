@@ -2,9 +2,11 @@
 
 #include "BookPage.h"
 #include "BookParts.h"
+#include "BookSeams.h"
 #include "BookVariables.h"
 #include "Boxes.h"
 #include "CodePages.h"
+#include "DisplayValuesOfSettings.h"
 #include "EmptyPage.h"
 #include "Encodings.h"
 #include "MainWindowSeams.h"
@@ -25,7 +27,7 @@ void WarnOfNamespaceError(bool preview)
     if (NamespaceErrorWarning != 1)
         return;
     if (!preview)
-        ShowEmptyPage(QString(), QString(), QString(), false, true);
+        ShowEmptyPage({.skipStatus = true});
     InformationBox(u"Namespace error. Tree view is skipped"_s, u"Vellumark"_s);
 }
 
@@ -51,7 +53,8 @@ bool ConvertBookToDisplay(std::string& text, bool preview)
     }
 
     PageRequest request;
-    request.values = preview ? PreviewValuesSeam()() : DisplayValuesOfSettings();
+    const std::optional<DisplayValues> ofPreview = preview ? PreviewValuesSeam()() : std::nullopt;
+    request.values = ofPreview ? *ofPreview : DisplayValuesOfSettings();
     request.values.showNbsp = ShowNbsp == 1;
     request.inLineTags = InLineTagSet(InLineTags);
     ShowStatus(u"...converting xml to html: checking namespace..."_s);

@@ -274,12 +274,6 @@ std::string TidyLineEnds(const std::string& text, std::string_view nbsp)
 
 } // namespace
 
-Seam<std::string(AngleMarks marks)>& DisplayTextSeam()
-{
-    static Seam<std::string(AngleMarks)> seam([](AngleMarks) { return std::string(); });
-    return seam;
-}
-
 std::string PageAsDisplayed(std::string page)
 {
     page = ReplaceAll(std::move(page), TornLineTag, LineTag);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Seam.h"
+#include "BookSeams.h"
 #include "TreeLines.h"
 
 #include <cstdint>
@@ -14,21 +14,10 @@ namespace vmk {
 /// split over two lines.
 [[nodiscard]] std::string PageAsDisplayed(std::string page);
 
-/// Whether U+2039 and U+203A become `&lt;` and `&gt;` again. Validation keeps them, so that an error has the
-/// same position in the text and in the display.
-enum class AngleMarks
-{
-    Keep,
-    Restore
-};
-
 /// Returns the XML text that a page shows: the text after the head, without mark-up, with real angle
 /// brackets, from the XML declaration on if there is one. Line breaks that the display inserts into long
 /// lines are removed; line ends between lines remain. `NbspMarker` becomes U+00A0, `&nbsp;` becomes a blank.
 [[nodiscard]] std::string TextOfPage(std::string_view page, AngleMarks marks);
-
-/// Returns the text of the displayed page, as `TextOfPage` does. Empty without a window.
-[[nodiscard]] Seam<std::string(AngleMarks marks)>& DisplayTextSeam();
 
 /// Returns the XML text of the open book without its binary part, for the parser.
 /// \param realCharacters  true: in UTF-8; false: in the code page in which the book was read

@@ -1,23 +1,12 @@
 #include "EmptyPage.h"
 
+#include "BookSeams.h"
 #include "FileOperations.h"
 #include "MainWindowSeams.h"
 #include "Sounds.h"
 #include "StartUpVariables.h"
 
 namespace vmk {
-
-Seam<void(const QString&, bool)>& CaptionSeam()
-{
-    static Seam<void(const QString&, bool)> seam([](const QString&, bool) {});
-    return seam;
-}
-
-Seam<void(const QString&, bool)>& NavigateSeam()
-{
-    static Seam<void(const QString&, bool)> seam([](const QString&, bool) {});
-    return seam;
-}
 
 namespace {
 
@@ -34,25 +23,24 @@ void TellMainWindow(const QString& caption, const QString& status)
 
 } // namespace
 
-void ShowEmptyPage(const QString& caption, const QString& status, const QString& sound, bool preview,
-                   bool skipStatus)
+void ShowEmptyPage(const EmptyPageOptions& options)
 {
-    if (!skipStatus) {
-        if (!preview)
-            TellMainWindow(caption, status);
-        else if (!caption.isEmpty())
-            CaptionSeam()(caption, true);
-        if (!sound.isEmpty())
-            PlayProgramSound(sound, true);
+    if (!options.skipStatus) {
+        if (!options.preview)
+            TellMainWindow(options.caption, options.status);
+        else if (!options.caption.isEmpty())
+            CaptionSeam()(options.caption, true);
+        if (!options.sound.isEmpty())
+            PlayProgramSound(options.sound, true);
     }
 
-    const QString& page = preview ? SampleEmptyPageFile : EmptyPageFile;
+    const QString& page = options.preview ? SampleEmptyPageFile : EmptyPageFile;
     if (page.isEmpty()) // without a workspace there is no page to show
         return;
     FileOperation(DeleteFileMode, page);
     // If nothing can be written, the display shows an empty page.
     static_cast<void>(WriteScratchFile(page, "<HTML><BODY></BODY></HTML>"));
-    NavigateSeam()(page, preview);
+    NavigateSeam()(page, options.preview);
 }
 
 } // namespace vmk

@@ -3,6 +3,7 @@
 #include "LargeBuffers.h"
 #include "LineEnds.h"
 #include "NonBreakingSpace.h"
+#include "TagPaint.h"
 #include "XmlDeclarations.h"
 #include "XmlSerializer.h"
 
@@ -50,23 +51,6 @@ std::optional<PaintedName> PaintedNameAtEnd(std::string_view text)
     return std::nullopt;
 }
 
-/// The mark-up around tags in the display.
-struct TagPaint
-{
-    std::string_view start;
-    std::string_view end;
-    bool attributes;
-};
-
-TagPaint PaintFor(const DisplayValues& values)
-{
-    if (values.tagHighlighting)
-        return {"<SPAN class=t>&lt;", "&gt;</SPAN>", true};
-    if (values.tagFontWeight == "bold" && values.fontWeight != "bold")
-        return {"<B>&lt;", "&gt;</B>", false};
-    return {"&lt;", "&gt;", false};
-}
-
 enum class LineEnds
 {
     CrLfAndTabs, ///< the parser's layout: CrLf and one tab per level
@@ -97,7 +81,7 @@ public:
         : values(displayValues)
         , lineEnds(ends)
         , levels(maxDepth)
-        , paint(PaintFor(displayValues))
+        , paint(TagPaint::Of(displayValues))
         , special(paint.attributes, displayValues.showNbsp)
         , out(page)
         , lineStart(page.size())

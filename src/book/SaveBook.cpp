@@ -1,5 +1,6 @@
 #include "SaveBook.h"
 
+#include "BookSeams.h"
 #include "BookVariables.h"
 #include "Boxes.h"
 #include "CodePages.h"
@@ -31,9 +32,10 @@ void Report(const QString& status, const QString& sound, bool isError)
         PlayProgramSound(sound, isError);
 }
 
-void ReportOutcome(const QString& path, const BookFile& file, bool written, bool quiet, bool silent)
+void ReportOutcome(const QString& path, const BookFile& file, bool written, SaveReport report)
 {
     constexpr size_t ShortestBook = 11;
+    const bool quiet = report == SaveReport::None;
     // A failed write is always reported.
     if (!written || (!quiet && file.bytes.size() < ShortestBook))
         Report(u"cannot save file: "_s + path, u"ParseError.wav"_s, true);
@@ -43,21 +45,11 @@ void ReportOutcome(const QString& path, const BookFile& file, bool written, bool
         Report(u"Namespace error: tree on save skipped. File saved as: "_s + path,
                u"NameSpaceErrorOnSave.wav"_s, true);
     else
-        Report(u"file saved as: "_s + path, silent ? QString() : u"FileSaved.wav"_s, false);
+        Report(u"file saved as: "_s + path, report == SaveReport::Full ? u"FileSaved.wav"_s : QString(),
+               false);
 }
 
 } // namespace
-
-Seam<bool()>& IsBookEmptySeam()
-{
-    static Seam<bool()> seam([] { return true; });
-    return seam;
-}
-
-bool IsBookEmpty()
-{
-    return IsBookEmptySeam()();
-}
 
 SaveLayout SaveLayoutOfSettings()
 {
@@ -77,7 +69,7 @@ SaveLayout SaveLayoutOfSettings()
     return layout;
 }
 
-bool SaveBook(const QString& path, bool quiet, bool silent)
+bool SaveBook(const QString& path, SaveReport report)
 {
     if (IsBookEmpty()) {
         PlainBox(u"empty book - nothing to save"_s);
@@ -88,7 +80,7 @@ bool SaveBook(const QString& path, bool quiet, bool silent)
     const SaveLayout layout = SaveLayoutOfSettings();
     const BookFile file = FileOfText(DisplayTextSeam()(AngleMarks::Restore), layout);
     const bool written = WriteFileText(path, file.bytes);
-    ReportOutcome(path, file, written, quiet, silent);
+    ReportOutcome(path, file, written, report);
     return written;
 }
 

@@ -1,6 +1,7 @@
 #include "SchemaCatalogue.h"
 
 #include "FileOperations.h"
+#include "FilePaths.h"
 #include "TagFunctions.h"
 
 namespace vmk {
@@ -19,7 +20,7 @@ std::vector<SchemaRow> ListSchemas(const QString& mainSchema)
     std::vector<SchemaRow> rows{RowOf(mainSchema, true)};
     if (!rows.front().found)
         return rows;
-    const QString folder = FileOperation(FolderOfMode, mainSchema);
+    const QString folder = FolderOf(mainSchema);
     const std::string text = ReadFileText(mainSchema);
     Extraction import = ExtractBetween(text, "<xs:import", ">");
     while (!import.found.empty()) {

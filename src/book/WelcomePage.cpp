@@ -1,7 +1,7 @@
 #include "WelcomePage.h"
 
+#include "BookSeams.h"
 #include "CodePages.h"
-#include "EmptyPage.h"
 #include "FileOperations.h"
 #include "StartUpVariables.h"
 

@@ -3,7 +3,6 @@
 #include "CommandLine.h"
 #include "FictionBookNamespace.h"
 #include "Files.h"
-#include "XmlDocument.h"
 #include "XmlReason.h"
 
 #include <QFile>
@@ -12,7 +11,6 @@
 
 #include <cstdio>
 #include <new>
-#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -38,22 +36,14 @@ FileContent ReadStandardInput()
     return content;
 }
 
-void ReadAndCheck(BookCheck& check, std::shared_ptr<const XmlSchemaCache> schemas)
+void ReadAndCheck(BookCheck& check, const BookValidation& validation)
 {
     const FileContent content = check.book == u"-" ? ReadStandardInput() : ReadContent(check.book);
     if (content.outcome != ReadOutcome::Ok) {
         check.failure = ReadFailureText(content);
         return;
     }
-    XmlDocument document;
-    document.schemas = std::move(schemas);
-    document.loadXML(content.bytes, XmlEncoding::byDeclaration());
-    check.error = document.parseError();
-}
-
-QString Against(bool schema)
-{
-    return schema ? u"schema"_s : u"namespace"_s;
+    check.error = validation.validate(content.bytes, XmlEncoding::byDeclaration());
 }
 
 QString ShownReason(const XmlParseError& error)
@@ -63,36 +53,36 @@ QString ShownReason(const XmlParseError& error)
 
 } // namespace
 
-BookCheck CheckBook(const QString& book, std::shared_ptr<const XmlSchemaCache> schemas)
+BookCheck CheckBook(const QString& book, const BookValidation& validation)
 {
     BookCheck check;
     check.book = book;
     try {
-        ReadAndCheck(check, std::move(schemas));
+        ReadAndCheck(check, validation);
     } catch (const std::bad_alloc&) {
         check.failure = u"not enough memory"_s;
     }
     return check;
 }
 
-QString ResultLine(const BookCheck& check, bool againstSchema)
+QString ResultLine(const BookCheck& check, ValidateAgainst against)
 {
     const QString name = ShownName(check.book);
     if (!check.failure.isEmpty())
         return name + u": "_s + check.failure;
     if (!check.error)
-        return name + u": No errors (against "_s + Against(againstSchema) + u')';
+        return name + u": No errors (against "_s + NameOf(against) + u')';
     return name + u':' + QString::number(check.error.line) + u':' + QString::number(check.error.linepos)
-        + u": Error against "_s + Against(againstSchema) + u". "_s + ShownReason(check.error);
+        + u": Error against "_s + NameOf(against) + u". "_s + ShownReason(check.error);
 }
 
-QString ResultJson(const BookCheck& check, bool againstSchema)
+QString ResultJson(const BookCheck& check, ValidateAgainst against)
 {
     QJsonObject object{{u"book"_s, check.book}};
     if (!check.failure.isEmpty()) {
         object[u"failure"_s] = check.failure;
     } else {
-        object[u"against"_s] = Against(againstSchema);
+        object[u"against"_s] = NameOf(against);
         object[u"valid"_s] = !check.error;
     }
     if (check.error)

@@ -1,11 +1,8 @@
 #pragma once
 
-#include "XmlError.h"
-#include "XmlSchemaCache.h"
+#include "BookValidation.h"
 
 #include <QString>
-
-#include <memory>
 
 namespace vmk {
 
@@ -19,14 +16,13 @@ struct BookCheck
 
 /// Reads and checks one book. Its declaration determines the encoding.
 /// \param book     path, or "-" for standard input
-/// \param schemas  the schemas; null checks only well-formedness and namespaces
-[[nodiscard]] BookCheck CheckBook(const QString& book, std::shared_ptr<const XmlSchemaCache> schemas);
+[[nodiscard]] BookCheck CheckBook(const QString& book, const BookValidation& validation);
 
 /// Returns one result line: "BOOK: No errors (against schema)" or "BOOK:LINE:COLUMN: Error against schema.
 /// REASON"; for a book that could not be read, "BOOK: " and the reason.
-[[nodiscard]] QString ResultLine(const BookCheck& check, bool againstSchema);
+[[nodiscard]] QString ResultLine(const BookCheck& check, ValidateAgainst against);
 
 /// Returns the same as one JSON object on one line.
-[[nodiscard]] QString ResultJson(const BookCheck& check, bool againstSchema);
+[[nodiscard]] QString ResultJson(const BookCheck& check, ValidateAgainst against);
 
 } // namespace vmk

@@ -1,7 +1,6 @@
 #include "BookCheck.h"
 #include "Command.h"
 #include "CommandLine.h"
-#include "FictionBookNamespace.h"
 #include "InitGlobals.h"
 
 #include <QCoreApplication>
@@ -24,7 +23,7 @@ constexpr int MostJobs = 256;
 
 struct ValidateOptions
 {
-    bool againstSchema = true;
+    ValidateAgainst against = ValidateAgainst::Schema;
     QString schemaFile; // empty: the workspace's schema
     bool json = false;
     int jobs = 1;
@@ -35,9 +34,9 @@ struct ValidateOptions
 class BookChecks
 {
 public:
-    BookChecks(const QStringList& bookNames, std::shared_ptr<const XmlSchemaCache> schemaCache, int jobs)
+    BookChecks(const QStringList& bookNames, const BookValidation& bookValidation, int jobs)
         : books(bookNames)
-        , schemas(std::move(schemaCache))
+        , validation(bookValidation)
         , results(static_cast<size_t>(bookNames.size()))
     {
         const auto threads = std::min<qsizetype>(jobs, books.size());
@@ -66,7 +65,7 @@ private:
         while (nextBook < books.size()) {
             const qsizetype index = nextBook++;
             lock.unlock();
-            BookCheck check = CheckBook(books[index], schemas);
+            BookCheck check = CheckBook(books[index], validation);
             lock.lock();
             results[static_cast<size_t>(index)] = std::move(check);
             ready.notify_one();
@@ -74,7 +73,7 @@ private:
     }
 
     const QStringList& books;
-    std::shared_ptr<const XmlSchemaCache> schemas;
+    const BookValidation& validation;
     std::mutex guard; // for all members below
     std::condition_variable ready;
     qsizetype nextBook = 0;
@@ -93,7 +92,7 @@ void TakeOption(CommandLine& line, ValidateOptions& options)
         options.jobs = line.number(1, MostJobs);
     } else if (option == u"--against") {
         const QString value = line.value();
-        options.againstSchema = value == u"schema";
+        options.against = value == u"schema" ? ValidateAgainst::Schema : ValidateAgainst::Namespace;
         if (value != u"schema" && value != u"namespace")
             line.fail(u"--against needs \"schema\" or \"namespace\""_s);
     } else {
@@ -116,7 +115,7 @@ std::optional<ValidateOptions> ReadOptions(const QStringList& arguments, QString
         line.fail(u"no book given"_s);
     if (options.books.count(u"-"_s) > 1)
         line.fail(u"standard input can be checked only once"_s);
-    if (!options.againstSchema && !options.schemaFile.isEmpty())
+    if (options.against == ValidateAgainst::Namespace && !options.schemaFile.isEmpty())
         line.fail(u"--schema has no use with --against namespace"_s);
     *problem = line.error();
     return problem->isEmpty() ? std::optional(options) : std::nullopt;
@@ -131,27 +130,24 @@ QString WorkspaceSchema()
 
 int Validate(const ValidateOptions& options)
 {
-    std::shared_ptr<XmlSchemaCache> schemas;
-    if (options.againstSchema) {
-        schemas = std::make_shared<XmlSchemaCache>();
-        const QString file = options.schemaFile.isEmpty() ? WorkspaceSchema() : options.schemaFile;
-        if (!schemas->add(FictionBookNamespace(), file)) {
-            PrintErrorLine(u"vmk: schema "_s + schemas->problem());
-            return ExitFailure;
-        }
+    const QString schemaFile = options.schemaFile.isEmpty() ? WorkspaceSchema() : options.schemaFile;
+    const BookValidation validation(options.against, schemaFile);
+    if (!validation.schemaProblem().isEmpty()) {
+        PrintErrorLine(u"vmk: schema "_s + validation.schemaProblem());
+        return ExitFailure;
     }
 
     int code = ExitClean;
-    BookChecks checks(options.books, schemas, options.jobs);
+    BookChecks checks(options.books, validation, options.jobs);
     for (size_t i = 0; i < static_cast<size_t>(options.books.size()); ++i) {
         const BookCheck check = checks.take(i);
         const bool unread = !check.failure.isEmpty();
         if (options.json)
-            PrintLine(ResultJson(check, options.againstSchema));
+            PrintLine(ResultJson(check, options.against));
         else if (unread)
-            PrintErrorLine(u"vmk: "_s + ResultLine(check, options.againstSchema));
+            PrintErrorLine(u"vmk: "_s + ResultLine(check, options.against));
         else
-            PrintLine(ResultLine(check, options.againstSchema));
+            PrintLine(ResultLine(check, options.against));
         code = std::max<int>(code, unread ? ExitFailure : check.error ? ExitFaults : ExitClean);
     }
     return FlushOutput() ? code : ExitFailure;

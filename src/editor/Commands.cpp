@@ -3,6 +3,7 @@
 #include "CaretTag.h"
 #include "ClipboardRules.h"
 #include "Desktop.h"
+#include "DisplayValuesOfSettings.h"
 #include "DisplayView.h"
 #include "EditorFunctions.h"
 #include "EditorState.h"
@@ -10,8 +11,10 @@
 #include "FieldRules.h"
 #include "Form1.h"
 #include "NodeShift.h"
+#include "NonBreakingSpace.h"
 #include "PasteRules.h"
 #include "Repaint.h"
+#include "SettingsVariables.h"
 #include "TypingRules.h"
 
 #include <algorithm>
@@ -40,6 +43,11 @@ QPoint PressedCaret()
 LastPress PressedPlace()
 {
     return {PressedCaret(), {SavedScrollLeft, SavedScrollTop}};
+}
+
+QChar NbspOfSettings()
+{
+    return ShownNbsp(ShowNbsp == 1);
 }
 
 constexpr CommandRow Procedures[] = {
@@ -71,17 +79,21 @@ constexpr CommandRow Procedures[] = {
 constexpr CommandRow EditProcedures[] = {
     {Delete, [](Form1& form) { DeleteSelection(Book(form)); }},
     {Cut, [](Form1& form) { CopySelection(Book(form), true); }},
-    {Paste, [](Form1& form) { PasteText(Book(form), ClipboardText(), PressedCaret()); }},
-    {PasteHtml, [](Form1& form) { vmk::PasteHtml(Book(form), ClipboardText(), PressedCaret()); }},
-    {RePaintSelection, [](Form1& form) { vmk::RePaintSelection(Book(form), PressedPlace()); }},
-    {RightShift, [](Form1& form) { vmk::RightShift(Book(form)); }},
-    {LeftShift, [](Form1& form) { vmk::LeftShift(Book(form)); }},
+    {Paste, [](Form1& form) { PasteText(Book(form), ClipboardText(), PressedCaret(), NbspOfSettings()); }},
+    {PasteHtml,
+     [](Form1& form) { vmk::PasteHtml(Book(form), ClipboardText(), PressedCaret(), NbspOfSettings()); }},
+    {RePaintSelection,
+     [](Form1& form) {
+         vmk::RePaintSelection(Book(form), PressedPlace(), TagPaint::Of(DisplayValuesOfSettings()));
+     }},
+    {RightShift, [](Form1& form) { vmk::RightShift(Book(form), NodeShift); }},
+    {LeftShift, [](Form1& form) { vmk::LeftShift(Book(form), NodeShift); }},
     {InsertTextField, [](Form1& form) { InsertField(Book(form), Field::Text); }},
     {InsertTagField, [](Form1& form) { InsertField(Book(form), Field::Tag); }},
     {InsertTagAttributeField, [](Form1& form) { InsertField(Book(form), Field::Attribute); }},
     {InsertTagAttributeValueField, [](Form1& form) { InsertField(Book(form), Field::Value); }},
-    {InsertNbsp, [](Form1& form) { vmk::InsertNbsp(Book(form)); }},
-    {InsertSpace, [](Form1& form) { vmk::InsertSpace(Book(form), false); }},
+    {InsertNbsp, [](Form1& form) { vmk::InsertNbsp(Book(form), NbspOfSettings()); }},
+    {InsertSpace, [](Form1& form) { vmk::InsertSpace(Book(form)); }},
     {Bold, [](Form1& form) { InsertInlineTag(Book(form), InlineTag::Bold); }},
     {Italic, [](Form1& form) { InsertInlineTag(Book(form), InlineTag::Italic); }},
     {Superscript, [](Form1& form) { InsertInlineTag(Book(form), InlineTag::Superscript); }},

@@ -1,3 +1,4 @@
+#include "BookFileCheck.h"
 #include "BookVariables.h"
 #include "CommLineInfoF.h"
 #include "DisplayView.h"
@@ -5,6 +6,7 @@
 #include "EditorState.h"
 #include "FbFunctions.h"
 #include "FileOperations.h"
+#include "FilePaths.h"
 #include "Form1.h"
 #include "MainWindowSeams.h"
 #include "PanelBar.h"
@@ -215,9 +217,9 @@ void Form1::thirdClick()
         // Only the word, without the blanks next to it.
         const QString word = DoubleClickRange->text();
         if (word.startsWith(u' '))
-            DoubleClickRange->moveStart(u"character", 1);
+            DoubleClickRange->moveStart(TextUnit::Character, 1);
         if (word.endsWith(u' '))
-            DoubleClickRange->moveEnd(u"character", -1);
+            DoubleClickRange->moveEnd(TextUnit::Character, -1);
         DoubleClickRange->select();
     }
     TripleClickPending = false;
@@ -228,10 +230,7 @@ void Form1::FileDoc_ondblclick(DisplayEvent& event)
     TripleClickPending = true;
     DoubleClickSeen = true;
     DoubleClickRange = SelectionRange();
-    int first = -1;
-    int last = -1;
-    SelectNodes(first, last, true, false, true, true);
-    if (first >= 1)
+    if (SelectNodes({.cancelEvent = true, .keepAnchor = true}).first >= 1)
         event.returnValue = false;
     TimerTripleClick->start();
 }
@@ -275,7 +274,7 @@ void Form1::ShowPopUpMenu()
     Status->setPanelText(1, QString());
     StatusMsg->setPanelText(1, QString());
     TagUnderCaret = GetTagUnderCaret(HTMLread->document());
-    const TagEntries fit = EntriesFor(TagUnderCaret, BinaryPart);
+    const TagEntries fit = EntriesFor(TagUnderCaret, BinaryPart, WorkCodePage);
     Entry("Ed_GoToLink")->setEnabled(fit.goToLink);
     Entry("Ed_CheckId")->setEnabled(fit.checkId);
     Entry("Ed_ShowImage")->setEnabled(fit.showImage);
@@ -288,11 +287,9 @@ void Form1::ShowPopUpMenu()
 
 void Form1::HTMLread_BeforeNavigate(const QString& target, bool& cancel)
 {
-    const QString name = FileOperation(NameMode, target);
-    const bool own
-        = name == FileOperation(NameMode, EmptyPageFile) || name == FileOperation(NameMode, WelcomeFile);
-    if (!own && !LoadingByProgram && FileExists(target)
-        && FileOperation(ExtensionMode, target).toLower().startsWith("fb"_L1)) {
+    const QString name = FileNameOf(target);
+    const bool own = name == FileNameOf(EmptyPageFile) || name == FileNameOf(WelcomeFile);
+    if (!own && !LoadingByProgram && FileExists(target) && HasBookExtension(target)) {
         cancel = true;
         droppedBook = target;
         TimerWBDrop->start();
@@ -320,10 +317,10 @@ void Form1::FileDoc_onreadystatechange(DisplayEvent&)
         return;
     UndoSteps = 0;
     BookUnchanged = true;
-    if (HTMLread->location().contains(FileOperation(NameMode, EmptyPageFile))) {
+    if (HTMLread->location().contains(FileNameOf(EmptyPageFile))) {
         ShowStatus(u"ready"_s);
     } else {
-        RememberPosition(true, true);
+        RememberPosition(Remember::Restart);
         if (ValidateAfterLoad) {
             TimerValidate->start();
         } else {

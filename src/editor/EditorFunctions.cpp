@@ -5,7 +5,6 @@
 #include "Desktop.h"
 #include "DisplayView.h"
 #include "EditorState.h"
-#include "FileOperations.h"
 #include "Form1.h"
 #include "MainWindowSeams.h"
 #include "SettingsVariables.h"
@@ -25,10 +24,8 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr int MostPositions = 40;
 /// Does not occur as an id in any book.
 constexpr char TemporalMarker[] = "()*^^^%^*";
-const QStringView Character = u"character";
 constexpr int CaretPanel = 2;
 constexpr int FileLengthPanel = 3;
 
@@ -71,7 +68,7 @@ CharacterCodes CodesOf(const QString& character)
 /// The depth of a line, computed from its margin; nothing if the node shift is 0.
 std::optional<long> ShiftOf(int node)
 {
-    const QString html = item(FileDoc(), node).outerHTML();
+    const QString html = page::item(FileDoc(), node).outerHTML();
     const qsizetype found = html.indexOf("MARGIN-LEFT:"_L1, 0, Qt::CaseInsensitive);
     if (found < 0)
         return 0;
@@ -107,22 +104,20 @@ int ColumnOf(Position caret)
 
 TextRange SelectionRange()
 {
-    return createRange(FileDoc());
+    return page::createRange(FileDoc());
 }
 
-QString SelectNodes(int& first, int& last, bool select, bool returnHtml, bool cancelEvent, bool keepAnchor)
+SelectedNodes SelectNodes(LineSelectionOptions options)
 {
-    SelectedNodes nodes = SelectNodes(FileDoc(), select, returnHtml);
-    first = nodes.first;
-    last = nodes.last;
-    if (first < 1)
-        return {};
-    if (cancelEvent)
+    SelectedNodes nodes = SelectNodes(FileDoc(), {.select = true, .returnHtml = options.returnHtml});
+    if (nodes.first < 1)
+        return nodes;
+    if (options.cancelEvent)
         LinesSelected = true;
     LineAnchorRange.reset();
-    if (keepAnchor)
+    if (options.keepAnchor)
         LineAnchorRange = nodes.range;
-    return nodes.html;
+    return nodes;
 }
 
 void StoreOffsets()
@@ -156,14 +151,12 @@ bool ShiftClickSelect()
     const int scrollTop = View().scrollTop();
     TripleClickPending = false;
     TextRange range = SelectionRange();
-    if (range.compareEndPoints(u"EndToEnd", *LineAnchorRange) == 1)
-        range.setEndPoint(u"StartToStart", *LineAnchorRange);
-    else if (range.compareEndPoints(u"StartToStart", *LineAnchorRange) == -1)
-        range.setEndPoint(u"EndToEnd", *LineAnchorRange);
+    if (range.compareEndPoints(EndPoints::EndToEnd, *LineAnchorRange) == 1)
+        range.setEndPoint(EndPoints::StartToStart, *LineAnchorRange);
+    else if (range.compareEndPoints(EndPoints::StartToStart, *LineAnchorRange) == -1)
+        range.setEndPoint(EndPoints::EndToEnd, *LineAnchorRange);
     range.select();
-    int first = -1;
-    int last = -1;
-    SelectNodes(first, last, true, false, false, true);
+    SelectNodes({.keepAnchor = true});
     View().scroll(0, scrollTop);
     LineAnchorRange = SelectionRange();
     LinesSelected = true;
@@ -180,12 +173,12 @@ void ShowCaretPosition()
         return;
     }
     const Position caret = range.start();
-    range.moveEnd(Character, 1);
+    range.moveEnd(TextUnit::Character, 1);
     const CharacterCodes codes = CodesOf(range.text());
 
     QString text;
     const int node = NodeAtRangeStart(SelectionRange());
-    if (item(FileDoc(), node).nodeName() == "DIV"_L1) {
+    if (page::item(FileDoc(), node).nodeName() == "DIV"_L1) {
         if (const std::optional<long> shift = ShiftOf(node))
             text = u"sh:%1, "_s.arg(*shift);
     }
@@ -219,48 +212,26 @@ void RedoEdit()
 void GoToPosition(Direction direction)
 {
     DocScrollHeight = View().scrollHeight();
-    if (direction == Direction::Down ? PositionIndex >= PositionCount : PositionIndex < 2) {
+    const std::optional<double> entry = Positions.step(direction);
+    if (!entry) {
         Beep();
         return;
     }
-    PositionIndex = int16_t(PositionIndex + (direction == Direction::Down ? 1 : -1));
     PositionJump = true;
-    View().scroll(0, int(std::lrint(PositionHistory[size_t(PositionIndex)] * DocScrollHeight)));
+    View().scroll(0, int(std::lrint(*entry * DocScrollHeight)));
 }
 
-void RememberPosition(bool force, bool reset)
+void RememberPosition(Remember when)
 {
-    std::vector<double>& history = PositionHistory;
     const double height = DocScrollHeight = View().scrollHeight();
     const double top = View().scrollTop();
     const double entry = height > 0 ? top / height : 0;
-    if (reset) {
+    if (when == Remember::Restart) {
         SkipPositionRemember = false;
-        PositionCount = PositionIndex = 1;
-        history = {0, entry};
-        return;
+        Positions.reset(entry);
+    } else if (when == Remember::Always || !Positions.endsAt(top, height)) {
+        Positions.insert(entry);
     }
-    // Compared with the last entry, not with the current one.
-    if (!force && std::abs(history[size_t(PositionCount)] * height - top) < 1)
-        return;
-    if (PositionCount < MostPositions) {
-        ++PositionCount;
-        ++PositionIndex;
-        history.resize(size_t(PositionCount) + 1);
-        history[size_t(PositionCount)] = 0;
-        // In the middle of the list the old last entry is lost and the last one remains 0, which is intended.
-        for (auto to = size_t(PositionCount) - 1; to > size_t(PositionIndex); --to)
-            history[to] = history[to - 1];
-    } else if (PositionIndex <= MostPositions / 2) {
-        // Because it runs downwards, all these entries receive the value of the last one, which is intended.
-        for (auto to = size_t(PositionCount) - 1; to > size_t(PositionIndex); --to)
-            history[to] = history[to + 1];
-        ++PositionIndex;
-    } else {
-        for (size_t to = 1; to < size_t(PositionIndex); ++to)
-            history[to] = history[to + 1];
-    }
-    history[size_t(PositionIndex)] = entry;
 }
 
 void NoteScrollEnd()
@@ -280,7 +251,7 @@ void NoteScrollEnd()
         waiting = false;
         if (!Form1::Instance())
             return;
-        RememberPosition(false, false);
+        RememberPosition(Remember::IfMoved);
     }
     Form1::Instance()->TimerScroll->stop();
     PositionJump = false;
@@ -308,8 +279,8 @@ void DeleteTemporalBookmarks()
 {
     const QString name = QLatin1StringView(TemporalMarker);
     // Looked up again each time: removing one invalidates the positions of the others.
-    for (size_t left = getElementsByName(FileDoc(), name).size(); left > 0; --left)
-        getElementsByName(FileDoc(), name).front().setOuterHTML(QString());
+    for (size_t left = page::getElementsByName(FileDoc(), name).size(); left > 0; --left)
+        page::getElementsByName(FileDoc(), name).front().setOuterHTML(QString());
 }
 
 void GoToAnchor(const QString& id1, const QString& id2, int fallbackTop)
@@ -317,7 +288,7 @@ void GoToAnchor(const QString& id1, const QString& id2, int fallbackTop)
     for (const QString& id : {id1, id2}) {
         if (id.isEmpty())
             continue;
-        const std::vector<DisplayElement> found = getElementsByName(FileDoc(), id);
+        const std::vector<DisplayElement> found = page::getElementsByName(FileDoc(), id);
         if (!found.empty() && found.front().sourceIndex() >= 1) {
             found.front().scrollIntoView();
             return;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DisplayPage.h"
+#include "PositionList.h"
 
 #include <QString>
 
@@ -10,13 +11,16 @@ namespace vmk {
 
 /// Returns a new range over the selection of the display; empty at a caret.
 [[nodiscard]] TextRange SelectionRange();
-/// Extends the selection to whole lines.
-/// \param first, last  receive the node indexes of the lines, from 1; -1 outside any line
-/// \param select       selects the lines
-/// \param returnHtml   returns the HTML of the lines; otherwise the result is empty
-/// \param cancelEvent  sets `LinesSelected`, so that the event handler cancels its event
-/// \param keepAnchor   the lines become the anchor of shift-clicks; otherwise the anchor is cleared
-QString SelectNodes(int& first, int& last, bool select, bool returnHtml, bool cancelEvent, bool keepAnchor);
+struct LineSelectionOptions
+{
+    bool returnHtml = false; ///< returns the HTML of the lines too
+    bool cancelEvent = false; ///< sets `LinesSelected`, so that the event handler cancels its event
+    bool keepAnchor = false; ///< the lines become the anchor of shift-clicks; otherwise the anchor is cleared
+};
+
+/// Extends the selection to whole lines and selects them.
+/// \return the lines; outside any line their `first` is below 1, and nothing is changed
+SelectedNodes SelectNodes(LineSelectionOptions options);
 
 /// Stores the position of the selection and the scroll position of the page.
 void StoreOffsets();
@@ -45,18 +49,18 @@ void RedoEdit();
 
 // ---- positions
 
-enum class Direction
-{
-    Up,
-    Down
-};
-
 /// Scrolls to the previous or next position in the history; beeps at either end.
 void GoToPosition(Direction direction);
+
+enum class Remember
+{
+    IfMoved, ///< unless it is less than one pixel from the last entry
+    Always,
+    Restart ///< clears the history first
+};
+
 /// Adds the current scroll position to the history.
-/// \param force  also if it is less than one pixel from the last entry
-/// \param reset  clears the history first
-void RememberPosition(bool force, bool reset);
+void RememberPosition(Remember when);
 /// One tick of `TimerScroll`: adds a position once scrolling has stopped.
 void NoteScrollEnd();
 

@@ -11,9 +11,10 @@ std::optional<TextRange> LineAnchorRange;
 int32_t CaretOffsetLeft = 0, CaretOffsetTop = 0, SavedScrollLeft = 0, SavedScrollTop = 0;
 CaretTag TagUnderCaret;
 
-std::vector<double> PositionHistory(2);
-int16_t PositionCount = 1;
-int16_t PositionIndex = 1;
+PositionList Positions;
+std::vector<double>& PositionHistory = Positions.entries;
+int16_t& PositionCount = Positions.count;
+int16_t& PositionIndex = Positions.index;
 double DocScrollHeight = 0;
 bool SkipPositionRemember = false;
 bool PositionJump = false;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CaretTag.h"
+#include "PositionList.h"
 #include "TextRange.h"
 
 #include <cstdint>
@@ -33,12 +34,12 @@ extern CaretTag TagUnderCaret;
 
 // ---------------------------------------------------------------- positions
 
-/// `scrollTop` / `scrollHeight` of each recorded position; entry 0 is not used.
-extern std::vector<double> PositionHistory;
-/// The number of entries in use, at most 40.
-extern int16_t PositionCount;
-/// The index of the current entry, from 1.
-extern int16_t PositionIndex;
+/// The recorded positions, as `scrollTop` / `scrollHeight`.
+extern PositionList Positions;
+/// The parts of `Positions`.
+extern std::vector<double>& PositionHistory;
+extern int16_t& PositionCount;
+extern int16_t& PositionIndex;
 /// The height of the page when the history was last used, in pixels.
 extern double DocScrollHeight;
 /// The next end of scrolling adds no entry; set when the window is resized.

@@ -1,7 +1,9 @@
 #include "FbFunctions.h"
 
 #include "BookFileCheck.h"
+#include "BookSeams.h"
 #include "BookToDisplay.h"
+#include "BookValidation.h"
 #include "BookVariables.h"
 #include "Boxes.h"
 #include "Desktop.h"
@@ -9,8 +11,8 @@
 #include "EditorFunctions.h"
 #include "EditorState.h"
 #include "EmptyPage.h"
-#include "FictionBookNamespace.h"
 #include "FileOperations.h"
+#include "FilePaths.h"
 #include "Form1.h"
 #include "MainWindowSeams.h"
 #include "PanelBar.h"
@@ -20,7 +22,7 @@
 #include "Sounds.h"
 #include "StartUpVariables.h"
 #include "TextFunctions.h"
-#include "XmlDocument.h"
+#include "XmlReason.h"
 
 #include <QComboBox>
 
@@ -42,11 +44,6 @@ Form1& Window()
 DisplayView& View()
 {
     return *Window().HTMLread;
-}
-
-QString NameOf(const QString& path)
-{
-    return FileOperation(NameMode, path);
 }
 
 /// The page file that is not shown now, so that the display never reopens the file name it has just shown.
@@ -97,7 +94,7 @@ bool LayDownPage(const QString& path)
     }
     if (!WriteScratchFile(DisplayFile, text)) {
         // The old page must not remain: a save would append the new book's binary part to it.
-        ShowEmptyPage(u"Vellumark"_s, QString(), QString(), false, false);
+        ShowEmptyPage({.caption = u"Vellumark"_s});
         RefuseBook(path);
         return false;
     }
@@ -117,7 +114,7 @@ bool LoadBook(const QString& path, bool opening)
         PlayProgramSound(u"FileLoadError.wav"_s, true);
         return false;
     }
-    if (!CheckBookFile(path, false, false))
+    if (!CheckBookFile(path, BookRefusal::StatusBar))
         return false;
     if (!LayDownPage(path))
         return false;
@@ -127,8 +124,8 @@ bool LoadBook(const QString& path, bool opening)
     LoadingByProgram = true;
     View().Navigate(DisplayFile);
     CurrentBook = path;
-    Window().setWindowTitle(u" VMK: "_s + NameOf(path));
-    LastBookFolder = FileOperation(FolderOfMode, path);
+    Window().setWindowTitle(u" VMK: "_s + FileNameOf(path));
+    LastBookFolder = FolderOf(path);
     return true;
 }
 
@@ -174,8 +171,8 @@ void ShowFb2TextPreview()
         return;
     }
     MakeFolder(TempFolder);
-    const QString copy = TempFolder + u'/' + NameOf(CurrentBook);
-    if (SaveBook(copy, true, false))
+    const QString copy = TempFolder + u'/' + FileNameOf(CurrentBook);
+    if (SaveBook(copy, SaveReport::None))
         OpenWithSystem(copy);
 }
 
@@ -183,47 +180,21 @@ void ShowFb2TextPreview()
 
 namespace {
 
-struct Finding
-{
-    XmlPosition place;
-    QString message; ///< empty if there is no error
-};
-
+/// The reason of an error on one line, without the book's namespace.
 QString Shortened(QString reason)
 {
-    reason.remove(u"\r\n"_s);
-    reason.remove(u'{' + FbNamespace + u'}', Qt::CaseInsensitive);
-    reason.remove(FbNamespace, Qt::CaseInsensitive);
-    return reason;
-}
-
-Finding Validate(std::string_view text, bool againstSchema)
-{
-    XmlDocument document;
-    if (againstSchema) {
-        FbNamespace = FictionBookNamespace();
-        auto cache = std::make_shared<XmlSchemaCache>();
-        // Without a usable schema the result is that of the parser alone.
-        static_cast<void>(cache->add(FbNamespace, SchemaFile));
-        document.schemas = cache;
-        document.validateOnParse = true;
-    }
-    document.loadXML(text, XmlEncoding::utf8());
-    const XmlParseError& error = document.parseError();
-    if (!error)
-        return {};
-    return {error, Shortened(error.reason)};
+    return WithoutNamespace(reason.remove(u"\r\n"_s), FbNamespace);
 }
 
 /// Selects the position `offset` characters from the start of the display.
 TextRange SelectPlace(int offset)
 {
     TextRange range = SelectionRange();
-    const std::vector<DisplayElement> first = getElementsByName(View().document(), u"FirstDiv"_s);
+    const std::vector<DisplayElement> first = page::getElementsByName(View().document(), u"FirstDiv"_s);
     if (!first.empty())
         range.moveToElementText(first.front());
     range.collapse(true);
-    range.move(u"character", offset);
+    range.move(TextUnit::Character, offset);
     range.select();
     return range;
 }
@@ -232,19 +203,18 @@ TextRange SelectPlace(int offset)
 void SelectGenreValue(const TextRange& error)
 {
     TextRange range = error.duplicate();
-    range.moveStart(u"textedit", -1);
+    range.moveStart(TextUnit::Textedit, -1);
     if (range.findText(u">"_s, -1)) {
         range.collapse(false);
-        range.setEndPoint(u"EndToEnd", error);
-        range.moveEnd(u"character", -2);
+        range.setEndPoint(EndPoints::EndToEnd, error);
+        range.moveEnd(TextUnit::Character, -2);
     } else {
         range = error.duplicate();
-        range.move(u"character", -2);
-        range.moveStart(u"word", -1);
+        range.move(TextUnit::Character, -2);
+        range.moveStart(TextUnit::Word, -1);
     }
     range.select();
-    SchemaViewerF::Instance().ShowShemaInWB(FileOperation(FolderOfMode, SchemaFile)
-                                            + u"FictionBookGenres.xsd"_s);
+    SchemaViewerF::Instance().ShowShemaInWB(FolderOf(SchemaFile) + u"FictionBookGenres.xsd"_s);
 }
 
 } // namespace
@@ -265,24 +235,24 @@ void ValidateDisplay()
         PlainBox(u"empty book - nothing to validate"_s);
         return;
     }
-    const bool againstSchema = Window().ValidateOptL->currentText().toLower() == "schema"_L1;
-    const QString against = againstSchema ? u"schema"_s : u"namespace"_s;
+    const ValidateAgainst against = ValidateAgainstOf(Window().ValidateOptL->currentText());
     ShowStatus(u"...getting Fiction Book text...wait, please"_s);
     ShowStatusPanel(GeneralPanel, QString());
-    Finding found;
+    QString message;
     std::optional<TextRange> error;
     {
         const HourglassScope hourglass;
         const std::string text = GetFbTextFromDisplay(true);
-        found = Validate(text, againstSchema);
-        if (!found.message.isEmpty()) {
-            ShowStatusPanel(GeneralPanel, u"Error pos: %1"_s.arg(found.place.filepos));
-            error = SelectPlace(DisplayOffset(text, found.place));
+        const XmlParseError found = ValidationBySettings(against).validate(text, XmlEncoding::utf8());
+        message = found ? Shortened(found.reason) : QString();
+        if (!message.isEmpty()) {
+            ShowStatusPanel(GeneralPanel, u"Error pos: %1"_s.arg(found.filepos));
+            error = SelectPlace(DisplayOffset(text, found));
             View().focus();
         }
     }
-    const QString status = error ? u"Error against %1. %2"_s.arg(against, found.message)
-                                 : u"No errors (against %1)"_s.arg(against);
+    const QString status = error ? u"Error against %1. %2"_s.arg(NameOf(against), message)
+                                 : u"No errors (against %1)"_s.arg(NameOf(against));
     ShowStatus(status);
     if (error)
         PlayProgramSound(u"ParseError.wav"_s, true);

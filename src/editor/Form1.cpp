@@ -1,5 +1,7 @@
 #include "Form1.h"
 
+#include "BookSeams.h"
+#include "BookValidation.h"
 #include "BookVariables.h"
 #include "Boxes.h"
 #include "Desktop.h"
@@ -12,6 +14,7 @@
 #include "EmptyPage.h"
 #include "FbFunctions.h"
 #include "FileOperations.h"
+#include "FilePaths.h"
 #include "MainWindowSeams.h"
 #include "PanelBar.h"
 #include "ProcessEnd.h"
@@ -110,40 +113,31 @@ Form1::~Form1()
 {
     // The display still loses the focus during its destruction.
     HTMLread->events = DisplayEvents();
-    emptySeams();
+    seams.release();
     ForgetRanges();
     TheForm = nullptr;
 }
 
 void Form1::fillSeams()
 {
-    StatusSeam().Fill([this](const QString& text) {
+    seams.fill(StatusSeam(), [this](const QString& text) {
         StatusMsg->setPanelText(1, text);
         StatusMsg->repaint();
     });
-    StatusPanelSeam().Fill([this](int panel, const QString& text) { Status->setPanelText(panel, text); });
-    CaptionSeam().Fill([this](const QString& caption, bool preview) {
+    seams.fill(StatusPanelSeam(),
+               [this](int panel, const QString& text) { Status->setPanelText(panel, text); });
+    seams.fill(CaptionSeam(), [this](const QString& caption, bool preview) {
         if (!preview)
             setWindowTitle(caption);
     });
-    NavigateSeam().Fill([this](const QString& file, bool preview) {
+    seams.fill(NavigateSeam(), [this](const QString& file, bool preview) {
         if (!preview)
             HTMLread->Navigate(file);
     });
-    LoadBookSeam().Fill(LoadBook);
-    IsBookEmptySeam().Fill(IsDisplayBlank);
-    DisplayTextSeam().Fill([this](AngleMarks marks) { return TextOfDisplay(HTMLread->document(), marks); });
-}
-
-void Form1::emptySeams()
-{
-    StatusSeam().Fill([](const QString&) {});
-    StatusPanelSeam().Fill([](int, const QString&) {});
-    CaptionSeam().Fill([](const QString&, bool) {});
-    NavigateSeam().Fill([](const QString&, bool) {});
-    LoadBookSeam().Fill([](const QString&, bool) { return false; });
-    IsBookEmptySeam().Fill([] { return true; });
-    DisplayTextSeam().Fill([](AngleMarks) { return std::string(); });
+    seams.fill(LoadBookSeam(), LoadBook);
+    seams.fill(IsBookEmptySeam(), IsDisplayBlank);
+    seams.fill(DisplayTextSeam(),
+               [this](AngleMarks marks) { return TextOfDisplay(HTMLread->document(), marks); });
 }
 
 Form1* Form1::Instance()
@@ -220,7 +214,7 @@ void Form1::makeSchemaControls()
     ValidateOptL->addItems({u"schema"_s, u"namespace!"_s});
     ValidateOptL->setAccessibleName(u"validate against"_s);
     ValidateOptL->setToolTip(u"validate against"_s);
-    ValidateOptL->setCurrentIndex(ValidateOption.toLower() == "schema"_L1 ? 0 : 1);
+    ValidateOptL->setCurrentIndex(ValidateAgainstOf(ValidateOption) == ValidateAgainst::Schema ? 0 : 1);
     connect(ValidateOptL, &QComboBox::currentTextChanged, this, [this](const QString& text) {
         ValidateOption = text;
         RefreshSchemaField();
@@ -312,7 +306,7 @@ void Form1::Load()
         if (FirstStart)
             ShowWelcomePage();
         else
-            ShowEmptyPage(QString(), u"ready"_s, QString(), false, false);
+            ShowEmptyPage({.status = u"ready"_s});
     }
     FirstStart = false;
 }
@@ -357,21 +351,21 @@ void Form1::LoadNewFbFile_Dialog()
     const QString name = AskFile({FileDialogRequest::Open, u"Open new Fiction Book file"_s, LastBookFolder,
                                   QString(), u"Fiction Book Files (*.fb2)|*.fb2|"_s});
     if (!name.isEmpty() && FileExists(name) && LoadBook(name, false))
-        LastBookFolder = FileOperation(FolderOfMode, name);
+        LastBookFolder = FolderOf(name);
 }
 
 void Form1::LoadNewFbSchema_Dialog()
 {
-    const QString name = AskFile({FileDialogRequest::Open, u"Load new Fiction Book Schema"_s,
-                                  FileOperation(FolderOfMode, SchemaFile), u"FictionBook"_s,
-                                  u"Fiction Book Shemes Files (*.xsd)|*.xsd|"_s});
+    const QString name
+        = AskFile({FileDialogRequest::Open, u"Load new Fiction Book Schema"_s, FolderOf(SchemaFile),
+                   u"FictionBook"_s, u"Fiction Book Shemes Files (*.xsd)|*.xsd|"_s});
     if (!name.isEmpty() && FileExists(name))
         UseSchema(name);
 }
 
 void Form1::UseSchema(const QString& path)
 {
-    if (FileOperation(ExtensionMode, path).toLower() != "xsd"_L1)
+    if (ExtensionOf(path).toLower() != "xsd"_L1)
         return;
     SchemaFile = path;
     ValidateOptL->setCurrentText(u"schema"_s);
@@ -384,14 +378,13 @@ void Form1::SaveFileAs_Dialog()
         PlainBox(u"empty book - nothing to save"_s);
         return;
     }
-    const QString name
-        = AskFile({FileDialogRequest::Save, u"Save Fiction Book file as"_s, LastSaveFolder,
-                   FileOperation(NameMode, CurrentBook), u"Fiction Book Files (*.fb2)|*.fb2|"_s});
-    if (name.isEmpty() || !mayReplace(name) || !SaveBook(name, false, false))
+    const QString name = AskFile({FileDialogRequest::Save, u"Save Fiction Book file as"_s, LastSaveFolder,
+                                  FileNameOf(CurrentBook), u"Fiction Book Files (*.fb2)|*.fb2|"_s});
+    if (name.isEmpty() || !mayReplace(name) || !SaveBook(name))
         return;
-    LastSaveFolder = FileOperation(FolderOfMode, name);
+    LastSaveFolder = FolderOf(name);
     CurrentBook = name;
-    setWindowTitle(u"VMK: "_s + FileOperation(NameMode, name));
+    setWindowTitle(u"VMK: "_s + FileNameOf(name));
 }
 
 bool Form1::mayReplace(const QString& path)
@@ -410,13 +403,13 @@ void Form1::OpenLastBook()
     const QString path = LastFile;
     if (LoadBook(path, false)) {
         CurrentBook = path;
-        LastBookFolder = FileOperation(FolderOfMode, path);
+        LastBookFolder = FolderOf(path);
     }
 }
 
 void Form1::SaveCurrentBook()
 {
-    SaveBook(CurrentBook, false, false);
+    SaveBook(CurrentBook);
 }
 
 void Form1::SaveAndReload()
@@ -425,7 +418,7 @@ void Form1::SaveAndReload()
         PlainBox(u"empty book - nothing to save"_s);
         return;
     }
-    if (SaveBook(CurrentBook, true, false))
+    if (SaveBook(CurrentBook, SaveReport::None))
         LoadBook(CurrentBook, false);
 }
 
@@ -555,7 +548,7 @@ void Form1::RefreshSchemaField()
     // Black on light desktop backgrounds; on a dark desktop, its own text colour.
     const bool dark = desktop.color(QPalette::Base).lightness() < 128;
     const QColor black = dark ? desktop.color(QPalette::Text) : QColor(Qt::black);
-    if (ValidateOptL->currentText().toLower() != "schema"_L1) {
+    if (ValidateAgainstOf(ValidateOptL->currentText()) == ValidateAgainst::Namespace) {
         SchemaFileL->clear();
         SchemaFileL->setToolTip(QString());
         SetColors(*SchemaFileL, desktop.color(QPalette::Button), black);
@@ -563,7 +556,7 @@ void Form1::RefreshSchemaField()
         return;
     }
     const bool found = FileExists(SchemaFile);
-    SchemaFileL->setText(found ? FileOperation(NameMode, SchemaFile)
+    SchemaFileL->setText(found ? FileNameOf(SchemaFile)
                                : u"Schema file not found. Only namespace validatioon is available."_s);
     SchemaFileL->setCursorPosition(0);
     // The field is narrow in a small window.

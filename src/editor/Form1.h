@@ -2,6 +2,7 @@
 
 #include "Commands.h"
 #include "DisplayEvents.h"
+#include "Seam.h"
 
 #include <QHash>
 #include <QMainWindow>
@@ -138,7 +139,6 @@ protected:
 
 private:
     void fillSeams();
-    void emptySeams();
     void makeMenus();
     void fillMenu(QMenu& menu, std::span<const MenuEntry> rows);
     void makeToolbar();
@@ -156,6 +156,7 @@ private:
     void loadDropped(const QStringList& paths);
     void useDroppedSchema(const QStringList& paths);
 
+    SeamOwner seams;
     QWidget* client = nullptr;
     SchemasF* schemas = nullptr;
     QHash<QString, QAction*> entries;

@@ -2,6 +2,7 @@
 
 #include "DisplayView.h"
 #include "FileOperations.h"
+#include "FilePaths.h"
 #include "Form1.h"
 #include "SchemaPage.h"
 #include "WindowFunctions.h"
@@ -53,7 +54,7 @@ void SchemaViewerF::ShowShemaInWB(const QString& path)
     if (!FileExists(path))
         return;
     resize(FormSize);
-    setWindowTitle(u" VMK Schema Viewer: "_s + FileOperation(NameMode, path));
+    setWindowTitle(u" VMK Schema Viewer: "_s + FileNameOf(path));
     SchemaWB->setPage(QByteArray::fromStdString(SchemaPage(ReadFileText(path))));
     // Beside the book, so that a value can be read while it is typed.
     if (!isVisible() && parentWidget())

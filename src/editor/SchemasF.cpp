@@ -1,6 +1,7 @@
 #include "SchemasF.h"
 
 #include "FileOperations.h"
+#include "FilePaths.h"
 #include "SchemaViewerF.h"
 #include "SettingsVariables.h"
 #include "WindowFunctions.h"
@@ -59,7 +60,7 @@ void SchemasF::fillList()
     SchemasL->clear();
     for (const SchemaRow& row : rows) {
         new QTreeWidgetItem(SchemasL,
-                            {FileOperation(NameMode, row.path), row.main ? u"main"_s : u"complimentary"_s,
+                            {FileNameOf(row.path), row.main ? u"main"_s : u"complimentary"_s,
                              row.found ? u"found"_s : u"not found"_s,
                              row.created.isValid()
                                  ? QLocale::system().toString(row.created, QLocale::ShortFormat)

@@ -363,7 +363,7 @@ ReplaceAllResult RegExpReplaceAll(SearchState& state, const QString& pattern, co
         events.report(u"...replacing...wait, please..."_s);
         if (state.RegExpFoundFlag) {
             // The hit that stands is left alone.
-            state.ScopeRange.setEndPoint(u"StartToEnd", createRange(*state.document));
+            state.ScopeRange.setEndPoint(u"StartToEnd", page::createRange(*state.document));
             --state.FoundCount;
         }
         ResetSearchState(state);

@@ -25,7 +25,7 @@ void NewSearch(SearchState& state, const SearchOptions& options, bool keepPositi
     state.StopRequested = false;
     state.HitStands = false;
 
-    const TextRange selection = createRange(*state.document);
+    const TextRange selection = page::createRange(*state.document);
     if (keepPosition && options.selection && selection.boundingWidth() <= ShortSelectionWidth) {
         state.SearchRange = selection;
         state.SearchRange.collapse(!options.up);
@@ -56,7 +56,7 @@ QString FinishedReport(SearchState& state)
 
 void TakeSelection(SearchState& state)
 {
-    const TextRange selection = createRange(*state.document);
+    const TextRange selection = page::createRange(*state.document);
     if (selection.isEqual(state.SearchRange))
         return;
     state.SearchRange = selection;

@@ -1,11 +1,13 @@
 #include "Start.h"
 
 #include "BookFileCheck.h"
+#include "BookValidation.h"
 #include "BookVariables.h"
 #include "Boxes.h"
 #include "CommLineInfoF.h"
 #include "CommandText.h"
 #include "FileOperations.h"
+#include "FilePaths.h"
 #include "InitGlobals.h"
 #include "LineEnds.h"
 #include "MainWindowSeams.h"
@@ -23,21 +25,22 @@ namespace vmk {
 
 namespace {
 
-/// The full path of an existing book, which remains valid when the current folder changes.
-QString FullPath(const QString& path)
+/// Passes an existing book to the main window by its full path, which remains valid when the current folder
+/// changes.
+void OpenInMainWindow(const QString& path)
 {
-    return FileExists(path) ? QFileInfo(path).absoluteFilePath() : path;
+    LoadBookSeam()(QFileInfo(path).absoluteFilePath(), true);
 }
 
 void ShowReport(const QString& text, bool modal)
 {
-    CommLineInfoF::Instance().ShowActionReport(text, QString(), modal, false, true);
+    CommLineInfoF::Instance().ShowActionReport(text, {.modal = modal, .topmost = true});
 }
 
 /// Shows "file not found" in a box and ends the process.
 void RefuseMissingFile(const QString& path)
 {
-    StopBox(u"file not found"_s, u"VMK: "_s + FileOperation(NameMode, path));
+    StopBox(u"file not found"_s, u"VMK: "_s + FileNameOf(path));
     EndProcess();
 }
 
@@ -49,7 +52,7 @@ void OpenBookWithErrors(const QString& path)
                false);
     OpenMainWindowSeam()();
     PlayProgramSound(u"bul'.wav"_s, true);
-    LoadBookSeam()(path, true);
+    OpenInMainWindow(path);
 }
 
 void ReportCleanBook(const QString& path)
@@ -58,9 +61,8 @@ void ReportCleanBook(const QString& path)
     PlayProgramSound(u"NoParseError.wav"_s, false);
     if (CommandLineInfo == 1) {
         CommLineInfoF::Unload();
-        const QString result = ValidateOption.toLower() == u"schema" ? u"No errors (against schema)"_s
-                                                                     : u"No errors (against namespace)"_s;
-        ShowReport(result + QLatin1StringView(CrLf) + FileOperation(NameMode, path), true);
+        const QString result = u"No errors (against %1)"_s.arg(NameOf(ValidateAgainstOf(ValidateOption)));
+        ShowReport(result + QLatin1StringView(CrLf) + FileNameOf(path), true);
     }
     CommLineInfoF::Unload();
     EndProcess();
@@ -83,9 +85,9 @@ bool RunStart(const QString& commandText)
         OpenMainWindowSeam()();
         return true;
     case StartCourse::LoadBook:
-        return LoadFromCommandLine(FullPath(order.path), false);
+        return LoadFromCommandLine(order.path, false);
     case StartCourse::ValidateBook:
-        if (!ValidateFromCommandLine(FullPath(order.path)))
+        if (!ValidateFromCommandLine(order.path))
             return false;
         // Set only here: the book is loading by now, and its completion reads the flag.
         ValidateAfterLoad = true;
@@ -99,11 +101,11 @@ bool LoadFromCommandLine(const QString& path, bool quiet)
     if (!quiet)
         OpenMainWindowSeam()();
     if (FileExists(path)) {
-        const bool passed = CheckBookFile(path, true, false);
+        const bool passed = CheckBookExtension(path, BookRefusal::Box);
         if (passed) {
             if (quiet)
                 OpenMainWindowSeam()();
-            LoadBookSeam()(path, true);
+            OpenInMainWindow(path);
         }
         // A refused file leaves an open window unchanged; without a window, the program has nothing to do.
         return passed || !quiet;
@@ -123,7 +125,7 @@ bool ValidateFromCommandLine(const QString& path)
         return false;
     }
     ShowReport(u"...validating file...wait, please..."_s, false);
-    if (!CheckBookFile(path, true, true)) {
+    if (!CheckBookExtension(path, BookRefusal::BoxAndEnd)) {
         CommLineInfoF::Unload();
         return false;
     }

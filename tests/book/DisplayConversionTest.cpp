@@ -413,7 +413,7 @@ TEST_F(Conversion, ADamagedTreeIsSavedByLinesAndSaysSo)
     const SeamGuard filled(IsBookEmptySeam(), [] { return false; });
     const SeamGuard display(DisplayTextSeam(), [](AngleMarks) { return std::string("<b>\r\n<p>x"); });
     FileEncodingName = "utf-8";
-    EXPECT_TRUE(SaveBook(path, false, true));
+    EXPECT_TRUE(SaveBook(path, SaveReport::WithoutSound));
     EXPECT_EQ(statuses.last(), u"Namespace error: tree on save skipped. File saved as: "_s + path);
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
@@ -461,7 +461,7 @@ TEST_F(Conversion, NamesOfBinariesBeyondAsciiFollowTheEncoding)
 
 TEST_F(Conversion, NothingIsSavedOfAnEmptyDisplay)
 {
-    EXPECT_FALSE(SaveBook(u"/nowhere/book.fb2"_s, false, false));
+    EXPECT_FALSE(SaveBook(u"/nowhere/book.fb2"_s));
     EXPECT_EQ(boxes, QStringList(u"empty book - nothing to save"_s));
 }
 
@@ -469,7 +469,7 @@ TEST_F(Conversion, AFailedWriteIsReportedEvenWhenQuiet)
 {
     const SeamGuard filled(IsBookEmptySeam(), [] { return false; });
     const SeamGuard display(DisplayTextSeam(), [](AngleMarks) { return std::string("<a/>"); });
-    EXPECT_FALSE(SaveBook(u"/nowhere/book.fb2"_s, true, false));
+    EXPECT_FALSE(SaveBook(u"/nowhere/book.fb2"_s, SaveReport::None));
     EXPECT_EQ(statuses.last(), u"cannot save file: /nowhere/book.fb2"_s);
 }
 
@@ -499,7 +499,7 @@ TEST_F(Conversion, TheBlankPageIsWrittenAndShown)
     QStringList shown;
     const SeamGuard navigate(NavigateSeam(), [&shown](const QString& file, bool) { shown.append(file); });
     const SeamGuard caption(CaptionSeam(), [&shown](const QString& text, bool) { shown.append(text); });
-    ShowEmptyPage(u"title"_s, u"status"_s, QString(), false, false);
+    ShowEmptyPage({.caption = u"title"_s, .status = u"status"_s});
     EXPECT_EQ(shown, QStringList({u"title"_s, EmptyPageFile}));
     EXPECT_EQ(statuses.last(), u"status"_s);
     QFile file(EmptyPageFile);
@@ -510,7 +510,8 @@ TEST_F(Conversion, TheBlankPageIsWrittenAndShown)
     shown.clear();
     statuses.clear();
     const SeamGuard sound(SoundSeam(), [&shown](const QString& name) { shown.append(name); });
-    ShowEmptyPage(u"title"_s, u"status"_s, u"ParseError.wav"_s, false, true);
+    ShowEmptyPage(
+        {.caption = u"title"_s, .status = u"status"_s, .sound = u"ParseError.wav"_s, .skipStatus = true});
     EXPECT_EQ(shown, QStringList(EmptyPageFile));
     EXPECT_TRUE(statuses.isEmpty());
     EmptyPageFile.clear();
@@ -521,7 +522,7 @@ TEST_F(Conversion, ABlankPageThatCannotBeWrittenIsShownAllTheSame)
     EmptyPageFile = u"/nowhere/empty.htm"_s;
     QStringList shown;
     const SeamGuard navigate(NavigateSeam(), [&shown](const QString& file, bool) { shown.append(file); });
-    ShowEmptyPage(QString(), QString(), QString(), false, true);
+    ShowEmptyPage({.skipStatus = true});
     EXPECT_EQ(shown, QStringList(EmptyPageFile));
     EmptyPageFile.clear();
 }

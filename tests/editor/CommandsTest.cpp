@@ -68,9 +68,9 @@ protected:
     }
     std::function<bool()> html(const QString& expected)
     {
-        return [this, expected] { return item(Document(), line() + 1).outerHTML().contains(expected); };
+        return [this, expected] { return page::item(Document(), line() + 1).outerHTML().contains(expected); };
     }
-    int margin() { return item(Document(), line() + 1).marginLeft(); }
+    int margin() { return page::item(Document(), line() + 1).marginLeft(); }
 };
 
 constexpr auto Ctrl = Qt::ControlModifier;
@@ -233,7 +233,7 @@ TEST_F(Commands, ALineCopiedByDoubleClickIsPastedAsALineOfItsOwn)
     PutCaret(end);
     Key(Qt::Key_V, Ctrl);
     EXPECT_EQ(LineText(end.line + 1), first);
-    EXPECT_EQ(margin(), item(Document(), end.line + 2).marginLeft());
+    EXPECT_EQ(margin(), page::item(Document(), end.line + 2).marginLeft());
     Key(Qt::Key_Z, Ctrl);
     PutCaret({end.line, 0});
     Key(Qt::Key_V, Ctrl);

@@ -432,9 +432,9 @@ TEST_F(Events, AScrollThatComesToRestEntersTheHistoryAndAJumpDoesNot)
 TEST_F(Events, LessThanAPixelFromTheLastEntryAddsNothing)
 {
     OpenBook(LongBook());
-    RememberPosition(false, false);
+    RememberPosition(Remember::IfMoved);
     EXPECT_EQ(PositionCount, 1);
-    RememberPosition(true, false);
+    RememberPosition(Remember::Always);
     EXPECT_EQ(PositionCount, 2);
 }
 
@@ -444,7 +444,7 @@ TEST_F(Events, TheFortyFirstRestDropsTheOldest)
     std::vector<double> expected;
     for (int i = 1; i <= 41; ++i) {
         View().scroll(0, i * 20);
-        RememberPosition(false, false);
+        RememberPosition(Remember::IfMoved);
         expected.push_back(PositionHistory[size_t(PositionIndex)]);
     }
     EXPECT_EQ(PositionCount, 40);
@@ -458,11 +458,11 @@ TEST_F(Events, APlaceEnteredInTheMiddleLeavesAZeroAtTheEnd)
     OpenBook(LongBook());
     for (int i = 1; i <= 4; ++i) {
         View().scroll(0, i * 100);
-        RememberPosition(false, false);
+        RememberPosition(Remember::IfMoved);
     }
     PositionIndex = 2;
     View().scroll(0, 777);
-    RememberPosition(false, false);
+    RememberPosition(Remember::IfMoved);
     EXPECT_EQ(PositionCount, 6);
     EXPECT_EQ(PositionIndex, 3);
     EXPECT_DOUBLE_EQ(PositionHistory[3], View().scrollTop() / DocScrollHeight);
@@ -477,7 +477,7 @@ TEST_F(Events, AResizeKeepsTheFirstVisibleLineAndLeavesNoMarker)
     form->resize(form->width() - 60, form->height());
     ASSERT_TRUE(WaitFor([this] { return !form->TmpBookmarkTimer->isActive(); }));
     QTest::qWait(80);
-    EXPECT_TRUE(getElementsByName(Document(), u"()*^^^%^*"_s).empty());
+    EXPECT_TRUE(page::getElementsByName(Document(), u"()*^^^%^*"_s).empty());
     EXPECT_NEAR(View().lineAt(QPoint(10, 5)), line, 1);
 }
 
@@ -496,13 +496,13 @@ TEST_F(Events, AFullListEnteredInItsFirstHalfEndsInCopiesOfItsLastEntry)
     OpenBook(LongBook());
     for (int i = 1; i < 40; ++i) {
         View().scroll(0, i * 20);
-        RememberPosition(false, false);
+        RememberPosition(Remember::IfMoved);
     }
     ASSERT_EQ(PositionCount, 40);
     const std::vector<double> before = PositionHistory;
     PositionIndex = 10;
     View().scroll(0, 1'111);
-    RememberPosition(false, false);
+    RememberPosition(Remember::IfMoved);
     EXPECT_EQ(PositionCount, 40);
     EXPECT_EQ(PositionIndex, 11);
     for (size_t i = 1; i <= 10; ++i)
@@ -517,12 +517,12 @@ TEST_F(Events, AFullListEnteredInItsSecondHalfLosesItsOldestEntry)
     OpenBook(LongBook());
     for (int i = 1; i < 40; ++i) {
         View().scroll(0, i * 20);
-        RememberPosition(false, false);
+        RememberPosition(Remember::IfMoved);
     }
     const std::vector<double> before = PositionHistory;
     PositionIndex = 30;
     View().scroll(0, 1'111);
-    RememberPosition(false, false);
+    RememberPosition(Remember::IfMoved);
     EXPECT_EQ(PositionIndex, 30);
     for (size_t i = 1; i < 30; ++i)
         EXPECT_EQ(PositionHistory[i], before[i + 1]) << i;
@@ -537,7 +537,7 @@ TEST_F(Events, PlantingAndTakingOutTheMarkerAreStepsOfUndo)
     const QByteArray before = Document().savePage();
     View().scroll(0, 500);
     SetTemporalBookmark();
-    EXPECT_EQ(getElementsByName(Document(), u"()*^^^%^*"_s).size(), 1u);
+    EXPECT_EQ(page::getElementsByName(Document(), u"()*^^^%^*"_s).size(), 1u);
     EXPECT_TRUE(BookUnchanged);
     DeleteTemporalBookmarks();
     EXPECT_EQ(Document().savePage(), before);
@@ -561,7 +561,7 @@ TEST_F(Events, ALineInAnotherBlockHasNoShiftPart)
 {
     OpenBook();
     const int line = FindLine(u"Third"_s);
-    item(Document(), line + 1).setOuterHTML(u"<P>a paragraph</P>"_s);
+    page::item(Document(), line + 1).setOuterHTML(u"<P>a paragraph</P>"_s);
     PutCaret({line, 2});
     ShowCaretPosition();
     EXPECT_TRUE(Panel(2).startsWith(u"ln:"_s)) << Panel(2).toStdString();

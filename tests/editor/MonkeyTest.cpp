@@ -104,7 +104,7 @@ protected:
         mostText = AllText().size() + 12'000;
         const int body = FindLine(u"<body"_s);
         for (int line = body; line < std::min(body + 20, Document().lineCount()); ++line)
-            moreLines += item(Document(), line + 1).outerHTML();
+            moreLines += page::item(Document(), line + 1).outerHTML();
         NoteText();
         AddTyping();
         AddMoves();
@@ -474,7 +474,7 @@ void Monkey::CheckFile()
     if (IsBookEmpty())
         return;
     OutputStyle = OneOf(std::array{u"compact"_s, u"line ends"_s});
-    ASSERT_TRUE(SaveBook(CurrentBook, false, false));
+    ASSERT_TRUE(SaveBook(CurrentBook));
     QString text = Saved(AllText());
     text.replace(u'&', u"&amp;"_s).replace(u'\u2039', u"&lt;"_s).replace(u'\u203a', u"&gt;"_s);
     const QString file = TextOfFile(CurrentBook);

@@ -2,6 +2,7 @@
 
 #include "FbFunctions.h"
 #include "FileDrops.h"
+#include "FilePaths.h"
 #include "MainWindowSeams.h"
 #include "SaveBook.h"
 #include "SettingsVariables.h"
@@ -54,11 +55,11 @@ TEST_F(BookRoad, ThePanelShowsTheFilesLengthInGroups)
 TEST_F(BookRoad, TwoLoadsAlternateTheTwoFileNames)
 {
     OpenBook();
-    EXPECT_EQ(FileOperation(NameMode, DisplayFile), u"Fb2SourceHtml.htm"_s);
+    EXPECT_EQ(FileNameOf(DisplayFile), u"Fb2SourceHtml.htm"_s);
     LoadAndWait(CurrentBook);
-    EXPECT_EQ(FileOperation(NameMode, DisplayFile), u"Fb2SourceHtml1.htm"_s);
+    EXPECT_EQ(FileNameOf(DisplayFile), u"Fb2SourceHtml1.htm"_s);
     LoadAndWait(CurrentBook);
-    EXPECT_EQ(FileOperation(NameMode, DisplayFile), u"Fb2SourceHtml.htm"_s);
+    EXPECT_EQ(FileNameOf(DisplayFile), u"Fb2SourceHtml.htm"_s);
 }
 
 TEST_F(BookRoad, AMissingFileLeavesTheOldPage)
@@ -157,7 +158,7 @@ TEST_F(BookRoad, ABookThatIsNotWellFormedIsLoadedWithoutMargins)
     EXPECT_EQ(boxTexts, QStringList{u"Namespace error. Tree view is skipped"_s});
     const int line = FindLine(u"Third line"_s);
     ASSERT_GE(line, 0);
-    EXPECT_EQ(item(Document(), line + 1).marginLeft(), 0);
+    EXPECT_EQ(page::item(Document(), line + 1).marginLeft(), 0);
 }
 
 TEST_F(BookRoad, TheOpenDialogStartsWithTheSampleBooks)

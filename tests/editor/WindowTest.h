@@ -8,6 +8,7 @@
 #include "DisplayView.h"
 #include "EditorState.h"
 #include "FileOperations.h"
+#include "FilePaths.h"
 #include "Form1.h"
 #include "InitGlobals.h"
 #include "PanelBar.h"
@@ -63,8 +64,7 @@ protected:
                       requests.push_back(request);
                       return dialogAnswer.isEmpty() ? QStringList() : QStringList{dialogAnswer};
                   })
-        , sounds(SoundSeam(),
-                 [this](const QString& path) { soundNames.append(FileOperation(NameMode, path)); })
+        , sounds(SoundSeam(), [this](const QString& path) { soundNames.append(FileNameOf(path)); })
         , beeps(BeepSeam(), [this] { ++beepCount; })
         , openings(OpenSeam(),
                    [this](const QString& target) {
@@ -136,7 +136,7 @@ protected:
         return {line, line < 0 ? 0 : int(LineText(line).indexOf(text))};
     }
     void PutCaret(Position at) { Document().setSelection(at, at); }
-    QString SelectedText() { return createRange(Document()).text(); }
+    QString SelectedText() { return page::createRange(Document()).text(); }
 
     void Key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
     {

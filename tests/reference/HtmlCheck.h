@@ -67,16 +67,16 @@ inline std::string documentFault(DisplayDocument& document)
     for (const QStringView between : {u"", u"\r\n"}) {
         QString written;
         for (int i = 0; i < document.lineCount(); ++i) {
-            writeLine(written, document.tags(), document.line(i));
+            WriteLine(written, document.tags(), document.line(i));
             written += between;
         }
-        const HtmlContent again = readFragment(document.tags(), written);
+        const HtmlContent again = ReadFragment(document.tags(), written);
         if (int(again.lines.size()) != document.lineCount())
             return "other number of lines: " + written.toStdString();
         for (int i = 0; i < document.lineCount(); ++i) {
             if (*again.lines[std::size_t(i)] != document.line(i)) {
                 QString line;
-                writeLine(line, document.tags(), *again.lines[std::size_t(i)]);
+                WriteLine(line, document.tags(), *again.lines[std::size_t(i)]);
                 return "line reads back otherwise: " + written.toStdString() + " as " + line.toStdString();
             }
         }

@@ -69,15 +69,15 @@ protected:
     /// The page's text, "|" between lines.
     [[nodiscard]] QString text() const
     {
-        return innerText(document).replace(QStringLiteral("\r\n"), QStringLiteral("|"));
+        return page::innerText(document).replace(QStringLiteral("\r\n"), QStringLiteral("|"));
     }
     [[nodiscard]] QString html(int line) const
     {
         QString written;
-        writeContent(written, document.tags(), document.line(line));
+        WriteContent(written, document.tags(), document.line(line));
         return written;
     }
-    [[nodiscard]] QString selected() { return createRange(document).text(); }
+    [[nodiscard]] QString selected() { return page::createRange(document).text(); }
     [[nodiscard]] Position hit() const { return state.SearchRange.start(); }
 
     DisplayDocument document;

@@ -1,6 +1,7 @@
 #include "Start.h"
 
 #include "BookFileCheck.h"
+#include "BookSeams.h"
 #include "BookVariables.h"
 #include "Books.h"
 #include "Boxes.h"
@@ -8,6 +9,7 @@
 #include "Desktop.h"
 #include "EmptyPage.h"
 #include "FileOperations.h"
+#include "FilePaths.h"
 #include "InitGlobals.h"
 #include "MainWindowSeams.h"
 #include "ProcessEnd.h"
@@ -83,7 +85,7 @@ private:
             return false;
         }};
     SeamGuard<void(const QString&)> sounds{
-        SoundSeam(), [this](const QString& path) { log(u"sound "_s + FileOperation(NameMode, path)); }};
+        SoundSeam(), [this](const QString& path) { log(u"sound "_s + FileNameOf(path)); }};
     SeamGuard<void(const QString&)> status{StatusSeam(),
                                            [this](const QString& text) { log(u"status "_s + text); }};
     SeamGuard<void()> mainWindow{OpenMainWindowSeam(), [this] { log(u"window; report: "_s + reportText()); }};
@@ -275,11 +277,11 @@ TEST_F(WholeStart, TwoBlanksBeforeTheOptionFindNoFile)
 TEST_F(Start, ABookFileIsToldByTheBeginningOfItsExtension)
 {
     for (const auto& name : {u"a.fb2"_s, u"a.fb"_s, u"a.fbz"_s, u"a.FB2"_s, u"a.b.Fb3"_s}) {
-        EXPECT_TRUE(CheckBookFile(name, false, false)) << name.toStdString();
+        EXPECT_TRUE(CheckBookFile(name, BookRefusal::StatusBar)) << name.toStdString();
     }
     EXPECT_TRUE(events.isEmpty());
     for (const auto& name : {u"a.txt"_s, u"a.fb2.zip"_s, u"a.f"_s, u"a."_s, QString()}) {
-        EXPECT_FALSE(CheckBookFile(name, false, true)) << name.toStdString();
+        EXPECT_FALSE(CheckBookFile(name, BookRefusal::StatusBar)) << name.toStdString();
         EXPECT_EQ(events,
                   (QStringList{u"status file loading error: not allowed file extension"_s,
                                u"sound FileLoadError.wav"_s}));
@@ -289,11 +291,11 @@ TEST_F(Start, ABookFileIsToldByTheBeginningOfItsExtension)
 
 TEST_F(Start, WithBoxesAMissingFileIsNamedWithItsPath)
 {
-    EXPECT_FALSE(CheckBookFile(u"/no/such.fb2"_s, true, false));
+    EXPECT_FALSE(CheckBookFile(u"/no/such.fb2"_s, BookRefusal::Box));
     EXPECT_EQ(events,
               QStringList{u"box stop: file loading error: file not found\r\n/no/such.fb2 [VMK: such.fb2]"_s});
     events.clear();
-    EXPECT_FALSE(CheckBookFile(u"/no/such.fb2"_s, true, true));
+    EXPECT_FALSE(CheckBookFile(u"/no/such.fb2"_s, BookRefusal::BoxAndEnd));
     EXPECT_EQ(events.last(), u"end"_s);
 }
 
@@ -397,11 +399,11 @@ TEST_F(Start, TheReportFormTakesTheSizeOfItsText)
 {
     CommLineInfoF& form = CommLineInfoF::Instance();
     EXPECT_EQ(form.windowTitle(), u" Fiction Book validation result"_s);
-    form.ShowActionReport(u"one"_s, QString(), false, false, true);
+    form.ShowActionReport(u"one"_s, {.topmost = true});
     const QSize small = form.size();
     EXPECT_EQ(small.width(), qRound(3500 / TwipsPerPixelX) - qRound(2 * EdgeX));
-    form.ShowActionReport(QString(200, u'w') + u"\r\ntwo\r\nthree\r\nfour\r\nfive\r\nsix"_s, u"Other"_s,
-                          false, false, true);
+    form.ShowActionReport(QString(200, u'w') + u"\r\ntwo\r\nthree\r\nfour\r\nfive\r\nsix"_s,
+                          {.caption = u"Other"_s, .topmost = true});
     EXPECT_GT(form.width(), small.width());
     EXPECT_GT(form.height(), small.height());
     EXPECT_TRUE(form.rect().contains(form.ReportL->geometry()));
@@ -463,7 +465,7 @@ TEST_F(Start, AnEmptyPageTellsItsWindowAndReplacesTheFile)
 {
     const SeamGuard navigate(NavigateSeam(), [this](const QString& path, bool preview) {
         EXPECT_FALSE(preview);
-        log(u"page "_s + FileOperation(NameMode, path));
+        log(u"page "_s + FileNameOf(path));
     });
     const SeamGuard caption(CaptionSeam(), [this](const QString& text, bool preview) {
         EXPECT_FALSE(preview);
@@ -479,7 +481,7 @@ TEST_F(Start, AnEmptyPageTellsItsWindowAndReplacesTheFile)
     });
     place.Make(u"VMK Office/VMKEmpty.htm"_s, "an old page");
 
-    ShowEmptyPage(u"Vellumark"_s, u"ready"_s, u"ParseError.wav"_s, false, false);
+    ShowEmptyPage({.caption = u"Vellumark"_s, .status = u"ready"_s, .sound = u"ParseError.wav"_s});
     EXPECT_EQ(events,
               (QStringList{u"pointer"_s, u"status ready"_s, u"panel 1"_s, u"panel 2"_s, u"panel 3"_s,
                            u"panel 4"_s, u"panel 5"_s, u"caption Vellumark"_s, u"sound ParseError.wav"_s,
@@ -488,7 +490,7 @@ TEST_F(Start, AnEmptyPageTellsItsWindowAndReplacesTheFile)
 
     // Without a caption of its own the window keeps the one that it has.
     events.clear();
-    ShowEmptyPage(QString(), u"ready"_s, QString(), false, false);
+    ShowEmptyPage({.status = u"ready"_s});
     EXPECT_FALSE(events.contains(u"caption "_s));
     EXPECT_EQ(events.last(), u"page VMKEmpty.htm"_s);
 }

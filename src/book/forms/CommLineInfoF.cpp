@@ -93,22 +93,21 @@ void CommLineInfoF::Unload()
     TheForm().reset();
 }
 
-void CommLineInfoF::ShowActionReport(const QString& text, const QString& newCaption, bool modal,
-                                     bool /*spare*/, bool topmost)
+void CommLineInfoF::ShowActionReport(const QString& text, const ReportOptions& options)
 {
-    if (topmost)
+    if (options.topmost)
         setWindowFlag(Qt::WindowStaysOnTopHint);
     ReportL->setText(QString(text).replace(QLatin1StringView(CrLf), u"\n"_s));
     ReportL->adjustSize();
     arrange();
-    if (!newCaption.isEmpty())
-        setWindowTitle(newCaption);
+    if (!options.caption.isEmpty())
+        setWindowTitle(options.caption);
     ReportL->repaint();
     repaint();
 
     if (isVisible())
         return;
-    if (modal) {
+    if (options.modal) {
         exec();
     } else {
         show();

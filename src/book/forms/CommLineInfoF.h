@@ -45,14 +45,16 @@ public:
     /// Deletes the form if it exists.
     static void Unload();
 
+    struct ReportOptions
+    {
+        QString caption = {}; ///< the form's new caption, if not empty
+        /// Returns when the user has closed the form; otherwise at once, with the form painted.
+        bool modal = false;
+        bool topmost = false; ///< keeps the form above all windows
+    };
+
     /// Shows a text of one or more lines.
-    ///
-    /// \param newCaption  the form's new caption, if not empty
-    /// \param modal       returns when the user has closed the form; otherwise at once, with the form painted
-    /// \param spare       unused
-    /// \param topmost     keeps the form above all windows
-    void ShowActionReport(const QString& text, const QString& newCaption, bool modal, bool spare,
-                          bool topmost);
+    void ShowActionReport(const QString& text, const ReportOptions& options);
 
     QLabel* ReportL = nullptr;
 

@@ -1,6 +1,5 @@
 #include "CaretTag.h"
 
-#include "BookVariables.h"
 #include "CodePages.h"
 #include "DisplayPage.h"
 #include "MainWindowSeams.h"
@@ -35,7 +34,7 @@ void Report(const QString& text, bool good, bool beepInstead)
 
 CaretTag GetTagUnderCaret(DisplayDocument& document)
 {
-    const std::optional<TextRange> tag = TagAround(createRange(document));
+    const std::optional<TextRange> tag = TagAround(page::createRange(document));
     return tag ? ParseTagAttributes(tag->text()) : CaretTag();
 }
 
@@ -46,13 +45,13 @@ CaretTag ParseTagAttributes(const QString& tag)
     return {tag, Attribute(tag, "href"), Attribute(tag, "id"), bare.split(u' ').constFirst().trimmed()};
 }
 
-TagEntries EntriesFor(const CaretTag& tag, std::string_view binaryPart)
+TagEntries EntriesFor(const CaretTag& tag, std::string_view binaryPart, int32_t codePage)
 {
     TagEntries entries;
     if (!tag.hasTarget())
         return entries;
     if (tag.isImage()) {
-        const std::string id = EncodeText("id=\""_L1 + tag.href, WorkCodePage);
+        const std::string id = EncodeText("id=\""_L1 + tag.href, codePage);
         const bool known = FindText(binaryPart, id, 0, true) != std::string_view::npos;
         entries.showImage = entries.removeImageResource = known;
         entries.addImageResource = !known;
@@ -65,7 +64,7 @@ TagEntries EntriesFor(const CaretTag& tag, std::string_view binaryPart)
 void GoToBookmark(DisplayDocument& document, const CaretTag& tag)
 {
     const QString sought = IdText(tag.href);
-    TextRange range = createTextRange(document);
+    TextRange range = page::createTextRange(document);
     const bool found = range.findText(sought);
     if (found)
         range.select();
@@ -78,12 +77,12 @@ void CheckId(DisplayDocument& document, const CaretTag& tag)
     if (tag.id.trimmed().isEmpty())
         return;
     const QString sought = IdText(tag.id);
-    TextRange range = createTextRange(document);
+    TextRange range = page::createTextRange(document);
     bool twice = false;
     if (range.findText(sought)) {
-        // The search continues inside the first occurrence, to find a second one after it.
-        range.moveEnd(u"textedit");
-        range.moveStart(u"character", 4);
+        // A second one is looked for behind the first, so the search goes on inside it.
+        range.moveEnd(TextUnit::Textedit);
+        range.moveStart(TextUnit::Character, 4);
         twice = range.findText(sought);
     }
     // With sounds off, only the text reports a second one, without a beep, which is intended.

@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <cstdint>
 #include <string_view>
 
 /// The tag under the caret and the operations of the context menu on it. A tag is text in the display: it is
@@ -48,7 +49,8 @@ struct TagEntries
 
 /// \param binaryPart  the book's resources as in its file. An image whose link is the beginning of an id can
 ///                    be shown or removed; any other image can be added.
-[[nodiscard]] TagEntries EntriesFor(const CaretTag& tag, std::string_view binaryPart);
+/// \param codePage    the code page of `binaryPart`
+[[nodiscard]] TagEntries EntriesFor(const CaretTag& tag, std::string_view binaryPart, int32_t codePage);
 
 /// Selects the id that the tag links to, and shows in the message bar whether it exists.
 void GoToBookmark(DisplayDocument& document, const CaretTag& tag);

@@ -31,14 +31,14 @@ QStringView BehindHead(QStringView html)
 void CopySelection(DisplayDocument& document, bool cut)
 {
     // Some displays wrap long lines after a blank; the wrap is removed.
-    SetClipboardText(ReplaceAll(HtmlToCopy(createRange(document)), u" \r\n", u" "));
+    SetClipboardText(ReplaceAll(HtmlToCopy(page::createRange(document)), u" \r\n", u" "));
     if (cut)
         DeleteSelection(document);
 }
 
 void CopyAsText(DisplayDocument& document)
 {
-    SetClipboardText(ReplaceAll(createRange(document).text(), u" \r\n", u" "));
+    SetClipboardText(ReplaceAll(page::createRange(document).text(), u" \r\n", u" "));
 }
 
 QString HtmlToPlainText(const QString& html, bool decodeAngleBrackets)

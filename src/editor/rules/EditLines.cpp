@@ -3,15 +3,13 @@
 #include "BookVariables.h"
 #include "DisplayPage.h"
 #include "HtmlWriter.h"
+#include "LayoutQuery.h"
 #include "LineEdit.h"
 
 namespace vmk {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-/// The view lays out longer lines in pieces, whose rows may break differently the next time.
-constexpr int LongLine = 4096;
 
 Position EndOfLine(const DisplayDocument& document, int line)
 {
@@ -42,8 +40,8 @@ bool IsBalanced(const Line& line, std::size_t from, std::size_t to)
 QString PieceToCopy(const DisplayDocument& document, Position start, Position end)
 {
     const Line& line = document.line(start.line);
-    Cut from = rangeStartCut(line, start.offset);
-    Cut to = rangeEndCut(line, end.offset);
+    Cut from = RangeStartCut(line, start.offset);
+    Cut to = RangeEndCut(line, end.offset);
     const auto beginsHere = [&] {
         return from.mark > 0 && line.marks[from.mark - 1].open
             && line.marks[from.mark - 1].pos == from.offset;
@@ -71,7 +69,7 @@ void MarkEdit(int steps)
 
 SelectedLines TakeSelectedLines(DisplayDocument& document)
 {
-    TextRange range = createRange(document);
+    TextRange range = page::createRange(document);
     SelectedLines lines;
     lines.at = range.start();
     if (range.boundingWidth() <= 0) {
@@ -85,7 +83,8 @@ SelectedLines TakeSelectedLines(DisplayDocument& document)
 
 void SelectLines(DisplayDocument& document, const SelectedLines& lines)
 {
-    TextRange(document, item(document, lines.first).contentStart(), item(document, lines.last).contentEnd())
+    TextRange(document, page::item(document, lines.first).contentStart(),
+              page::item(document, lines.last).contentEnd())
         .select();
 }
 
@@ -115,7 +114,7 @@ void ReplaceLines(DisplayDocument& document, const SelectedLines& lines, std::ve
 QString HtmlBetween(const DisplayDocument& document, int line, Cut from, Cut to)
 {
     QString html;
-    writeContent(html, document.tags(), contentBetween(document.line(line), from, to));
+    WriteContent(html, document.tags(), ContentBetween(document.line(line), from, to));
     return html;
 }
 
@@ -133,12 +132,12 @@ QString HtmlToCopy(const TextRange& range)
         return TextRange(document, start, end).htmlText();
 
     const bool isWholeLine = start.offset == 0 && end == EndOfLine(document, start.line);
-    return isWholeLine ? item(document, start.line + 1).outerHTML() : PieceToCopy(document, start, end);
+    return isWholeLine ? page::item(document, start.line + 1).outerHTML() : PieceToCopy(document, start, end);
 }
 
 void PlaceCaret(DisplayDocument& document, QPoint clientPoint)
 {
-    TextRange range = createRange(document);
+    TextRange range = page::createRange(document);
     range.moveToPoint(clientPoint.x(), clientPoint.y());
     range.select();
 }
@@ -146,10 +145,11 @@ void PlaceCaret(DisplayDocument& document, QPoint clientPoint)
 void PutCaretBack(DisplayDocument& document, const SelectedLines& lines, QPoint move, int characters)
 {
     TextRange range(document, lines.at, lines.at);
-    const bool breaksAnew = document.line(lines.at.line).text.size() > LongLine;
+    const bool breaksAnew
+        = document.layout() != nullptr && document.layout()->isLaidOutInPieces(lines.at.line);
     if (!breaksAnew && range.offsetTop() == lines.place.y()) {
         range.moveToPoint(lines.place.x() + move.x(), lines.place.y() + move.y());
-        range.move(u"character", characters);
+        range.move(TextUnit::Character, characters);
     }
     range.select();
 }

@@ -85,11 +85,11 @@ bool HoldsSpan(const TextRange& range)
 bool TouchesSpan(const TextRange& caret)
 {
     TextRange neighbour = caret.duplicate();
-    neighbour.moveEnd(u"character", 1);
+    neighbour.moveEnd(TextUnit::Character, 1);
     if (HoldsSpan(neighbour))
         return true;
     neighbour = caret.duplicate();
-    neighbour.moveStart(u"character", -1);
+    neighbour.moveStart(TextUnit::Character, -1);
     return HoldsSpan(neighbour);
 }
 
@@ -107,7 +107,7 @@ QString FieldOf(const TextRange& range, const FieldForm& form)
             document.tags()[line.block].writeStart(html);
         if (from < to) {
             html += form.start;
-            writeText(html, QStringView(line.text).mid(from, to - from));
+            WriteText(html, QStringView(line.text).mid(from, to - from));
             html += form.end;
         }
         if (!oneLine)
@@ -121,7 +121,7 @@ QString FieldOf(const TextRange& range, const FieldForm& form)
 void InsertInlineTag(DisplayDocument& document, InlineTag kind)
 {
     const QString name = NameOf(kind);
-    TextRange range = createRange(document);
+    TextRange range = page::createRange(document);
     range.pasteHTML(PaintedTag(name) + range.htmlText() + PaintedTag(u'/' + name));
     range.select();
     MarkEdit(1);
@@ -129,7 +129,7 @@ void InsertInlineTag(DisplayDocument& document, InlineTag kind)
 
 void ChangeCase(DisplayDocument& document, LetterCase kind)
 {
-    TextRange range = createRange(document);
+    TextRange range = page::createRange(document);
     const QString text = InCase(range.text(), kind);
     const Position start = range.start();
     range.setText(text);
@@ -141,7 +141,7 @@ void ChangeCase(DisplayDocument& document, LetterCase kind)
 void InsertField(DisplayDocument& document, Field kind)
 {
     const FieldForm form = FormOf(kind);
-    TextRange range = createRange(document);
+    TextRange range = page::createRange(document);
     if (range.boundingWidth() > 0) {
         range.pasteHTML(FieldOf(range, form));
         range.select();
@@ -152,7 +152,7 @@ void InsertField(DisplayDocument& document, Field kind)
     if (TouchesSpan(range))
         return;
     range.pasteHTML(form.empty);
-    range.moveStart(u"character", -1);
+    range.moveStart(TextUnit::Character, -1);
     range.setText(kind == Field::Attribute ? u" "_s : QString());
     range.select();
 }

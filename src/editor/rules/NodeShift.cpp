@@ -2,7 +2,6 @@
 
 #include "DisplayPage.h"
 #include "EditLines.h"
-#include "SettingsVariables.h"
 
 #include <QHash>
 
@@ -116,23 +115,23 @@ std::optional<QString> ShiftedLeft(const QString& startTag, int shift)
     return WithMargin(startTag, *margin, *margin - shift);
 }
 
-void RightShift(DisplayDocument& document)
+void RightShift(DisplayDocument& document, int pixels)
 {
     const SelectedLines lines = TakeSelectedLines(document);
     if (!lines)
         return;
 
     TagTable& tags = document.tags();
-    auto newLines = ShiftLines(document, lines, [&tags](TagId block) {
+    auto newLines = ShiftLines(document, lines, [&tags, pixels](TagId block) {
         const Tag& tag = tags[block];
-        return IsShiftable(tag) ? Intern(tags, tag, ShiftedRight(tag.startTag(), NodeShift)) : block;
+        return IsShiftable(tag) ? Intern(tags, tag, ShiftedRight(tag.startTag(), pixels)) : block;
     });
     ReplaceLines(document, lines, std::move(newLines));
     MarkEdit(2);
     SelectShifted(document, lines, 2, 0);
 }
 
-void LeftShift(DisplayDocument& document)
+void LeftShift(DisplayDocument& document, int pixels)
 {
     const SelectedLines lines = TakeSelectedLines(document);
     if (!lines)
@@ -144,7 +143,7 @@ void LeftShift(DisplayDocument& document)
     auto newLines = ShiftLines(document, lines, [&](TagId block) {
         const Tag& tag = tags[block];
         anyMargin = anyMargin || (IsShiftable(tag) && HasMargin(tag.startTag()));
-        const auto shifted = IsShiftable(tag) ? ShiftedLeft(tag.startTag(), NodeShift) : std::nullopt;
+        const auto shifted = IsShiftable(tag) ? ShiftedLeft(tag.startTag(), pixels) : std::nullopt;
         anyShifted = anyShifted || shifted;
         return shifted ? Intern(tags, tag, *shifted) : block;
     });

@@ -6,7 +6,6 @@
 #include "LineEdit.h"
 #include "NonBreakingSpace.h"
 #include "RegExp.h"
-#include "SettingsVariables.h"
 #include "TextFunctions.h"
 #include "TextRange.h"
 
@@ -61,7 +60,7 @@ struct SplitLine
 SplitLine SplitAt(DisplayDocument& document, const TextRange& caret, int node)
 {
     SplitLine split;
-    split.line = item(document, node);
+    split.line = page::item(document, node);
     TagTable& tags = document.tags();
     const TagId block = document.line(split.line.line()).block;
     split.opening = OpeningOf(tags[block]);
@@ -71,11 +70,11 @@ SplitLine SplitAt(DisplayDocument& document, const TextRange& caret, int node)
     const int index = split.line.line();
     const Line& line = document.line(index);
     const Cut lineEnd{int(line.text.size()), line.marks.size()};
-    split.left = HtmlBetween(document, index, {}, rangeEndCut(line, caret.start().offset));
+    split.left = HtmlBetween(document, index, {}, RangeEndCut(line, caret.start().offset));
     split.hasLeft = !IsEmptyText(QStringView(line.text).first(caret.start().offset));
     // If the selection ends in another line, no text remains on the right.
     if (caret.end().line == index) {
-        split.right = HtmlBetween(document, index, rangeStartCut(line, caret.end().offset), lineEnd);
+        split.right = HtmlBetween(document, index, RangeStartCut(line, caret.end().offset), lineEnd);
         split.hasRight = !IsEmptyText(QStringView(line.text).sliced(caret.end().offset));
     }
     return split;
@@ -85,7 +84,7 @@ SplitLine SplitAt(DisplayDocument& document, const TextRange& caret, int node)
 void PlaceBehind(TextRange& range, QPoint lastPress, int characters)
 {
     range.moveToPoint(lastPress.x(), lastPress.y());
-    range.move(u"character", characters);
+    range.move(TextUnit::Character, characters);
     range.select();
 }
 
@@ -99,15 +98,14 @@ int TextLengthOfHtml(QString html)
     return int(ReplaceAll(std::move(html), u"\r\n", u"").size());
 }
 
-void PasteText(DisplayDocument& document, QString clipboard, QPoint lastPress)
+void PasteText(DisplayDocument& document, QString clipboard, QPoint lastPress, QChar nbsp)
 {
     if (IsEmptyText(clipboard))
         return;
     QString html = CollapseRepeats(ReplaceAll(std::move(clipboard), u"&nbsp;", u" "), u" ");
-    if (ShowNbsp != 1)
-        html = ReplaceAll(std::move(html), QString(QLatin1Char(NbspMarker)), u"\u00a0");
+    html.replace(QLatin1Char(NbspMarker), nbsp);
 
-    TextRange range = createRange(document);
+    TextRange range = page::createRange(document);
     if (!HoldsLines(html)) {
         range.pasteHTML(html);
         range.select();
@@ -126,27 +124,26 @@ void PasteText(DisplayDocument& document, QString clipboard, QPoint lastPress)
     html = WithBlocksAsLines(std::move(html), split.alike);
     int length = TextLengthOfHtml(html);
     if (!split.hasLeft && split.hasRight) {
-        split.line.insertAdjacentHTML(u"beforeBegin", html);
+        split.line.insertAdjacentHTML(Adjacent::BeforeBegin, html);
     } else if (split.hasLeft && split.hasRight) {
         html = RegExpReplace(QStringView(html), u"<DIV[^>]*>", u"", false);
         html = ReplaceAll(std::move(html), u"</DIV>", u"");
         split.line.setOuterHTML(split.opening + split.left + html + split.right + LineEnd);
     } else {
-        split.line.insertAdjacentHTML(u"afterEnd", html);
+        split.line.insertAdjacentHTML(Adjacent::AfterEnd, html);
         ++length;
     }
     PlaceBehind(range, lastPress, length);
     MarkEdit(1);
 }
 
-void PasteHtml(DisplayDocument& document, QString clipboard, QPoint lastPress)
+void PasteHtml(DisplayDocument& document, QString clipboard, QPoint lastPress, QChar nbsp)
 {
     if (IsEmptyText(clipboard))
         return;
-    const QString nbsp = ShowNbsp == 1 ? QString(QLatin1Char(NbspMarker)) : QString(QChar(0xa0));
-    QString html = ReplaceAll(std::move(clipboard), u"&nbsp;", nbsp);
+    QString html = ReplaceAll(std::move(clipboard), u"&nbsp;", QString(nbsp));
 
-    TextRange range = createRange(document);
+    TextRange range = page::createRange(document);
     const int node = NodeAtRangeStart(range);
     if (node < 1 || NodeAtRangeEnd(range) <= 0) {
         MarkEdit(1);
@@ -156,8 +153,8 @@ void PasteHtml(DisplayDocument& document, QString clipboard, QPoint lastPress)
     SplitLine split = SplitAt(document, range, node);
     html = WithBlocksAsLines(std::move(html), split.alike);
     if (!split.hasLeft && split.hasRight) {
-        split.line.insertAdjacentHTML(u"beforeBegin", html);
-        range.move(u"character", -1);
+        split.line.insertAdjacentHTML(Adjacent::BeforeBegin, html);
+        range.move(TextUnit::Character, -1);
         range.collapse();
         range.select();
     } else {
@@ -166,7 +163,7 @@ void PasteHtml(DisplayDocument& document, QString clipboard, QPoint lastPress)
             split.line.setOuterHTML(split.opening + split.left + LineEnd + html + split.alike + split.right
                                     + LineEnd);
         else
-            split.line.insertAdjacentHTML(u"afterEnd", html);
+            split.line.insertAdjacentHTML(Adjacent::AfterEnd, html);
         PlaceBehind(range, lastPress, length);
     }
     MarkEdit(1);

@@ -14,10 +14,11 @@ namespace vmk {
 /// it, and separate lines above or below it if the caret is at its start or end.
 /// \param clipboard  the clipboard's text; if it is blank, nothing happens
 /// \param lastPress  the caret at the last mouse press, in client coordinates (pixels)
-void PasteText(DisplayDocument& document, QString clipboard, QPoint lastPress);
+/// \param nbsp       the display's character for a non-breaking space (see `ShownNbsp`)
+void PasteText(DisplayDocument& document, QString clipboard, QPoint lastPress, QChar nbsp);
 
 /// Pastes as lines: splits the caret's line in two around them. Blanks are kept.
-void PasteHtml(DisplayDocument& document, QString clipboard, QPoint lastPress);
+void PasteHtml(DisplayDocument& document, QString clipboard, QPoint lastPress, QChar nbsp);
 
 /// Returns the number of caret steps over a piece of HTML when it is displayed.
 [[nodiscard]] int TextLengthOfHtml(QString html);

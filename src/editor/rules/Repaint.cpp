@@ -7,7 +7,6 @@
 #include "HtmlWriter.h"
 #include "LayoutQuery.h"
 #include "PageLines.h"
-#include "SettingsVariables.h"
 
 #include <QHash>
 
@@ -43,17 +42,10 @@ std::string BareHtml(const DisplayDocument& document, const SelectedLines& lines
         });
         if (i >= lines.first)
             html += "\r\n"_L1;
-        writeLine(html, document.tags(), bare);
+        WriteLine(html, document.tags(), bare);
     }
     return html.toStdString();
 }
-
-/// The mark-up that painting puts around a tag.
-struct TagPaint
-{
-    std::string_view start;
-    std::string_view end;
-};
 
 /// Wraps the tags and comments in text between real tags. `PaintAttributes` handles attributes.
 /// \param inComment  in: a comment is open at the start of the text; out: at its end
@@ -78,9 +70,9 @@ std::string PaintTags(std::string_view text, const TagPaint& paint, bool& inComm
             painted += "&gt;</SPAN>";
             inComment = false;
         } else if (text.starts_with(Less)) {
-            painted.append(paint.start).append(Less);
+            painted += paint.start;
         } else if (text.starts_with(Greater)) {
-            painted.append(Greater).append(paint.end);
+            painted += paint.end;
             inComment = false;
         } else {
             painted += '&';
@@ -111,23 +103,15 @@ std::pair<size_t, size_t> NextSolidTag(std::string_view html)
 
 } // namespace
 
-PaintStyle CurrentPaintStyle()
+std::string PaintLines(std::string_view html, const TagPaint& paint)
 {
-    return {TagHighlighting == 1, TagFontWeight == "bold"_L1 && DisplayFontWeight != "bold"_L1};
-}
-
-std::string PaintLines(std::string_view html, const PaintStyle& style)
-{
-    const TagPaint paint = style.tagHighlighting ? TagPaint{"<SPAN class=t>", "</SPAN>"}
-        : style.boldTags                         ? TagPaint{"<B>", "</B>"}
-                                                 : TagPaint{};
     std::string painted;
     painted.reserve(html.size() + html.size() / 2);
     bool inComment = false;
     while (!html.empty()) {
         const auto [at, length] = NextSolidTag(html);
         std::string piece = PaintTags(html.substr(0, at), paint, inComment);
-        if (style.tagHighlighting)
+        if (paint.attributes)
             PaintAttributes(piece);
         painted.append(piece).append(html.substr(at, length));
         html.remove_prefix(at + length);
@@ -135,19 +119,19 @@ std::string PaintLines(std::string_view html, const PaintStyle& style)
     return painted;
 }
 
-QString RePaintHtml(const QString& html)
+QString RePaintHtml(const QString& html, const TagPaint& paint)
 {
-    return QString::fromStdString(PaintLines(html.toStdString(), CurrentPaintStyle()));
+    return QString::fromStdString(PaintLines(html.toStdString(), paint));
 }
 
-void RePaintSelection(DisplayDocument& document, const LastPress& lastPress)
+void RePaintSelection(DisplayDocument& document, const LastPress& lastPress, const TagPaint& paint)
 {
     const SelectedLines lines = TakeSelectedLines(document);
     if (!lines)
         return;
 
-    const std::string painted = PaintLines(BareHtml(document, lines), CurrentPaintStyle());
-    HtmlContent content = readFragment(document.tags(), QString::fromStdString(painted));
+    const std::string painted = PaintLines(BareHtml(document, lines), paint);
+    HtmlContent content = ReadFragment(document.tags(), QString::fromStdString(painted));
     ReplaceLines(document, lines, std::move(content.lines));
     UndoSteps = 2;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DisplayDocument.h"
+#include "TagPaint.h"
 
 #include <QPoint>
 #include <QString>
@@ -12,22 +13,12 @@
 /// the bare text.
 namespace vmk {
 
-/// The painting of tags.
-struct PaintStyle
-{
-    bool tagHighlighting = true; ///< Tags, attributes and comments have their own classes.
-    bool boldTags = false; ///< Without highlighting: tags in bold.
-};
-
-/// Returns the style of the current settings.
-[[nodiscard]] PaintStyle CurrentPaintStyle();
-
 /// Paints bare lines; input and result are HTML in UTF-8. Real tags are unchanged. A value whose quote is not
 /// closed within its line is not painted.
-[[nodiscard]] std::string PaintLines(std::string_view html, const PaintStyle& style);
+[[nodiscard]] std::string PaintLines(std::string_view html, const TagPaint& paint);
 
-/// Paints bare lines, given as HTML, according to the settings. Does not change the document.
-[[nodiscard]] QString RePaintHtml(const QString& html);
+/// Paints bare lines, given as HTML. Does not change the document.
+[[nodiscard]] QString RePaintHtml(const QString& html, const TagPaint& paint);
 
 /// The state of the page at the last mouse press, in pixels.
 struct LastPress
@@ -39,6 +30,6 @@ struct LastPress
 /// Removes the painting of the selected lines, or of the caret's line, and paints them again. Two undo steps.
 /// The book counts as unchanged, because its text is. A caret remains in its line; a selection becomes a
 /// caret at the position of the last press. Does nothing outside a line.
-void RePaintSelection(DisplayDocument& document, const LastPress& lastPress);
+void RePaintSelection(DisplayDocument& document, const LastPress& lastPress, const TagPaint& paint);
 
 } // namespace vmk

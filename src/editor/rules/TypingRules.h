@@ -16,11 +16,12 @@ enum class CaretDirection
 void MoveCaret(DisplayDocument& document, CaretDirection direction);
 
 /// Replaces the selection by a blank unless a blank is on either side of it: two consecutive blanks cannot be
-/// typed. With `ctrl`, by a non-breaking space.
-void InsertSpace(DisplayDocument& document, bool ctrl);
+/// typed.
+void InsertSpace(DisplayDocument& document);
 
-/// Replaces the selection by a non-breaking space: by its visible mark while `ShowNbsp` is 1.
-void InsertNbsp(DisplayDocument& document);
+/// Replaces the selection by a non-breaking space.
+/// \param nbsp  the display's character for a non-breaking space (see `ShownNbsp`)
+void InsertNbsp(DisplayDocument& document, QChar nbsp);
 
 /// Deletes the selection and records an edit; at a caret, deletes nothing.
 void DeleteSelection(DisplayDocument& document);

@@ -1,6 +1,7 @@
 #include "CodePages.h"
 
 #include "LargeBuffers.h"
+#include "Utf8.h"
 
 #include <QChar>
 #include <QLocale>
@@ -238,8 +239,6 @@ const Page* SingleBytePage(int codePage)
 
 // ---------------------------------------------------------------- byte runs
 
-constexpr char16_t Replacement = 0xfffd;
-
 bool IsAscii(const char* eight)
 {
     uint64_t word = 0;
@@ -256,44 +255,6 @@ size_t AsciiRun(const char* from, const char* end)
     return static_cast<size_t>(at - from);
 }
 
-struct Utf8Character
-{
-    char32_t character;
-    /// In bytes; 0 for a byte that is not part of a character.
-    size_t length;
-};
-
-/// Reads a character of two to four bytes at `from`.
-Utf8Character ReadUtf8(const char* from, const char* end)
-{
-    const auto byte = [from](size_t at) { return static_cast<unsigned char>(from[at]); };
-    const auto left = static_cast<size_t>(end - from);
-    const auto trails = [&](size_t count) {
-        if (left <= count)
-            return false;
-        for (size_t at = 1; at <= count; ++at) {
-            if ((byte(at) & 0xc0) != 0x80)
-                return false;
-        }
-        return true;
-    };
-    const auto bits = [&](size_t at) { return static_cast<char32_t>(byte(at) & 0x3f); };
-    const unsigned char lead = byte(0);
-    if (lead >= 0xc2 && lead < 0xe0 && trails(1))
-        return {(lead & 0x1fU) << 6 | bits(1), 2};
-    if (lead >= 0xe0 && lead < 0xf0 && trails(2)) {
-        const char32_t c = (lead & 0x0fU) << 12 | bits(1) << 6 | bits(2);
-        if (c >= 0x800 && !QChar::isSurrogate(c))
-            return {c, 3};
-    }
-    if (lead >= 0xf0 && lead < 0xf5 && trails(3)) {
-        const char32_t c = (lead & 0x07U) << 18 | bits(1) << 12 | bits(2) << 6 | bits(3);
-        if (c >= 0x10000 && c <= QChar::LastValidCodePoint)
-            return {c, 4};
-    }
-    return {Replacement, 0};
-}
-
 /// The same as `ValidUtf8Prefix`, character by character.
 size_t ValidCharacters(std::string_view bytes)
 {
@@ -307,7 +268,7 @@ size_t ValidCharacters(std::string_view bytes)
             ++from;
             continue;
         }
-        const size_t length = ReadUtf8(from, end).length;
+        const size_t length = DecodeUtf8({from, end}).length;
         if (length == 0)
             break;
         from += length;
@@ -421,7 +382,7 @@ std::string Utf8ToPage(std::string_view utf8, const Page& page)
         }
         if (from == end || static_cast<unsigned char>(*from) < 0x80)
             continue;
-        const auto [character, length] = ReadUtf8(from, end);
+        const auto [character, length] = DecodeUtf8({from, end});
         if (length == 4)
             *to++ = '?';
         *to++ = length == 4 ? '?' : units[character];

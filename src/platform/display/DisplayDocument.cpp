@@ -2,7 +2,6 @@
 
 #include "HtmlReader.h"
 #include "HtmlWriter.h"
-#include "LineDelta.h"
 #include "LineEdit.h"
 #include "TextRange.h"
 
@@ -13,7 +12,7 @@ namespace vmk {
 namespace {
 
 /// The text split at CrLf, CR and LF; each piece is a line without block and marks.
-std::vector<Line> piecesOf(const QString& text)
+std::vector<Line> PiecesOf(const QString& text)
 {
     std::vector<Line> pieces;
     qsizetype from = 0;
@@ -29,27 +28,27 @@ std::vector<Line> piecesOf(const QString& text)
     return pieces;
 }
 
-bool hasContent(const Line& line)
+bool HasContent(const Line& line)
 {
     return !line.text.isEmpty() || !line.marks.empty();
 }
 
 /// The end of content that was inserted at a position.
-Position endOfContent(Position from, const std::vector<Line>& content)
+Position EndOfContent(Position from, const std::vector<Line>& content)
 {
     const int lineBreaks = int(content.size()) - 1;
     const int length = int(content.back().text.size());
     return {from.line + lineBreaks, lineBreaks == 0 ? from.offset + length : length};
 }
 
-Cut startCut(const TagTable& tags, const Line& line, Position from, Position to)
+Cut StartCut(const TagTable& tags, const Line& line, Position from, Position to)
 {
-    return from == to ? insertionCut(tags, line, from.offset) : rangeStartCut(line, from.offset);
+    return from == to ? InsertionCut(tags, line, from.offset) : RangeStartCut(line, from.offset);
 }
 
-Cut endCut(const TagTable& tags, const Line& line, Position from, Position to)
+Cut EndCut(const TagTable& tags, const Line& line, Position from, Position to)
 {
-    return from == to ? insertionCut(tags, line, to.offset) : rangeEndCut(line, to.offset);
+    return from == to ? InsertionCut(tags, line, to.offset) : RangeEndCut(line, to.offset);
 }
 
 } // namespace
@@ -70,15 +69,12 @@ Position EditMap::operator()(Position place) const
 DisplayDocument::EditGroup::EditGroup(DisplayDocument& groupedDocument)
     : document(groupedDocument)
 {
-    ++document.groupDepth;
+    document.history.openGroup();
 }
 
 DisplayDocument::EditGroup::~EditGroup()
 {
-    if (--document.groupDepth > 0 || !document.stepOpen)
-        return;
-    document.stepOpen = false;
-    document.steps.back().selectionAfter = document.currentSelection;
+    document.history.closeGroup(document.currentSelection);
 }
 
 // ---------------------------------------------------------------- the document
@@ -98,7 +94,7 @@ DisplayDocument::~DisplayDocument()
 
 void DisplayDocument::loadPage(const QByteArray& html)
 {
-    HtmlContent content = readPage(tagTable, html);
+    HtmlContent content = ReadPage(tagTable, html);
     pageHead = content.head;
     pageBody = content.body == NoTag ? tagTable.intern(u"BODY", {}) : content.body;
     const TagId div = tagTable.intern(u"DIV", {});
@@ -127,7 +123,7 @@ QByteArray DisplayDocument::savePage() const
         if (line(i).block == NoTag)
             continue;
         html.resize(0);
-        writeLine(html, tagTable, line(i), Blanks::Protected);
+        WriteLine(html, tagTable, line(i), Blanks::Protected);
         html += u"\r\n";
         page += html.toUtf8();
     }
@@ -141,8 +137,7 @@ void DisplayDocument::reset(std::vector<LinePtr> newLines)
         newLines.push_back(std::make_shared<const Line>());
     lines.assign(std::move(newLines));
     knownLineStarts = 0;
-    steps.clear();
-    undoSteps = 0;
+    history.clear();
     currentSelection = {};
     for (TextRange* range : liveRanges)
         range->first = range->last = {};
@@ -209,8 +204,8 @@ Position DisplayDocument::positionAt(qint64 characterIndex) const
 void DisplayDocument::setSelection(Position anchor, Position focus)
 {
     const Selection wanted{valid(anchor), valid(focus)};
-    if (groupDepth == 0)
-        endTypingRun();
+    if (!history.isInGroup())
+        history.endTypingRun();
     if (wanted == currentSelection)
         return;
     currentSelection = wanted;
@@ -225,52 +220,23 @@ void DisplayDocument::splice(int first, int removed, std::vector<LinePtr> insert
     const EditGroup group(*this);
     if (removed == lineCount() && inserted.empty())
         inserted.push_back(std::make_shared<const Line>());
-    const bool isBare = removed == lineCount() && inserted.size() == 1 && !hasContent(*inserted[0]);
+    const bool isBare = removed == lineCount() && inserted.size() == 1 && !HasContent(*inserted[0]);
     if (!isBare) {
         for (LinePtr& line : inserted)
             makeFit(line);
     }
 
-    Change change{first, {}, std::move(inserted), map, nullptr};
-    change.before.reserve(std::size_t(removed));
+    std::vector<LinePtr> before;
+    before.reserve(std::size_t(removed));
     for (int i = 0; i < removed; ++i)
-        change.before.push_back(lines[first + i]);
-
-    if (stepOpen && !steps.back().typing)
-        makeSmall(steps.back().changes.back());
-    if (!stepOpen) {
-        steps.resize(undoSteps);
-        for (std::size_t i = 0; undoSteps > 0 && i < steps.back().changes.size(); ++i)
-            makeSmall(steps.back().changes[i]);
-        steps.push_back({{}, currentSelection, currentSelection, false});
-        ++undoSteps;
-        stepOpen = true;
-    }
-    steps.back().changes.push_back(std::move(change));
-    const Change& made = steps.back().changes.back();
+        before.push_back(lines[first + i]);
+    const LineChange& made
+        = history.record({first, std::move(before), std::move(inserted), map, nullptr}, currentSelection);
     exchange(first, made.before, made.after, map);
 }
 
-/// Reduces a change in very long lines to the changed part, so that a key press there does not store the
-/// line.
-void DisplayDocument::makeSmall(Change& change)
-{
-    constexpr qsizetype VeryLong = 8192;
-    const auto isVeryLong = [](const LinePtr& line) { return line->text.size() >= VeryLong; };
-    const bool isWorthIt = !change.sharedEnds && !change.after.empty()
-        && std::any_of(change.before.begin(), change.before.end(), isVeryLong);
-    if (!isWorthIt)
-        return;
-    const CommonEnds ends = commonEnds(change.before, change.after);
-    if (ends == CommonEnds())
-        return;
-    change.before = withoutEnds(change.before, ends);
-    change.after = withoutEnds(change.after, ends);
-    change.sharedEnds = std::make_unique<const CommonEnds>(ends);
-}
-
 /// Applies a change again, or reverts it.
-void DisplayDocument::apply(const Change& change, bool forward)
+void DisplayDocument::apply(const LineChange& change, bool forward)
 {
     const auto& from = forward ? change.before : change.after;
     const auto& to = forward ? change.after : change.before;
@@ -281,18 +247,18 @@ void DisplayDocument::apply(const Change& change, bool forward)
     present.reserve(from.size());
     for (int i = 0; i < int(from.size()); ++i)
         present.push_back(lines[change.first + i]);
-    exchange(change.first, present, withEnds(to, *change.sharedEnds, *present.front(), *present.back()), map);
+    exchange(change.first, present, WithEnds(to, *change.sharedEnds, *present.front(), *present.back()), map);
 }
 
 /// Makes a line read back as itself: with a block, a rule only without content, no tag nested too deep.
 void DisplayDocument::makeFit(LinePtr& line)
 {
     const bool isWrongBlock
-        = line->block == NoTag || (tagTable[line->block].name == u"HR" && hasContent(*line));
+        = line->block == NoTag || (tagTable[line->block].name == u"HR" && HasContent(*line));
     if (isWrongBlock)
         line = std::make_shared<const Line>(Line{tagTable.intern(u"DIV", {}), line->text, line->marks});
-    if (isTooDeep(*line))
-        line = std::make_shared<const Line>(withinDepth(*line));
+    if (IsTooDeep(*line))
+        line = std::make_shared<const Line>(WithinDepth(*line));
 }
 
 void DisplayDocument::exchange(int first, const std::vector<LinePtr>& removed,
@@ -316,12 +282,6 @@ void DisplayDocument::exchange(int first, const std::vector<LinePtr>& removed,
         listener->selectionChanged();
 }
 
-void DisplayDocument::endTypingRun()
-{
-    if (undoSteps > 0)
-        steps[undoSteps - 1].typing = false;
-}
-
 // ---------------------------------------------------------------- editing anywhere
 
 /// The block tag for a line split from another: an identifier remains with the first.
@@ -335,13 +295,13 @@ Position DisplayDocument::replaceContent(Position from, Position to, const std::
 {
     const LinePtr first = lines[from.line];
     const LinePtr last = lines[to.line];
-    std::vector<Line> made = vmk::replaceContent(
-        *first, startCut(tagTable, *first, from, to), *last, endCut(tagTable, *last, from, to), content,
+    std::vector<Line> made = ReplaceLineContent(
+        *first, StartCut(tagTable, *first, from, to), *last, EndCut(tagTable, *last, from, to), content,
         blockWithoutId(first->block), dropEmptyElements ? EmptyElements::Remove : EmptyElements::Keep);
 
     // A line that moves up to the start of an emptied one keeps its block, but not the identifier.
     const bool movesUp
-        = from.line != to.line && from.offset == 0 && content.size() == 1 && !hasContent(content[0]);
+        = from.line != to.line && from.offset == 0 && content.size() == 1 && !HasContent(content[0]);
     if (movesUp) {
         const QString& id = tagTable[first->block].id;
         made[0].block = tagTable[last->block].id == id
@@ -349,7 +309,7 @@ Position DisplayDocument::replaceContent(Position from, Position to, const std::
             : tagTable.withAttribute(last->block, u"id", id.isEmpty() ? QString() : id);
     }
 
-    const Position newEnd = endOfContent(from, content);
+    const Position newEnd = EndOfContent(from, content);
     spliceMade(from, to, std::move(made), newEnd);
     return newEnd;
 }
@@ -367,7 +327,7 @@ Position DisplayDocument::replaceText(Position from, Position to, const QString&
 {
     if (from == to && text.isEmpty())
         return from;
-    return replaceContent(from, to, piecesOf(text), false);
+    return replaceContent(from, to, PiecesOf(text), false);
 }
 
 Position DisplayDocument::deleteRange(Position from, Position to)
@@ -385,10 +345,10 @@ Position DisplayDocument::replaceHtml(Position from, Position to, QStringView ht
 {
     if (from.line == to.line) {
         const Line& line = *lines[from.line];
-        return replaceHtml(from.line, startCut(tagTable, line, from, to), endCut(tagTable, line, from, to),
+        return replaceHtml(from.line, StartCut(tagTable, line, from, to), EndCut(tagTable, line, from, to),
                            html);
     }
-    const HtmlContent read = readFragment(tagTable, html);
+    const HtmlContent read = ReadFragment(tagTable, html);
     std::vector<Line> content;
     for (const LinePtr& line : read.lines)
         content.push_back(*line);
@@ -405,7 +365,7 @@ Position DisplayDocument::replaceHtml(Position from, Position to, QStringView ht
 
 Position DisplayDocument::replaceHtml(int line, Cut from, Cut to, QStringView html)
 {
-    const HtmlContent read = readFragment(tagTable, html);
+    const HtmlContent read = ReadFragment(tagTable, html);
     std::vector<Line> content;
     for (const LinePtr& piece : read.lines)
         content.push_back(*piece);
@@ -428,15 +388,15 @@ Position DisplayDocument::replaceBlocks(int line, Cut from, Cut to, std::vector<
 
     const LinePtr old = lines[line];
     std::vector<Line> made
-        = vmk::replaceContent(*old, from, *old, to, content, blockWithoutId(old->block), EmptyElements::Keep);
+        = ReplaceLineContent(*old, from, *old, to, content, blockWithoutId(old->block), EmptyElements::Keep);
     const Position start{line, from.offset};
-    Position end = endOfContent(start, content);
-    const bool restIsEmpty = !openEnded && made.size() > 1 && !hasContent(made.back());
+    Position end = EndOfContent(start, content);
+    const bool restIsEmpty = !openEnded && made.size() > 1 && !HasContent(made.back());
     if (restIsEmpty) {
         made.pop_back();
         end = {end.line - 1, int(made.back().text.size())};
     }
-    if (standsAlone && made.size() > 1 && !hasContent(made.front())) {
+    if (standsAlone && made.size() > 1 && !HasContent(made.front())) {
         made.erase(made.begin());
         --end.line;
         // The rest is the complete old line, moved down: it keeps its identifier.
@@ -456,7 +416,7 @@ void DisplayDocument::insertLines(int line, QStringView html)
 
 void DisplayDocument::replaceLines(int first, int count, QStringView html)
 {
-    std::vector<LinePtr> made = readFragment(tagTable, html).lines;
+    std::vector<LinePtr> made = ReadFragment(tagTable, html).lines;
     if (count == 0 && made.empty())
         return;
     const auto inserted = int(made.size());
@@ -472,7 +432,7 @@ void DisplayDocument::wrapRange(Position from, Position to, TagId tag)
         const Line& old = line(i);
         const int begin = i == from.line ? from.offset : 0;
         const int end = i == to.line ? to.offset : int(old.text.size());
-        made.push_back(begin < end ? std::make_shared<const Line>(wrapContent(old, begin, end, tag))
+        made.push_back(begin < end ? std::make_shared<const Line>(WrapContent(old, begin, end, tag))
                                    : lines[i]);
     }
     splice(from.line, to.line - from.line + 1, std::move(made), {from, from, from});
@@ -491,32 +451,13 @@ void DisplayDocument::typeText(const QString& text)
 {
     if (text.isEmpty())
         return;
-    const bool joins
-        = groupDepth == 0 && canUndo() && !canRedo() && steps.back().typing && currentSelection.isEmpty();
+    const bool joins = currentSelection.isEmpty() && history.mayJoinTyping();
     const EditGroup group(*this);
-    // The last step remains open for one more change.
-    stepOpen = stepOpen || joins;
+    if (joins)
+        history.reopenLastStep();
     const Position caret = replaceText(currentSelection.start(), currentSelection.end(), text);
     setSelection(caret, caret);
-    steps.back().typing = groupDepth == 1;
-    if (joins)
-        mergeTyping();
-}
-
-/// Merges the last two changes into one, where the second one continues typing at the end of the first.
-void DisplayDocument::mergeTyping()
-{
-    std::vector<Change>& changes = steps.back().changes;
-    Change& earlier = changes[changes.size() - 2];
-    Change& later = changes.back();
-    const bool typedOn = earlier.after.size() == 1 && later.before.size() == 1 && later.after.size() == 1
-        && earlier.first == later.first && later.map.from == earlier.map.newEnd
-        && later.map.from == later.map.oldEnd;
-    if (!typedOn)
-        return;
-    earlier.after = std::move(later.after);
-    earlier.map.newEnd = later.map.newEnd;
-    changes.pop_back();
+    history.noteTyping(joins);
 }
 
 void DisplayDocument::insertLineBreak()
@@ -571,25 +512,25 @@ void DisplayDocument::deleteSelection()
 
 bool DisplayDocument::undo()
 {
-    if (!canUndo())
+    const UndoHistory::Step* const step = history.stepBack();
+    if (!step)
         return false;
-    const UndoStep& step = steps[--undoSteps];
-    for (std::size_t i = step.changes.size(); i-- > 0;)
-        apply(step.changes[i], false);
-    endTypingRun();
-    setSelection(step.selectionBefore.anchor, step.selectionBefore.focus);
+    for (auto change = step->changes.rbegin(); change != step->changes.rend(); ++change)
+        apply(*change, false);
+    history.endTypingRun();
+    setSelection(step->selectionBefore.anchor, step->selectionBefore.focus);
     return true;
 }
 
 bool DisplayDocument::redo()
 {
-    if (!canRedo())
+    const UndoHistory::Step* const step = history.stepForward();
+    if (!step)
         return false;
-    const UndoStep& step = steps[undoSteps++];
-    for (const Change& change : step.changes)
+    for (const LineChange& change : step->changes)
         apply(change, true);
-    endTypingRun();
-    setSelection(step.selectionAfter.anchor, step.selectionAfter.focus);
+    history.endTypingRun();
+    setSelection(step->selectionAfter.anchor, step->selectionAfter.focus);
     return true;
 }
 

@@ -1,14 +1,11 @@
 #pragma once
 
-#include "LineStore.h"
-#include "TagTable.h"
+#include "DisplayLines.h"
+#include "UndoHistory.h"
 
 #include <QByteArray>
 #include <QString>
 
-#include <compare>
-#include <cstdint>
-#include <memory>
 #include <vector>
 
 /// The display document: the page in which a book is edited, without a window.
@@ -29,76 +26,6 @@ namespace vmk {
 class TextRange;
 class DisplayElement;
 class LayoutQuery;
-struct CommonEnds;
-
-/// An in-line start or end tag before the character at `pos`.
-struct Mark
-{
-    std::int32_t pos = 0; ///< Offset in the line's text, 0 to its length.
-    std::uint32_t open : 1 = 0; ///< 1 for a start tag, 0 for an end tag.
-    std::uint32_t tag : 31 = 0; ///< `TagId`; an end tag has the number of its start tag.
-
-    [[nodiscard]] static Mark opening(int pos, TagId tag) { return {pos, 1, tag & 0x7FFFFFFF}; }
-    [[nodiscard]] static Mark closing(int pos, TagId tag) { return {pos, 0, tag & 0x7FFFFFFF}; }
-
-    friend bool operator==(const Mark& a, const Mark& b)
-    {
-        return a.pos == b.pos && a.open == b.open && a.tag == b.tag;
-    }
-};
-
-/// One line of the page: its block `<DIV …>`, its text, and its in-line tags in order.
-struct Line
-{
-    TagId block = NoTag; ///< `NoTag` only for the one empty line of a document without content.
-    QString text; ///< Never contains CR or LF.
-    std::vector<Mark> marks; ///< Ascending by `pos`, properly nested, all closed.
-
-    friend bool operator==(const Line&, const Line&) = default;
-};
-
-/// A position between two characters: line from 0, offset in its text from 0 to its length.
-struct Position
-{
-    int line = 0;
-    int offset = 0;
-
-    friend auto operator<=>(const Position&, const Position&) = default;
-};
-
-/// A position in a line between two marks, or between a mark and a character: before the character at
-/// `offset` and the mark with index `mark`, after all earlier ones.
-struct Cut
-{
-    int offset = 0;
-    std::size_t mark = 0;
-};
-
-/// The selection. The caret is at `focus`; with equal ends there is only a caret.
-struct Selection
-{
-    Position anchor;
-    Position focus;
-
-    [[nodiscard]] bool isEmpty() const { return anchor == focus; }
-    [[nodiscard]] Position start() const { return anchor < focus ? anchor : focus; }
-    [[nodiscard]] Position end() const { return anchor < focus ? focus : anchor; }
-    friend bool operator==(const Selection&, const Selection&) = default;
-};
-
-/// Maps positions across an edit that replaces the text from `from` to `oldEnd` by a text that ends at
-/// `newEnd`. Positions up to and including `from` are unchanged, positions from `oldEnd` on move with the
-/// text, and positions in between become `from`.
-struct EditMap
-{
-    Position from;
-    Position oldEnd;
-    Position newEnd;
-    bool inFront = false; ///< Whole lines were inserted before `from`, which moves with its line.
-
-    [[nodiscard]] Position operator()(Position place) const;
-    [[nodiscard]] EditMap inverse() const { return {from, newEnd, oldEnd, false}; }
-};
 
 /// Observes the changes of a document. Called after each change, in the order of the changes. A listener must
 /// not change the document during a call.
@@ -213,8 +140,8 @@ public:
     bool undo();
     /// Repeats the last reverted step. Returns false if there is none.
     bool redo();
-    [[nodiscard]] bool canUndo() const { return undoSteps > 0; }
-    [[nodiscard]] bool canRedo() const { return undoSteps < steps.size(); }
+    [[nodiscard]] bool canUndo() const { return history.canUndo(); }
+    [[nodiscard]] bool canRedo() const { return history.canRedo(); }
 
     // ---- the one mutation
 
@@ -247,24 +174,6 @@ public:
     [[nodiscard]] LayoutQuery* layout() const { return pageLayout; }
 
 private:
-    /// The lines from `first` on before and after one splice.
-    struct Change
-    {
-        int first;
-        std::vector<LinePtr> before;
-        std::vector<LinePtr> after;
-        EditMap map;
-        /// The common ends of very long lines, which are stored only once; null if the lines are complete.
-        std::unique_ptr<const CommonEnds> sharedEnds;
-    };
-    struct UndoStep
-    {
-        std::vector<Change> changes;
-        Selection selectionBefore;
-        Selection selectionAfter;
-        bool typing = false; ///< A run of typing that the next typed character continues.
-    };
-
     friend class TextRange;
 
     void reset(std::vector<LinePtr> newLines);
@@ -274,13 +183,10 @@ private:
     void spliceMade(Position from, Position to, std::vector<Line> made, Position newEnd);
     [[nodiscard]] TagId blockWithoutId(TagId block);
     void makeFit(LinePtr& line);
-    void mergeTyping();
-    static void makeSmall(Change& change);
-    void apply(const Change& change, bool forward);
+    void apply(const LineChange& change, bool forward);
     void knowLineStarts(int count) const;
     void exchange(int first, const std::vector<LinePtr>& removed, const std::vector<LinePtr>& inserted,
                   const EditMap& map);
-    void endTypingRun();
 
     TagTable tagTable;
     LineStore lines;
@@ -289,13 +195,10 @@ private:
     Selection currentSelection;
     DisplayListener* listener = nullptr;
     LayoutQuery* pageLayout = nullptr;
-    std::vector<UndoStep> steps;
-    std::size_t undoSteps = 0; ///< The number of executed steps; those after it can be redone.
+    UndoHistory history;
     std::vector<TextRange*> liveRanges;
     mutable std::vector<qint64> lineStarts; ///< The character index of each line's start, as far as known.
     mutable int knownLineStarts = 0;
-    int groupDepth = 0;
-    bool stepOpen = false; ///< The current group already has its undo step.
 };
 
 } // namespace vmk

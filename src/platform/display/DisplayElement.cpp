@@ -11,7 +11,7 @@ namespace vmk {
 namespace {
 
 /// The margin in a style: the number before `px`.
-const QRegularExpression& marginPattern()
+const QRegularExpression& MarginPattern()
 {
     static const QRegularExpression pattern(QStringLiteral("margin-left\\s*:\\s*(-?\\d+)\\s*px"),
                                             QRegularExpression::CaseInsensitiveOption
@@ -111,7 +111,7 @@ int DisplayElement::marginLeft() const
 {
     static const QRegularExpression number(QStringLiteral("-?\\d+"));
     const QString margin
-        = exists() ? marginPattern().match(document->tags()[tag()].style).captured() : QString();
+        = exists() ? MarginPattern().match(document->tags()[tag()].style).captured() : QString();
     return number.match(margin).captured().toInt();
 }
 
@@ -122,8 +122,8 @@ void DisplayElement::setMarginLeft(int pixels)
     // In the browser's spelling, which other code searches for.
     const QString margin = QStringLiteral("MARGIN-LEFT: %1px").arg(pixels);
     QString style = document->tags()[tag()].style;
-    if (style.contains(marginPattern()))
-        style.replace(marginPattern(), margin);
+    if (style.contains(MarginPattern()))
+        style.replace(MarginPattern(), margin);
     else
         style = style.isEmpty() ? margin : margin + QStringLiteral("; ") + style;
     setTag(document->tags().withAttribute(tag(), u"style", style));
@@ -164,9 +164,9 @@ QString DisplayElement::outerHTML() const
         const std::size_t closing = closingMark();
         const Cut from{line.marks[markIndex].pos, markIndex};
         const Cut to{line.marks[closing].pos, closing + 1};
-        writeContent(html, document->tags(), contentBetween(line, from, to));
+        WriteContent(html, document->tags(), ContentBetween(line, from, to));
     } else {
-        writeLine(html, document->tags(), line);
+        WriteLine(html, document->tags(), line);
     }
     return html;
 }
@@ -183,11 +183,10 @@ void DisplayElement::setOuterHTML(const QString& html)
                           html);
 }
 
-void DisplayElement::insertAdjacentHTML(QStringView where, const QString& html)
+void DisplayElement::insertAdjacentHTML(Adjacent where, const QString& html)
 {
-    const bool before = where.compare(u"beforeBegin", Qt::CaseInsensitive) == 0;
-    const bool after = where.compare(u"afterEnd", Qt::CaseInsensitive) == 0;
-    if (!document || lineIndex < 0 || (!before && !after))
+    const bool before = where == Adjacent::BeforeBegin;
+    if (!document || lineIndex < 0)
         return;
     if (!isInline())
         return document->insertLines(before ? lineIndex : lineIndex + 1, html);

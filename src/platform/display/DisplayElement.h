@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DisplayDocument.h"
+#include "TextNames.h"
 
 #include <QString>
 
@@ -44,8 +45,7 @@ public:
     [[nodiscard]] QString outerHTML() const;
     /// Replaces the element by HTML; "" removes it. The next line takes the index of a removed line.
     void setOuterHTML(const QString& html);
-    /// \param where  "beforeBegin" or "afterEnd", in any case; other values do nothing
-    void insertAdjacentHTML(QStringView where, const QString& html);
+    void insertAdjacentHTML(Adjacent where, const QString& html);
     /// Requires a view.
     void scrollIntoView() const;
 

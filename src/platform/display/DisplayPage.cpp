@@ -4,6 +4,8 @@
 
 namespace vmk {
 
+namespace page {
+
 // ---------------------------------------------------------------- selection
 
 TextRange createRange(DisplayDocument& document)
@@ -84,11 +86,13 @@ QString innerText(const DisplayDocument& document)
     return text;
 }
 
+} // namespace page
+
 // ---------------------------------------------------------------- operations that the commands share
 
 namespace {
 
-int nodeIndex(const DisplayDocument* document, int line)
+int NodeIndex(const DisplayDocument* document, int line)
 {
     return document && document->line(line).block != NoTag ? line + 1 : -1;
 }
@@ -96,15 +100,15 @@ int nodeIndex(const DisplayDocument* document, int line)
 /// Searches from a position for either of two characters, one character at a time.
 /// \param step  -1 to the left, 1 to the right
 /// \return the position of `wanted`, if it comes before `unwanted` and within the limit
-std::optional<Position> whicheverFirst(DisplayDocument& document, Position place, int step,
+std::optional<Position> WhicheverFirst(DisplayDocument& document, Position place, int step,
                                        QStringView wanted, QStringView unwanted)
 {
     constexpr int Limit = 50;
     TextRange character(document, place, place);
     for (int i = 0; i <= Limit; ++i) {
-        character.move(u"character", i == 0 && step > 0 ? 0 : step);
+        character.move(TextUnit::Character, i == 0 && step > 0 ? 0 : step);
         TextRange next = character;
-        next.moveEnd(u"character", 1);
+        next.moveEnd(TextUnit::Character, 1);
         const QString text = next.text();
         if (text == wanted)
             return character.start();
@@ -118,28 +122,28 @@ std::optional<Position> whicheverFirst(DisplayDocument& document, Position place
 
 int NodeAtRangeStart(const TextRange& range)
 {
-    return nodeIndex(range.ofDocument(), range.start().line);
+    return NodeIndex(range.ofDocument(), range.start().line);
 }
 
 int NodeAtRangeEnd(const TextRange& range)
 {
     // At the start of a line the previous character is the line break.
     const bool atBreak = !range.isEmpty() && range.end().offset == 0;
-    return nodeIndex(range.ofDocument(), range.end().line - (atBreak ? 1 : 0));
+    return NodeIndex(range.ofDocument(), range.end().line - (atBreak ? 1 : 0));
 }
 
 int RangeLength(const TextRange& range)
 {
     TextRange probe = range;
     constexpr int Everything = -1000000000;
-    const int start = probe.moveStart(u"character", Everything);
-    return start - probe.moveEnd(u"character", Everything);
+    const int start = probe.moveStart(TextUnit::Character, Everything);
+    return start - probe.moveEnd(TextUnit::Character, Everything);
 }
 
-SelectedNodes SelectNodes(DisplayDocument& document, bool select, bool returnHtml)
+SelectedNodes SelectNodes(DisplayDocument& document, SelectNodesOptions options)
 {
     SelectedNodes nodes;
-    nodes.range = createRange(document);
+    nodes.range = page::createRange(document);
     const int first = NodeAtRangeStart(nodes.range);
     const int last = NodeAtRangeEnd(nodes.range);
     if (first < 1 || last < 1)
@@ -147,24 +151,24 @@ SelectedNodes SelectNodes(DisplayDocument& document, bool select, bool returnHtm
 
     nodes.first = first;
     nodes.last = last;
-    nodes.range.moveToElementText(item(document, first));
+    nodes.range.moveToElementText(page::item(document, first));
     if (first != last) {
         TextRange lastLine = nodes.range;
-        lastLine.moveToElementText(item(document, last));
-        nodes.range.setEndPoint(u"EndToEnd", lastLine);
+        lastLine.moveToElementText(page::item(document, last));
+        nodes.range.setEndPoint(EndPoints::EndToEnd, lastLine);
     }
-    if (select)
+    if (options.select)
         nodes.range.select();
-    if (returnHtml)
-        nodes.html = first == last ? item(document, first).outerHTML() : nodes.range.htmlText();
+    if (options.returnHtml)
+        nodes.html = first == last ? page::item(document, first).outerHTML() : nodes.range.htmlText();
     return nodes;
 }
 
 std::optional<TextRange> TagAround(const TextRange& range)
 {
     DisplayDocument& document = *range.ofDocument();
-    const auto left = whicheverFirst(document, range.start(), -1, u"<", u">");
-    const auto right = left ? whicheverFirst(document, range.end(), 1, u">", u"<") : std::nullopt;
+    const auto left = WhicheverFirst(document, range.start(), -1, u"<", u">");
+    const auto right = left ? WhicheverFirst(document, range.end(), 1, u">", u"<") : std::nullopt;
     if (!right)
         return std::nullopt;
     return TextRange(document, *left, {right->line, right->offset + 1});
@@ -172,7 +176,7 @@ std::optional<TextRange> TagAround(const TextRange& range)
 
 bool CaretInsideTag(DisplayDocument& document)
 {
-    return TagAround(createRange(document)).has_value();
+    return TagAround(page::createRange(document)).has_value();
 }
 
 } // namespace vmk

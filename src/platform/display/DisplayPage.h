@@ -13,6 +13,9 @@
 /// and the commands of the control, under their fixed names, over a display document.
 namespace vmk {
 
+/// The functions of the page, by the names that the rules of editing use.
+namespace page {
+
 // ---- selection
 
 /// Returns a new range over the selection; empty at a caret.
@@ -40,6 +43,15 @@ void empty(DisplayDocument& document);
 /// Returns the text of the page, with CrLf between lines.
 [[nodiscard]] QString innerText(const DisplayDocument& document);
 
+} // namespace page
+
+// Unqualified too, for a while.
+using page::createRange;
+using page::createTextRange;
+using page::elementFromPoint;
+using page::getElementsByName;
+using page::item;
+
 // ---- operations that the commands share
 
 /// Returns the node index of the line of the range's first (or last) character; -1 if it is in none. For an
@@ -58,10 +70,14 @@ struct SelectedNodes
     QString html; ///< The HTML of the lines, if requested.
 };
 
+struct SelectNodesOptions
+{
+    bool select = false; ///< selects the extended range
+    bool returnHtml = false; ///< returns the HTML of the lines: for one line its `outerHTML`
+};
+
 /// Extends the selection to whole lines.
-/// \param select      selects the extended range
-/// \param returnHtml  returns the HTML of the lines: for one line its `outerHTML`
-[[nodiscard]] SelectedNodes SelectNodes(DisplayDocument& document, bool select, bool returnHtml);
+[[nodiscard]] SelectedNodes SelectNodes(DisplayDocument& document, SelectNodesOptions options);
 
 /// Returns the tag around a range, from its "<" to its ">", with at most 50 characters of it on either side
 /// of the range; nothing if there is none.

@@ -75,7 +75,7 @@ static_assert(std::is_sorted(NamedCharacters.begin(), NamedCharacters.end(),
                              }));
 
 /// `&#1055;` or `&#x41F;`: the digits begin at index 2.
-char32_t readNumericReference(QStringView text, qsizetype& length)
+char32_t ReadNumericReference(QStringView text, qsizetype& length)
 {
     qsizetype at = 2;
     const bool hexadecimal = at < text.size() && (text[at] == u'x' || text[at] == u'X');
@@ -107,10 +107,10 @@ char32_t readNumericReference(QStringView text, qsizetype& length)
 
 } // namespace
 
-char32_t readReference(QStringView text, qsizetype& length)
+char32_t ReadReference(QStringView text, qsizetype& length)
 {
     if (text.size() > 1 && text[1] == u'#')
-        return readNumericReference(text, length);
+        return ReadNumericReference(text, length);
 
     // A named reference ends with a semicolon; without one it is plain text, so that a typed "&copy" is kept.
     constexpr qsizetype LongestName = 8;
@@ -127,14 +127,14 @@ char32_t readReference(QStringView text, qsizetype& length)
     return known->character;
 }
 
-QString resolveReferences(QStringView text)
+QString ResolveReferences(QStringView text)
 {
     QString result;
     result.reserve(text.size());
     qsizetype at = 0;
     while (at < text.size()) {
         qsizetype length = 1;
-        const char32_t character = text[at] == u'&' ? readReference(text.sliced(at), length) : 0;
+        const char32_t character = text[at] == u'&' ? ReadReference(text.sliced(at), length) : 0;
         if (character == 0)
             result += text[at];
         else

@@ -6,7 +6,7 @@
 namespace vmk {
 
 /// The white space that HTML collapses: tab, line feed, form feed, carriage return, blank.
-[[nodiscard]] constexpr bool isHtmlSpace(char32_t c)
+[[nodiscard]] constexpr bool IsHtmlSpace(char32_t c)
 {
     return c == U' ' || c == U'\t' || c == U'\n' || c == U'\r' || c == U'\f';
 }
@@ -15,9 +15,9 @@ namespace vmk {
 /// \param text    begins with `&`
 /// \param length  receives the length of the reference, including `&` and semicolon
 /// \return its code point; 0 if it is not a known reference, so that the `&` is plain text
-[[nodiscard]] char32_t readReference(QStringView text, qsizetype& length);
+[[nodiscard]] char32_t ReadReference(QStringView text, qsizetype& length);
 
 /// Returns the text with every known reference replaced by its character.
-[[nodiscard]] QString resolveReferences(QStringView text);
+[[nodiscard]] QString ResolveReferences(QStringView text);
 
 } // namespace vmk

@@ -41,7 +41,7 @@ static_assert(std::is_sorted(Elements.begin(), Elements.end(),
 
 } // namespace
 
-ElementKind elementKind(QStringView name)
+ElementKind KindOfElement(QStringView name)
 {
     const std::u16string_view wanted(name.utf16(), std::size_t(name.size()));
     const auto found = std::lower_bound(
@@ -50,7 +50,7 @@ ElementKind elementKind(QStringView name)
     return found != Elements.end() && found->name == wanted ? found->kind : Inline;
 }
 
-bool endsImplicitly(QStringView open, QStringView opening)
+bool EndsImplicitly(QStringView open, QStringView opening)
 {
     const auto isOneOf = [](QStringView name, std::initializer_list<QStringView> names) {
         return std::find(names.begin(), names.end(), name) != names.end();

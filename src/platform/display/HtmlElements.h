@@ -26,10 +26,10 @@ enum class ElementKind : unsigned char
 inline constexpr std::size_t MaxInlineDepth = 256;
 
 /// \param name  in upper case. Unknown names are `Inline`.
-[[nodiscard]] ElementKind elementKind(QStringView name);
+[[nodiscard]] ElementKind KindOfElement(QStringView name);
 
 /// Returns true if the start tag of the block `opening` ends the block `open` around it: a `P` ends at the
 /// next block, an `LI` at the next `LI`.
-[[nodiscard]] bool endsImplicitly(QStringView open, QStringView opening);
+[[nodiscard]] bool EndsImplicitly(QStringView open, QStringView opening);
 
 } // namespace vmk

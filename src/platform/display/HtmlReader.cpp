@@ -2,6 +2,7 @@
 
 #include "HtmlCharacters.h"
 #include "HtmlElements.h"
+#include "Utf8.h"
 
 #include <QStringDecoder>
 
@@ -28,15 +29,15 @@ enum class Spacing
     Keep
 };
 
-constexpr bool isLetter(char32_t c)
+constexpr bool IsLetter(char32_t c)
 {
     return (c >= U'a' && c <= U'z') || (c >= U'A' && c <= U'Z');
 }
 
 /// The characters that end the name of an element. A quote in a name would hide the text after the end tag.
-constexpr bool endsName(char32_t c)
+constexpr bool EndsName(char32_t c)
 {
-    return isHtmlSpace(c) || c == U'/' || c == U'>' || c == U'=' || c == U'"' || c == U'\'';
+    return IsHtmlSpace(c) || c == U'/' || c == U'>' || c == U'=' || c == U'"' || c == U'\'';
 }
 
 /// The properties of a tag that the reader uses.
@@ -212,7 +213,7 @@ std::size_t Reader<Char>::findTagEnd(std::size_t start)
             ++i;
             continue;
         }
-        for (++i; i < limit && isHtmlSpace(char32_t(input[i]));)
+        for (++i; i < limit && IsHtmlSpace(char32_t(input[i]));)
             ++i;
         if (i < limit && (input[i] == Char('"') || input[i] == Char('\''))) {
             if (i < first)
@@ -238,9 +239,9 @@ bool Reader<Char>::readMarkup()
     if (next == Char('!') || next == Char('?'))
         return readDeclaration();
     const bool isEnd = next == Char('/');
-    if (isEnd && (at + 2 >= input.size() || !isLetter(char32_t(input[at + 2]))))
+    if (isEnd && (at + 2 >= input.size() || !IsLetter(char32_t(input[at + 2]))))
         return false;
-    if (!isEnd && !isLetter(char32_t(next)))
+    if (!isEnd && !IsLetter(char32_t(next)))
         return false;
     const std::size_t end = findTagEnd(at + 1);
     if (end == View::npos)
@@ -304,11 +305,11 @@ TagFacts Reader<Char>::makeTagFacts(View inner)
     if (facts.isEnd)
         tagText.remove(0, 1);
     const auto nameEnd
-        = std::find_if(tagText.cbegin(), tagText.cend(), [](QChar c) { return endsName(c.unicode()); });
+        = std::find_if(tagText.cbegin(), tagText.cend(), [](QChar c) { return EndsName(c.unicode()); });
     const QStringView name(tagText.cbegin(), nameEnd);
     facts.name = tags.intern(name, {});
     facts.tag = facts.isEnd ? facts.name : tags.intern(name, QStringView(nameEnd, tagText.cend()));
-    facts.kind = elementKind(tags[facts.name].name);
+    facts.kind = KindOfElement(tags[facts.name].name);
     return facts;
 }
 
@@ -321,13 +322,13 @@ std::size_t Reader<Char>::findEndTag(QStringView name) const
             continue;
         const auto matches = [&](qsizetype k) {
             const auto c = char32_t(input[i + 2 + std::size_t(k)]);
-            return isLetter(c) && (c & ~0x20U) == name[k].unicode();
+            return IsLetter(c) && (c & ~0x20U) == name[k].unicode();
         };
         qsizetype k = 0;
         while (k < name.size() && matches(k))
             ++k;
         const std::size_t behind = i + 2 + std::size_t(k);
-        if (k == name.size() && (behind == input.size() || endsName(char32_t(input[behind]))))
+        if (k == name.size() && (behind == input.size() || EndsName(char32_t(input[behind]))))
             return i;
     }
     return View::npos;
@@ -365,7 +366,7 @@ void Reader<Char>::readText(std::size_t stop)
 {
     while (at < stop) {
         const auto c = char32_t(std::make_unsigned_t<Char>(input[at]));
-        if (isHtmlSpace(c))
+        if (IsHtmlSpace(c))
             readSpace();
         else if (c == U'&')
             readReferenceAt();
@@ -413,7 +414,7 @@ void Reader<Char>::readSpace()
     // One blank between two words, the common case.
     if (lineOpen && !endsCollapsible && !text.empty() && input[at] == Char(' ')
         && markedInlines == inlines.size() && at + 1 < input.size()
-        && !isHtmlSpace(char32_t(std::make_unsigned_t<Char>(input[at + 1])))) {
+        && !IsHtmlSpace(char32_t(std::make_unsigned_t<Char>(input[at + 1])))) {
         ++at;
         text.push_back(u' ');
         endsCollapsible = spacing == Spacing::Collapse && !inPre();
@@ -421,7 +422,7 @@ void Reader<Char>::readSpace()
     }
     std::u16string run;
     bool hasLineEnd = false;
-    for (; at < input.size() && isHtmlSpace(char32_t(std::make_unsigned_t<Char>(input[at]))); ++at) {
+    for (; at < input.size() && IsHtmlSpace(char32_t(std::make_unsigned_t<Char>(input[at]))); ++at) {
         const auto c = char16_t(input[at]);
         if (inPre() && c == u'\n') {
             putSpace(QStringView(run), false);
@@ -477,11 +478,11 @@ void Reader<Char>::readReferenceAt()
         characters[i] = char16_t(std::make_unsigned_t<Char>(input[at + i]));
 
     qsizetype referenceLength = 0;
-    const char32_t c = readReference(QStringView(characters.data(), qsizetype(length)), referenceLength);
+    const char32_t c = ReadReference(QStringView(characters.data(), qsizetype(length)), referenceLength);
     at += c == 0 ? 1 : std::size_t(referenceLength);
     // White space remains white space if it is written as a numeric reference.
     const auto space = char16_t(c);
-    if (isHtmlSpace(c))
+    if (IsHtmlSpace(c))
         putSpace(QStringView(&space, 1), c == U'\r' || c == U'\n' || spacing == Spacing::Collapse);
     else
         put(c == 0 ? U'&' : c);
@@ -496,34 +497,9 @@ void Reader<Char>::readCharacter()
         endsCollapsible = false;
         text.push_back(input[at++]);
     } else {
-        const auto byte = [this](std::size_t i) {
-            return at + i < input.size() ? char32_t(static_cast<unsigned char>(input[at + i])) : 0;
-        };
-        const auto follows = [&byte](std::size_t i) { return (byte(i) & 0xC0) == 0x80; };
-        const char32_t lead = byte(0);
-        char32_t c = U'\uFFFD';
-        std::size_t length = 1;
-        if (lead < 0x80) {
-            c = lead;
-        } else if (lead >= 0xC2 && lead < 0xE0 && follows(1)) {
-            c = (lead & 0x1F) << 6 | (byte(1) & 0x3F);
-            length = 2;
-        } else if (lead >= 0xE0 && lead < 0xF0 && follows(1) && follows(2)) {
-            const char32_t value = (lead & 0x0F) << 12 | (byte(1) & 0x3F) << 6 | (byte(2) & 0x3F);
-            if (value >= 0x800 && (value < 0xD800 || value > 0xDFFF)) {
-                c = value;
-                length = 3;
-            }
-        } else if (lead >= 0xF0 && lead < 0xF5 && follows(1) && follows(2) && follows(3)) {
-            const char32_t value
-                = (lead & 0x07) << 18 | (byte(1) & 0x3F) << 12 | (byte(2) & 0x3F) << 6 | (byte(3) & 0x3F);
-            if (value >= 0x10000 && value < 0x110000) {
-                c = value;
-                length = 4;
-            }
-        }
-        at += length;
-        put(c);
+        const Utf8Character decoded = DecodeUtf8(input.substr(at));
+        at += std::max<std::size_t>(decoded.length, 1);
+        put(decoded.character);
     }
 }
 
@@ -594,7 +570,7 @@ void Reader<Char>::startBlock(const TagFacts& facts)
 {
     endLine();
     const QString& name = tags[facts.name].name;
-    while (!blocks.empty() && endsImplicitly(tags[blocks.back().name].name, name))
+    while (!blocks.empty() && EndsImplicitly(tags[blocks.back().name].name, name))
         closeBlock();
     if (blocks.size() >= MaxBlockDepth) {
         // It would contain the block that replaces it, so it is not an empty line.
@@ -758,7 +734,7 @@ bool Reader<Char>::takeHead(std::size_t end)
 
 } // namespace
 
-HtmlContent readPage(TagTable& tags, const QByteArray& html)
+HtmlContent ReadPage(TagTable& tags, const QByteArray& html)
 {
     // Only a byte order mark indicates UTF-16: pages are written in UTF-8.
     QByteArray utf8 = html;
@@ -773,7 +749,7 @@ HtmlContent readPage(TagTable& tags, const QByteArray& html)
     return Reader<char>(tags, bytes, Spacing::Collapse).read();
 }
 
-HtmlContent readFragment(TagTable& tags, QStringView html)
+HtmlContent ReadFragment(TagTable& tags, QStringView html)
 {
     const std::u16string_view text(html.utf16(), std::size_t(html.size()));
     return Reader<char16_t>(tags, text, Spacing::Keep).read();

@@ -29,10 +29,10 @@ struct HtmlContent
 
 /// Reads a whole page. White space collapses as in a browser, also at the ends of a line.
 /// \param html  UTF-8, or UTF-16 with a byte order mark; malformed bytes become U+FFFD
-[[nodiscard]] HtmlContent readPage(TagTable& tags, const QByteArray& html);
+[[nodiscard]] HtmlContent ReadPage(TagTable& tags, const QByteArray& html);
 
 /// Reads a piece of HTML to be inserted into a page. White space that contains a line end collapses. Other
 /// white space is kept unchanged, because it may be typed text.
-[[nodiscard]] HtmlContent readFragment(TagTable& tags, QStringView html);
+[[nodiscard]] HtmlContent ReadFragment(TagTable& tags, QStringView html);
 
 } // namespace vmk

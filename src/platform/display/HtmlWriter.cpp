@@ -8,7 +8,7 @@ namespace {
 
 /// Appends characters of a line's text. `text` is the whole text, so that `protectBlanks` can check
 /// neighbours.
-void writeCharacters(QString& html, QStringView text, qsizetype from, qsizetype to, bool protectBlanks)
+void WriteCharacters(QString& html, QStringView text, qsizetype from, qsizetype to, bool protectBlanks)
 {
     qsizetype plainFrom = from;
     const auto replaceAt = [&](qsizetype i, QStringView replacement) {
@@ -43,34 +43,34 @@ void writeCharacters(QString& html, QStringView text, qsizetype from, qsizetype 
 
 } // namespace
 
-void writeText(QString& html, QStringView text)
+void WriteText(QString& html, QStringView text)
 {
-    writeCharacters(html, text, 0, text.size(), false);
+    WriteCharacters(html, text, 0, text.size(), false);
 }
 
-void writeContent(QString& html, const TagTable& tags, const Line& line, Blanks blanks)
+void WriteContent(QString& html, const TagTable& tags, const Line& line, Blanks blanks)
 {
     const bool protectBlanks = blanks == Blanks::Protected && tags[line.block].name != u"PRE";
     qsizetype at = 0;
     for (const Mark& mark : line.marks) {
-        writeCharacters(html, line.text, at, mark.pos, protectBlanks);
+        WriteCharacters(html, line.text, at, mark.pos, protectBlanks);
         at = mark.pos;
         const Tag& tag = tags[mark.tag];
         if (mark.open)
             tag.writeStart(html);
-        else if (elementKind(tag.name) != ElementKind::Void)
+        else if (KindOfElement(tag.name) != ElementKind::Void)
             tag.writeEnd(html);
     }
-    writeCharacters(html, line.text, at, line.text.size(), protectBlanks);
+    WriteCharacters(html, line.text, at, line.text.size(), protectBlanks);
 }
 
-void writeLine(QString& html, const TagTable& tags, const Line& line, Blanks blanks)
+void WriteLine(QString& html, const TagTable& tags, const Line& line, Blanks blanks)
 {
     const Tag& block = tags[line.block];
     const bool hasTag = line.block != NoTag;
     if (hasTag)
         block.writeStart(html);
-    writeContent(html, tags, line, blanks);
+    WriteContent(html, tags, line, blanks);
     if (hasTag && block.name != u"HR")
         block.writeEnd(html);
 }

@@ -26,6 +26,9 @@ public:
     [[nodiscard]] virtual Position positionAt(QPoint clientPoint) = 0;
     /// Returns the line (from 0) whose block contains a client point, or -1 if only the body does.
     [[nodiscard]] virtual int lineAt(QPoint clientPoint) = 0;
+    /// Returns true if a line (from 0) is so long that it is laid out in pieces. A line of the same text that
+    /// replaces it may then break into other rows.
+    [[nodiscard]] virtual bool isLaidOutInPieces(int /*line*/) { return false; }
     /// Returns `scrollLeft` and `scrollTop` of the page in pixels.
     [[nodiscard]] virtual QPoint scrollOffset() = 0;
     /// Scrolls the page to an offset, limited by the size of the page.

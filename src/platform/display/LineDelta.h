@@ -1,6 +1,6 @@
 #pragma once
 
-#include "DisplayDocument.h"
+#include "DisplayLines.h"
 
 #include <vector>
 
@@ -20,14 +20,14 @@ struct CommonEnds
 };
 
 /// \param before, after  not empty
-[[nodiscard]] CommonEnds commonEnds(const std::vector<LinePtr>& before, const std::vector<LinePtr>& after);
+[[nodiscard]] CommonEnds CommonEndsOf(const std::vector<LinePtr>& before, const std::vector<LinePtr>& after);
 
-/// Returns the lines of one side without the common ends; only `withEnds` can use them.
-[[nodiscard]] std::vector<LinePtr> withoutEnds(const std::vector<LinePtr>& lines, const CommonEnds& ends);
+/// Returns the lines of one side without the common ends; only `WithEnds` can use them.
+[[nodiscard]] std::vector<LinePtr> WithoutEnds(const std::vector<LinePtr>& lines, const CommonEnds& ends);
 
-/// Restores the lines of one side from the result of `withoutEnds` and the other side's lines.
+/// Restores the lines of one side from the result of `WithoutEnds` and the other side's lines.
 /// \param otherFirst, otherLast  the first and the last line of the other side
-[[nodiscard]] std::vector<LinePtr> withEnds(const std::vector<LinePtr>& trimmed, const CommonEnds& ends,
+[[nodiscard]] std::vector<LinePtr> WithEnds(const std::vector<LinePtr>& trimmed, const CommonEnds& ends,
                                             const Line& otherFirst, const Line& otherLast);
 
 } // namespace vmk

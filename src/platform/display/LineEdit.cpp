@@ -16,7 +16,7 @@ struct OpenMark
     int pos = 0;
 };
 
-std::vector<OpenMark> openMarks(const Line& line, std::size_t end)
+std::vector<OpenMark> OpenMarks(const Line& line, std::size_t end)
 {
     std::vector<OpenMark> open;
     for (std::size_t i = 0; i < end; ++i) {
@@ -30,7 +30,7 @@ std::vector<OpenMark> openMarks(const Line& line, std::size_t end)
 }
 
 /// The number of elements, from the outermost, that are open all the way from one mark to another.
-std::size_t sharedDepth(const Line& line, std::size_t firstMark, std::size_t lastMark, std::size_t depth)
+std::size_t SharedDepth(const Line& line, std::size_t firstMark, std::size_t lastMark, std::size_t depth)
 {
     std::size_t lowest = depth;
     for (std::size_t i = firstMark; i < lastMark; ++i) {
@@ -41,7 +41,7 @@ std::size_t sharedDepth(const Line& line, std::size_t firstMark, std::size_t las
 }
 
 /// The number of elements open at a cut, from the innermost, that end exactly there.
-std::size_t endingAt(const Line& line, Cut cut)
+std::size_t EndingAt(const Line& line, Cut cut)
 {
     std::size_t next = cut.mark;
     while (next < line.marks.size() && line.marks[next].pos == cut.offset && !line.marks[next].open)
@@ -80,7 +80,7 @@ public:
     /// end exactly at the cut.
     void appendRight(const Line& source, Cut cut, const std::vector<OpenMark>& open, std::size_t shared)
     {
-        const std::size_t ended = std::min(endingAt(source, cut), open.size() - shared);
+        const std::size_t ended = std::min(EndingAt(source, cut), open.size() - shared);
         const std::size_t depth = open.size() - ended;
         std::size_t next = cut.mark + ended;
         for (std::size_t i = shared; i < depth; ++i)
@@ -117,21 +117,21 @@ private:
     Line line;
 };
 
-bool isEmpty(const Line& line)
+bool IsEmptyLine(const Line& line)
 {
     return line.text.isEmpty() && line.marks.empty();
 }
 
-bool takesText(const Tag& tag)
+bool TakesText(const Tag& tag)
 {
-    return tag.name != u"A" && elementKind(tag.name) != ElementKind::Void;
+    return tag.name != u"A" && KindOfElement(tag.name) != ElementKind::Void;
 }
 
 } // namespace
 
 // ---------------------------------------------------------------- cuts
 
-Cut insertionCut(const TagTable& tags, const Line& line, int offset)
+Cut InsertionCut(const TagTable& tags, const Line& line, int offset)
 {
     const auto& marks = line.marks;
     const auto firstHere = std::lower_bound(marks.begin(), marks.end(), offset,
@@ -142,47 +142,47 @@ Cut insertionCut(const TagTable& tags, const Line& line, int offset)
         ++end;
 
     for (std::size_t i = begin; i + 1 < end; ++i) {
-        if (marks[i].open && !marks[i + 1].open && takesText(tags[marks[i].tag]))
+        if (marks[i].open && !marks[i + 1].open && TakesText(tags[marks[i].tag]))
             return {offset, i + 1};
     }
     // The elements of the text before it continue; at the start of a line, the first element takes the text.
     return {offset, offset > 0 ? begin : end};
 }
 
-Cut rangeStartCut(const Line& line, int offset)
+Cut RangeStartCut(const Line& line, int offset)
 {
     const auto behind = std::upper_bound(line.marks.begin(), line.marks.end(), offset,
                                          [](int pos, const Mark& mark) { return pos < mark.pos; });
     return {offset, std::size_t(behind - line.marks.begin())};
 }
 
-Cut rangeEndCut(const Line& line, int offset)
+Cut RangeEndCut(const Line& line, int offset)
 {
     const auto here = std::lower_bound(line.marks.begin(), line.marks.end(), offset,
                                        [](const Mark& mark, int pos) { return mark.pos < pos; });
     return {offset, std::size_t(here - line.marks.begin())};
 }
 
-std::vector<TagId> elementsAt(const Line& line, Cut cut)
+std::vector<TagId> ElementsAt(const Line& line, Cut cut)
 {
     std::vector<TagId> tags;
-    for (const OpenMark& mark : openMarks(line, cut.mark))
+    for (const OpenMark& mark : OpenMarks(line, cut.mark))
         tags.push_back(mark.tag);
     return tags;
 }
 
 // ---------------------------------------------------------------- edits
 
-std::vector<Line> replaceContent(const Line& first, Cut a, const Line& last, Cut b,
-                                 const std::vector<Line>& content, TagId nextBlock,
-                                 EmptyElements emptyElements)
+std::vector<Line> ReplaceLineContent(const Line& first, Cut a, const Line& last, Cut b,
+                                     const std::vector<Line>& content, TagId nextBlock,
+                                     EmptyElements emptyElements)
 {
-    const auto openBefore = openMarks(first, a.mark);
-    const auto openBehind = openMarks(last, b.mark);
-    std::size_t shared = &first == &last ? sharedDepth(first, a.mark, b.mark, openBefore.size()) : 0;
-    if (content.size() == 1 && isEmpty(content[0]) && emptyElements == EmptyElements::Remove) {
+    const auto openBefore = OpenMarks(first, a.mark);
+    const auto openBehind = OpenMarks(last, b.mark);
+    std::size_t shared = &first == &last ? SharedDepth(first, a.mark, b.mark, openBefore.size()) : 0;
+    if (content.size() == 1 && IsEmptyLine(content[0]) && emptyElements == EmptyElements::Remove) {
         // An element that would have no text counts as one that ends on both sides.
-        const std::size_t lasting = openBehind.size() - std::min(endingAt(last, b), openBehind.size());
+        const std::size_t lasting = openBehind.size() - std::min(EndingAt(last, b), openBehind.size());
         while (shared > lasting && openBefore[shared - 1].pos == a.offset)
             --shared;
     }
@@ -194,7 +194,7 @@ std::vector<Line> replaceContent(const Line& first, Cut a, const Line& last, Cut
         const bool isLast = i + 1 == content.size();
         const TagId block = content[i].block == NoTag ? nextBlock : content[i].block;
         // In several lines, the shared elements continue only in lines that are not empty.
-        const std::size_t around = content.size() > 1 && isEmpty(content[i]) ? 0 : shared;
+        const std::size_t around = content.size() > 1 && IsEmptyLine(content[i]) ? 0 : shared;
 
         LineComposer composer(isFirst ? first.block : block);
         if (isFirst) {
@@ -215,11 +215,11 @@ std::vector<Line> replaceContent(const Line& first, Cut a, const Line& last, Cut
     return result;
 }
 
-Line contentBetween(const Line& line, Cut a, Cut b)
+Line ContentBetween(const Line& line, Cut a, Cut b)
 {
-    const auto openBefore = openMarks(line, a.mark);
-    const auto openBehind = openMarks(line, b.mark);
-    const std::size_t shared = sharedDepth(line, a.mark, b.mark, openBefore.size());
+    const auto openBefore = OpenMarks(line, a.mark);
+    const auto openBehind = OpenMarks(line, b.mark);
+    const std::size_t shared = SharedDepth(line, a.mark, b.mark, openBefore.size());
 
     LineComposer composer(line.block);
     for (std::size_t i = shared; i < openBefore.size(); ++i)
@@ -235,7 +235,7 @@ Line contentBetween(const Line& line, Cut a, Cut b)
     return composer.take();
 }
 
-bool isTooDeep(const Line& line)
+bool IsTooDeep(const Line& line)
 {
     if (line.marks.size() <= 2 * MaxInlineDepth)
         return false;
@@ -246,7 +246,7 @@ bool isTooDeep(const Line& line)
     });
 }
 
-Line withinDepth(const Line& line)
+Line WithinDepth(const Line& line)
 {
     Line result{line.block, line.text, {}};
     std::size_t depth = 0;
@@ -258,16 +258,16 @@ Line withinDepth(const Line& line)
     return result;
 }
 
-Line wrapContent(const Line& line, int from, int to, TagId tag)
+Line WrapContent(const Line& line, int from, int to, TagId tag)
 {
-    const Cut a = rangeStartCut(line, from);
-    const Cut b = rangeEndCut(line, to);
+    const Cut a = RangeStartCut(line, from);
+    const Cut b = RangeEndCut(line, to);
     Line result{line.block, line.text, {}};
     result.marks.reserve(line.marks.size() + 2);
-    const auto openBefore = openMarks(line, a.mark).size();
-    const auto openBehind = openMarks(line, b.mark).size();
+    const auto openBefore = OpenMarks(line, a.mark).size();
+    const auto openBehind = OpenMarks(line, b.mark).size();
     const bool whole
-        = openBefore == openBehind && sharedDepth(line, a.mark, b.mark, openBefore) == openBefore;
+        = openBefore == openBehind && SharedDepth(line, a.mark, b.mark, openBefore) == openBefore;
 
     result.marks.assign(line.marks.begin(), line.marks.begin() + std::ptrdiff_t(a.mark));
     result.marks.push_back(Mark::opening(from, tag));

@@ -11,14 +11,14 @@ namespace vmk {
 /// Returns the cut at which text typed at an offset is inserted: in the element that ends there, because a
 /// caret after a word continues that word; at the start of a line, in the element that begins there; or in an
 /// empty element at the offset (but not in an anchor).
-[[nodiscard]] Cut insertionCut(const TagTable& tags, const Line& line, int offset);
+[[nodiscard]] Cut InsertionCut(const TagTable& tags, const Line& line, int offset);
 /// Returns the cut before the first character of a range that begins there: after all tags at the offset.
-[[nodiscard]] Cut rangeStartCut(const Line& line, int offset);
+[[nodiscard]] Cut RangeStartCut(const Line& line, int offset);
 /// Returns the cut after the last character of a range that ends there: before all tags at the offset.
-[[nodiscard]] Cut rangeEndCut(const Line& line, int offset);
+[[nodiscard]] Cut RangeEndCut(const Line& line, int offset);
 
 /// Returns the in-line elements that are open at a cut, outermost first.
-[[nodiscard]] std::vector<TagId> elementsAt(const Line& line, Cut cut);
+[[nodiscard]] std::vector<TagId> ElementsAt(const Line& line, Cut cut);
 
 /// The treatment of in-line elements that an edit leaves without text.
 enum class EmptyElements
@@ -36,21 +36,21 @@ enum class EmptyElements
 /// \param emptyElements  applies to elements around the whole replaced text
 /// \return as many lines as `content` has. Elements around all of the replaced text continue around the
 ///         content; others end before it or begin after it.
-[[nodiscard]] std::vector<Line> replaceContent(const Line& first, Cut a, const Line& last, Cut b,
-                                               const std::vector<Line>& content, TagId nextBlock,
-                                               EmptyElements emptyElements);
+[[nodiscard]] std::vector<Line> ReplaceLineContent(const Line& first, Cut a, const Line& last, Cut b,
+                                                   const std::vector<Line>& content, TagId nextBlock,
+                                                   EmptyElements emptyElements);
 
 /// Returns the content between two cuts of a line as a separate line. Elements that extend over a cut are
 /// closed there; elements around both cuts are omitted.
-[[nodiscard]] Line contentBetween(const Line& line, Cut a, Cut b);
+[[nodiscard]] Line ContentBetween(const Line& line, Cut a, Cut b);
 
 /// Returns true if in-line elements in the line nest deeper than `MaxInlineDepth`.
-[[nodiscard]] bool isTooDeep(const Line& line);
+[[nodiscard]] bool IsTooDeep(const Line& line);
 /// Returns the line without the elements that are too deep.
-[[nodiscard]] Line withinDepth(const Line& line);
+[[nodiscard]] Line WithinDepth(const Line& line);
 
 /// Puts an element around the content between two offsets: one element if it splits no other, otherwise one
 /// around each piece.
-[[nodiscard]] Line wrapContent(const Line& line, int from, int to, TagId tag);
+[[nodiscard]] Line WrapContent(const Line& line, int from, int to, TagId tag);
 
 } // namespace vmk

@@ -19,14 +19,14 @@ struct AttributePlace
 };
 
 /// Reads the next attribute from `at` on; returns false at the end of the text.
-bool nextAttribute(QStringView text, qsizetype at, AttributePlace& place)
+bool NextAttribute(QStringView text, qsizetype at, AttributePlace& place)
 {
     const auto skip = [&text](qsizetype from, auto&& accept) {
         while (from < text.size() && accept(text[from]))
             ++from;
         return from;
     };
-    const auto isBlank = [](QChar c) { return isHtmlSpace(c.unicode()); };
+    const auto isBlank = [](QChar c) { return IsHtmlSpace(c.unicode()); };
 
     place.nameStart = skip(at, [&](QChar c) { return isBlank(c) || c == u'/'; });
     if (place.nameStart >= text.size())
@@ -52,7 +52,7 @@ bool nextAttribute(QStringView text, qsizetype at, AttributePlace& place)
 }
 
 /// A value as browsers write it: in quotes unless it is one plain word.
-QString quotedValue(const QString& value)
+QString QuotedValue(const QString& value)
 {
     const auto isPlain = [](QChar c) {
         return c.unicode() < 0x80
@@ -67,21 +67,21 @@ QString quotedValue(const QString& value)
     return u'"' + escaped + u'"';
 }
 
-QStringView withoutOuterSpace(QStringView text)
+QStringView WithoutOuterSpace(QStringView text)
 {
-    while (!text.isEmpty() && isHtmlSpace(text.front().unicode()))
+    while (!text.isEmpty() && IsHtmlSpace(text.front().unicode()))
         text = text.sliced(1);
-    while (!text.isEmpty() && isHtmlSpace(text.back().unicode()))
+    while (!text.isEmpty() && IsHtmlSpace(text.back().unicode()))
         text.chop(1);
     return text;
 }
 
 /// Closes a quote that the attribute text leaves open, so that it cannot hide the text after the tag.
-void closeLastQuote(QString& attributes)
+void CloseLastQuote(QString& attributes)
 {
     qsizetype i = 0;
     while ((i = attributes.indexOf(u'=', i)) >= 0) {
-        for (++i; i < attributes.size() && isHtmlSpace(attributes[i].unicode());)
+        for (++i; i < attributes.size() && IsHtmlSpace(attributes[i].unicode());)
             ++i;
         if (i >= attributes.size() || (attributes[i] != u'"' && attributes[i] != u'\''))
             continue;
@@ -93,36 +93,36 @@ void closeLastQuote(QString& attributes)
 }
 
 /// Adds an empty value if the last attribute ends with `=`: otherwise appended text would become its value.
-void completeLastValue(QString& attributes)
+void CompleteLastValue(QString& attributes)
 {
     if (!attributes.endsWith(u'='))
         return;
     AttributePlace last;
-    for (AttributePlace place; nextAttribute(attributes, place.end, place);)
+    for (AttributePlace place; NextAttribute(attributes, place.end, place);)
         last = place;
     if (last.valueStart > last.nameEnd && last.valueStart == attributes.size())
         attributes += QStringLiteral("\"\"");
 }
 
 /// The canonical attribute text, which reads back as itself; see `intern`.
-QString canonicalAttributes(QStringView written)
+QString CanonicalAttributes(QStringView written)
 {
-    QString text = withoutOuterSpace(written).toString();
+    QString text = WithoutOuterSpace(written).toString();
     text.replace(u'<', QStringLiteral("&lt;")).replace(u'>', QStringLiteral("&gt;"));
     text.replace(u'\r', u' ').replace(u'\n', u' ');
-    closeLastQuote(text);
+    CloseLastQuote(text);
     // The slash of `<BR/>`, but not one that ends an unquoted address; repeated if another one is found.
     const auto endsInSlash = [&text] {
         return text == u"/" || text.endsWith(QStringLiteral(" /")) || text.endsWith(QStringLiteral("\"/"));
     };
     while (endsInSlash())
-        text = withoutOuterSpace(QStringView(text).chopped(1)).toString();
-    completeLastValue(text);
+        text = WithoutOuterSpace(QStringView(text).chopped(1)).toString();
+    CompleteLastValue(text);
     return text;
 }
 
 /// In HTML names only the letters A to Z have a case. Brackets become references as in attributes.
-QString canonicalName(QStringView written)
+QString CanonicalName(QStringView written)
 {
     QString name = written.toString();
     name.replace(u'<', QStringLiteral("&LT;")).replace(u'>', QStringLiteral("&GT;"));
@@ -134,7 +134,7 @@ QString canonicalName(QStringView written)
 }
 
 /// Names never contain a blank, so that the pair is unambiguous.
-QString keyOf(QStringView name, QStringView attributes)
+QString KeyOf(QStringView name, QStringView attributes)
 {
     QString key;
     key.reserve(name.size() + 1 + attributes.size());
@@ -142,9 +142,9 @@ QString keyOf(QStringView name, QStringView attributes)
     return key;
 }
 
-bool findAttribute(QStringView attributes, QStringView name, AttributePlace& place)
+bool FindAttribute(QStringView attributes, QStringView name, AttributePlace& place)
 {
-    for (qsizetype at = 0; nextAttribute(attributes, at, place); at = place.end) {
+    for (qsizetype at = 0; NextAttribute(attributes, at, place); at = place.end) {
         const QStringView found = attributes.sliced(place.nameStart, place.nameEnd - place.nameStart);
         if (found.compare(name, Qt::CaseInsensitive) == 0)
             return true;
@@ -157,12 +157,12 @@ bool findAttribute(QStringView attributes, QStringView name, AttributePlace& pla
 QString Tag::value(QStringView attribute) const
 {
     AttributePlace place;
-    if (!findAttribute(attributes, attribute, place))
+    if (!FindAttribute(attributes, attribute, place))
         return {};
     const QStringView raw
         = QStringView(attributes).sliced(place.valueStart, place.valueEnd - place.valueStart);
     // An attribute that exists but is empty is an empty string, not a null string.
-    return raw.isEmpty() ? QStringLiteral("") : resolveReferences(raw);
+    return raw.isEmpty() ? QStringLiteral("") : ResolveReferences(raw);
 }
 
 QString Tag::startTag() const
@@ -206,14 +206,14 @@ TagTable::~TagTable() = default;
 
 TagId TagTable::intern(QStringView name, QStringView attributes)
 {
-    const QString asGiven = keyOf(name, attributes);
+    const QString asGiven = KeyOf(name, attributes);
     if (const auto known = numbers.constFind(asGiven); known != numbers.cend())
         return *known;
 
     auto tag = std::make_unique<Tag>();
-    tag->name = canonicalName(name);
-    tag->attributes = canonicalAttributes(attributes);
-    const QString key = keyOf(tag->name, tag->attributes);
+    tag->name = CanonicalName(name);
+    tag->attributes = CanonicalAttributes(attributes);
+    const QString key = KeyOf(tag->name, tag->attributes);
     if (const auto known = numbers.constFind(key); known != numbers.cend()) {
         const TagId number = *known;
         numbers.insert(asGiven, number);
@@ -235,14 +235,14 @@ TagId TagTable::withAttribute(TagId id, QStringView attribute, const QString& va
     const Tag& tag = *tags[id];
     QString written;
     if (!value.isNull())
-        written = attribute.toString() + u'=' + quotedValue(value);
+        written = attribute.toString() + u'=' + QuotedValue(value);
 
     QString attributes = tag.attributes;
     AttributePlace place;
     if (value.isNull()) {
-        while (findAttribute(attributes, attribute, place))
+        while (FindAttribute(attributes, attribute, place))
             attributes.remove(place.nameStart, place.end - place.nameStart);
-    } else if (findAttribute(attributes, attribute, place)) {
+    } else if (FindAttribute(attributes, attribute, place)) {
         attributes.replace(place.nameStart, place.end - place.nameStart, written);
     } else {
         attributes += u' ' + written;

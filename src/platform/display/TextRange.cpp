@@ -13,34 +13,23 @@ namespace vmk {
 
 namespace {
 
-bool isName(QStringView given, QStringView name)
+bool IsName(QStringView given, QStringView name)
 {
     return given.compare(name, Qt::CaseInsensitive) == 0;
 }
 
-/// The end points that `how` names; `known` is false for any other text.
-struct EndPoints
+bool IsOwnStart(EndPoints how)
 {
-    bool known = false;
-    bool ownStart = false;
-    bool otherStart = false;
-};
+    return how == EndPoints::StartToStart || how == EndPoints::StartToEnd;
+}
 
-EndPoints endPoints(QStringView how)
+bool IsOtherStart(EndPoints how)
 {
-    if (isName(how, u"StartToStart"))
-        return {true, true, true};
-    if (isName(how, u"StartToEnd"))
-        return {true, true, false};
-    if (isName(how, u"EndToStart"))
-        return {true, false, true};
-    if (isName(how, u"EndToEnd"))
-        return {true, false, false};
-    return {};
+    return how == EndPoints::StartToStart || how == EndPoints::EndToStart;
 }
 
 /// Moves by characters, and through a surrogate pair in the direction of the move.
-Position movedByCharacters(const DisplayDocument& document, Position place, int count)
+Position MovedByCharacters(const DisplayDocument& document, Position place, int count)
 {
     // Short distances are walked, long ones looked up.
     constexpr int ShortWay = 256;
@@ -53,9 +42,9 @@ Position movedByCharacters(const DisplayDocument& document, Position place, int 
     else if (count == -1 && place.line > 0)
         target = {place.line - 1, int(document.line(place.line - 1).text.size())};
     else if (std::abs(qint64(count)) <= ShortWay && count > 0 && place.line + 1 < document.lineCount())
-        return movedByCharacters(document, {place.line + 1, 0}, count - (length - place.offset) - 1);
+        return MovedByCharacters(document, {place.line + 1, 0}, count - (length - place.offset) - 1);
     else if (std::abs(qint64(count)) <= ShortWay && count < 0 && place.line > 0)
-        return movedByCharacters(document, {place.line - 1, int(document.line(place.line - 1).text.size())},
+        return MovedByCharacters(document, {place.line - 1, int(document.line(place.line - 1).text.size())},
                                  count + place.offset + 1);
     else
         target = document.positionAt(document.characterIndex(place) + count);
@@ -66,11 +55,11 @@ Position movedByCharacters(const DisplayDocument& document, Position place, int 
 }
 
 /// The number of characters between two positions, negative if the second one is first.
-int distance(const DisplayDocument& document, Position from, Position to)
+int Distance(const DisplayDocument& document, Position from, Position to)
 {
     constexpr int NearbyLines = 64;
     if (to < from)
-        return -distance(document, to, from);
+        return -Distance(document, to, from);
     if (to.line - from.line > NearbyLines)
         return int(document.characterIndex(to) - document.characterIndex(from));
     qsizetype length = to.offset - from.offset;
@@ -163,19 +152,19 @@ QString TextRange::htmlText() const
     if (first.line == last.line) {
         const Line& line = document->line(first.line);
         const Line piece
-            = contentBetween(line, rangeStartCut(line, first.offset), rangeEndCut(line, last.offset));
-        writeContent(html, document->tags(), piece);
+            = ContentBetween(line, RangeStartCut(line, first.offset), RangeEndCut(line, last.offset));
+        WriteContent(html, document->tags(), piece);
         return html;
     }
     for (int i = first.line; i <= last.line; ++i) {
         const Line& line = document->line(i);
         const Cut lineEnd{int(line.text.size()), line.marks.size()};
-        const Cut from = i == first.line && first.offset > 0 ? rangeStartCut(line, first.offset) : Cut();
+        const Cut from = i == first.line && first.offset > 0 ? RangeStartCut(line, first.offset) : Cut();
         const Cut to
-            = i == last.line && last.offset < line.text.size() ? rangeEndCut(line, last.offset) : lineEnd;
+            = i == last.line && last.offset < line.text.size() ? RangeEndCut(line, last.offset) : lineEnd;
         if (i > first.line)
             html += u"\r\n";
-        writeLine(html, document->tags(), contentBetween(line, from, to));
+        WriteLine(html, document->tags(), ContentBetween(line, from, to));
     }
     return html;
 }
@@ -192,9 +181,9 @@ bool TextRange::execCommand(QStringView command, bool, const QString& value)
         return false;
     const TagId font = document->tags().intern(u"FONT", {});
     TagId tag = NoTag;
-    if (isName(command, u"BackColor"))
+    if (IsName(command, u"BackColor"))
         tag = document->tags().withAttribute(font, u"style", QStringLiteral("BACKGROUND-COLOR: ") + value);
-    else if (isName(command, u"ForeColor"))
+    else if (IsName(command, u"ForeColor"))
         tag = document->tags().withAttribute(font, u"color", value);
     if (tag == NoTag)
         return false;
@@ -208,43 +197,48 @@ bool TextRange::touchesElement(QStringView name) const
         return false;
     const Line& line = document->line(first.line);
     const auto isOpenAt = [&](Cut cut) {
-        const std::vector<TagId> open = elementsAt(line, cut);
+        const std::vector<TagId> open = ElementsAt(line, cut);
         return std::any_of(open.begin(), open.end(),
-                           [&](TagId tag) { return isName(document->tags()[tag].name, name); });
+                           [&](TagId tag) { return IsName(document->tags()[tag].name, name); });
     };
-    const Cut from = rangeStartCut(line, first.offset);
-    const Cut to = rangeEndCut(line, last.offset);
+    const Cut from = RangeStartCut(line, first.offset);
+    const Cut to = RangeEndCut(line, last.offset);
     return isEmpty() ? isOpenAt(from) || isOpenAt(to) : isOpenAt(from) && isOpenAt(to);
 }
 
 // ---------------------------------------------------------------- movement
 
-Position TextRange::movedBy(QStringView unit, Position place, int count, int& moved) const
+Position TextRange::movedBy(TextUnit unit, Position place, int count, int& moved) const
 {
     moved = 0;
     Position target = place;
-    if (isName(unit, u"character")) {
-        target = movedByCharacters(*document, place, count);
+    switch (unit) {
+    case TextUnit::Character:
+        target = MovedByCharacters(*document, place, count);
         if (target != place)
-            moved = distance(*document, place, target);
-    } else if (isName(unit, u"textedit")) {
+            moved = Distance(*document, place, target);
+        break;
+    case TextUnit::Textedit:
         target = count == 0 ? place : count < 0 ? Position() : document->end();
         moved = target == place ? 0 : count < 0 ? -1 : 1;
-    } else if (isName(unit, u"word")) {
+        break;
+    case TextUnit::Word: {
         const int step = count < 0 ? -1 : 1;
         while (moved != count) {
             const Position next
-                = step > 0 ? nextWordStart(*document, target) : previousWordStart(*document, target);
+                = step > 0 ? NextWordStart(*document, target) : PreviousWordStart(*document, target);
             if (next == target)
                 break;
             target = next;
             moved += step;
         }
+        break;
+    }
     }
     return target;
 }
 
-int TextRange::moveStart(QStringView unit, int count)
+int TextRange::moveStart(TextUnit unit, int count)
 {
     int moved = 0;
     if (document)
@@ -253,7 +247,7 @@ int TextRange::moveStart(QStringView unit, int count)
     return moved;
 }
 
-int TextRange::moveEnd(QStringView unit, int count)
+int TextRange::moveEnd(TextUnit unit, int count)
 {
     int moved = 0;
     if (document)
@@ -262,7 +256,7 @@ int TextRange::moveEnd(QStringView unit, int count)
     return moved;
 }
 
-int TextRange::move(QStringView unit, int count)
+int TextRange::move(TextUnit unit, int count)
 {
     collapse(true);
     int moved = 0;
@@ -279,20 +273,25 @@ void TextRange::collapse(bool toStart)
         first = last;
 }
 
-bool TextRange::expand(QStringView unit)
+bool TextRange::expand(TextUnit unit)
 {
     if (!document)
         return false;
     const Position oldFirst = first;
     const Position oldLast = last;
-    if (isName(unit, u"textedit")) {
+    switch (unit) {
+    case TextUnit::Textedit:
         first = {};
         last = document->end();
-    } else if (isName(unit, u"character") && isEmpty()) {
-        moveEnd(unit, 1);
-    } else if (isName(unit, u"word")) {
-        first = wordStartAt(*document, first);
-        last = wordEndAt(*document, last, isEmpty());
+        break;
+    case TextUnit::Character:
+        if (isEmpty())
+            moveEnd(unit, 1);
+        break;
+    case TextUnit::Word:
+        first = WordStartAt(*document, first);
+        last = WordEndAt(*document, last, isEmpty());
+        break;
     }
     return first != oldFirst || last != oldLast;
 }
@@ -319,13 +318,12 @@ void TextRange::select() const
 
 // ---------------------------------------------------------------- other ranges
 
-void TextRange::setEndPoint(QStringView how, const TextRange& other)
+void TextRange::setEndPoint(EndPoints how, const TextRange& other)
 {
-    const EndPoints ends = endPoints(how);
-    if (!ends.known || !document || other.document != document)
+    if (!document || other.document != document)
         return;
-    const Position target = ends.otherStart ? other.first : other.last;
-    if (ends.ownStart) {
+    const Position target = IsOtherStart(how) ? other.first : other.last;
+    if (IsOwnStart(how)) {
         first = target;
         last = std::max(first, last);
     } else {
@@ -334,13 +332,10 @@ void TextRange::setEndPoint(QStringView how, const TextRange& other)
     }
 }
 
-int TextRange::compareEndPoints(QStringView how, const TextRange& other) const
+int TextRange::compareEndPoints(EndPoints how, const TextRange& other) const
 {
-    const EndPoints ends = endPoints(how);
-    if (!ends.known)
-        return 0;
-    const Position own = ends.ownStart ? first : last;
-    const Position others = ends.otherStart ? other.first : other.last;
+    const Position own = IsOwnStart(how) ? first : last;
+    const Position others = IsOtherStart(how) ? other.first : other.last;
     return own < others ? -1 : own > others ? 1 : 0;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DisplayDocument.h"
+#include "TextNames.h"
 
 #include <QRect>
 #include <QString>
@@ -15,11 +16,8 @@ class DisplayElement;
 /// A copy is a separate range (`duplicate`). A range whose document is deleted behaves like an empty range
 /// and changes nothing.
 ///
-/// Units of movement: "character" (a line break is one; a position inside a surrogate pair is skipped),
-/// "word" (letters and digits, or other signs, with the blanks after them; a line break is one), and
-/// "textedit" (the whole document). `how` of the end points: "StartToStart", "StartToEnd" (this range's
-/// start, the other's end), "EndToStart", "EndToEnd". Names are accepted in any case; unknown ones do
-/// nothing.
+/// Units of movement and end points (this range's, then the other's) are in `TextNames.h`; a literal name
+/// such as `u"character"` is accepted too.
 class TextRange
 {
 public:
@@ -64,14 +62,14 @@ public:
     /// \param count  the number of units, negative towards the start of the document
     /// \return the number of units moved, negative for backwards. In characters, a surrogate pair counts as
     ///         two.
-    int moveStart(QStringView unit, int count = 1);
-    int moveEnd(QStringView unit, int count = 1);
+    int moveStart(TextUnit unit, int count = 1);
+    int moveEnd(TextUnit unit, int count = 1);
     /// Collapses to the start, then moves that position.
-    int move(QStringView unit, int count = 1);
+    int move(TextUnit unit, int count = 1);
     void collapse(bool toStart = true);
-    /// Extends to whole units: "character" (an empty range takes the next one), "word", "textedit".
+    /// Extends to whole units; an empty range takes the next character.
     /// \return true if the range changed
-    bool expand(QStringView unit);
+    bool expand(TextUnit unit);
     /// Moves to the content of an element; for a line, without its line break.
     void moveToElementText(const DisplayElement& element);
     /// Moves to the position nearest to a client point. Requires a view.
@@ -82,12 +80,24 @@ public:
     // ---- other ranges
 
     [[nodiscard]] TextRange duplicate() const { return *this; }
-    void setEndPoint(QStringView how, const TextRange& other);
+    void setEndPoint(EndPoints how, const TextRange& other);
     /// Returns -1, 0 or 1 if this range's point is before, at or after the other's.
-    [[nodiscard]] int compareEndPoints(QStringView how, const TextRange& other) const;
+    [[nodiscard]] int compareEndPoints(EndPoints how, const TextRange& other) const;
     [[nodiscard]] bool isEqual(const TextRange& other) const;
     /// Returns true if the other range is within this one.
     [[nodiscard]] bool inRange(const TextRange& other) const;
+
+    // ---- the same by name
+
+    int moveStart(TextUnitName name, int count = 1) { return moveStart(name.unit, count); }
+    int moveEnd(TextUnitName name, int count = 1) { return moveEnd(name.unit, count); }
+    int move(TextUnitName name, int count = 1) { return move(name.unit, count); }
+    bool expand(TextUnitName name) { return expand(name.unit); }
+    void setEndPoint(EndPointsName name, const TextRange& other) { setEndPoint(name.ends, other); }
+    [[nodiscard]] int compareEndPoints(EndPointsName name, const TextRange& other) const
+    {
+        return compareEndPoints(name.ends, other);
+    }
 
     // ---- search
 
@@ -122,7 +132,7 @@ private:
 
     void attach(DisplayDocument* newDocument);
     [[nodiscard]] QRect boundingRect() const;
-    [[nodiscard]] Position movedBy(QStringView unit, Position place, int count, int& moved) const;
+    [[nodiscard]] Position movedBy(TextUnit unit, Position place, int count, int& moved) const;
 
     DisplayDocument* document = nullptr;
     std::size_t registration = 0; ///< The index in the document's list of live ranges.

@@ -13,7 +13,7 @@ constexpr char16_t Nbsp = 0xA0;
 constexpr char16_t VisibleNbsp = 0x7F;
 
 /// The common form of both cases; one code unit for each code unit.
-char16_t folded(char16_t c)
+char16_t Folded(char16_t c)
 {
     if (c < 0x80)
         return c >= u'A' && c <= u'Z' ? char16_t(c + 32) : c;
@@ -21,7 +21,7 @@ char16_t folded(char16_t c)
 }
 
 /// Splits at CrLf, CR and LF.
-std::vector<QString> splitAtBreaks(const QString& text)
+std::vector<QString> SplitAtBreaks(const QString& text)
 {
     std::vector<QString> pieces(1);
     for (qsizetype i = 0; i < text.size(); ++i) {
@@ -36,7 +36,7 @@ std::vector<QString> splitAtBreaks(const QString& text)
     return pieces;
 }
 
-bool splitsPair(const QString& text, int offset)
+bool SplitsPair(const QString& text, int offset)
 {
     return offset > 0 && offset < text.size() && text[offset].isLowSurrogate()
         && text[offset - 1].isHighSurrogate();
@@ -45,7 +45,7 @@ bool splitsPair(const QString& text, int offset)
 } // namespace
 
 TextSearch::TextSearch(const QString& sought, bool caseMatters, bool wholeWordsOnly, bool marksMatch)
-    : pieces(splitAtBreaks(sought))
+    : pieces(SplitAtBreaks(sought))
     , matchCase(caseMatters)
     , wholeWord(wholeWordsOnly)
     , nbspMarks(marksMatch && sought.contains(QChar(Nbsp)))
@@ -64,7 +64,7 @@ char16_t TextSearch::key(char16_t c) const
 {
     if (nbspMarks && c == VisibleNbsp)
         return Nbsp;
-    return matchCase ? c : folded(c);
+    return matchCase ? c : Folded(c);
 }
 
 bool TextSearch::equalAt(const QString& text, int offset, const QString& piece) const
@@ -133,12 +133,12 @@ bool TextSearch::standsAlone(const DisplayDocument& document, const Hit& hit) co
     const auto& [from, to] = hit;
     const QString& before = document.line(from.line).text;
     const QString& behind = document.line(to.line).text;
-    if (splitsPair(before, from.offset) || splitsPair(behind, to.offset))
+    if (SplitsPair(before, from.offset) || SplitsPair(behind, to.offset))
         return false;
     if (!wholeWord)
         return true;
-    const bool wordBefore = from.offset > 0 && isWordCharacter(before[from.offset - 1]);
-    const bool wordBehind = to.offset < behind.size() && isWordCharacter(behind[to.offset]);
+    const bool wordBefore = from.offset > 0 && IsWordCharacter(before[from.offset - 1]);
+    const bool wordBehind = to.offset < behind.size() && IsWordCharacter(behind[to.offset]);
     return !wordBefore && !wordBehind;
 }
 

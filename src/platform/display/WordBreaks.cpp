@@ -1,5 +1,7 @@
 #include "WordBreaks.h"
 
+#include <algorithm>
+
 namespace vmk {
 
 namespace {
@@ -11,42 +13,42 @@ enum class Sort
     Sign
 };
 
-Sort sortOf(QChar c)
+Sort SortOf(QChar c)
 {
     if (c.isSpace())
         return Sort::Blank;
-    return isWordCharacter(c) ? Sort::Letter : Sort::Sign;
+    return IsWordCharacter(c) ? Sort::Letter : Sort::Sign;
 }
 
 /// True if a word begins before the character at `offset`, or the text ends there.
-bool isWordStart(const QString& text, int offset)
+bool IsWordStart(const QString& text, int offset)
 {
     if (offset <= 0 || offset >= text.size())
         return true;
-    const Sort here = sortOf(text[offset]);
-    return here != Sort::Blank && here != sortOf(text[offset - 1]);
+    const Sort here = SortOf(text[offset]);
+    return here != Sort::Blank && here != SortOf(text[offset - 1]);
 }
 
 } // namespace
 
-bool isWordCharacter(QChar c)
+bool IsWordCharacter(QChar c)
 {
     // Halves of a pair count as letters: most characters outside the basic plane belong to scripts.
     return c.isLetterOrNumber() || c.isMark() || c == u'_' || c == QChar(0xAD) || c.isSurrogate();
 }
 
-Position nextWordStart(const DisplayDocument& document, Position place)
+Position NextWordStart(const DisplayDocument& document, Position place)
 {
     const QString& text = document.line(place.line).text;
     if (place.offset >= text.size())
         return place.line + 1 < document.lineCount() ? Position{place.line + 1, 0} : place;
     do
         ++place.offset;
-    while (!isWordStart(text, place.offset));
+    while (!IsWordStart(text, place.offset));
     return place;
 }
 
-Position previousWordStart(const DisplayDocument& document, Position place)
+Position PreviousWordStart(const DisplayDocument& document, Position place)
 {
     if (place.offset <= 0) {
         if (place.line == 0)
@@ -56,23 +58,41 @@ Position previousWordStart(const DisplayDocument& document, Position place)
     const QString& text = document.line(place.line).text;
     do
         --place.offset;
-    while (!isWordStart(text, place.offset));
+    while (!IsWordStart(text, place.offset));
     return place;
 }
 
-Position wordStartAt(const DisplayDocument& document, Position place)
+Position WordStartAt(const DisplayDocument& document, Position place)
 {
-    return isWordStart(document.line(place.line).text, place.offset) ? place
-                                                                     : previousWordStart(document, place);
+    return IsWordStart(document.line(place.line).text, place.offset) ? place
+                                                                     : PreviousWordStart(document, place);
 }
 
-Position wordEndAt(const DisplayDocument& document, Position place, bool next)
+Position WordEndAt(const DisplayDocument& document, Position place, bool next)
 {
     const QString& text = document.line(place.line).text;
-    const bool between = isWordStart(text, place.offset);
+    const bool between = IsWordStart(text, place.offset);
     if ((between && !next) || place.offset >= text.size())
         return place;
-    return nextWordStart(document, place);
+    return NextWordStart(document, place);
+}
+
+std::pair<Position, Position> WordAround(const DisplayDocument& document, Position place)
+{
+    const QString& text = document.line(place.line).text;
+    if (text.isEmpty())
+        return {place, place};
+    qsizetype at = std::min<qsizetype>(place.offset, text.size() - 1);
+    if (at > 0 && SortOf(text[at]) != Sort::Letter && SortOf(text[at - 1]) == Sort::Letter)
+        --at;
+    const Sort sort = SortOf(text[at]);
+    qsizetype from = at;
+    qsizetype to = at + 1;
+    while (from > 0 && SortOf(text[from - 1]) == sort)
+        --from;
+    while (to < text.size() && SortOf(text[to]) == sort)
+        ++to;
+    return {{place.line, int(from)}, {place.line, int(to)}};
 }
 
 } // namespace vmk

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <utility>
+#include <vector>
 
 namespace vmk {
 
@@ -49,6 +51,34 @@ public:
 private:
     Seam<Signature>& seam;
     typename Seam<Signature>::Function before;
+};
+
+/// Holds what it fills into any number of seams, and puts back what was there before when it is destroyed or
+/// asked to `release`: for a window that fills seams for as long as it exists.
+class SeamOwner
+{
+public:
+    SeamOwner() = default;
+    SeamOwner(const SeamOwner&) = delete;
+    SeamOwner& operator=(const SeamOwner&) = delete;
+    ~SeamOwner() { release(); }
+
+    template <typename Signature>
+    void fill(Seam<Signature>& seam, typename Seam<Signature>::Function function)
+    {
+        auto before = std::make_shared<typename Seam<Signature>::Function>(seam.Fill(std::move(function)));
+        restorers.emplace_back([&seam, before] { seam.Fill(std::move(*before)); });
+    }
+
+    /// Puts the earlier functions back, last filled first.
+    void release()
+    {
+        for (; !restorers.empty(); restorers.pop_back())
+            restorers.back()();
+    }
+
+private:
+    std::vector<std::function<void()>> restorers;
 };
 
 } // namespace vmk

@@ -1,5 +1,6 @@
 #include "AccessibleDisplay.h"
 
+#include "CommonEnds.h"
 #include "DisplayView.h"
 
 #include <QAccessible>
@@ -153,19 +154,19 @@ private:
     void select(int start, int end) { document().setSelection(placeOf(start), placeOf(end)); }
 };
 
-QAccessibleInterface* makeInterface(const QString&, QObject* object)
+QAccessibleInterface* MakeInterface(const QString&, QObject* object)
 {
     auto* const view = qobject_cast<DisplayView*>(object);
     return view ? new AccessibleDisplay(view) : nullptr;
 }
 
-AccessibleDisplay* interfaceOf(DisplayView& view)
+AccessibleDisplay* InterfaceOf(DisplayView& view)
 {
     return dynamic_cast<AccessibleDisplay*>(QAccessible::queryAccessibleInterface(&view));
 }
 
 /// The text of lines, each with its line break.
-QString textOf(const std::vector<LinePtr>& lines)
+QString TextOf(const std::vector<LinePtr>& lines)
 {
     QString text;
     for (const LinePtr& line : lines)
@@ -178,7 +179,7 @@ QString textOf(const std::vector<LinePtr>& lines)
 void InstallAccessibleDisplay()
 {
     static const bool installed = [] {
-        QAccessible::installFactory(makeInterface);
+        QAccessible::installFactory(MakeInterface);
         return true;
     }();
     Q_UNUSED(installed);
@@ -186,21 +187,17 @@ void InstallAccessibleDisplay()
 
 CharacterChange ChangeBetween(const std::vector<LinePtr>& removed, const std::vector<LinePtr>& inserted)
 {
-    const QString before = textOf(removed);
-    const QString after = textOf(inserted);
-    const auto front
-        = std::mismatch(before.begin(), before.end(), after.begin(), after.end()).first - before.begin();
-    const QStringView oldRest = QStringView(before).sliced(front);
-    const QStringView newRest = QStringView(after).sliced(front);
-    const auto back = std::mismatch(oldRest.rbegin(), oldRest.rend(), newRest.rbegin(), newRest.rend()).first
-        - oldRest.rbegin();
-    return {int(front), oldRest.chopped(back).toString(), newRest.chopped(back).toString()};
+    const QString before = TextOf(removed);
+    const QString after = TextOf(inserted);
+    const std::ptrdiff_t front = CommonFront(before, after);
+    const std::ptrdiff_t back = CommonBack(before, after, front);
+    return {int(front), before.sliced(front).chopped(back), after.sliced(front).chopped(back)};
 }
 
 void ReportTextChange(DisplayView& view, int first, const std::vector<LinePtr>& removed,
                       const std::vector<LinePtr>& inserted)
 {
-    const AccessibleDisplay* display = interfaceOf(view);
+    const AccessibleDisplay* display = InterfaceOf(view);
     if (!display)
         return;
     const CharacterChange change = ChangeBetween(removed, inserted);
@@ -221,7 +218,7 @@ void ReportTextChange(DisplayView& view, int first, const std::vector<LinePtr>& 
 
 void ReportCaretMove(DisplayView& view)
 {
-    const AccessibleDisplay* display = interfaceOf(view);
+    const AccessibleDisplay* display = InterfaceOf(view);
     if (!display)
         return;
     QAccessibleTextCursorEvent caret(&view, display->cursorPosition());

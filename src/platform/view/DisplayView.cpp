@@ -23,8 +23,6 @@ namespace {
 
 /// One idle slice; the timer's next turn comes after all waiting input, which never is to wait for 10 ms.
 constexpr std::chrono::milliseconds IdleSlice(2);
-/// Laying out what is seen changes what is seen; it comes to rest after very few rounds.
-constexpr int PlacingRounds = 8;
 /// Pixels of one step of the wheel's third or the scroll bar's arrows.
 constexpr int ScrollStep = 20;
 constexpr int CaretWidth = 1;
@@ -36,6 +34,7 @@ constexpr int BoundingLines = 50;
 DisplayView::DisplayView(QWidget* parent)
     : QAbstractScrollArea(parent)
     , page(content)
+    , scroller(content, page, *this)
 {
     InstallAccessibleDisplay();
     setFocusPolicy(Qt::StrongFocus);
@@ -143,7 +142,7 @@ bool DisplayView::raise(const DisplayEvents::Handler& handler, DisplayEvent& eve
     return event.returnValue;
 }
 
-void DisplayView::raiseScroll()
+void DisplayView::pageScrolled()
 {
     DisplayEvent event = makeEvent("scroll"_L1, QGuiApplication::keyboardModifiers());
     raise(events.onscroll, event);
@@ -155,9 +154,8 @@ void DisplayView::linesChanged(int first, const std::vector<LinePtr>& removed,
                                const std::vector<LinePtr>& inserted)
 {
     page.linesChanged(first, int(removed.size()), int(inserted.size()));
-    moveAnchor(first, int(removed.size()), int(inserted.size()));
+    scroller.linesChanged(first, int(removed.size()), int(inserted.size()));
     knownSelection = content.selection();
-    unsettled = true;
     viewport()->update();
     if (QAccessible::isActive())
         ReportTextChange(*this, first, removed, inserted);
@@ -170,7 +168,7 @@ void DisplayView::selectionChanged()
     // makes comes into view.
     if (content.selection() != knownSelection) {
         knownSelection = content.selection();
-        revealPending = true;
+        scroller.reveal();
     }
     viewport()->update();
     showCaret();
@@ -181,123 +179,40 @@ void DisplayView::selectionChanged()
 
 void DisplayView::documentReset()
 {
-    top = 0;
-    anchor = {};
+    scroller.reset();
     rememberedX.reset();
-    revealPending = false;
     knownSelection = content.selection();
     resetPage();
     // The page's top margin is in view too.
-    anchor = page.anchorAt(top);
+    scroller.anchorHere();
 }
 
 void DisplayView::resetPage()
 {
     page.reset(clientWidth(), dotsPerInch());
-    if (anchor.place.line >= content.lineCount())
-        anchor = {};
-    unsettled = true;
+    scroller.layoutReset();
     viewport()->update();
 }
 
 // ---------------------------------------------------------------- where the page stands
 
-/// Makes good all that is outstanding: every question about places and every paint begins here.
+/// Does all that is outstanding: every question about positions and every paint begins here.
 void DisplayView::settle()
 {
-    if (settling)
-        return;
-    settling = true;
-    if (std::exchange(unsettled, false)) {
-        lostAnchor.reset();
-        holdAnchor();
-    }
-    if (std::exchange(revealPending, false))
-        revealNow(content.selection().focus);
-    settling = false;
-    if (!page.isMeasured() && !idleTimer.isActive() && isVisible())
+    if (scroller.settle() && !page.isMeasured() && !idleTimer.isActive() && isVisible())
         idleTimer.start(0, this);
 }
 
-/// Brings a height of the page to the view's top, as far as the page reaches, and lays out what is seen.
-void DisplayView::placePage(double wantedTop)
-{
-    const int before = top;
-    bool laidOut = false;
-    for (int round = 0; round < PlacingRounds; ++round) {
-        const auto lowest = std::max(0.0, double(page.height() - clientHeight()));
-        top = int(std::lround(std::clamp(wantedTop, 0.0, lowest)));
-        if (!page.prepare(top, top + clientHeight()))
-            break;
-        laidOut = true;
-    }
-    anchor = page.anchorAt(top);
-    updateScrollBar();
-    // Only what is seen counts: a paint asks where the caret is, and must not call for the next paint.
-    if (top != before || laidOut)
-        viewport()->update();
-}
-
-/// Moves what is seen by so many pixels. What comes into view above is measured first, so that no row
-/// jumps when its real height shows.
-void DisplayView::movePage(int distance)
-{
-    for (int round = 0; round < PlacingRounds && distance < 0; ++round) {
-        if (!page.prepare(top + distance, top))
-            break;
-        holdAnchor();
-    }
-    placePage(top + distance);
-}
-
-void DisplayView::holdAnchor()
-{
-    placePage(page.heightOf(anchor));
-}
-
-void DisplayView::updateScrollBar()
+void DisplayView::pagePlaced(bool changed)
 {
     movingScrollBar = true;
     QScrollBar* bar = verticalScrollBar();
     bar->setPageStep(clientHeight());
     bar->setRange(0, int(std::max<int64_t>(0, page.height() - clientHeight())));
-    bar->setValue(top);
+    bar->setValue(scroller.top());
     movingScrollBar = false;
-}
-
-void DisplayView::moveAnchor(int first, int removed, int inserted)
-{
-    Position& place = anchor.place;
-    const std::optional<LostAnchor> lost = std::exchange(lostAnchor, std::nullopt);
-    if (lost && lost->first == first && removed < inserted) {
-        // The lines that were taken out have come again, changed: what was in view stays there.
-        anchor = lost->anchor;
-    } else if (place.line >= first + removed) {
-        place.line += inserted - removed;
-    } else if (place.line >= first + inserted) {
-        lostAnchor = LostAnchor{first, anchor};
-        place = {std::max(0, first + inserted - 1), 0};
-    }
-    place = content.valid(place);
-}
-
-void DisplayView::revealNow(Position place)
-{
-    const int before = top;
-    for (int round = 0; round < PlacingRounds; ++round) {
-        const QRectF caret = page.caretRect(place);
-        holdAnchor();
-        double wanted = top;
-        if (caret.bottom() > wanted + clientHeight())
-            wanted = caret.bottom() - clientHeight();
-        if (caret.top() < wanted)
-            wanted = caret.top();
-        if (wanted == top)
-            break;
-        placePage(wanted);
-    }
-    if (top != before)
-        raiseScroll();
+    if (changed)
+        viewport()->update();
 }
 
 QRect DisplayView::toClient(const QRectF& pageRect) const
@@ -305,7 +220,7 @@ QRect DisplayView::toClient(const QRectF& pageRect) const
     // Whole pixels around it; a caret stays without width.
     const int left = int(std::floor(pageRect.left()));
     const int width = pageRect.width() > 0 ? int(std::ceil(pageRect.right())) - left : 0;
-    return {left, int(pageRect.top()) - top, width, int(pageRect.height())};
+    return {left, int(pageRect.top()) - scroller.top(), width, int(pageRect.height())};
 }
 
 double DisplayView::dotsPerInch() const
@@ -316,7 +231,7 @@ double DisplayView::dotsPerInch() const
 int DisplayView::scrollTop()
 {
     settle();
-    return top;
+    return scroller.top();
 }
 
 int DisplayView::scrollHeight()
@@ -338,26 +253,20 @@ int DisplayView::clientHeight() const
 void DisplayView::scroll(int, int y)
 {
     settle();
-    const int before = top;
-    placePage(y);
-    if (top != before)
-        raiseScroll();
+    scroller.scrollTo(y);
 }
 
 void DisplayView::scrollBy(int, int y)
 {
     settle();
-    const int before = top;
-    movePage(y);
-    if (top != before)
-        raiseScroll();
+    scroller.scrollBy(y);
 }
 
 int64_t DisplayView::rowNumber(Position place)
 {
     settle();
     const int64_t number = page.rowsAbove(content.valid(place)) + 1;
-    holdAnchor();
+    scroller.hold();
     return number;
 }
 
@@ -365,7 +274,7 @@ std::vector<QRect> DisplayView::clientRects(Position from, Position to)
 {
     settle();
     const std::vector<QRectF> rects = page.rects(content.valid(from), content.valid(to));
-    holdAnchor();
+    scroller.hold();
     std::vector<QRect> result;
     result.reserve(rects.size());
     for (const QRectF& rect : rects)
@@ -384,7 +293,7 @@ QRect DisplayView::boundingRect(Position from, Position to)
         const std::vector<QRectF> last = page.rects({to.line - BoundingLines, 0}, to);
         rects.insert(rects.end(), last.begin(), last.end());
     }
-    holdAnchor();
+    scroller.hold();
     if (rects.empty())
         return {};
     // Not `united`, which passes over rectangles without width.
@@ -402,7 +311,7 @@ Position DisplayView::positionAt(QPoint clientPoint)
 {
     settle();
     const Position place = page.positionAt(toPage(clientPoint));
-    holdAnchor();
+    scroller.hold();
     return place;
 }
 
@@ -417,6 +326,11 @@ int DisplayView::lineAt(QPoint clientPoint)
     return inside && content.line(line).block != NoTag ? line : -1;
 }
 
+bool DisplayView::isLaidOutInPieces(int line)
+{
+    return content.line(line).text.size() > LineLayout::LongLine;
+}
+
 QPoint DisplayView::scrollOffset()
 {
     return {scrollLeft(), scrollTop()};
@@ -425,11 +339,8 @@ QPoint DisplayView::scrollOffset()
 void DisplayView::scrollIntoView(Position place)
 {
     settle();
-    const int before = top;
     // What lies above the place does not matter; what comes below is laid out on the way.
-    placePage(page.caretRect(content.valid(place)).top());
-    if (top != before)
-        raiseScroll();
+    scroller.scrollTo(page.caretRect(content.valid(place)).top());
 }
 
 DisplayView::TextRun DisplayView::runAt(Position place)
@@ -449,7 +360,7 @@ QRect DisplayView::caretRect()
 {
     settle();
     const QRectF rect = page.caretRect(content.selection().focus);
-    holdAnchor();
+    scroller.hold();
     return toClient(rect);
 }
 
@@ -472,7 +383,7 @@ void DisplayView::resizeEvent(QResizeEvent*)
 {
     if (clientWidth() != int(page.width()))
         page.setWidth(clientWidth());
-    unsettled = true;
+    scroller.invalidate();
     settle();
     viewport()->update();
     // A browser raises this for the window and once more for its body; owners count on the pair.
@@ -494,15 +405,15 @@ void DisplayView::scrollContentsBy(int, int)
     if (movingScrollBar)
         return;
     const int wanted = verticalScrollBar()->value();
-    const int before = top;
+    const int before = scroller.top();
     settle();
     // The thumb names a place of the page; everything else a distance.
     if (verticalScrollBar()->isSliderDown())
-        placePage(wanted);
+        scroller.place(wanted);
     else
-        movePage(wanted - before);
-    if (top != before)
-        raiseScroll();
+        scroller.move(wanted - before);
+    if (scroller.top() != before)
+        pageScrolled();
 }
 
 void DisplayView::timerEvent(QTimerEvent* event)
@@ -514,10 +425,10 @@ void DisplayView::timerEvent(QTimerEvent* event)
         scrollWhileDragging();
     } else if (event->timerId() == idleTimer.timerId()) {
         settle();
-        const bool more = page.measureFor(IdleSlice, anchor.place.line);
-        if (const double height = page.heightOf(anchor); height != top)
-            holdAnchor();
-        updateScrollBar();
+        const bool more = page.measureFor(IdleSlice, scroller.anchor().place.line);
+        if (const double height = page.heightOf(scroller.anchor()); height != scroller.top())
+            scroller.hold();
+        pagePlaced(false);
         if (!more) {
             idleTimer.stop();
             Q_EMIT measured();
@@ -590,10 +501,10 @@ void DisplayView::paintEvent(QPaintEvent* event)
     QPainter painter(viewport());
     const QRect exposed = event->rect();
     painter.fillRect(exposed, page.style().background());
-    painter.translate(0, -top);
+    painter.translate(0, -scroller.top());
 
     PageLayout::Painting painting;
-    painting.area = QRectF(exposed).translated(0, top);
+    painting.area = QRectF(exposed).translated(0, scroller.top());
     painting.selectionStart = content.selection().start();
     painting.selectionEnd = content.selection().end();
     const QPalette::ColorGroup group = hasFocus() ? QPalette::Active : QPalette::Inactive;

@@ -4,6 +4,7 @@
 #include "DisplayEvents.h"
 #include "LayoutQuery.h"
 #include "PageLayout.h"
+#include "PageScroller.h"
 
 #include <QAbstractScrollArea>
 #include <QBasicTimer>
@@ -18,7 +19,10 @@ namespace vmk {
 /// events to its owner (`events`) and does what a browser's edit mode does with whatever the owner has not
 /// cancelled. Only what is seen is laid out at once; the rest of the page is measured in idle time, with
 /// the first visible row held in place.
-class DisplayView : public QAbstractScrollArea, private DisplayListener, private LayoutQuery
+class DisplayView : public QAbstractScrollArea,
+                    private DisplayListener,
+                    private LayoutQuery,
+                    private ScrollerView
 {
     Q_OBJECT
 
@@ -84,6 +88,7 @@ public:
     [[nodiscard]] QRect boundingRect(Position from, Position to) override;
     [[nodiscard]] Position positionAt(QPoint clientPoint) override;
     [[nodiscard]] int lineAt(QPoint clientPoint) override;
+    [[nodiscard]] bool isLaidOutInPieces(int line) override;
     [[nodiscard]] QPoint scrollOffset() override;
     void scrollTo(QPoint offset) override { scroll(offset.x(), offset.y()); }
     void scrollIntoView(Position place) override;
@@ -161,17 +166,18 @@ private:
     bool raiseMouse(const DisplayEvents::Handler& handler, QLatin1StringView type, const QMouseEvent& event);
     void completeNavigation();
 
+    // What the scroller asks for.
+    [[nodiscard]] int visibleHeight() const override { return clientHeight(); }
+    void pagePlaced(bool changed) override;
+    void pageScrolled() override;
+
     // Where the page stands.
     void settle();
-    void placePage(double wantedTop);
-    void movePage(int distance);
-    void holdAnchor();
-    void updateScrollBar();
-    void raiseScroll();
-    void moveAnchor(int first, int removed, int inserted);
     void reveal();
-    void revealNow(Position place);
-    [[nodiscard]] QPointF toPage(QPoint clientPoint) const { return clientPoint + QPointF(0, top); }
+    [[nodiscard]] QPointF toPage(QPoint clientPoint) const
+    {
+        return clientPoint + QPointF(0, scroller.top());
+    }
     [[nodiscard]] QRect toClient(const QRectF& pageRect) const;
     void resetPage();
     [[nodiscard]] double dotsPerInch() const;
@@ -186,9 +192,6 @@ private:
     void moveVertically(int direction, bool select);
     void moveByPage(int direction, bool select);
     void deleteTo(Position place);
-    [[nodiscard]] Position nextWord(Position place);
-    [[nodiscard]] Position previousWord(Position place);
-    [[nodiscard]] std::pair<Position, Position> wordAt(Position place) const;
 
     // Input methods.
     void takePreedit(const QInputMethodEvent& event);
@@ -206,6 +209,7 @@ private:
 
     DisplayDocument content;
     PageLayout page;
+    PageScroller scroller;
     DisplayEvent* current = nullptr;
 
     QString pageLocation;
@@ -213,21 +217,6 @@ private:
     bool loading = false;
     bool editable = false;
 
-    /// The first visible row: what the page is held by while heights change.
-    LayoutAnchor anchor;
-    /// The anchor in lines that have just been taken out, the first of them `first`.
-    struct LostAnchor
-    {
-        int first;
-        LayoutAnchor anchor;
-    };
-    std::optional<LostAnchor> lostAnchor;
-    /// The height of the page that stands at the view's top edge.
-    int top = 0;
-    /// Something has changed since the page was last placed.
-    bool unsettled = true;
-    bool settling = false;
-    bool revealPending = false;
     bool movingScrollBar = false;
 
     /// The selection as the last edit left it: one that differs was made by somebody, and is shown.

@@ -4,6 +4,7 @@
 
 #include "Desktop.h"
 #include "VirtualKeys.h"
+#include "WordBreaks.h"
 
 #include <QAccessible>
 #include <QGuiApplication>
@@ -25,23 +26,8 @@ constexpr int KeyScroll = 40;
 /// Characters around the caret that an input method is told.
 constexpr int SurroundingText = 2000;
 
-enum class CharKind
-{
-    Blank,
-    Word,
-    Other
-};
-
-CharKind kindOf(QChar c)
-{
-    if (c.isSpace())
-        return CharKind::Blank;
-    return c.isLetterOrNumber() || c.isMark() || c == u'_' || c.isSurrogate() ? CharKind::Word
-                                                                              : CharKind::Other;
-}
-
 /// The text that a key types, empty for a key that is a command.
-QString typedText(const QKeyEvent& event)
+QString TypedText(const QKeyEvent& event)
 {
     const Qt::KeyboardModifiers modifiers = event.modifiers();
     const bool control = modifiers.testFlag(Qt::ControlModifier);
@@ -100,7 +86,7 @@ void DisplayView::handleKey(const QKeyEvent& event, int keyCode)
         return;
     if (moveByKey(keyCode, modifiers) || editByKey(keyCode, modifiers))
         return;
-    if (const QString text = typedText(event); !text.isEmpty()) {
+    if (const QString text = TypedText(event); !text.isEmpty()) {
         rememberedX.reset();
         content.typeText(text);
         reveal();
@@ -147,13 +133,13 @@ bool DisplayView::moveByKey(int keyCode, Qt::KeyboardModifiers modifiers)
         if (!select && !control && !selection.isEmpty())
             moveCaret(selection.start(), false);
         else
-            moveCaret(control ? previousWord(caret) : page.previous(caret), select);
+            moveCaret(control ? PreviousWordStart(content, caret) : page.previous(caret), select);
         return true;
     case VirtualKey::Right:
         if (!select && !control && !selection.isEmpty())
             moveCaret(selection.end(), false);
         else
-            moveCaret(control ? nextWord(caret) : page.next(caret), select);
+            moveCaret(control ? NextWordStart(content, caret) : page.next(caret), select);
         return true;
     case VirtualKey::Up:
         moveVertically(-1, select);
@@ -188,13 +174,13 @@ bool DisplayView::editByKey(int keyCode, Qt::KeyboardModifiers modifiers)
         break;
     case VirtualKey::Backspace:
         if (control)
-            deleteTo(previousWord(caret));
+            deleteTo(PreviousWordStart(content, caret));
         else
             content.deleteBackward();
         break;
     case VirtualKey::Delete:
         if (control)
-            deleteTo(nextWord(caret));
+            deleteTo(NextWordStart(content, caret));
         else
             content.deleteForward();
         break;
@@ -236,7 +222,7 @@ bool DisplayView::scrollByKey(int keyCode, Qt::KeyboardModifiers)
 /// Shows the caret after an edit by key, wherever the edit has carried it.
 void DisplayView::reveal()
 {
-    revealPending = true;
+    scroller.reveal();
     viewport()->update();
 }
 
@@ -275,10 +261,7 @@ void DisplayView::moveByPage(int direction, bool select)
     const QRectF rect = page.caretRect(caret);
     const double x = rememberedX.value_or(rect.left());
     const int distance = direction * std::max(KeyScroll, clientHeight() - int(rect.height()));
-    const int before = top;
-    movePage(distance);
-    if (top != before)
-        raiseScroll();
+    scroller.scrollBy(distance);
     moveCaret(page.positionAt(QPointF(x, page.caretRect(caret).center().y() + distance)), select);
     rememberedX = x;
 }
@@ -288,57 +271,6 @@ void DisplayView::deleteTo(Position place)
     if (content.selection().isEmpty())
         content.setSelection(content.selection().focus, place);
     content.deleteSelection();
-}
-
-/// The beginning of the next word; the end of a line counts as one.
-Position DisplayView::nextWord(Position place)
-{
-    const QString& text = content.line(place.line).text;
-    if (place.offset >= text.size())
-        return page.next(place);
-    qsizetype at = place.offset;
-    const CharKind kind = kindOf(text[at]);
-    while (at < text.size() && kindOf(text[at]) == kind)
-        ++at;
-    while (at < text.size() && kindOf(text[at]) == CharKind::Blank)
-        ++at;
-    return {place.line, int(at)};
-}
-
-/// The beginning of the word in front of a place.
-Position DisplayView::previousWord(Position place)
-{
-    if (place.offset == 0)
-        return page.previous(place);
-    const QString& text = content.line(place.line).text;
-    qsizetype at = place.offset;
-    while (at > 0 && kindOf(text[at - 1]) == CharKind::Blank)
-        --at;
-    if (at == 0)
-        return {place.line, 0};
-    const CharKind kind = kindOf(text[at - 1]);
-    while (at > 0 && kindOf(text[at - 1]) == kind)
-        --at;
-    return {place.line, int(at)};
-}
-
-/// The run of characters of one kind around a place; at the border of two, the word.
-std::pair<Position, Position> DisplayView::wordAt(Position place) const
-{
-    const QString& text = content.line(place.line).text;
-    if (text.isEmpty())
-        return {place, place};
-    qsizetype at = std::min<qsizetype>(place.offset, text.size() - 1);
-    if (at > 0 && kindOf(text[at]) != CharKind::Word && kindOf(text[at - 1]) == CharKind::Word)
-        --at;
-    const CharKind kind = kindOf(text[at]);
-    qsizetype from = at;
-    qsizetype to = at + 1;
-    while (from > 0 && kindOf(text[from - 1]) == kind)
-        --from;
-    while (to < text.size() && kindOf(text[to]) == kind)
-        ++to;
-    return {{place.line, int(from)}, {place.line, int(to)}};
 }
 
 // ---------------------------------------------------------------- commands
@@ -440,7 +372,7 @@ void DisplayView::inputMethodEvent(QInputMethodEvent* event)
         content.deleteSelection();
         takePreedit(*event);
     }
-    unsettled = true;
+    scroller.invalidate();
     reveal();
     showCaret();
     updateMicroFocus();

@@ -1,6 +1,7 @@
 // The mouse of the display: events to the owner, then selection as a browser does it by itself.
 
 #include "DisplayView.h"
+#include "WordBreaks.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -18,7 +19,7 @@ constexpr int DragScrollInterval = 30;
 /// The further outside the pointer, the faster the page moves; at most so many pixels a turn.
 constexpr int DragScrollLimit = 120;
 
-int buttonNumber(Qt::MouseButton button)
+int ButtonNumber(Qt::MouseButton button)
 {
     switch (button) {
     case Qt::LeftButton:
@@ -38,7 +39,7 @@ bool DisplayView::raiseMouse(const DisplayEvents::Handler& handler, QLatin1Strin
                              const QMouseEvent& event)
 {
     DisplayEvent mouse = makeEvent(type, event.modifiers());
-    mouse.button = buttonNumber(event.button());
+    mouse.button = ButtonNumber(event.button());
     mouse.clientX = event.position().toPoint().x();
     mouse.clientY = event.position().toPoint().y();
     return raise(handler, mouse);
@@ -118,7 +119,7 @@ void DisplayView::mouseDoubleClickEvent(QMouseEvent* event)
     doubleClicked = true;
     rememberedX.reset();
     const QPoint point = event->position().toPoint();
-    const auto word = wordAt(positionAt(point));
+    const auto word = WordAround(content, positionAt(point));
     content.setSelection(word.first, word.second);
     dragging = true;
     pressInSelection = false;
@@ -143,7 +144,7 @@ void DisplayView::dragTo(QPoint point)
         content.setSelection(content.selection().anchor, place);
         return;
     }
-    const auto word = wordAt(place);
+    const auto word = WordAround(content, place);
     if (place < pressWord->first)
         content.setSelection(pressWord->second, word.first);
     else

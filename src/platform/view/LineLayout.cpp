@@ -1,5 +1,6 @@
 #include "LineLayout.h"
 
+#include "CommonEnds.h"
 #include "NonBreakingSpace.h"
 
 #include <algorithm>
@@ -20,7 +21,7 @@ constexpr double MinimumTextWidth = 60;
 /// Stands on the screen for `NbspMarker`, which fonts have no glyph for.
 constexpr QChar NbspGlyph = u'\u25af';
 
-bool isBlank(QChar c)
+bool IsBlankCharacter(QChar c)
 {
     return c == u' ' || c == u'\t';
 }
@@ -31,7 +32,7 @@ struct TextArea
     double width;
 };
 
-TextArea textArea(const BlockLook& look, double pageWidth)
+TextArea AreaOfText(const BlockLook& look, double pageWidth)
 {
     const double left = std::clamp(look.marginLeft, 0.0, std::max(0.0, pageWidth - MinimumTextWidth));
     const double right = std::max(0.0, look.marginRight);
@@ -52,7 +53,7 @@ public:
         height = std::max(height, widths.rowHeight());
         for (const QChar c : text) {
             const float advance = widths.width(c);
-            if (isBlank(c)) {
+            if (IsBlankCharacter(c)) {
                 // A blank never begins a row; it hangs over the edge.
                 x += advance;
                 word = 0;
@@ -85,7 +86,7 @@ private:
 
 /// A row may be broken behind a slash; the slash of an end tag is the exception, so that `</p>` does not
 /// come apart.
-void keepEndTagsWhole(QTextLine& row, const QString& text, double width)
+void KeepEndTagsWhole(QTextLine& row, const QString& text, double width)
 {
     const int end = row.textStart() + row.textLength();
     const bool apart
@@ -98,16 +99,6 @@ void keepEndTagsWhole(QTextLine& row, const QString& text, double width)
         row.setLineWidth(width);
 }
 
-int commonPrefix(QStringView a, QStringView b)
-{
-    return int(std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin());
-}
-
-int commonSuffix(QStringView a, QStringView b)
-{
-    return int(std::mismatch(a.rbegin(), a.rend(), b.rbegin(), b.rend()).first - a.rbegin());
-}
-
 /// What an edit changed between two versions of a line: [from, oldEnd) became [from, newEnd).
 struct Change
 {
@@ -116,27 +107,21 @@ struct Change
     int newEnd;
 };
 
-Change changeBetween(const Line& before, const Line& after)
+Change LineChangeBetween(const Line& before, const Line& after)
 {
     const int oldSize = int(before.text.size());
     const int newSize = int(after.text.size());
-    int prefix = commonPrefix(before.text, after.text);
-    int suffix = std::min(commonSuffix(before.text, after.text), std::min(oldSize, newSize) - prefix);
+    int prefix = int(CommonFront(before.text, after.text));
+    int suffix = int(CommonBack(before.text, after.text, prefix));
     // Marks that differ widen the change: alike ones at the front, then, moved along, at the back.
     const auto& a = before.marks;
     const auto& b = after.marks;
-    size_t front = 0;
-    while (front < a.size() && front < b.size() && a[front] == b[front])
-        ++front;
     const int shift = newSize - oldSize;
-    size_t back = 0;
-    while (back < a.size() - front && back < b.size() - front) {
-        Mark moved = a[a.size() - 1 - back];
+    const auto front = size_t(CommonFront(a, b));
+    const auto back = size_t(CommonBack(a, b, std::ptrdiff_t(front), [shift](Mark moved, const Mark& mark) {
         moved.pos += shift;
-        if (!(moved == b[b.size() - 1 - back]))
-            break;
-        ++back;
-    }
+        return moved == mark;
+    }));
     if (front < a.size())
         prefix = std::min(prefix, int(a[front].pos));
     if (front < b.size())
@@ -154,7 +139,7 @@ Change changeBetween(const Line& before, const Line& after)
 LineExtent EstimateExtent(const Line& line, PageStyle& style, double pageWidth)
 {
     const BlockLook look = style.block(line.block);
-    RowCounter counter(textArea(look, pageWidth).width);
+    RowCounter counter(AreaOfText(look, pageWidth).width);
     counter.add({}, style.widths(look.text));
     style.forEachRun(line, [&](int from, int to, LookId id) {
         counter.add(QStringView(line.text).sliced(from, to - from), style.widths(id));
@@ -191,7 +176,7 @@ LineLayout::LineLayout(LinePtr line, LineLayout& old)
     , useCount(old.useCount)
 {
     takeStyle();
-    const Change change = changeBetween(*old.content, *content);
+    const Change change = LineChangeBetween(*old.content, *content);
     const int shift = change.newEnd - change.oldEnd;
 
     // The pieces that the edit touches become one stretch, laid out anew; a word may also move up into
@@ -225,7 +210,7 @@ LineLayout::LineLayout(LinePtr line, LineLayout& old)
 void LineLayout::takeStyle()
 {
     look = style->block(content->block);
-    const TextArea area = textArea(look, pageWidth);
+    const TextArea area = AreaOfText(look, pageWidth);
     textLeft = area.left;
     textWidth = area.width;
     marginTop = int(std::lround(look.marginTop));
@@ -425,7 +410,7 @@ void LineLayout::appendPieces(int from, int to)
         if (to - from > LongLine) {
             // A guess at where a row ends: behind a blank.
             end = from + PieceLength;
-            while (end < to && end < from + LongLine && !isBlank(text[end - 1]))
+            while (end < to && end < from + LongLine && !IsBlankCharacter(text[end - 1]))
                 ++end;
             if (text[end - 1].isHighSurrogate())
                 --end;
@@ -540,7 +525,7 @@ int LineLayout::layOut(Piece& piece, int end, int lastOffset)
     for (QTextLine row = layout.createLine(); row.isValid(); row = layout.createLine()) {
         row.setLeadingIncluded(true);
         row.setLineWidth(textWidth);
-        keepEndTagsWhole(row, text, textWidth);
+        KeepEndTagsWhole(row, text, textWidth);
         row.setPosition(QPointF(0, height));
         height += int(std::ceil(row.height()));
         reached = piece.start + row.textStart() + row.textLength();

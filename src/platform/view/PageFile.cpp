@@ -29,7 +29,7 @@ constexpr std::array CodePageNames = std::to_array<NamedCodePage>({
     {"windows-1252", CodePageWestern},
 });
 
-bool isUtf16(const QByteArray& bytes)
+bool IsUtf16(const QByteArray& bytes)
 {
     return bytes.startsWith("\xff\xfe") || bytes.startsWith("\xfe\xff");
 }
@@ -49,7 +49,7 @@ QByteArray ReadPageFile(const QString& path)
         return {};
     QByteArray bytes = file.readAll();
     const std::string_view view(bytes.constData(), size_t(bytes.size()));
-    if (isUtf16(bytes) || IsValidUtf8(view))
+    if (IsUtf16(bytes) || IsValidUtf8(view))
         return bytes;
     const QByteArray head = bytes.left(CharsetSearch).toLower();
     for (const NamedCodePage& named : CodePageNames) {

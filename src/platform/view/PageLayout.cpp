@@ -18,7 +18,7 @@ constexpr int ShortestLine = 50;
 constexpr double PaceMemory = 8;
 
 /// A line with more text in it, which takes on the look of the text in front of it.
-LinePtr withText(const Line& line, int offset, const QString& text)
+LinePtr WithText(const Line& line, int offset, const QString& text)
 {
     auto changed = std::make_shared<Line>(line);
     changed->text.insert(offset, text);
@@ -102,7 +102,7 @@ void PageLayout::setPreedit(Position place, const QString& text)
         return;
     preeditAt = place;
     preeditText = text;
-    preeditLine = withText(document.line(place.line), place.offset, text);
+    preeditLine = WithText(document.line(place.line), place.offset, text);
     replaceLines(place.line, 1, 1);
 }
 

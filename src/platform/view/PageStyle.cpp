@@ -14,7 +14,7 @@ namespace {
 /// Margins of a page whose body tag says nothing.
 constexpr double DefaultPageMargin = 8;
 
-QFont fontOf(const TextLook& look, double dotsPerInch)
+QFont FontOf(const TextLook& look, double dotsPerInch)
 {
     QFont font;
     QStringList families = look.families;
@@ -39,7 +39,7 @@ QFont fontOf(const TextLook& look, double dotsPerInch)
 }
 
 /// The text between the first `<STYLE>` and its end tag, and so on for each.
-QString styleText(const QString& head)
+QString StyleText(const QString& head)
 {
     QString css;
     for (qsizetype at = 0;;) {
@@ -94,7 +94,7 @@ void PageStyle::load(const DisplayDocument& newDocument, double newDotsPerInch)
     insides.clear();
     charFormats.clear();
     sheet = {};
-    sheet.parse(styleText(document->head()));
+    sheet.parse(StyleText(document->head()));
 
     const TagId bodyTag = document->bodyTag();
     const TagStyle body = bodyTag == NoTag ? TagStyle{} : sheet.styleOf(document->tags()[bodyTag]);
@@ -175,7 +175,7 @@ LookId PageStyle::intern(const TextLook& look)
     if (found != looks.end())
         return LookId(found - looks.begin());
     looks.push_back(look);
-    fonts.push_back(fontOf(look, dotsPerInch));
+    fonts.push_back(FontOf(look, dotsPerInch));
     widthTables.emplace_back();
     return LookId(looks.size()) - 1;
 }

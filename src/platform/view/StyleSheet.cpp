@@ -34,7 +34,7 @@ void override(std::optional<T>& target, const std::optional<T>& later)
         target = later;
 }
 
-std::optional<Qt::Alignment> parseAlign(QStringView text)
+std::optional<Qt::Alignment> ParseAlign(QStringView text)
 {
     if (text == u"left")
         return Qt::AlignLeft;
@@ -47,7 +47,7 @@ std::optional<Qt::Alignment> parseAlign(QStringView text)
     return std::nullopt;
 }
 
-std::optional<int> parseWeight(QStringView text)
+std::optional<int> ParseWeight(QStringView text)
 {
     if (text == u"bold" || text == u"bolder")
         return QFont::Bold;
@@ -58,7 +58,7 @@ std::optional<int> parseWeight(QStringView text)
     return ok && weight >= 1 && weight <= 1000 ? std::optional(weight) : std::nullopt;
 }
 
-std::optional<StyleLength> parseFontSize(QStringView text)
+std::optional<StyleLength> ParseFontSize(QStringView text)
 {
     static constexpr std::array Names
         = {u"xx-small", u"x-small", u"small", u"medium", u"large", u"x-large", u"xx-large"};
@@ -76,7 +76,7 @@ std::optional<StyleLength> parseFontSize(QStringView text)
 }
 
 /// The `size` attribute of a FONT tag: 1 to 7, or a step from the default.
-std::optional<StyleLength> parseFontTagSize(QStringView text)
+std::optional<StyleLength> ParseFontTagSize(QStringView text)
 {
     bool ok = false;
     int size = text.toInt(&ok);
@@ -87,7 +87,7 @@ std::optional<StyleLength> parseFontTagSize(QStringView text)
     return StyleLength{FontTagSizes[std::clamp(size, 1, 7) - 1]};
 }
 
-QStringList parseFamilies(QStringView text)
+QStringList ParseFamilies(QStringView text)
 {
     QStringList families;
     for (QStringView family : text.split(u',')) {
@@ -101,7 +101,7 @@ QStringList parseFamilies(QStringView text)
 }
 
 /// `margin`: one to four lengths, clockwise from the top.
-void parseMargins(QStringView text, TagStyle& style)
+void ParseMargins(QStringView text, TagStyle& style)
 {
     std::vector<StyleLength> lengths;
     for (const QStringView part : text.split(u' ', Qt::SkipEmptyParts)) {
@@ -117,7 +117,7 @@ void parseMargins(QStringView text, TagStyle& style)
 }
 
 /// `font`: style and weight, then the size, then the families.
-void parseFont(QStringView text, TagStyle& style)
+void ParseFont(QStringView text, TagStyle& style)
 {
     for (qsizetype at = 0; at < text.size();) {
         const qsizetype space = text.indexOf(u' ', at);
@@ -126,17 +126,17 @@ void parseFont(QStringView text, TagStyle& style)
         at = end + 1;
         if (word == u"italic" || word == u"oblique") {
             style.italic = true;
-        } else if (const auto weight = parseWeight(word)) {
+        } else if (const auto weight = ParseWeight(word)) {
             style.weight = weight;
-        } else if (const auto size = parseFontSize(word.section(u'/', 0, 0))) {
+        } else if (const auto size = ParseFontSize(word.section(u'/', 0, 0))) {
             style.fontSize = size;
-            style.families = parseFamilies(text.mid(at));
+            style.families = ParseFamilies(text.mid(at));
             return;
         }
     }
 }
 
-void applyDeclaration(const QString& property, QStringView value, TagStyle& style)
+void ApplyDeclaration(const QString& property, QStringView value, TagStyle& style)
 {
     const QString lower = value.toString().toLower();
     if (property == u"color")
@@ -144,22 +144,22 @@ void applyDeclaration(const QString& property, QStringView value, TagStyle& styl
     else if (property == u"background-color" || property == u"background")
         override(style.background, ParseColor(lower));
     else if (property == u"font-family")
-        style.families = parseFamilies(value);
+        style.families = ParseFamilies(value);
     else if (property == u"font-size")
-        override(style.fontSize, parseFontSize(lower));
+        override(style.fontSize, ParseFontSize(lower));
     else if (property == u"font-weight")
-        override(style.weight, parseWeight(lower));
+        override(style.weight, ParseWeight(lower));
     else if (property == u"font-style")
         style.italic = lower == u"italic" || lower == u"oblique";
     else if (property == u"font")
-        parseFont(value, style);
+        ParseFont(value, style);
     else if (property == u"text-decoration") {
         style.underline = lower.contains(u"underline");
         style.strikeOut = lower.contains(u"line-through");
     } else if (property == u"text-align")
-        override(style.align, parseAlign(lower));
+        override(style.align, ParseAlign(lower));
     else if (property == u"margin")
-        parseMargins(lower, style);
+        ParseMargins(lower, style);
     else if (property == u"margin-left")
         override(style.marginLeft, ParseLength(lower));
     else if (property == u"margin-right")
@@ -171,7 +171,7 @@ void applyDeclaration(const QString& property, QStringView value, TagStyle& styl
 }
 
 /// What an element looks like by itself.
-TagStyle elementStyle(const QString& name)
+TagStyle ElementStyle(const QString& name)
 {
     TagStyle style;
     if (name == u"b" || name == u"strong" || name == u"th") {
@@ -205,16 +205,16 @@ TagStyle elementStyle(const QString& name)
 }
 
 /// What the attributes of older pages say: `color`, `face`, `size`, `align`, the body's colours and margins.
-void applyAttributes(const Tag& tag, TagStyle& style)
+void ApplyAttributes(const Tag& tag, TagStyle& style)
 {
     override(style.color, ParseColor(tag.value(u"text")));
     override(style.color, ParseColor(tag.value(u"color")));
     override(style.background, ParseColor(tag.value(u"bgcolor")));
     if (tag.name == u"FONT") {
-        style.families = parseFamilies(tag.value(u"face"));
-        override(style.fontSize, parseFontTagSize(tag.value(u"size")));
+        style.families = ParseFamilies(tag.value(u"face"));
+        override(style.fontSize, ParseFontTagSize(tag.value(u"size")));
     }
-    override(style.align, parseAlign(tag.value(u"align").toLower()));
+    override(style.align, ParseAlign(tag.value(u"align").toLower()));
     override(style.marginLeft, ParseLength(tag.value(u"leftmargin")));
     override(style.marginRight, ParseLength(tag.value(u"rightmargin")));
     override(style.marginTop, ParseLength(tag.value(u"topmargin")));
@@ -268,8 +268,8 @@ TagStyle StyleSheet::styleOf(const Tag& tag) const
     const QString name = tag.name.toLower();
     const QStringList classes = tag.className.toLower().split(u' ', Qt::SkipEmptyParts);
     const QString id = tag.id.toLower();
-    TagStyle style = elementStyle(name);
-    applyAttributes(tag, style);
+    TagStyle style = ElementStyle(name);
+    ApplyAttributes(tag, style);
     for (const Rule& rule : rules) {
         const bool fits = (rule.element.isEmpty() || rule.element == u"*" || rule.element == name)
             && (rule.className.isEmpty() || classes.contains(rule.className))
@@ -287,7 +287,7 @@ TagStyle ParseDeclarations(QStringView css)
     for (const QStringView declaration : css.split(u';')) {
         const qsizetype colon = declaration.indexOf(u':');
         if (colon >= 0)
-            applyDeclaration(declaration.left(colon).trimmed().toString().toLower(),
+            ApplyDeclaration(declaration.left(colon).trimmed().toString().toLower(),
                              declaration.sliced(colon + 1).trimmed(), style);
     }
     return style;

@@ -88,7 +88,7 @@ constexpr std::array KeyRows = std::to_array<KeyRow>({
     {51, "\\ZXCVBNM,./"},
 });
 
-int codeOfCharacter(int character)
+int CodeOfCharacter(int character)
 {
     if ((character >= 'A' && character <= 'Z') || (character >= '0' && character <= '9'))
         return character;
@@ -104,16 +104,16 @@ int codeOfCharacter(int character)
     return digit == std::string_view::npos ? 0 : '0' + static_cast<int>(digit);
 }
 
-int codeOfScanCode(unsigned scanCode)
+int CodeOfScanCode(unsigned scanCode)
 {
     for (const KeyRow& row : KeyRows) {
         if (scanCode >= row.firstScanCode && scanCode < row.firstScanCode + row.keys.size())
-            return codeOfCharacter(row.keys[scanCode - row.firstScanCode]);
+            return CodeOfCharacter(row.keys[scanCode - row.firstScanCode]);
     }
     return 0;
 }
 
-int codeOnNumberPad(int qtKey)
+int CodeOnNumberPad(int qtKey)
 {
     if (qtKey >= Qt::Key_0 && qtKey <= Qt::Key_9)
         return VirtualKey::NumPad0 + qtKey - Qt::Key_0;
@@ -139,7 +139,7 @@ int codeOnNumberPad(int qtKey)
 int VirtualKeyCode(int qtKey, bool numberPad, unsigned scanCode)
 {
     if (numberPad) {
-        if (const int code = codeOnNumberPad(qtKey))
+        if (const int code = CodeOnNumberPad(qtKey))
             return code;
     }
     if (qtKey >= Qt::Key_F1 && qtKey <= Qt::Key_F24)
@@ -149,9 +149,9 @@ int VirtualKeyCode(int qtKey, bool numberPad, unsigned scanCode)
     if (named != NamedKeys.end())
         return named->code;
     // A letter of another script or a dead key: the key's place on the keyboard tells.
-    if (const int code = codeOfCharacter(qtKey))
+    if (const int code = CodeOfCharacter(qtKey))
         return code;
-    return codeOfScanCode(scanCode);
+    return CodeOfScanCode(scanCode);
 }
 
 int VirtualKeyCode(const QKeyEvent& event)

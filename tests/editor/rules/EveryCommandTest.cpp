@@ -75,7 +75,7 @@ const CommandCase Commands[] = {
     {"Cut", [](DisplayDocument& d, QPoint) { CopySelection(d, true); }, Deleted},
     {"Copy", [](DisplayDocument& d, QPoint) { CopySelection(d, false); }, Unchanged},
     {"CopyText", [](DisplayDocument& d, QPoint) { CopyAsText(d); }, Unchanged},
-    {"Space", [](DisplayDocument& d, QPoint) { InsertSpace(d, false); }, WithSpace},
+    {"Space", [](DisplayDocument& d, QPoint) { InsertSpace(d); }, WithSpace},
     {"Nbsp", [](DisplayDocument& d, QPoint) { InsertNbsp(d); },
      [](const Place& p) { return With(p, QString(QChar(Marker))); }},
     Tagged("Bold", InlineTag::Bold, u"strong"_s),
@@ -120,7 +120,7 @@ protected:
     void check()
     {
         const CommandCase& command = GetParam();
-        const TextRange range = createRange(document);
+        const TextRange range = page::createRange(document);
         const QPoint press(range.offsetLeft(), range.offsetTop());
         const Place place = PlaceOf(document);
         const bool isField = command.unnotedAtCaret > 0;

@@ -16,7 +16,7 @@ protected:
     /// The place of the caret, as a press of the mouse there would have left it.
     QPoint press()
     {
-        const TextRange range = createRange(document);
+        const TextRange range = page::createRange(document);
         return {range.offsetLeft(), range.offsetTop()};
     }
     void pasteText(const char* html) { PasteText(document, QString::fromUtf8(html), press()); }

@@ -204,7 +204,7 @@ TEST_F(Repainting, AgreesWithTheOracleOnRandomTexts)
         html += "</DIV>";
         reference::PaintRequest request{TagHighlighting == 1, TagFontWeight.toStdString(),
                                         DisplayFontWeight.toStdString()};
-        ASSERT_EQ(PaintLines(html, CurrentPaintStyle()), reference::PaintLines(html, request)) << html;
+        ASSERT_EQ(PaintLines(html, CurrentTagPaint()), reference::PaintLines(html, request)) << html;
     }
 }
 

@@ -4,6 +4,7 @@
 #include "GridLayout.h"
 
 #include "BookVariables.h"
+#include "CommandsBySettings.h"
 #include "SettingsVariables.h"
 #include "TextRange.h"
 
@@ -43,11 +44,11 @@ protected:
     {
         QString html;
         for (int node = 1; node <= document.lineCount(); ++node)
-            html += (node > 1 ? QStringLiteral("\n") : QString()) + item(document, node).outerHTML();
+            html += (node > 1 ? QStringLiteral("\n") : QString()) + page::item(document, node).outerHTML();
         return html.toStdString();
     }
     [[nodiscard]] std::string text(int line) const { return document.line(line).text.toStdString(); }
-    [[nodiscard]] std::string selected() { return createRange(document).text().toStdString(); }
+    [[nodiscard]] std::string selected() { return page::createRange(document).text().toStdString(); }
     [[nodiscard]] Position caretPlace() const { return document.selection().focus; }
     /// Takes back what one undo command takes back.
     void undo()

@@ -17,7 +17,7 @@ TEST_F(Typing, SpaceBesideABlankChangesNothing)
     show("<DIV>one two</DIV>");
     for (const int offset : {3, 4}) {
         caret(0, offset);
-        InsertSpace(document, false);
+        InsertSpace(document);
         EXPECT_EQ(text(0), "one two");
     }
     EXPECT_EQ(UndoSteps, 0);
@@ -28,7 +28,7 @@ TEST_F(Typing, SpaceBetweenLettersPutsABlankAndMovesBehindIt)
 {
     show("<DIV>onetwo</DIV>");
     caret(0, 3);
-    InsertSpace(document, false);
+    InsertSpace(document);
     EXPECT_EQ(text(0), "one two");
     EXPECT_EQ(caretPlace(), (Position{0, 4}));
     EXPECT_EQ(UndoSteps, 1);
@@ -41,10 +41,10 @@ TEST_F(Typing, SpaceReplacesASelectionUnlessItTouchesABlank)
 {
     show("<DIV>one-two three</DIV>");
     select(0, 3, 0, 4);
-    InsertSpace(document, false);
+    InsertSpace(document);
     EXPECT_EQ(text(0), "one two three");
     select(0, 4, 0, 7);
-    InsertSpace(document, false);
+    InsertSpace(document);
     EXPECT_EQ(text(0), "one two three");
 }
 
@@ -52,10 +52,10 @@ TEST_F(Typing, SpaceAtTheEndsOfLineAndDocument)
 {
     show("<DIV>a</DIV>\r<DIV>b</DIV>");
     caret(1, 1);
-    InsertSpace(document, false);
+    InsertSpace(document);
     EXPECT_EQ(text(1), "b ");
     caret(0, 0);
-    InsertSpace(document, false);
+    InsertSpace(document);
     EXPECT_EQ(text(0), " a");
 }
 
@@ -63,7 +63,7 @@ TEST_F(Typing, NonBreakingSpaceIsTheMarkOrTheCharacterItself)
 {
     show("<DIV>ab</DIV>");
     caret(0, 1);
-    InsertSpace(document, true);
+    InsertNbsp(document);
     EXPECT_EQ(text(0),
               "a\x7f"
               "b");

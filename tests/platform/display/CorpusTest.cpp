@@ -32,7 +32,7 @@ std::vector<std::string> shownLines(const std::string& page)
 {
     QString text = QString::fromStdString(TextOfPage(page, AngleMarks::Keep));
     // A book that is not well-formed may hold references, which the display shows as their characters.
-    text = resolveReferences(text);
+    text = ResolveReferences(text);
     text.replace(QRegularExpression(QStringLiteral("[ \\t\\x{A0}]+")), QStringLiteral(" "));
     std::vector<std::string> lines;
     for (const QString& line : text.split(QRegularExpression(QStringLiteral("[\r\n]+")))) {
@@ -71,7 +71,7 @@ TEST(Corpus, EachBooksTextComesThroughTheDisplay)
         for (std::size_t i = 0; i < std::min(written.size(), expected.size()); ++i)
             ASSERT_EQ(firstDifference(written[i], expected[i]), std::string());
         EXPECT_EQ(written.size(), expected.size());
-        EXPECT_EQ(item(document, 1).id(), QStringLiteral("FirstDiv"));
+        EXPECT_EQ(page::item(document, 1).id(), QStringLiteral("FirstDiv"));
         EXPECT_EQ(saved.substr(0, saved.find("<DIV")), page.substr(0, page.find("<DIV")));
 
         DisplayDocument again;

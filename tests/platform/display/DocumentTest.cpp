@@ -1,5 +1,6 @@
 #include "DisplayPage.h"
 #include "PageMaker.h"
+#include "WordBreaks.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +17,7 @@ std::string linesOf(DisplayDocument& document)
 {
     QString html;
     for (int i = 1; i <= document.lineCount(); ++i)
-        html += (i > 1 ? QStringLiteral("|") : QString()) + item(document, i).outerHTML();
+        html += (i > 1 ? QStringLiteral("|") : QString()) + page::item(document, i).outerHTML();
     return html.toStdString();
 }
 
@@ -67,7 +68,7 @@ TEST_F(DocumentKeys, TypingGoesIntoTheSpanInFrontOfTheCaret)
 {
     caret(1, 4);
     document.typeText(QStringLiteral("x"));
-    EXPECT_EQ(item(document, 2).innerText(), QStringLiteral("a<b>xc"));
+    EXPECT_EQ(page::item(document, 2).innerText(), QStringLiteral("a<b>xc"));
     EXPECT_EQ(range(1, 3, 5).htmlText(), QStringLiteral("&gt;x"));
     EXPECT_EQ(document.selection().focus, (Position{1, 5}));
 }
@@ -151,7 +152,8 @@ TEST_F(DocumentKeys, DeletingTheTextOfAnElementTakesTheElement)
 {
     document.setSelection({1, 1}, {1, 4});
     document.deleteSelection();
-    EXPECT_EQ(item(document, 2).outerHTML(), QStringLiteral("<DIV style=\"MARGIN-LEFT: 5px\">ac</DIV>"));
+    EXPECT_EQ(page::item(document, 2).outerHTML(),
+              QStringLiteral("<DIV style=\"MARGIN-LEFT: 5px\">ac</DIV>"));
 }
 
 TEST_F(DocumentKeys, SeveralWholeLinesGoAsLines)
@@ -343,15 +345,15 @@ TEST_F(DocumentUndo, LoadingAPageStartsAfresh)
 
 TEST_F(RangeText, LineBreaksReadAsCrLf)
 {
-    EXPECT_EQ(text(createTextRange(document)), "one\r\na<b>c\r\nthree");
-    EXPECT_EQ(innerText(document), QStringLiteral("one\r\na<b>c\r\nthree"));
+    EXPECT_EQ(text(page::createTextRange(document)), "one\r\na<b>c\r\nthree");
+    EXPECT_EQ(page::innerText(document), QStringLiteral("one\r\na<b>c\r\nthree"));
 }
 
 TEST_F(RangeText, EachKindOfLineEndBreaksTheLineWithItsBlock)
 {
     range(1, 5, 5).setText(QStringLiteral("1\r\n2\r3\n4"));
     EXPECT_EQ(document.lineCount(), 6);
-    EXPECT_EQ(item(document, 5).outerHTML(), QStringLiteral("<DIV style=\"MARGIN-LEFT: 5px\">4</DIV>"));
+    EXPECT_EQ(page::item(document, 5).outerHTML(), QStringLiteral("<DIV style=\"MARGIN-LEFT: 5px\">4</DIV>"));
 }
 
 TEST_F(RangeText, SettingTextLeavesTheRangeBehindItSoThatMovingBackSelectsIt)
@@ -406,7 +408,7 @@ TEST_F(RangeText, LiveRangesGrowAndShrinkWithTheirText)
 TEST_F(RangeText, ARangeOutlivesItsDocument)
 {
     auto gone = std::make_unique<DisplayDocument>();
-    TextRange range = createTextRange(*gone);
+    TextRange range = page::createTextRange(*gone);
     gone.reset();
     range.setText(QStringLiteral("x"));
     EXPECT_TRUE(range.isNull());
@@ -448,7 +450,7 @@ TEST_F(RangeHtml, TextWithoutBlocksIsPastedIntoTheCurrentSpan)
 {
     TextRange place = range(1, 2, 2);
     place.pasteHTML(QStringLiteral("x  <B>y</B>"));
-    EXPECT_EQ(item(document, 2).outerHTML(),
+    EXPECT_EQ(page::item(document, 2).outerHTML(),
               QStringLiteral("<DIV style=\"MARGIN-LEFT: 5px\">a<SPAN class=t>&lt;x  "
                              "<B>y</B>b&gt;</SPAN>c</DIV>"));
     EXPECT_EQ(place.start(), (Position{1, 6}));
@@ -486,7 +488,7 @@ TEST_F(RangeHtml, TagsAroundASelectionOfSeveralLines)
     TextRange range(document, {0, 1}, {1, 1});
     range.pasteHTML(QStringLiteral("<SPAN class=t>&lt;strong&gt;</SPAN>") + range.htmlText()
                     + QStringLiteral("<SPAN class=t>&lt;/strong&gt;</SPAN>"));
-    EXPECT_EQ(text(createTextRange(document)), "o<strong>\r\nne\r\na\r\n</strong><b>c\r\nthree");
+    EXPECT_EQ(text(page::createTextRange(document)), "o<strong>\r\nne\r\na\r\n</strong><b>c\r\nthree");
 }
 
 TEST_F(RangeHtml, ColoursWrapTheTextOfEachLine)
@@ -503,7 +505,7 @@ TEST_F(RangeHtml, ColoursWrapTheTextOfEachLine)
     EXPECT_EQ(linesOf(document), Three);
     EXPECT_TRUE(range(1, 0, 5).execCommand(u"ForeColor", false, QStringLiteral("#0000FF")));
     EXPECT_EQ(range(1, 0, 5).htmlText(), QStringLiteral("a<SPAN class=t>&lt;b&gt;</SPAN>c"));
-    EXPECT_TRUE(item(document, 2).outerHTML().contains(QStringLiteral("<FONT color=#0000FF>a<SPAN")));
+    EXPECT_TRUE(page::item(document, 2).outerHTML().contains(QStringLiteral("<FONT color=#0000FF>a<SPAN")));
     EXPECT_FALSE(range(1, 0, 5).execCommand(u"Bold", false, QString()));
     EXPECT_FALSE(range(1, 0, 0).execCommand(u"BackColor", false, QStringLiteral("red")));
 }
@@ -611,18 +613,57 @@ TEST_F(RangeMovement, EndPointsAreSetAndCompared)
     EXPECT_TRUE(a.isEmpty());
     a.setEndPoint(u"StartToStart", b);
     EXPECT_TRUE(a.isEqual(b));
-    a.setEndPoint(u"Sideways", range(0, 0, 0));
-    EXPECT_TRUE(a.isEqual(b));
+}
+
+TEST(Words, ADoubleClickAndTheUnitOfMovementAgreeAboutTheSoftHyphen)
+{
+    DisplayDocument document;
+    document.loadPage("<HTML><BODY><DIV>so\xc2\xad"
+                      "ft, x</DIV></BODY></HTML>");
+    const auto [from, to] = WordAround(document, {0, 1});
+    EXPECT_EQ(from, (Position{0, 0}));
+    EXPECT_EQ(to, (Position{0, 5}));
+    TextRange range(document, {0, 0}, {0, 0});
+    range.moveEnd(TextUnit::Word);
+    EXPECT_EQ(range.end(), to);
+}
+
+TEST(Words, AroundAPositionAreTheLettersAtABorder)
+{
+    DisplayDocument document;
+    document.loadPage("<HTML><BODY><DIV>ab, c</DIV><DIV></DIV></BODY></HTML>");
+    using Pair = std::pair<Position, Position>;
+    EXPECT_EQ(WordAround(document, {0, 2}), (Pair{{0, 0}, {0, 2}})) << "between the letters and the comma";
+    EXPECT_EQ(WordAround(document, {0, 3}), (Pair{{0, 3}, {0, 4}})) << "the blank";
+    EXPECT_EQ(WordAround(document, {0, 5}), (Pair{{0, 4}, {0, 5}})) << "the end of the line";
+    EXPECT_EQ(WordAround(document, {1, 0}), (Pair{{1, 0}, {1, 0}})) << "an empty line";
+}
+
+TEST_F(RangeMovement, UnitsAndEndPointsHaveTheirNamesInAnyCase)
+{
+    static_assert(TextUnitNamed(u"character") == TextUnit::Character);
+    static_assert(TextUnitNamed(u"Word") == TextUnit::Word);
+    static_assert(TextUnitNamed(u"TEXTEDIT") == TextUnit::Textedit);
+    static_assert(!TextUnitNamed(u"sentence"));
+    static_assert(!TextUnitNamed(u""));
+    static_assert(EndPointsNamed(u"StartToStart") == EndPoints::StartToStart);
+    static_assert(EndPointsNamed(u"starttoend") == EndPoints::StartToEnd);
+    static_assert(EndPointsNamed(u"ENDTOSTART") == EndPoints::EndToStart);
+    static_assert(EndPointsNamed(u"EndToEnd") == EndPoints::EndToEnd);
+    static_assert(!EndPointsNamed(u"Sideways"));
+    // A literal that names nothing does not compile; one that names a unit is that unit.
+    EXPECT_EQ(TextUnitName(u"Character").unit, TextUnit::Character);
+    EXPECT_EQ(EndPointsName(u"StartToEnd").ends, EndPoints::StartToEnd);
 }
 
 TEST_F(RangeMovement, SelectingMakesTheSelectionAndItsType)
 {
-    EXPECT_EQ(type(document), QStringLiteral("None"));
+    EXPECT_EQ(page::type(document), QStringLiteral("None"));
     range(1, 1, 3).select();
-    EXPECT_EQ(type(document), QStringLiteral("Text"));
-    EXPECT_TRUE(createRange(document).isEqual(range(1, 1, 3)));
-    empty(document);
-    EXPECT_EQ(type(document), QStringLiteral("None"));
+    EXPECT_EQ(page::type(document), QStringLiteral("Text"));
+    EXPECT_TRUE(page::createRange(document).isEqual(range(1, 1, 3)));
+    page::empty(document);
+    EXPECT_EQ(page::type(document), QStringLiteral("None"));
     EXPECT_EQ(document.selection().focus, (Position{1, 3}));
 }
 
@@ -651,15 +692,15 @@ TEST_F(RangeSearch, BackwardFromTheRangesEnd)
 
 TEST_F(RangeSearch, AcrossMarksAndLineBreaks)
 {
-    TextRange search = createTextRange(document);
+    TextRange search = page::createTextRange(document);
     EXPECT_TRUE(search.findText(QStringLiteral("a<B>c")));
     for (const QString& lineEnd : {QStringLiteral("\r\n"), QStringLiteral("\r"), QStringLiteral("\n")}) {
-        search = createTextRange(document);
+        search = page::createTextRange(document);
         EXPECT_TRUE(
             search.findText(QStringLiteral("e") + lineEnd + QStringLiteral("a<b>c") + lineEnd + u't'));
         EXPECT_EQ(search.start(), (Position{0, 2}));
         EXPECT_EQ(search.end(), (Position{2, 1}));
-        search = createTextRange(document);
+        search = page::createTextRange(document);
         EXPECT_TRUE(search.findText(lineEnd, -1));
         EXPECT_EQ(search.start(), (Position{1, 5}));
     }
@@ -668,56 +709,56 @@ TEST_F(RangeSearch, AcrossMarksAndLineBreaks)
 TEST_F(RangeSearch, WholeWordsAndCaseByFlag)
 {
     load("<DIV>concat Cat cat_ \xd0\x9a\xd0\x9e\xd0\xa2 cat</DIV>");
-    TextRange search = createTextRange(document);
+    TextRange search = page::createTextRange(document);
     EXPECT_TRUE(search.findText(QStringLiteral("cat"), 1, 0));
     EXPECT_EQ(search.start().offset, 3);
-    search = createTextRange(document);
+    search = page::createTextRange(document);
     EXPECT_TRUE(search.findText(QStringLiteral("cat"), 1, TextRange::WholeWord));
     EXPECT_EQ(search.start().offset, 7);
-    search = createTextRange(document);
+    search = page::createTextRange(document);
     EXPECT_TRUE(search.findText(QStringLiteral("cat"), 1, TextRange::WholeWord + TextRange::MatchCase));
     EXPECT_EQ(search.start().offset, 20);
-    search = createTextRange(document);
+    search = page::createTextRange(document);
     EXPECT_TRUE(search.findText(QString::fromUtf8("\xd0\xba\xd0\xbe\xd1\x82"), 1, 0));
-    EXPECT_FALSE(createTextRange(document).findText(QString(), 1, 0));
+    EXPECT_FALSE(page::createTextRange(document).findText(QString(), 1, 0));
 }
 
 TEST_F(RangeSearch, ReplacesAllHitsInOnePass)
 {
     load("<DIV>aXbxc</DIV><DIV>x</DIV>");
-    TextRange search = createTextRange(document);
+    TextRange search = page::createTextRange(document);
     int hits = 0;
     while (search.findText(QStringLiteral("x"), 1, 0)) {
         search.setText(QStringLiteral("xx"));
         ++hits;
     }
     EXPECT_EQ(hits, 3);
-    EXPECT_EQ(innerText(document), QStringLiteral("axxbxxc\r\nxx"));
+    EXPECT_EQ(page::innerText(document), QStringLiteral("axxbxxc\r\nxx"));
 }
 
 // ---------------------------------------------------------------- elements
 
 TEST_F(Elements, AreAddressedByTheirNodeIndex)
 {
-    EXPECT_EQ(item(document, 1).id(), QStringLiteral("FirstDiv"));
-    EXPECT_EQ(item(document, 2).sourceIndex(), 2);
-    EXPECT_EQ(item(document, 2).nodeName(), QStringLiteral("DIV"));
-    EXPECT_EQ(item(document, 2).marginLeft(), 5);
-    EXPECT_EQ(item(document, 2).innerText(), QStringLiteral("a<b>c"));
-    EXPECT_FALSE(item(document, 0).exists());
-    EXPECT_EQ(item(document, 4).sourceIndex(), -1);
+    EXPECT_EQ(page::item(document, 1).id(), QStringLiteral("FirstDiv"));
+    EXPECT_EQ(page::item(document, 2).sourceIndex(), 2);
+    EXPECT_EQ(page::item(document, 2).nodeName(), QStringLiteral("DIV"));
+    EXPECT_EQ(page::item(document, 2).marginLeft(), 5);
+    EXPECT_EQ(page::item(document, 2).innerText(), QStringLiteral("a<b>c"));
+    EXPECT_FALSE(page::item(document, 0).exists());
+    EXPECT_EQ(page::item(document, 4).sourceIndex(), -1);
 }
 
 TEST_F(Elements, MarginAndIdentifierAreSetInTheStartTag)
 {
-    item(document, 2).setMarginLeft(10);
-    item(document, 3).setMarginLeft(5);
-    item(document, 3).setId(QStringLiteral("x"));
-    EXPECT_EQ(item(document, 2).outerHTML().left(36),
+    page::item(document, 2).setMarginLeft(10);
+    page::item(document, 3).setMarginLeft(5);
+    page::item(document, 3).setId(QStringLiteral("x"));
+    EXPECT_EQ(page::item(document, 2).outerHTML().left(36),
               QStringLiteral("<DIV style=\"MARGIN-LEFT: 10px\">a<SPA"));
-    EXPECT_EQ(item(document, 3).outerHTML(),
+    EXPECT_EQ(page::item(document, 3).outerHTML(),
               QStringLiteral("<DIV style=\"MARGIN-LEFT: 5px\" id=x>three</DIV>"));
-    item(document, 3).setId(QString());
+    page::item(document, 3).setId(QString());
     document.undo();
     document.undo();
     document.undo();
@@ -727,19 +768,19 @@ TEST_F(Elements, MarginAndIdentifierAreSetInTheStartTag)
 
 TEST_F(Elements, AnEmptyOuterHtmlTakesTheLineOutAndTheNextHasItsPlace)
 {
-    DisplayElement second = item(document, 2);
+    DisplayElement second = page::item(document, 2);
     second.setOuterHTML(QString());
     EXPECT_EQ(second.innerText(), QStringLiteral("three"));
-    second.insertAdjacentHTML(u"beforeBegin", QStringLiteral("<DIV>x</DIV>\r\n<DIV>y</DIV>"));
+    second.insertAdjacentHTML(Adjacent::BeforeBegin, QStringLiteral("<DIV>x</DIV>\r\n<DIV>y</DIV>"));
     EXPECT_EQ(linesOf(document), "<DIV id=FirstDiv>one</DIV>|<DIV>x</DIV>|<DIV>y</DIV>|<DIV>three</DIV>");
 }
 
 TEST_F(Elements, WhatReplacesTheLastLineGoesToTheEnd)
 {
-    DisplayElement last = item(document, 3);
+    DisplayElement last = page::item(document, 3);
     last.setOuterHTML(QString());
     EXPECT_FALSE(last.exists());
-    last.insertAdjacentHTML(u"beforeBegin", QStringLiteral("<DIV>new</DIV>"));
+    last.insertAdjacentHTML(Adjacent::BeforeBegin, QStringLiteral("<DIV>new</DIV>"));
     EXPECT_EQ(document.line(2).text, QStringLiteral("new"));
     EXPECT_EQ(document.lineCount(), 3);
 }
@@ -747,8 +788,9 @@ TEST_F(Elements, WhatReplacesTheLastLineGoesToTheEnd)
 TEST_F(Elements, WhatReplacesAllLinesLeavesNoEmptyOne)
 {
     lines(0, 2).select();
-    clear(document);
-    item(document, 1).insertAdjacentHTML(u"beforeBegin", QStringLiteral("<DIV id=FirstDiv>new</DIV>"));
+    page::clear(document);
+    page::item(document, 1)
+        .insertAdjacentHTML(Adjacent::BeforeBegin, QStringLiteral("<DIV id=FirstDiv>new</DIV>"));
     EXPECT_EQ(linesOf(document), "<DIV id=FirstDiv>new</DIV>");
 }
 
@@ -756,24 +798,25 @@ TEST_F(Elements, AreFoundByNameOrIdentifierAlsoInLines)
 {
     range(1, 2, 2).pasteHTML(QStringLiteral("<A id=()*^^^%^*></A>"));
     range(2, 0, 0).pasteHTML(QStringLiteral("<A name=\"()*^^^%^*\">T</A>"));
-    auto found = getElementsByName(document, QStringLiteral("()*^^^%^*"));
+    auto found = page::getElementsByName(document, QStringLiteral("()*^^^%^*"));
     ASSERT_EQ(found.size(), 2U);
     EXPECT_EQ(found[0].sourceIndex(), 2);
     EXPECT_EQ(found[0].outerHTML(), QStringLiteral("<A id=()*^^^%^*></A>"));
     EXPECT_EQ(found[1].innerText(), QStringLiteral("T"));
     found[0].setOuterHTML(QString());
-    EXPECT_EQ(item(document, 2).outerHTML().toStdString(), Second);
-    EXPECT_EQ(getElementsByName(document, QStringLiteral("FirstDiv")).size(), 1U);
-    EXPECT_TRUE(getElementsByName(document, QStringLiteral("firstdiv")).empty());
+    EXPECT_EQ(page::item(document, 2).outerHTML().toStdString(), Second);
+    EXPECT_EQ(page::getElementsByName(document, QStringLiteral("FirstDiv")).size(), 1U);
+    EXPECT_TRUE(page::getElementsByName(document, QStringLiteral("firstdiv")).empty());
 }
 
 TEST_F(Elements, HtmlGoesBesideAnInlineElement)
 {
     range(1, 2, 2).pasteHTML(QStringLiteral("<A id=x></A>"));
-    getElementsByName(document, QStringLiteral("x"))[0].insertAdjacentHTML(u"afterEnd", QStringLiteral("2"));
-    getElementsByName(document, QStringLiteral("x"))[0].insertAdjacentHTML(u"beforeBegin",
-                                                                           QStringLiteral("1"));
-    EXPECT_TRUE(item(document, 2).outerHTML().contains(QStringLiteral("&lt;1<A id=x></A>2b&gt;")));
+    page::getElementsByName(document, QStringLiteral("x"))[0].insertAdjacentHTML(Adjacent::AfterEnd,
+                                                                                 QStringLiteral("2"));
+    page::getElementsByName(document, QStringLiteral("x"))[0].insertAdjacentHTML(Adjacent::BeforeBegin,
+                                                                                 QStringLiteral("1"));
+    EXPECT_TRUE(page::item(document, 2).outerHTML().contains(QStringLiteral("&lt;1<A id=x></A>2b&gt;")));
 }
 
 // ---------------------------------------------------------------- shared operations
@@ -786,34 +829,34 @@ TEST_F(SharedOperations, TheLineOfARangesFirstAndLastCharacter)
     EXPECT_EQ(NodeAtRangeStart(withBreak), 1);
     EXPECT_EQ(NodeAtRangeEnd(withBreak), 1);
     load("");
-    EXPECT_EQ(NodeAtRangeStart(createTextRange(document)), -1);
+    EXPECT_EQ(NodeAtRangeStart(page::createTextRange(document)), -1);
 }
 
 TEST_F(SharedOperations, ARangesLengthCountsALineBreakOnce)
 {
-    EXPECT_EQ(RangeLength(createTextRange(document)), 15);
+    EXPECT_EQ(RangeLength(page::createTextRange(document)), 15);
     EXPECT_EQ(RangeLength(range(1, 2, 2)), 0);
 }
 
 TEST_F(SharedOperations, TheSelectionGrowsToWholeLines)
 {
     document.setSelection({1, 2}, {0, 1});
-    const SelectedNodes nodes = SelectNodes(document, true, true);
+    const SelectedNodes nodes = SelectNodes(document, {.select = true, .returnHtml = true});
     EXPECT_EQ(nodes.first, 1);
     EXPECT_EQ(nodes.last, 2);
     EXPECT_EQ(text(nodes.range), "one\r\na<b>c");
-    EXPECT_TRUE(createRange(document).isEqual(nodes.range));
+    EXPECT_TRUE(page::createRange(document).isEqual(nodes.range));
     EXPECT_EQ(nodes.html.toStdString(), std::string("<DIV id=FirstDiv>one</DIV>\r\n") + Second);
 
     caret(2, 2);
-    EXPECT_EQ(SelectNodes(document, false, true).html, QStringLiteral("<DIV>three</DIV>"));
+    EXPECT_EQ(SelectNodes(document, {.returnHtml = true}).html, QStringLiteral("<DIV>three</DIV>"));
     EXPECT_TRUE(document.selection().isEmpty());
 }
 
 TEST_F(SharedOperations, NoLinesAreSelectedOnAnEmptyPage)
 {
     load("<HTML><BODY></BODY></HTML>");
-    const SelectedNodes nodes = SelectNodes(document, true, true);
+    const SelectedNodes nodes = SelectNodes(document, {.select = true, .returnHtml = true});
     EXPECT_EQ(nodes.first, -1);
     EXPECT_EQ(nodes.last, -1);
     EXPECT_EQ(nodes.html, QString());

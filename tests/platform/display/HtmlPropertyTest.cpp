@@ -136,11 +136,11 @@ TEST(HtmlProperty, TextBetweenTagsComesThroughWhole)
             }
             const QString word = QString::number(dice.roll(1000)) + u'<' + QChar(0x42F) + u'&';
             expected += word;
-            writeText(html, word);
+            WriteText(html, word);
         }
         TagTable tags;
         QString text;
-        for (const LinePtr& line : readFragment(tags, html).lines)
+        for (const LinePtr& line : ReadFragment(tags, html).lines)
             text += line->text;
         ASSERT_EQ(text.toStdString(), expected.toStdString()) << html.toStdString();
     }
@@ -153,7 +153,7 @@ TEST(HtmlProperty, ABookPageReadsBackWithItsBytes)
     const QByteArray saved = document.savePage();
     DisplayDocument again;
     again.loadPage(saved);
-    EXPECT_EQ(innerText(again), innerText(document));
+    EXPECT_EQ(page::innerText(again), page::innerText(document));
     EXPECT_EQ(again.savePage(), saved);
 }
 

@@ -24,7 +24,7 @@ std::string textOf(const QByteArray& html)
     EXPECT_EQ(reference::fragmentFault(QString::fromUtf8(html)), std::string()) << html.toStdString();
     DisplayDocument document;
     document.loadPage(html);
-    return innerText(document).replace(u"\r\n"_s, u"|"_s).toStdString();
+    return page::innerText(document).replace(u"\r\n"_s, u"|"_s).toStdString();
 }
 
 /// The first line's tags and text as they are written.
@@ -34,7 +34,7 @@ std::string firstLineOf(const QByteArray& html)
     DisplayDocument document;
     document.loadPage(html);
     QString line;
-    writeLine(line, document.tags(), document.line(0));
+    WriteLine(line, document.tags(), document.line(0));
     return line.toStdString();
 }
 
@@ -184,7 +184,7 @@ TEST(HtmlRoundTrip, ReferencesHalfWrittenAreText)
         document.loadPage(QByteArray("<DIV>a") + text + "z</DIV>");
         const QString expected
             = QString::fromLatin1(text).replace(u"&amp;"_s, u"&"_s).replace(u"&lt;"_s, u"<"_s);
-        EXPECT_EQ(innerText(document), u'a' + expected + u'z');
+        EXPECT_EQ(page::innerText(document), u'a' + expected + u'z');
         static_cast<void>(textOf(QByteArray("<DIV>a") + text + "z</DIV>"));
     }
     EXPECT_EQ(textOf("<DIV>a&#0;&#xD800;&#x110000;&#99999999999;b</DIV>"),
@@ -218,7 +218,7 @@ TEST(HtmlRoundTrip, LoneSurrogatesInAFragmentStay)
             EXPECT_EQ(reference::fragmentFault(html), std::string());
     }
     TagTable tags;
-    EXPECT_EQ(readFragment(tags, u"<DIV>a"_s + QChar(High) + u"b</DIV>"_s).lines[0]->text,
+    EXPECT_EQ(ReadFragment(tags, u"<DIV>a"_s + QChar(High) + u"b</DIV>"_s).lines[0]->text,
               u'a' + QString(QChar(High)) + u'b');
 }
 
@@ -268,7 +268,7 @@ TEST(HtmlRoundTrip, TextOfARuleStandsInALineOfItsOwnKind)
     document.setSelection({1, 0}, {1, 0});
     document.typeText(u"x"_s);
     EXPECT_EQ(reference::documentFault(document), std::string());
-    EXPECT_EQ(innerText(document), u"a\r\nx\r\nb");
+    EXPECT_EQ(page::innerText(document), u"a\r\nx\r\nb");
     EXPECT_TRUE(document.undo());
     EXPECT_EQ(document.tags()[document.line(1).block].name, u"HR");
 }

@@ -17,7 +17,7 @@ std::string linesOf(const DisplayDocument& document)
     for (int i = 0; i < document.lineCount(); ++i) {
         if (i > 0)
             html += u'|';
-        writeLine(html, document.tags(), document.line(i));
+        WriteLine(html, document.tags(), document.line(i));
     }
     return html.toStdString();
 }
@@ -33,12 +33,12 @@ std::string loaded(const char* page)
 std::string fragment(const QString& html)
 {
     TagTable tags;
-    const HtmlContent content = readFragment(tags, html);
+    const HtmlContent content = ReadFragment(tags, html);
     QString result;
     for (const LinePtr& line : content.lines) {
         if (line->block == NoTag)
             result += u'[';
-        writeLine(result, tags, *line);
+        WriteLine(result, tags, *line);
         if (line->block == NoTag)
             result += u']';
     }

@@ -279,7 +279,8 @@ void Episode::insertLines()
     const int line = dice.roll(plain.lineCount());
     const bool before = dice.roll(2) == 0;
     const Fragment fragment = randomLines(false);
-    item(document, line + 1).insertAdjacentHTML(before ? u"beforeBegin" : u"afterEnd", fragment.html());
+    page::item(document, line + 1)
+        .insertAdjacentHTML(before ? Adjacent::BeforeBegin : Adjacent::AfterEnd, fragment.html());
     const bool bare = plain.isBare();
     edit([&] { plain.replaceLines(bare || before ? line : line + 1, bare ? 1 : 0, fragment.tokens()); });
 }
@@ -290,7 +291,7 @@ void Episode::replaceLine()
     if (plain.isBare())
         return;
     const Fragment fragment = dice.roll(2) == 0 ? Fragment() : randomLines(false);
-    item(document, line + 1).setOuterHTML(fragment.lines.empty() ? QString() : fragment.html());
+    page::item(document, line + 1).setOuterHTML(fragment.lines.empty() ? QString() : fragment.html());
     edit([&] { plain.replaceLines(line, 1, fragment.tokens()); });
 }
 
@@ -445,10 +446,10 @@ void Episode::agree(const char* what)
     for (int i = 0; i < document.lineCount(); ++i) {
         if (i > 0)
             html += u"\r\n";
-        html += item(document, i + 1).outerHTML();
+        html += page::item(document, i + 1).outerHTML();
     }
     ASSERT_EQ(html.toStdString(), plain.html().toStdString()) << what;
-    ASSERT_EQ(innerText(document), plain.text().replace(u'\n', QStringLiteral("\r\n")));
+    ASSERT_EQ(page::innerText(document), plain.text().replace(u'\n', QStringLiteral("\r\n")));
     ASSERT_EQ(index(document.selection().anchor), plain.anchor) << what;
     ASSERT_EQ(index(document.selection().focus), plain.focus) << what;
     for (std::size_t i = 0; i < ranges.size(); ++i) {

@@ -23,6 +23,24 @@ TEST(Seams, AGuardFillsASeamForItsScopeOnly)
     EXPECT_EQ(ClipboardText(), u"own"_s);
 }
 
+TEST(Seams, AnOwnerPutsBackWhatWasThereBeforeIt)
+{
+    const SeamGuard outer(ClipboardTextSeam(), [] { return u"outer"_s; });
+    {
+        SeamOwner owner;
+        owner.fill(ClipboardTextSeam(), [] { return u"first"_s; });
+        owner.fill(ClipboardTextSeam(), [] { return u"second"_s; });
+        owner.fill(BoxSeam(), [](BoxKind, const QString&, const QString&) { return true; });
+        EXPECT_EQ(ClipboardText(), u"second"_s);
+        EXPECT_TRUE(YesNoBox(u"question"_s, u"title"_s));
+        owner.release();
+        EXPECT_EQ(ClipboardText(), u"outer"_s);
+        owner.fill(ClipboardTextSeam(), [] { return u"third"_s; });
+        EXPECT_EQ(ClipboardText(), u"third"_s);
+    }
+    EXPECT_EQ(ClipboardText(), u"outer"_s);
+}
+
 TEST(Seams, EachBoxTellsItsKindTextAndTitle)
 {
     QStringList seen;

@@ -100,8 +100,8 @@ TEST_F(ViewGeometry, ARangeFindsBackToItsOffsets)
     show(MixedLines.repeated(40));
     select({100, 0}, {100, 0});
     ASSERT_GT(view.scrollTop(), 0);
-    TextRange range = createRange(document());
-    TextRange other = createTextRange(document());
+    TextRange range = page::createRange(document());
+    TextRange other = page::createTextRange(document());
     other.moveToPoint(range.offsetLeft(), range.offsetTop());
     EXPECT_TRUE(other.isEqual(range));
     EXPECT_EQ(range.boundingWidth(), 0);
@@ -113,7 +113,7 @@ TEST_F(ViewGeometry, ARangeFindsBackToItsOffsets)
 TEST_F(ViewGeometry, TheBoundsOfAWholePageCoverIt)
 {
     show(MixedLines.repeated(100));
-    const TextRange all = createTextRange(document());
+    const TextRange all = page::createTextRange(document());
     EXPECT_GT(all.boundingWidth(), Width / 2);
     EXPECT_EQ(all.boundingLeft(), 5);
     measureAll();

@@ -1,4 +1,4 @@
-#include "DisplayValues.h"
+#include "DisplayValuesOfSettings.h"
 
 #include "SettingsVariables.h"
 
@@ -23,12 +23,6 @@ DisplayValues DisplayValuesOfSettings()
     values.tagHighlighting = TagHighlighting == 1;
     values.showNbsp = ShowNbsp == 1;
     return values;
-}
-
-Seam<DisplayValues()>& PreviewValuesSeam()
-{
-    static Seam<DisplayValues()> seam(DisplayValuesOfSettings);
-    return seam;
 }
 
 } // namespace vmk

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Seam.h"
-
 #include <string>
 
 namespace vmk {
@@ -27,12 +25,5 @@ struct DisplayValues
     /// Non-breaking spaces are shown as `NbspMarker`.
     bool showNbsp = false;
 };
-
-/// Returns the display values of the current settings.
-[[nodiscard]] DisplayValues DisplayValuesOfSettings();
-
-/// Returns the display values of a preview: the values in the controls of the settings dialog. Without the
-/// dialog, those of the settings.
-[[nodiscard]] Seam<DisplayValues()>& PreviewValuesSeam();
 
 } // namespace vmk

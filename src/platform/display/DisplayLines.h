@@ -1,0 +1,85 @@
+#pragma once
+
+#include "LineStore.h"
+#include "TagTable.h"
+
+#include <QString>
+
+#include <compare>
+#include <cstdint>
+#include <vector>
+
+/// What a display document is made of: lines with their marks, positions between characters, and how an edit
+/// moves them.
+namespace vmk {
+
+/// An in-line start or end tag before the character at `pos`.
+struct Mark
+{
+    std::int32_t pos = 0; ///< Offset in the line's text, 0 to its length.
+    std::uint32_t open : 1 = 0; ///< 1 for a start tag, 0 for an end tag.
+    std::uint32_t tag : 31 = 0; ///< `TagId`; an end tag has the number of its start tag.
+
+    [[nodiscard]] static Mark opening(int pos, TagId tag) { return {pos, 1, tag & 0x7FFFFFFF}; }
+    [[nodiscard]] static Mark closing(int pos, TagId tag) { return {pos, 0, tag & 0x7FFFFFFF}; }
+
+    friend bool operator==(const Mark& a, const Mark& b)
+    {
+        return a.pos == b.pos && a.open == b.open && a.tag == b.tag;
+    }
+};
+
+/// One line of the page: its block `<DIV …>`, its text, and its in-line tags in order.
+struct Line
+{
+    TagId block = NoTag; ///< `NoTag` only for the one empty line of a document without content.
+    QString text; ///< Never contains CR or LF.
+    std::vector<Mark> marks; ///< Ascending by `pos`, properly nested, all closed.
+
+    friend bool operator==(const Line&, const Line&) = default;
+};
+
+/// A position between two characters: line from 0, offset in its text from 0 to its length.
+struct Position
+{
+    int line = 0;
+    int offset = 0;
+
+    friend auto operator<=>(const Position&, const Position&) = default;
+};
+
+/// A position in a line between two marks, or between a mark and a character: before the character at
+/// `offset` and the mark with index `mark`, after all earlier ones.
+struct Cut
+{
+    int offset = 0;
+    std::size_t mark = 0;
+};
+
+/// The selection. The caret is at `focus`; with equal ends there is only a caret.
+struct Selection
+{
+    Position anchor;
+    Position focus;
+
+    [[nodiscard]] bool isEmpty() const { return anchor == focus; }
+    [[nodiscard]] Position start() const { return anchor < focus ? anchor : focus; }
+    [[nodiscard]] Position end() const { return anchor < focus ? focus : anchor; }
+    friend bool operator==(const Selection&, const Selection&) = default;
+};
+
+/// Maps positions across an edit that replaces the text from `from` to `oldEnd` by a text that ends at
+/// `newEnd`. Positions up to and including `from` are unchanged, positions from `oldEnd` on move with the
+/// text, and positions in between become `from`.
+struct EditMap
+{
+    Position from;
+    Position oldEnd;
+    Position newEnd;
+    bool inFront = false; ///< Whole lines were inserted before `from`, which moves with its line.
+
+    [[nodiscard]] Position operator()(Position place) const;
+    [[nodiscard]] EditMap inverse() const { return {from, newEnd, oldEnd, false}; }
+};
+
+} // namespace vmk
