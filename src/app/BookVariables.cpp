@@ -5,6 +5,8 @@ namespace vmk {
 QString CurrentBook;
 QString DisplayFile;
 std::string BinaryPart;
+int32_t BinaryCodePage = 1251;
+bool BookKeepsText = false;
 std::string WorkEncodingName;
 int32_t WorkCodePage = 1251;
 std::string WorkMetaTag;

@@ -14,6 +14,11 @@ extern QString CurrentBook;
 extern QString DisplayFile;
 /// The book's `binary` elements, held apart from the page from load to save.
 extern std::string BinaryPart;
+/// The code page of `BinaryPart`.
+extern int32_t BinaryCodePage;
+/// The book is read and saved without losses. False where the user wants the editor's own rules, which join
+/// lines and split text next to elements that they do not know.
+extern bool BookKeepsText;
 
 /// The encoding in force for reading the book, after any override in the settings.
 extern std::string WorkEncodingName;

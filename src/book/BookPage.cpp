@@ -1,6 +1,7 @@
 #include "BookPage.h"
 
 #include "LineEnds.h"
+#include "DisplayCharacters.h"
 #include "MainWindowSeams.h"
 #include "PageLines.h"
 #include "XmlDocument.h"
@@ -103,7 +104,8 @@ std::optional<XmlTreeText> TreeOfBook(const std::string& text, const PageRequest
 
     ShowStatus(u"...converting xml to html: preparing tree view..."_s);
     const std::string lines = TreeLines(text, "\r", request.inLineTags);
-    XmlSerializer serializer(request.inLineTags.elementNames(), request.xmlDeclaration, lines.size());
+    XmlSerializer serializer(request.inLineTags.elementNames(), request.xmlDeclaration, lines.size(),
+                             XmlForm::Display);
     XmlDocument document;
     document.validateOnParse = false;
     const bool laidOut = document.loadXML(lines, request.encoding, &serializer);
@@ -114,6 +116,27 @@ std::optional<XmlTreeText> TreeOfBook(const std::string& text, const PageRequest
     return serializer.take();
 }
 
+std::optional<XmlTreeText> KeptTreeOfBook(const std::string& text, const PageRequest& request,
+                                          LineLosses& losses, size_t& moved)
+{
+    const bool sameFault = LinesAreBetweenTags(text);
+    std::future<bool> broken
+        = Along([&text, &request] { return HasParseError(text, request.encoding); }, sameFault);
+    ShowStatus(u"...converting xml to html: preparing tree view..."_s);
+    const std::string lines = KeptTreeLines(text, "\r", request.inLineTags, losses);
+    XmlSerializer serializer(request.inLineTags.elementNames(), request.xmlDeclaration, lines.size(),
+                             XmlForm::Display);
+    serializer.keepTextOf(TextElementNames(request.inLineTags));
+    XmlDocument document;
+    document.validateOnParse = false;
+    const bool laidOut = document.loadXML(lines, request.encoding, &serializer);
+    // A text is shown as a tree only if it is well-formed itself: joining its lines must not mend it.
+    if (!laidOut || (!sameFault && broken.get()))
+        return std::nullopt;
+    moved = serializer.keptElements();
+    return serializer.take();
+}
+
 std::string PageWithTree(const XmlTreeText& tree, const PageRequest& request)
 {
     ShowStatus(u"...converting xml to html: looking for nodes..."_s);
@@ -121,7 +144,8 @@ std::string PageWithTree(const XmlTreeText& tree, const PageRequest& request)
     ShowStatus(u"...converting xml to html: shifting nodes..."_s);
     ShowPaintingSteps(request.values);
     std::string page = PageStart(request.values);
-    AppendTreeLines(tree, request.xmlDeclaration, request.values, page);
+    const auto replaced = request.keepsText ? QuotedDeclarations::Keep : QuotedDeclarations::Replace;
+    AppendTreeLines(tree, request.xmlDeclaration, request.values, page, replaced);
     page += PageEnd;
     return page;
 }
@@ -130,10 +154,15 @@ std::string PageWithoutTree(std::string text, const PageRequest& request)
 {
     std::erase(text, '\t');
     ShowStatus(u"...converting xml to html: preparing tree view..."_s);
-    text = TreeLines(std::move(text), "\r", request.inLineTags);
+    return PageOfPlainLines(PageAmpersands(TreeLines(std::move(text), "\r", request.inLineTags)), request);
+}
+
+std::string PageOfPlainLines(const std::string& lines, const PageRequest& request)
+{
     ShowPaintingSteps(request.values);
     std::string page = PageStart(request.values);
-    AppendPlainLines(text, request.values, page);
+    AppendPlainLines(lines, request.values, page,
+                     request.keepsText ? ControlCharacters::Keep : ControlCharacters::Mark);
     page += PageEnd;
     return page;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DisplayValues.h"
+#include "KeptLines.h"
 #include "TreeLines.h"
 #include "XmlInput.h"
 #include "XmlSerializer.h"
@@ -21,12 +22,20 @@ struct PageRequest
     std::string xmlDeclaration;
     /// UTF-8, or the code page of a text whose character references are not resolved yet.
     XmlEncoding encoding = XmlEncoding::utf8();
+    /// Nothing but the first declaration and the tags is written anew: quoted ones stay as they are.
+    bool keepsText = false;
 };
 
 /// Returns the text laid out as a tree, in UTF-8, after one pass of the parser. Returns nothing if the text,
 /// either as it is or with its lines prepared, is not well-formed.
 /// \param text  with protected angle brackets
 [[nodiscard]] std::optional<XmlTreeText> TreeOfBook(const std::string& text, const PageRequest& request);
+
+/// The same, with lines of `KeptTreeLines` and text kept together by what its elements are.
+/// \param losses  what `TreeOfBook` would have changed in the lines
+/// \param moved   how many elements it would have given lines of their own in the midst of text
+[[nodiscard]] std::optional<XmlTreeText> KeptTreeOfBook(const std::string& text, const PageRequest& request,
+                                                        LineLosses& losses, size_t& moved);
 
 /// Returns the page of a text that has a tree.
 [[nodiscard]] std::string PageWithTree(const XmlTreeText& tree, const PageRequest& request);
@@ -35,6 +44,9 @@ struct PageRequest
 /// them.
 /// \param text  with protected angle brackets, in UTF-8
 [[nodiscard]] std::string PageWithoutTree(std::string text, const PageRequest& request);
+
+/// The page of such a text whose lines, each ended by CR, are made; its ampersands are those of a page.
+[[nodiscard]] std::string PageOfPlainLines(const std::string& lines, const PageRequest& request);
 
 /// Returns the style rules of the page, from `<HEAD>` to `</HEAD>`; empty without tag highlighting.
 [[nodiscard]] std::string HeadBlock(const DisplayValues& values);

@@ -59,6 +59,13 @@ void AddToDocumentInfo(std::string& text, size_t start)
 
 } // namespace
 
+bool IsBinaryPartDamaged(std::string_view text)
+{
+    const size_t start = text.find("<binary");
+    const size_t end = start == std::string_view::npos ? start : text.rfind("</binary>");
+    return start != std::string_view::npos && (end == std::string_view::npos || end <= start);
+}
+
 bool CutBinaryPart(std::string& text, std::string& binaryPart)
 {
     constexpr std::string_view BinaryEnd = "</binary>";

@@ -1,11 +1,14 @@
 #include "BookToDisplay.h"
 
+#include "BookVariables.h"
 #include "BookPage.h"
 #include "BookParts.h"
+#include "BookReading.h"
 #include "BookSeams.h"
 #include "BookVariables.h"
 #include "Boxes.h"
 #include "CodePages.h"
+#include "DisplayCharacters.h"
 #include "DisplayValuesOfSettings.h"
 #include "EmptyPage.h"
 #include "Encodings.h"
@@ -43,25 +46,28 @@ void ConvertUnresolved(std::string& text)
     ProtectAngleBrackets(text);
 }
 
-} // namespace
-
-bool ConvertBookToDisplay(std::string& text, bool preview)
+/// The request of a page with the settings in force.
+PageRequest RequestOfSettings(bool preview)
 {
-    if (!SplitBinaryPart(text, preview)) {
-        text.clear();
-        return false;
-    }
-
     PageRequest request;
     const std::optional<DisplayValues> ofPreview = preview ? PreviewValuesSeam()() : std::nullopt;
     request.values = ofPreview ? *ofPreview : DisplayValuesOfSettings();
     request.values.showNbsp = ShowNbsp == 1;
     request.inLineTags = InLineTagSet(InLineTags);
-    ShowStatus(u"...converting xml to html: checking namespace..."_s);
+    return request;
+}
 
-    // To UTF-8, except for a book with references: only the parser can resolve them.
-    if (!preview)
+/// The editor's own reading of a book whose binary part is cut off.
+void ConvertAsEditor(std::string& text, bool preview)
+{
+    PageRequest request = RequestOfSettings(preview);
+
+    // To UTF-8, except for a book with references: only the parser can tell what those mean.
+    if (!preview) {
         DetectBookEncoding(text);
+        BinaryCodePage = WorkCodePage == CodePageUtf16 ? CodePageUtf8 : WorkCodePage;
+        BookKeepsText = false;
+    }
     ConvertBookToUtf8(text);
     request.xmlDeclaration = XmlDeclaration;
     if (BookHasCharRefs && WorkCodePage != CodePageUtf16)
@@ -71,7 +77,10 @@ bool ConvertBookToDisplay(std::string& text, bool preview)
     if (!preview)
         UpdateDescription(text);
 
-    const std::optional<XmlTreeText> tree = TreeOfBook(text, request);
+    std::string protectedText = text;
+    ProtectNumericAngles(protectedText);
+    std::optional<XmlTreeText> tree = TreeOfBook(protectedText, request);
+    std::string().swap(protectedText);
     if (tree) {
         std::string().swap(text); // the tree contains all of it
         text = PageWithTree(*tree, request);
@@ -82,6 +91,53 @@ bool ConvertBookToDisplay(std::string& text, bool preview)
         text = PageWithoutTree(std::move(text), request);
     }
     BookHasCharRefs = false;
+}
+
+/// Makes a book that was read without losses the open one.
+void TakeKeptBook(KeptBook& kept, std::string& text)
+{
+    WorkEncodingName = std::move(kept.encoding.work.name);
+    WorkCodePage = kept.encoding.work.codePage;
+    WorkMetaTag = std::move(kept.encoding.work.metaTag);
+    FileEncodingName = std::move(kept.encoding.file.name);
+    FileCodePage = kept.encoding.file.codePage;
+    FileMetaTag = std::move(kept.encoding.file.metaTag);
+    XmlDeclaration = std::move(kept.encoding.declaration);
+    BinaryPart = std::move(kept.binaryPart);
+    BinaryCodePage = kept.binaryCodePage;
+    BookHasCharRefs = BadBinaryPart = false;
+    BookKeepsText = true;
+    if (!kept.hasTree)
+        WarnOfNamespaceError(false);
+    text = std::move(kept.page);
+}
+
+} // namespace
+
+Seam<bool(const BookLosses& losses)>& LossSeam()
+{
+    static Seam<bool(const BookLosses&)> seam([](const BookLosses&) { return false; });
+    return seam;
+}
+
+bool ConvertBookToDisplay(std::string& text, bool preview)
+{
+    if (!preview && !IsBinaryPartDamaged(text)) {
+        ShowStatus(u"...converting xml to html: checking namespace..."_s);
+        const PageRequest request = RequestOfSettings(false);
+        KeptBook kept = ReadKeptBook(text, request.values, request.inLineTags, InputEncoding);
+        const bool asks = kept.losses.any() || kept.losses.replacedBytes > 0;
+        if (!asks || LossSeam()(kept.losses)) {
+            TakeKeptBook(kept, text);
+            return true;
+        }
+    }
+    if (!SplitBinaryPart(text, preview)) {
+        text.clear();
+        return false;
+    }
+    ShowStatus(u"...converting xml to html: checking namespace..."_s);
+    ConvertAsEditor(text, preview);
     return true;
 }
 

@@ -1,14 +1,25 @@
 #pragma once
 
+#include "Seam.h"
+
 #include <string>
 
 namespace vmk {
 
+struct BookLosses;
+
+/// Asked once for a book that the editor's own rules would change. True reads it without these losses, false
+/// by the rules. Without a window the answer is false.
+[[nodiscard]] Seam<bool(const BookLosses& losses)>& LossSeam();
+
 /// Converts the bytes of a book to the page of the display.
 ///
 /// Reads the settings (for a preview, the values of `PreviewValuesSeam`). Writes `BadBinaryPart` and
-/// `BookHasCharRefs`, and except for a preview also `BinaryPart` and the variables of the book's encoding. A
-/// preview uses the encoding variables of the book that is open, which is intended.
+/// `BookHasCharRefs`, and except for a preview also `BinaryPart`, `BookKeepsText` and the variables of the
+/// book's encoding. A preview uses the encoding variables of the book that is open, which is intended.
+///
+/// If the editor's own rules would lose something of the book, `LossSeam` decides how it is read. Any other
+/// book is read without losses, with the same result.
 /// \param text  in: the bytes; out: the page, in UTF-8
 /// \return false, with `text` empty, if the binary part is damaged. A book that is not well-formed is not a
 ///         failure: it is shown without margins, after a box if `NamespaceErrorWarning` is 1.

@@ -1,9 +1,12 @@
 #include "DisplayText.h"
 
+#include "BookVariables.h"
+#include "NonBreakingSpace.h"
+#include "LineEnds.h"
+#include "DisplayCharacters.h"
 #include "DisplayDocument.h"
 #include "LargeBuffers.h"
-#include "LineEnds.h"
-#include "NonBreakingSpace.h"
+#include "TextFunctions.h"
 #include "XmlDeclarations.h"
 
 #include <algorithm>
@@ -145,13 +148,59 @@ std::optional<std::string> TextOfLines(const DisplayDocument& document, AngleMar
     return text;
 }
 
-std::string TextOfDisplay(const DisplayDocument& document, AngleMarks marks)
+namespace {
+
+/// The text of the display with an escaped ampersand for each that is shown, from the front of its page on.
+std::string UnresolvedText(const DisplayDocument& document, AngleMarks marks)
 {
     std::optional<std::string> text = TextOfLines(document, marks);
-    if (!text)
-        return TextOfPage(document.savePage().toStdString(), marks);
-    DropBeforeDeclaration(*text);
-    return *std::move(text);
+    return text ? *std::move(text) : TextOfPage(document.savePage().toStdString(), marks);
+}
+
+/// Drops what stands before the declaration; of a book that keeps its text white space alone.
+void DropFront(std::string& text)
+{
+    if (!BookKeepsText || IsBlank(std::string_view(text).substr(0, text.find('<'))))
+        DropBeforeDeclaration(text);
+}
+
+/// UTF-16 units of UTF-8.
+qsizetype UnitCount(std::string_view text)
+{
+    qsizetype units = 0;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        units += ((byte & 0xC0U) != 0x80 ? 1 : 0) + (byte >= 0xF0 ? 1 : 0);
+    }
+    return units;
+}
+
+} // namespace
+
+std::string TextOfDisplay(const DisplayDocument& document, AngleMarks marks)
+{
+    std::string text = UnresolvedText(document, marks);
+    DropFront(text);
+    return ResolveDisplayText(std::move(text));
+}
+
+int DisplayOffset(const DisplayDocument& document, qsizetype textByte)
+{
+    const std::string whole = UnresolvedText(document, AngleMarks::Keep);
+    std::string rest = whole;
+    DropFront(rest);
+    const size_t dropped = whole.size() - rest.size();
+    const size_t place = dropped + UnresolvedOffset(rest, static_cast<size_t>(textByte));
+    // The page begins with a text of its own, which the display does not show.
+    const std::string front = TextOfPage(document.pageFront().toStdString(), AngleMarks::Keep);
+    const size_t start = std::min(front.size(), place);
+
+    // Where the text has CR and LF the display has one place, where it has "&amp;" one character.
+    constexpr std::string_view Ampersand = "&amp;";
+    const std::string_view before = std::string_view(whole).substr(start, place - start);
+    const auto uncounted
+        = CountOccurrences(before, "\r") + (Ampersand.size() - 1) * CountOccurrences(before, Ampersand);
+    return static_cast<int>(UnitCount(before) - static_cast<qsizetype>(uncounted));
 }
 
 } // namespace vmk

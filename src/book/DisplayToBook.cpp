@@ -1,12 +1,14 @@
 #include "DisplayToBook.h"
 
+#include "NonBreakingSpace.h"
 #include "BookVariables.h"
 #include "CodePages.h"
 #include "Encodings.h"
+#include "KeptLines.h"
 #include "LargeBuffers.h"
 #include "LineEnds.h"
 #include "MainWindowSeams.h"
-#include "NonBreakingSpace.h"
+#include "MarkupScanner.h"
 #include "TextFunctions.h"
 #include "XmlDeclarations.h"
 #include "XmlDocument.h"
@@ -22,14 +24,8 @@ namespace vmk {
 
 namespace {
 
-/// The border between two lines of a generated page.
-constexpr std::string_view LineBorder = "</DIV>\r<";
-/// The tag of an indented line, and its form where the text before it leaves a quote open after a painted
-/// name: the value then ends within the tag. A display treats this as mark-up; the steps over the text do
-/// not.
-constexpr std::string_view LineTag = R"(<DIV style="MARGIN-LEFT: )";
-constexpr std::string_view TornLineTag = R"(<DIV style="</FONT>MARGIN-LEFT: )";
 constexpr std::string_view BookEnd = "</FictionBook>";
+constexpr std::string_view Utf8Mark = "\xef\xbb\xbf";
 
 /// Visible text and its written form.
 struct Token
@@ -159,10 +155,29 @@ size_t PageStripper::replace(size_t at, size_t length, std::string_view with)
 /// Replaces the text's own declaration.
 void SetDeclaration(std::string& text, std::string_view declaration)
 {
+    if (text.starts_with(Utf8Mark))
+        text.erase(0, Utf8Mark.size());
     if (!text.starts_with(XmlDeclarationStart))
         text.insert(0, declaration);
     else if (const size_t next = text.find('<', XmlDeclarationStart.size()); next != std::string::npos)
         text.replace(0, next, declaration);
+}
+
+/// The same, wherever the text's own stands; what stands around it stays.
+void SetKeptDeclaration(std::string& text, std::string_view declaration)
+{
+    if (text.starts_with(Utf8Mark))
+        text.erase(0, Utf8Mark.size());
+    MarkupScanner scanner(text);
+    for (MarkupToken token; scanner.next(token) && !token.isTag();) {
+        constexpr std::string_view Start = "<?xml";
+        if (token.kind == MarkupToken::Kind::Instruction && token.text.starts_with(Start)
+            && token.text.find_first_of(" \t\r\n", Start.size()) == Start.size()) {
+            text.replace(token.start, token.text.size(), declaration);
+            return;
+        }
+    }
+    text.insert(0, declaration);
 }
 
 /// Returns the parser's layout of a text and frees `lines`. Returns nothing, and keeps `lines`, if the text
@@ -170,6 +185,8 @@ void SetDeclaration(std::string& text, std::string_view declaration)
 std::optional<std::string> TreeForm(std::string& lines, const SaveLayout& layout)
 {
     XmlSerializer serializer(layout.inLineTags.elementNames(), layout.declaration, lines.size());
+    if (layout.keepsText)
+        serializer.keepTextOf(TextElementNames(layout.inLineTags));
     XmlDocument document;
     if (!document.loadXML(lines, XmlEncoding::utf8(), &serializer))
         return std::nullopt;
@@ -178,7 +195,9 @@ std::optional<std::string> TreeForm(std::string& lines, const SaveLayout& layout
     constexpr size_t TimesTheText = 16;
     if (tree.laidOutSize() > AlwaysFine + TimesTheText * tree.text.size())
         return std::nullopt;
-    std::string().swap(lines); // frees memory for the tree
+    std::string().swap(lines); // room for the tree
+    if (layout.keepsText)
+        return tree.laidOut();
     return ReplaceXmlDeclarations(tree.laidOut(), layout.declaration.size(), layout.declaration);
 }
 
@@ -189,7 +208,9 @@ std::string LaidOut(std::string text, const SaveLayout& layout, bool& treeSkippe
         text = CollapseRepeats(ReplaceAll(std::move(text), CrLf, " "), " ");
         return std::string(TrimBlanks(text));
     }
-    text = TreeLines(std::move(text), CrLf, layout.inLineTags);
+    LineLosses losses; // counted on loading; here nothing is lost
+    text = layout.keepsText ? KeptTreeLines(text, CrLf, layout.inLineTags, losses)
+                            : TreeLines(std::move(text), CrLf, layout.inLineTags);
     if (layout.style == LayoutStyle::TagsTree) {
         if (std::optional<std::string> tree = TreeForm(text, layout))
             return *std::move(tree);
@@ -248,13 +269,16 @@ std::string TidyStretch(std::string stretch, std::string_view nbsp)
 std::string TidyLineEnds(const std::string& text, std::string_view nbsp)
 {
     const std::string_view view = text;
-    const std::array<std::string_view, 3> units = {std::string_view(" "), nbsp, std::string_view(CrLf)};
+    const std::array<std::string_view, 3> units
+        = {std::string_view(" "), nbsp.empty() ? std::string_view(" ") : nbsp, std::string_view(CrLf)};
     std::string result = StringWithRoom(text.size());
     size_t copied = 0;
     for (size_t at = view.find(CrLf); at != std::string_view::npos; at = view.find(CrLf, copied)) {
         size_t start = at;
-        while (start > copied
-               && (view[start - 1] == ' ' || view.substr(copied, start - copied).ends_with(nbsp)))
+        const auto endsWithNbsp = [&](size_t place) {
+            return !nbsp.empty() && view.substr(copied, place - copied).ends_with(nbsp);
+        };
+        while (start > copied && (view[start - 1] == ' ' || endsWithNbsp(start)))
             start -= view[start - 1] == ' ' ? 1 : nbsp.size();
         size_t end = at + 2;
         for (bool more = true; more;) {
@@ -274,23 +298,10 @@ std::string TidyLineEnds(const std::string& text, std::string_view nbsp)
 
 } // namespace
 
-std::string PageAsDisplayed(std::string page)
+Seam<std::string(AngleMarks marks)>& DisplayTextSeam()
 {
-    page = ReplaceAll(std::move(page), TornLineTag, LineTag);
-    // In place, from the end: a page is large, and a copy would need as much memory again.
-    const auto lines = static_cast<size_t>(CountOccurrences(page, LineBorder));
-    size_t from = page.size();
-    size_t to = from + lines;
-    page.resize(to);
-    while (from < to) {
-        const size_t border
-            = std::string_view(page).substr(0, from).rfind(LineBorder) + LineBorder.size() - 1;
-        std::char_traits<char>::move(page.data() + to - (from - border), page.data() + border, from - border);
-        to -= from - border;
-        page[--to] = '\n';
-        from = border;
-    }
-    return page;
+    static Seam<std::string(AngleMarks)> seam([](AngleMarks) { return std::string(); });
+    return seam;
 }
 
 std::string TextOfPage(std::string_view page, AngleMarks marks)
@@ -314,15 +325,43 @@ std::string GetFbTextFromDisplay(bool realCharacters)
     return text;
 }
 
-BookFile FileOfPage(std::string page, const SaveLayout& layout)
+namespace {
+
+/// The file of a text that keeps all of it: only layout is tidied, before anything is encoded, and the pictures
+/// go to the book's real end.
+BookFile FileOfKeptText(std::string text, const SaveLayout& layout)
 {
-    std::string text = TextOfPage(page, AngleMarks::Restore);
-    std::string().swap(page); // no longer needed
-    return FileOfText(std::move(text), layout);
+    BookFile file;
+    SetKeptDeclaration(text, layout.declaration);
+    text = TidyLineEnds(LaidOut(std::move(text), layout, file.treeSkipped), {});
+    const auto encoded = [&layout](std::string_view part) {
+        return layout.codePage == CodePageUtf8 ? std::string(part) : Utf8ToBytes(part, layout.codePage);
+    };
+    if (layout.binaryPart.empty()) {
+        file.bytes = encoded(text);
+        return file;
+    }
+    size_t end = text.size();
+    MarkupScanner scanner(text);
+    for (MarkupToken token; scanner.next(token);)
+        if (token.kind == MarkupToken::Kind::EndTag && token.name() == "FictionBook")
+            end = token.start;
+    const std::string_view front = std::string_view(text).substr(0, end);
+    file.bytes = encoded(front);
+    if (!front.ends_with(CrLf))
+        file.bytes += CrLf;
+    file.bytes += BinariesInEncoding(layout);
+    file.bytes += CrLf;
+    file.bytes += encoded(std::string_view(text).substr(end));
+    return file;
 }
+
+} // namespace
 
 BookFile FileOfText(std::string text, const SaveLayout& layout)
 {
+    if (layout.keepsText)
+        return FileOfKeptText(std::move(text), layout);
     BookFile file;
     SetDeclaration(text, layout.declaration);
     text = LaidOut(std::move(text), layout, file.treeSkipped);

@@ -10,10 +10,6 @@
 /// Converts the page of the display back to XML text and to the bytes of a book.
 namespace vmk {
 
-/// Returns a page in the form in which an unedited display writes it: `CrLf` between the lines, and no tag
-/// split over two lines.
-[[nodiscard]] std::string PageAsDisplayed(std::string page);
-
 /// Returns the XML text that a page shows: the text after the head, without mark-up, with real angle
 /// brackets, from the XML declaration on if there is one. Line breaks that the display inserts into long
 /// lines are removed; line ends between lines remain. `NbspMarker` becomes U+00A0, `&nbsp;` becomes a blank.
@@ -41,6 +37,8 @@ struct SaveLayout
     std::string_view binaryPart;
     /// The code page of `binaryPart`.
     int32_t binaryCodePage = 0;
+    /// Lines, values and quoted tags stay as they are, as far as the style allows it.
+    bool keepsText = false;
 };
 
 struct BookFile
@@ -53,7 +51,5 @@ struct BookFile
 /// Returns the file of a book from its text, whose angle brackets are restored. Characters that the code page
 /// does not contain are substituted.
 [[nodiscard]] BookFile FileOfText(std::string text, const SaveLayout& layout);
-/// Returns the file of the book that a page shows.
-[[nodiscard]] BookFile FileOfPage(std::string page, const SaveLayout& layout);
 
 } // namespace vmk

@@ -62,10 +62,12 @@ struct SpecialBytes
 {
     bool set[256]{};
 
-    SpecialBytes(bool quotes, bool nbsp)
+    SpecialBytes(bool quotes, bool nbsp, ControlCharacters controls)
     {
-        for (const char c : {'<', '>', '&', '\r', ' ', CommentStartMark, CommentEndMark})
+        for (const char c : {'<', '>', '&', '\r', ' '})
             set[static_cast<unsigned char>(c)] = true;
+        for (const char c : {CommentStartMark, CommentEndMark})
+            set[static_cast<unsigned char>(c)] = controls == ControlCharacters::Mark;
         set[static_cast<unsigned char>('"')] = quotes;
         set[0xc2] = nbsp;
     }
@@ -77,12 +79,13 @@ struct SpecialBytes
 class LineWriter
 {
 public:
-    LineWriter(const DisplayValues& displayValues, LineEnds ends, size_t maxDepth, std::string& page)
+    LineWriter(const DisplayValues& displayValues, LineEnds ends, size_t maxDepth, std::string& page,
+               ControlCharacters controls = ControlCharacters::Mark)
         : values(displayValues)
         , lineEnds(ends)
         , levels(maxDepth)
         , paint(TagPaint::Of(displayValues))
-        , special(paint.attributes, displayValues.showNbsp)
+        , special(paint.attributes, displayValues.showNbsp, controls)
         , out(page)
         , lineStart(page.size())
     {
@@ -403,12 +406,13 @@ void PaintAttributes(std::string& text)
 }
 
 void AppendTreeLines(const XmlTreeText& tree, std::string_view declaration, const DisplayValues& values,
-                     std::string& page)
+                     std::string& page, QuotedDeclarations quoted)
 {
     const size_t behindDeclaration = tree.text.starts_with(declaration) ? declaration.size() : 0;
 
-    // Declarations elsewhere, as in a comment, need the slow path.
-    if (FindXmlDeclaration(tree.text, behindDeclaration) != std::string_view::npos) {
+    // Declarations elsewhere, as in a comment, take the long way.
+    if (quoted == QuotedDeclarations::Replace
+        && FindXmlDeclaration(tree.text, behindDeclaration) != std::string_view::npos) {
         const std::string text = tree.laidOut();
         const size_t levels = LongestTabRun(std::string_view(text).substr(behindDeclaration));
         LineWriter writer(values, LineEnds::CrLfAndTabs, levels, page);
@@ -439,10 +443,11 @@ void AppendTreeLines(const XmlTreeText& tree, std::string_view declaration, cons
     writer.finish();
 }
 
-void AppendPlainLines(std::string_view text, const DisplayValues& values, std::string& page)
+void AppendPlainLines(std::string_view text, const DisplayValues& values, std::string& page,
+                      ControlCharacters controls)
 {
     ReserveLines(text, static_cast<size_t>(std::count(text.begin(), text.end(), '\r')), page);
-    LineWriter writer(values, LineEnds::Cr, 0, page);
+    LineWriter writer(values, LineEnds::Cr, 0, page, controls);
     writer.write(text);
     writer.finish();
 }

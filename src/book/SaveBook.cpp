@@ -64,9 +64,28 @@ SaveLayout SaveLayoutOfSettings()
     layout.codePage = encoding.codePage;
     layout.inLineTags = InLineTagSet(InLineTags);
     layout.binaryPart = BinaryPart;
-    // The pictures of a UTF-16 book are not found at loading: any that it has now come from the editor.
-    layout.binaryCodePage = WorkCodePage == CodePageUtf16 ? CodePageUtf8 : WorkCodePage;
+    layout.binaryCodePage = BinaryCodePage;
+    layout.keepsText = BookKeepsText;
     return layout;
+}
+
+Seam<bool(const MissingCharacters& missing, const QString& encoding)>& MissingCharactersSeam()
+{
+    static Seam<bool(const MissingCharacters&, const QString&)> seam(
+        [](const MissingCharacters&, const QString&) { return false; });
+    return seam;
+}
+
+BookFile FileOfDisplayText(std::string text)
+{
+    SaveLayout layout = SaveLayoutOfSettings();
+    const MissingCharacters missing = FindMissingCharacters(text, layout.codePage);
+    if (missing.count > 0 && MissingCharactersSeam()(missing, u"windows-%1"_s.arg(layout.codePage))) {
+        const SavedEncoding utf8 = OutputEncodingInfo("utf-8");
+        layout.declaration = utf8.declaration;
+        layout.codePage = utf8.codePage;
+    }
+    return FileOfText(std::move(text), layout);
 }
 
 bool SaveBook(const QString& path, SaveReport report)
@@ -77,8 +96,7 @@ bool SaveBook(const QString& path, SaveReport report)
     }
     const HourglassScope hourglass;
     ShowStatus(u"...saving Fiction Book file...wait, please"_s);
-    const SaveLayout layout = SaveLayoutOfSettings();
-    const BookFile file = FileOfText(DisplayTextSeam()(AngleMarks::Restore), layout);
+    const BookFile file = FileOfDisplayText(DisplayTextSeam()(AngleMarks::Restore));
     const bool written = WriteFileText(path, file.bytes);
     ReportOutcome(path, file, written, report);
     return written;

@@ -58,9 +58,9 @@ public:
     }
 
     [[nodiscard]] std::string run();
+    [[nodiscard]] bool breaksBehind(std::string_view piece, size_t next) const;
 
 private:
-    [[nodiscard]] bool breaksBehind(std::string_view piece, size_t next) const;
     [[nodiscard]] std::string_view tagAt(size_t position) const;
 
     std::string_view text;
@@ -184,6 +184,11 @@ std::string TreeLines(std::string text, std::string_view lineEnd, const InLineTa
     if (!inLineTags.isPlain())
         return BreakStepByStep(std::move(text), lineEnd, inLineTags);
     return LineBreaker(text, lineEnd, inLineTags).run();
+}
+
+bool LineEndsBehind(std::string_view joined, size_t from, size_t next, const InLineTagSet& inLineTags)
+{
+    return LineBreaker(joined, {}, inLineTags).breaksBehind(joined.substr(from, next - from), next);
 }
 
 bool LinesAreBetweenTags(std::string_view text)

@@ -47,6 +47,11 @@ private:
 [[nodiscard]] std::string TreeLines(std::string text, std::string_view lineEnd,
                                     const InLineTagSet& inLineTags);
 
+/// Whether `TreeLines` ends a line at `next` of a joined text, right after a ">"; `from` is the place after
+/// the ">" before that one. For a list without an empty entry.
+[[nodiscard]] bool LineEndsBehind(std::string_view joined, size_t from, size_t next,
+                                  const InLineTagSet& inLineTags);
+
 /// Returns true if the text begins with a tag and each line end is in white space between a ">" and a "<" or
 /// at the end. For such a text, `TreeLines` never turns a text that is not well-formed into one that is. For
 /// others it may: "<sec", a line end, "tion>" is broken, and its joined form is not.

@@ -1,15 +1,13 @@
-#include "CodePages.h"
+#include "BookDocument.h"
 #include "Command.h"
 #include "CommandLine.h"
-#include "Encodings.h"
+#include "DisplayDocument.h"
 #include "PageOfBook.h"
 #include "SaveBook.h"
 #include "Settings.h"
 #include "SettingsVariables.h"
 #include "StartUpVariables.h"
 #include "TextFunctions.h"
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -24,6 +22,7 @@ struct ConvertOptions
     QString encoding = u"original"_s;
     QString style = u"tags tree"_s;
     QString inputEncoding = u"original"_s;
+    BookReading reading = BookReading::Kept;
 };
 
 /// The value of the current option, which must be in the list.
@@ -41,6 +40,8 @@ void TakeOption(CommandLine& line, ConvertOptions& options)
     const QString& option = line.option();
     if (option == u"--out")
         options.file = line.value();
+    else if (option == u"--as-editor")
+        options.reading = BookReading::AsEditor;
     else if (option == u"--encoding")
         options.encoding = ListedValue(line, OutputEncodings);
     else if (option == u"--style")
@@ -69,29 +70,15 @@ ConvertOptions ReadOptions(CommandLine& line)
     return options;
 }
 
-/// Whether reading the book in its encoding would lose text: UTF-16 is kept completely only if it is ASCII,
-/// and the code pages have no character 0.
-bool WouldLoseText(std::string_view bytes, const QString& inputEncoding)
+/// What is said about characters that the encoding lacks. Without losses the book is then saved in UTF-8.
+bool TellMissingCharacters(const ConvertOptions& options, const MissingCharacters& missing,
+                           const QString& encoding)
 {
-    const int32_t codePage = FindBookEncoding(bytes, inputEncoding.toStdString()).work.codePage;
-    if (codePage != CodePageUtf16)
-        return codePage != CodePageUtf8 && bytes.find('\0') != std::string_view::npos;
-    constexpr char16_t ByteOrderMark = 0xfeff;
-    constexpr char16_t LastAscii = 0x7f;
-    const QString text = DecodeBytes(bytes, CodePageUtf16);
-    const QStringView rest = QStringView(text).mid(text.startsWith(ByteOrderMark) ? 1 : 0);
-    return bytes.size() % 2 != 0
-        || std::ranges::any_of(rest, [](QChar c) { return c.isNull() || c.unicode() > LastAscii; });
-}
-
-/// The reason why the book is not converted; empty if it is.
-QString Refusal(std::string_view bytes, const QString& inputEncoding)
-{
-    if (IsBlank(bytes))
-        return u"empty book - nothing to save"_s;
-    return WouldLoseText(bytes, inputEncoding)
-        ? u"not converted: text would be lost in reading its encoding"_s
-        : QString();
+    const bool keep = options.reading == BookReading::Kept;
+    PrintErrorLine(u"vmk: "_s + ShownName(options.book) + (keep ? u": kept"_s : u": lost"_s)
+                   + u": characters that "_s + encoding + u" lacks: "_s + QString::number(missing.count)
+                   + u" ("_s + missing.examples + (keep ? u"); saved in utf-8"_s : u")"_s));
+    return keep;
 }
 
 int RunConvert(const QStringList& arguments)
@@ -111,14 +98,18 @@ int RunConvert(const QStringList& arguments)
     std::optional<std::string> book = ReadBook(options.book);
     if (!book)
         return ExitFailure;
-    if (const QString refusal = Refusal(*book, options.inputEncoding); !refusal.isEmpty()) {
-        PrintErrorLine(u"vmk: "_s + ShownName(options.book) + u": "_s + refusal);
+    if (IsBlank(*book)) {
+        PrintErrorLine(u"vmk: "_s + ShownName(options.book) + u": empty book - nothing to save"_s);
         return ExitFailure;
     }
-    std::optional<std::string> page = PageOfBook(options.book, *std::move(book));
-    if (!page)
+    DisplayDocument document;
+    if (!OpenBook(options.book, *std::move(book), document, options.reading))
         return ExitFailure;
-    const BookFile file = FileOfPage(PageAsDisplayed(*std::move(page)), SaveLayoutOfSettings());
+    const SeamGuard missing(MissingCharactersSeam(),
+                            [&options](const MissingCharacters& found, const QString& encoding) {
+                                return TellMissingCharacters(options, found, encoding);
+                            });
+    const BookFile file = DocumentToBook(document);
     return WriteOutput(options.file, file.bytes, Durability::Flushed) ? ExitClean : ExitFailure;
 }
 
@@ -127,19 +118,23 @@ int RunConvert(const QStringList& arguments)
 const Command ConvertCommand
     = {"convert", "load a book and save it in another encoding or layout",
        R"(usage: vmk convert BOOK --out FILE [--encoding NAME] [--style STYLE] [--input-encoding NAME]
+       [--as-editor]
 
-Loads BOOK and saves it as the editor does without an edit: adds the program to its description, removes line
-ends in the text, and shortens runs of blanks to one.
+Loads BOOK into the editor's display and saves it, unedited: the program is named in its description, and runs
+of white space in the text shrink to one blank. Nothing else is lost: what the editor's own rules would change
+is kept, and each such loss avoided is a line on standard error.
 
   --out FILE             the file to write, replaced completely or not at all; may be BOOK
   --encoding NAME        original (default), windows-1251, windows-1252, windows-1250 or utf-8
   --style STYLE          compact (one line), "line ends" (one element per line) or "tags tree"
                          (indented; default)
-  --input-encoding NAME  read BOOK in this encoding (one of the above, or unicode) instead of the declared one
+  --input-encoding NAME  read BOOK in this encoding, one of those above or unicode, whatever it declares
+  --as-editor            read and save by the editor's own rules: line ends in the text vanish, UTF-16 is
+                         cut, characters that the encoding lacks are substituted
   --help                 show this text
 
-A book that is not well-formed is saved without indentation and reported on standard error. An empty book, and
-a book that cannot be read without loss (UTF-16 with other than ASCII characters), is refused.
+A book that is not well-formed is saved without indentation, and a line on standard error says so. A book with
+characters that the encoding to save in lacks is saved in utf-8. An empty book is refused.
 
 Exit status: 0 the file was written, 2 wrong usage, or a file that cannot be read or written.
 )",

@@ -16,6 +16,7 @@ struct DisplayOptions
     QString book;
     QString page; // empty: standard output
     QString settings; // empty: the defaults
+    BookReading reading = BookReading::Kept;
 };
 
 DisplayOptions ReadOptions(CommandLine& line)
@@ -24,6 +25,8 @@ DisplayOptions ReadOptions(CommandLine& line)
     while (line.next()) {
         if (line.option() == u"--out")
             options.page = line.value();
+        else if (line.option() == u"--as-editor")
+            options.reading = BookReading::AsEditor;
         else if (line.option() == u"--settings")
             options.settings = line.value();
         else if (!line.option().isEmpty())
@@ -78,19 +81,21 @@ int RunDisplay(const QStringList& arguments)
     std::optional<std::string> book = ReadBook(options.book);
     if (!book)
         return ExitFailure;
-    const std::optional<std::string> page = PageOfBook(options.book, *std::move(book));
+    const std::optional<std::string> page = PageOfBook(options.book, *std::move(book), options.reading);
     return page && WriteOutput(options.page, *page, Durability::Scratch) ? ExitClean : ExitFailure;
 }
 
 } // namespace
 
-const Command DisplayCommand = {"display", "write the page that the editor shows for a book",
-                                R"(usage: vmk display BOOK [--out PAGE] [--settings RECORD]
+const Command DisplayCommand = {"display", "write the page that the editor shows of a book",
+                                R"(usage: vmk display BOOK [--out PAGE] [--settings RECORD] [--as-editor]
 
-Writes the page that the editor shows for BOOK, in UTF-8.
+Writes the page that the editor would show of BOOK, in UTF-8. The book is read without losses, and each loss
+avoided is a line on standard error.
 
-  --out PAGE         write to this file, replaced completely or not at all, instead of standard output
-  --settings RECORD  use this settings record of the editor instead of the default settings
+  --out PAGE         write to this file, replaced whole or not at all, in place of standard output
+  --settings RECORD  take this settings record of the editor in place of its default settings
+  --as-editor        read the book by the editor's own rules, which may join or cut text
   --help             show this text
 
 A book that is not well-formed is shown without indentation and reported on standard error.

@@ -1,5 +1,7 @@
 #include "PageOfBook.h"
 
+#include "BookDocument.h"
+#include "BookLosses.h"
 #include "BookToDisplay.h"
 #include "Boxes.h"
 #include "CommandLine.h"
@@ -19,18 +21,42 @@ std::optional<std::string> ReadBook(const QString& book)
     return std::nullopt;
 }
 
-std::optional<std::string> PageOfBook(const QString& book, std::string bytes)
+namespace {
+
+/// Tells on standard error what `convert` avoids, loses and says in boxes.
+template <typename Conversion>
+bool WithRemarks(const QString& book, BookReading reading, Conversion convert)
 {
-    // The text that the editor would show in a box.
-    QString remark;
-    const SeamGuard box(BoxSeam(), [&remark](BoxKind, const QString& text, const QString&) {
-        remark = text;
+    const QString start = u"vmk: "_s + ShownName(book) + u": "_s;
+    const SeamGuard losses(LossSeam(), [&start, reading](const BookLosses& found) {
+        const bool keep = reading == BookReading::Kept;
+        for (const QString& line : keep ? found.descriptionLines() : QStringList())
+            PrintErrorLine(start + u"kept: "_s + line);
+        if (found.replacedBytes > 0)
+            PrintErrorLine(start + u"lost: bytes that are no characters: "_s
+                           + QString::number(found.replacedBytes));
+        return keep;
+    });
+    const SeamGuard box(BoxSeam(), [&start](BoxKind, const QString& text, const QString&) {
+        PrintErrorLine(start + text);
         return false;
     });
-    const bool converted = ConvertBookToDisplay(bytes, false);
-    if (!remark.isEmpty())
-        PrintErrorLine(u"vmk: "_s + ShownName(book) + u": "_s + remark);
-    return converted ? std::optional(std::move(bytes)) : std::nullopt;
+    return convert();
+}
+
+} // namespace
+
+std::optional<std::string> PageOfBook(const QString& book, std::string bytes, BookReading reading)
+{
+    if (!WithRemarks(book, reading, [&bytes] { return ConvertBookToDisplay(bytes, false); }))
+        return std::nullopt;
+    return bytes;
+}
+
+bool OpenBook(const QString& book, std::string bytes, DisplayDocument& document, BookReading reading)
+{
+    return WithRemarks(book, reading,
+                       [&bytes, &document] { return BookToDocument(std::move(bytes), document); });
 }
 
 bool WriteOutput(const QString& file, std::string_view bytes, Durability durability)

@@ -7,6 +7,7 @@
 #include "BookVariables.h"
 #include "Boxes.h"
 #include "Desktop.h"
+#include "DisplayText.h"
 #include "DisplayView.h"
 #include "EditorFunctions.h"
 #include "EditorState.h"
@@ -219,16 +220,6 @@ void SelectGenreValue(const TextRange& error)
 
 } // namespace
 
-int DisplayOffset(std::string_view text, const XmlPosition& place)
-{
-    // CR and LF in the text are one position in the display; "&amp;" is one character.
-    constexpr std::string_view Ampersand = "&amp;";
-    const std::string_view before = text.substr(0, static_cast<size_t>(place.fileByte));
-    const size_t uncounted
-        = CountOccurrences(before, "\r") + (Ampersand.size() - 1) * CountOccurrences(before, Ampersand);
-    return static_cast<int>(place.filepos - static_cast<qsizetype>(uncounted));
-}
-
 void ValidateDisplay()
 {
     if (IsBookEmpty()) {
@@ -247,7 +238,7 @@ void ValidateDisplay()
         message = found ? Shortened(found.reason) : QString();
         if (!message.isEmpty()) {
             ShowStatusPanel(GeneralPanel, u"Error pos: %1"_s.arg(found.filepos));
-            error = SelectPlace(DisplayOffset(text, found));
+            error = SelectPlace(DisplayOffset(View().document(), found.fileByte));
             View().focus();
         }
     }

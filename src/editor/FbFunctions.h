@@ -1,12 +1,8 @@
 #pragma once
 
-#include "XmlError.h"
-
 #include <QString>
 
-#include <string_view>
-
-/// Loading, validating and reading a book in the main window.
+/// A book's life in the main window: loading, validating, reading.
 namespace vmk {
 
 /// Loads a book into the display. The page is complete only later: the display's events finish the load.
@@ -30,11 +26,5 @@ void ShowFb2TextPreview();
 
 /// Validates the displayed text, reports the result, and moves the selection to the error.
 void ValidateDisplay();
-
-/// Converts a position in the validated text to a position in the display.
-/// \param text   UTF-8; lines end with CR and LF; only the ampersand is escaped
-/// \param place  the position that the parser of `text` reports
-/// \return the offset from the start of the display in UTF-16 units; a line break counts as one
-[[nodiscard]] int DisplayOffset(std::string_view text, const XmlPosition& place);
 
 } // namespace vmk

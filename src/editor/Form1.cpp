@@ -3,6 +3,8 @@
 #include "BookSeams.h"
 #include "BookValidation.h"
 #include "BookVariables.h"
+#include "BookLosses.h"
+#include "BookToDisplay.h"
 #include "Boxes.h"
 #include "Desktop.h"
 #include "Dialogs.h"
@@ -135,6 +137,10 @@ void Form1::fillSeams()
             HTMLread->Navigate(file);
     });
     seams.fill(LoadBookSeam(), LoadBook);
+    seams.fill(LossSeam(), [](const BookLosses& losses) { return YesNoBox(LossQuestion(losses)); });
+    seams.fill(MissingCharactersSeam(), [](const MissingCharacters& missing, const QString& encoding) {
+        return YesNoBox(MissingCharactersQuestion(missing, encoding));
+    });
     seams.fill(IsBookEmptySeam(), IsDisplayBlank);
     seams.fill(DisplayTextSeam(),
                [this](AngleMarks marks) { return TextOfDisplay(HTMLread->document(), marks); });

@@ -47,6 +47,7 @@ namespace {
 
 constexpr size_t PieceSize = 16'384;
 constexpr size_t LongestCharacter = 8;
+constexpr const char* NulReason = "A character 0 stands here, which no text may hold";
 
 /// One byte per character.
 class TableDecoder final : public XmlInput::Decoder
@@ -262,6 +263,26 @@ void XmlInput::chooseByDeclaration()
     stopped = true;
 }
 
+std::string XmlInput::encodingName() const
+{
+    return decoder ? Lower(decoder->name) : "utf-8";
+}
+
+XmlDecodedText DecodeXmlText(std::string_view bytes)
+{
+    XmlInput input(bytes, XmlEncoding::byDeclaration());
+    XmlDecodedText decoded;
+    if (input.failure())
+        return decoded;
+    decoded.encoding = input.encodingName();
+    decoded.text.reserve(bytes.size() + bytes.size() / 2);
+    std::array<char, PieceSize> piece;
+    while (const qsizetype length = input.read(piece.data(), qsizetype(piece.size())))
+        decoded.text.append(piece.data(), static_cast<size_t>(length));
+    decoded.complete = !input.failure();
+    return decoded;
+}
+
 qsizetype XmlInput::read(char* out, qsizetype capacity)
 {
     if (stopped || capacity <= 0)
@@ -282,10 +303,13 @@ qsizetype XmlInput::readUtf8(char* out, size_t room)
     if (consumed == produced) {
         // Each piece is validated as a whole; a character cut by its end waits for the next one.
         const std::string_view piece = bytes.substr(static_cast<size_t>(produced), PieceSize);
-        const size_t valid = ValidUtf8Prefix(piece);
+        // The parser would take a character 0 for the end of the text.
+        const size_t valid = std::min(ValidUtf8Prefix(piece), piece.find('\0'));
         produced += static_cast<qsizetype>(valid);
         if (valid == 0 && !piece.empty())
-            failed = Failure{XmlBadCharacter, produced, "The bytes here are no character of UTF-8"};
+            failed = Failure{XmlBadCharacter, produced,
+                             piece.front() == '\0' ? NulReason
+                                                   : "The bytes here are no character of UTF-8"};
     }
     const size_t length = std::min(room, static_cast<size_t>(produced - consumed));
     std::memcpy(out, bytes.data() + consumed, length);
@@ -295,17 +319,28 @@ qsizetype XmlInput::readUtf8(char* out, size_t room)
 
 bool XmlInput::refill()
 {
+    if (stopAtNul) {
+        failed = Failure{XmlBadCharacter, produced, NulReason};
+        return false;
+    }
     pending.resize(PieceSize);
     pendingStart = 0;
     const Decoder::Step step
         = decoder->decode(bytes.substr(static_cast<size_t>(consumed)), pending.data(), pending.size());
     pending.resize(step.produced);
     consumed += static_cast<qsizetype>(step.consumed);
-    produced += static_cast<qsizetype>(step.produced);
-    // The text before the bad bytes is returned first.
-    if (step.produced == 0 && step.end == Decoder::End::BadBytes)
+    // The parser would take a character 0 for the end of the text.
+    const size_t nul = pending.find('\0');
+    pending.resize(std::min(nul, pending.size()));
+    produced += static_cast<qsizetype>(pending.size());
+    // What was decoded before the bad place is handed out first.
+    if (nul != std::string::npos)
+        stopAtNul = true;
+    if (pending.empty() && stopAtNul)
+        failed = Failure{XmlBadCharacter, produced, NulReason};
+    else if (step.produced == 0 && step.end == Decoder::End::BadBytes)
         failed = Failure{XmlBadCharacter, produced, "The bytes here are no character of " + decoder->name};
-    return step.produced > 0;
+    return !pending.empty();
 }
 
 namespace {

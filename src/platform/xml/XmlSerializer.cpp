@@ -1,6 +1,7 @@
 #include "XmlSerializer.h"
 
 #include "LargeBuffers.h"
+#include "XmlReference.h"
 
 #include <algorithm>
 #include <utility>
@@ -15,14 +16,17 @@ struct SpecialBytes
 {
     ByteSet inText{};
     ByteSet inValue{};
-    ByteSet inRawText{}; // comments and similar: nothing is escaped there
+    ByteSet inRawText{}; // comments and the like: nothing is escaped there
+    ByteSet inShownRawText{}; // in a display's HTML
 
     constexpr SpecialBytes()
     {
         for (const char c : {'&', '<', '>', '\n'})
             inText[static_cast<unsigned char>(c)] = inValue[static_cast<unsigned char>(c)] = true;
-        inValue[static_cast<unsigned char>('"')] = true;
+        for (const char c : {'"', ' ', '\t', '\r'})
+            inValue[static_cast<unsigned char>(c)] = true;
         inRawText[static_cast<unsigned char>('\n')] = true;
+        inShownRawText[static_cast<unsigned char>('\n')] = inShownRawText[static_cast<unsigned char>('&')] = true;
     }
 };
 
@@ -63,9 +67,11 @@ std::string XmlTreeText::laidOut() const
     return result;
 }
 
-XmlSerializer::XmlSerializer(std::vector<std::string> names, std::string newDeclaration, size_t expectedSize)
+XmlSerializer::XmlSerializer(std::vector<std::string> names, std::string newDeclaration, size_t expectedSize,
+                             XmlForm writtenForm)
     : inLineNames(std::move(names))
     , declaration(std::move(newDeclaration))
+    , form(writtenForm)
 {
     out.text = StringWithRoom(expectedSize);
 }
@@ -90,6 +96,8 @@ void XmlSerializer::docType(std::string_view asWritten)
             continue;
         if (c == '\r' || c == '\n')
             out.text += "\r\n";
+        else if (c == '&')
+            out.text += ampersand(true);
         else
             out.text += c;
     }
@@ -98,6 +106,9 @@ void XmlSerializer::docType(std::string_view asWritten)
 void XmlSerializer::startElement(std::string_view name, std::span<const XmlAttribute> attributes)
 {
     const bool inLine = isInLine(name);
+    if (!open.empty()) {
+        open.back().touching = open.back().touching || (open.back().afterElement && white.empty());
+    }
     beginChild(inLine ? Next::InLineElement : Next::Other);
     const bool mixed = !open.empty() && open.back().mixed;
 
@@ -106,17 +117,21 @@ void XmlSerializer::startElement(std::string_view name, std::span<const XmlAttri
     for (const XmlAttribute& attribute : attributes) {
         out.text += ' ';
         out.text += attribute.name;
-        out.text += "=\"";
-        writeEscaped(attribute.value, Special.inValue);
-        out.text += '"';
+        writeValue(attribute.value);
     }
     open.push_back({out.breaks.size(), inLine, mixed});
+    open.back().isText = std::find(textNames.begin(), textNames.end(), name) != textNames.end();
 }
 
 void XmlSerializer::endElement(std::string_view name)
 {
     Element& element = open.back();
     settleWhite(element, Next::EndTag);
+    if (element.isText && element.touching && element.filledChild && !element.mixed) {
+        makeMixed(element);
+        ++kept;
+    }
+    const bool filled = element.hasContent;
     if (!element.hasContent) {
         out.text += "/>";
     } else {
@@ -127,6 +142,10 @@ void XmlSerializer::endElement(std::string_view name)
         out.text += '>';
     }
     open.pop_back();
+    if (!open.empty()) {
+        open.back().afterElement = true;
+        open.back().filledChild = open.back().filledChild || filled;
+    }
 }
 
 void XmlSerializer::characters(std::string_view text)
@@ -144,7 +163,7 @@ void XmlSerializer::cdata(std::string_view text)
 {
     beginText();
     out.text += "<![CDATA[";
-    writeEscaped(text, Special.inRawText);
+    writeEscaped(text, form == XmlForm::Display ? Special.inShownRawText : Special.inRawText);
     out.text += "]]>";
 }
 
@@ -152,7 +171,7 @@ void XmlSerializer::comment(std::string_view text)
 {
     beginChild(Next::Other);
     out.text += "<!--";
-    writeEscaped(text, Special.inRawText);
+    writeEscaped(text, form == XmlForm::Display ? Special.inShownRawText : Special.inRawText);
     out.text += "-->";
 }
 
@@ -163,7 +182,7 @@ void XmlSerializer::processingInstruction(std::string_view target, std::string_v
     out.text += target;
     if (!data.empty()) {
         out.text += ' ';
-        writeEscaped(data, Special.inRawText);
+        writeEscaped(data, form == XmlForm::Display ? Special.inShownRawText : Special.inRawText);
     }
     out.text += "?>";
 }
@@ -181,6 +200,7 @@ void XmlSerializer::beginChild(Next kind)
     if (!parent.mixed)
         addBreak(writtenWhite, open.size());
     parent.afterInLine = kind == Next::InLineElement;
+    parent.afterElement = false;
 }
 
 void XmlSerializer::beginText()
@@ -189,7 +209,7 @@ void XmlSerializer::beginText()
     makeMixed(parent);
     settleWhite(parent, Next::Other);
     openContent(parent);
-    parent.afterInLine = false;
+    parent.afterInLine = parent.afterElement = false;
 }
 
 /// Decides whether the white space before `next` is kept.
@@ -247,20 +267,85 @@ void XmlSerializer::writeEscaped(std::string_view text, const bool (&special)[25
         case '&':
             out.text += "&amp;";
             break;
-        case '<':
-            out.text += "&lt;";
+        case '<': // in a display's text only a tag begins so
+            out.text += form == XmlForm::Display ? "\xe2\x80\xb9" : "&lt;";
             break;
         case '>':
             out.text += "&gt;";
-            break;
-        case '"':
-            out.text += "&quot;";
             break;
         default:
             out.text += i > 0 && text[i - 1] == '\r' ? "\n" : "\r\n";
         }
     }
     out.text.append(text, from);
+}
+
+/// An ampersand of the text; `raw` where XML does not escape it.
+std::string_view XmlSerializer::ampersand(bool raw) const
+{
+    return raw && form == XmlForm::Xml ? std::string_view("&") : std::string_view("&amp;");
+}
+
+/// Writes an equals sign and a value in quotes. In a display a value that holds double quotes stands in single
+/// ones, if it can, so that what is shown is what is meant.
+void XmlSerializer::writeValue(std::string_view value)
+{
+    const bool single = form == XmlForm::Display && value.find('"') != std::string_view::npos
+        && value.find('\'') == std::string_view::npos;
+    const char quote = single ? '\'' : '"';
+    out.text += '=';
+    out.text += quote;
+    size_t from = 0;
+    for (size_t i = 0; i < value.size(); ++i) {
+        if (!Special.inValue[static_cast<unsigned char>(value[i])])
+            continue;
+        out.text.append(value, from, i - from);
+        from = i + 1;
+        writeValueCharacter(value, i, quote);
+    }
+    out.text.append(value, from);
+    out.text += quote;
+}
+
+void XmlSerializer::writeValueCharacter(std::string_view value, size_t at, char quote)
+{
+    const char c = value[at];
+    switch (c) {
+    case '&':
+        // What would read as a reference in a display's tag is shown as it is written in XML.
+        if (form == XmlForm::Display && IsTagReference(value.substr(at + 1)))
+            return writeReference("&amp;");
+        out.text += "&amp;";
+        return;
+    case '<':
+        out.text += form == XmlForm::Display ? "\xe2\x80\xb9" : "&lt;";
+        return;
+    case '>':
+        out.text += "&gt;";
+        return;
+    case '"':
+        if (c == quote)
+            return writeReference("&quot;");
+        break;
+    case ' ':
+        if (at > 0 && value[at - 1] == ' ')
+            return writeReference("&#32;");
+        break;
+    // A parser makes blanks of these.
+    case '\t':
+        return writeReference("&#9;");
+    case '\n':
+        return writeReference("&#10;");
+    default:
+        return writeReference("&#13;");
+    }
+    out.text += c;
+}
+
+void XmlSerializer::writeReference(std::string_view reference)
+{
+    out.text += ampersand(false).substr(0, form == XmlForm::Display ? std::string_view::npos : 1);
+    out.text += reference.substr(1);
 }
 
 bool XmlSerializer::isInLine(std::string_view name) const

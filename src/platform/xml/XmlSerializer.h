@@ -37,6 +37,15 @@ struct XmlTreeText
     [[nodiscard]] std::string laidOut() const;
 };
 
+/// What an `XmlSerializer` writes.
+enum class XmlForm
+{
+    Xml,
+    /// The text that a display shows, as HTML as far as ampersands are concerned: what is written there reads
+    /// back as the same XML (see `DisplayCharacters.h` for the rules). Angle brackets of the mark-up are bare.
+    Display
+};
+
 /// Serializes a text from its parser events, without a tree in memory.
 ///
 /// Every child of an element that contains only elements is on its own line. An element that contains text is
@@ -56,7 +65,13 @@ public:
     /// \param expectedSize  the number of bytes to reserve
     explicit XmlSerializer(std::vector<std::string> inLineNames,
                            std::string declaration = std::string(PlainXmlDeclaration),
-                           size_t expectedSize = 0);
+                           size_t expectedSize = 0, XmlForm form = XmlForm::Xml);
+
+    /// In elements of these names two elements that touch each other stay on one line, unless none of them
+    /// has content: a line end between them would be a blank of the text.
+    void keepTextOf(std::vector<std::string> names) { textNames = std::move(names); }
+    /// How many elements `keepTextOf` has kept on one line.
+    [[nodiscard]] size_t keptElements() const { return kept; }
 
     /// Returns the result. Call once, after a pass without an error.
     [[nodiscard]] XmlTreeText take();
@@ -77,7 +92,11 @@ private:
         bool inLine;
         bool mixed; // contains text, or is in an element that does
         bool hasContent = false;
-        bool afterInLine = false; // the last child so far is an in-line element
+        bool afterInLine = false; // its last child so far is an in-line element
+        bool isText = false; // its name is one of `textNames`
+        bool filledChild = false; // an element in it has content
+        bool afterElement = false; // an element stands right before the place
+        bool touching = false; // two elements in it have nothing between them
     };
     enum class Next
     {
@@ -93,10 +112,17 @@ private:
     void addBreak(uint32_t whiteLength, size_t depth);
     void makeMixed(Element& element);
     void writeEscaped(std::string_view text, const bool (&special)[256]);
+    void writeValue(std::string_view value);
+    void writeValueCharacter(std::string_view value, size_t at, char quote);
+    void writeReference(std::string_view reference);
+    [[nodiscard]] std::string_view ampersand(bool raw) const;
     [[nodiscard]] bool isInLine(std::string_view name) const;
 
     std::vector<std::string> inLineNames;
+    std::vector<std::string> textNames;
     std::string declaration;
+    XmlForm form;
+    size_t kept = 0;
     XmlTreeText out;
     std::vector<Element> open;
     std::string white; // white space since the last event

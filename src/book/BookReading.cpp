@@ -1,0 +1,326 @@
+#include "BookReading.h"
+
+#include "BookParts.h"
+#include "CodePages.h"
+#include "MarkupScanner.h"
+#include "TextFunctions.h"
+#include "XmlDeclarations.h"
+#include "XmlInput.h"
+
+#include <algorithm>
+#include <array>
+
+namespace vmk {
+
+namespace {
+
+constexpr std::string_view Utf8Mark = "\xef\xbb\xbf";
+constexpr std::string_view BookEnd = "</FictionBook>";
+constexpr std::string_view BinaryEnd = "</binary>";
+constexpr std::string_view Utf8Name = "utf-8";
+
+size_t CharacterCount(std::string_view utf8)
+{
+    return static_cast<size_t>(
+        std::ranges::count_if(utf8, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80; }));
+}
+
+size_t NonAsciiCount(std::string_view utf8)
+{
+    return static_cast<size_t>(
+        std::ranges::count_if(utf8, [](char c) { return static_cast<unsigned char>(c) >= 0xC0; }));
+}
+
+size_t MalformedBytes(std::string_view bytes)
+{
+    size_t count = 0;
+    for (size_t valid = ValidUtf8Prefix(bytes); valid < bytes.size(); valid = ValidUtf8Prefix(bytes)) {
+        bytes.remove_prefix(valid + 1);
+        ++count;
+    }
+    return count;
+}
+
+/// A book's text on its way from bytes to a page.
+struct DecodedBook
+{
+    std::string text; // UTF-8
+    DetectedEncoding encoding;
+    bool asGiven = true; // the editor reads the same
+};
+
+/// What the editor itself makes of the bytes, but for characters 0, which stay.
+std::string DecodeAsGiven(std::string_view bytes, int32_t codePage)
+{
+    if (codePage == CodePageUtf8)
+        return std::string(bytes);
+    if (codePage != CodePageUtf16)
+        return BytesToUtf8(bytes, codePage);
+    std::string text(bytes);
+    UnicodeToCodePage(text, CodePageUtf8);
+    return text;
+}
+
+/// Notes that the book is in another encoding than the editor takes it for.
+void SetEncoding(DecodedBook& book, std::string_view text, std::string name, BookLosses& losses)
+{
+    if (name == "us-ascii" || name == "ascii" || name == "utf8")
+        name = Utf8Name;
+    if (name.starts_with("cp125"))
+        name = "windows-" + name.substr(2);
+    losses.encoding = QString::fromStdString(name);
+    // Of what is read by the parser's tables only the four encodings can be written.
+    const std::string known = OutputEncodingInfo(name).name;
+    book.encoding.file = MakeBookEncoding(known);
+    book.encoding.work = book.encoding.file;
+    book.encoding.declaration = DetectPreviewEncoding(text).declaration;
+    book.asGiven = false;
+}
+
+/// All of a text in UTF-16, which the editor cuts where it is not ASCII.
+void DecodeUtf16(DecodedBook& book, std::string_view bytes, BookLosses& losses)
+{
+    constexpr std::string_view Mark = "\xff\xfe";
+    std::string whole = BytesToUtf8(bytes.substr(bytes.starts_with(Mark) ? Mark.size() : 0), CodePageUtf16);
+    if (whole.size() <= book.text.size())
+        return;
+    losses.cutCharacters = CharacterCount(std::string_view(whole).substr(book.text.size()));
+    book.text = std::move(whole);
+    book.asGiven = false;
+}
+
+/// True if white space stands before the declaration.
+bool IsDeclaredLate(std::string_view text)
+{
+    const size_t first = text.find_first_not_of(" \t\r\n");
+    return first != std::string_view::npos && text.substr(first).starts_with("<?xml");
+}
+
+/// The bytes as the editor would read them, or, where it would misread them, as XML says.
+DecodedBook Decode(std::string_view bytes, const QString& inputEncoding, BookLosses& losses)
+{
+    DecodedBook book;
+    book.encoding = FindBookEncoding(bytes, inputEncoding.toStdString());
+    const int32_t codePage = book.encoding.work.codePage;
+    book.text = DecodeAsGiven(bytes, codePage);
+    if (codePage == CodePageUtf16) {
+        DecodeUtf16(book, bytes, losses);
+        return book;
+    }
+    if (inputEncoding != u"original")
+        return book;
+
+    // Without a declaration the bytes are UTF-8, if they can be; but one may follow white space.
+    const bool marked = bytes.starts_with(Utf8Mark);
+    const std::string_view start = bytes.substr(marked ? Utf8Mark.size() : 0);
+    const bool declared = start.starts_with("<?xml") || start.starts_with('\xff') || start.starts_with('\xfe')
+        || start.find('\0') < 4;
+    if (!declared && (codePage == CodePageUtf8 || IsDeclaredLate(start) || !IsValidUtf8(bytes)))
+        return book;
+    if (codePage == CodePageUtf8 && (marked || !declared))
+        return book;
+    XmlDecodedText decoded = DecodeXmlText(bytes);
+    if (!decoded.complete || decoded.encoding.empty())
+        return book;
+    const std::string_view given = std::string_view(book.text).substr(
+        decoded.encoding == Utf8Name && marked && codePage == CodePageUtf8 ? Utf8Mark.size() : 0);
+    if (decoded.text == given)
+        return book;
+    losses.misreadCharacters = std::max<size_t>(NonAsciiCount(decoded.text), 1);
+    SetEncoding(book, decoded.text, decoded.encoding, losses);
+    book.text = std::move(decoded.text);
+    return book;
+}
+
+bool IsBinary(const MarkupToken& token)
+{
+    return token.isTag() && token.name() == "binary";
+}
+
+/// Cuts the pictures off: from the first real "<binary" to the book's real end tag.
+void CutPictures(KeptBook& kept, std::string& text, std::string_view bytes, bool asGiven)
+{
+    size_t start = text.find("<binary");
+    if (start == std::string::npos)
+        return;
+    const size_t quotedStart = start;
+    MarkupScanner scanner(text);
+    size_t lastEnd = std::string::npos; // after the last "</binary>"
+    size_t bookEnd = std::string::npos; // of the last end tag of the book
+    start = std::string::npos;
+    for (MarkupToken token; scanner.next(token);) {
+        if (IsBinary(token)) {
+            if (start == std::string::npos)
+                start = token.start;
+            if (token.kind != MarkupToken::Kind::StartTag)
+                lastEnd = token.end();
+        } else if (token.kind == MarkupToken::Kind::EndTag && token.name() == "FictionBook") {
+            bookEnd = token.start;
+        }
+    }
+    const size_t quotedEnd = text.rfind(BinaryEnd);
+    const bool quoted = start != quotedStart || lastEnd != quotedEnd + BinaryEnd.size();
+    kept.losses.misplacedPictures += quoted ? 1 : 0;
+    if (start == std::string::npos || lastEnd == std::string::npos)
+        return;
+
+    // What stands between the last picture and the book's end goes along with the pictures, what stands after
+    // the end stays.
+    std::string rest(BookEnd);
+    size_t end = lastEnd;
+    if (bookEnd != std::string::npos && bookEnd >= lastEnd) {
+        const std::string_view between = std::string_view(text).substr(lastEnd, bookEnd - lastEnd);
+        const std::string_view behind = std::string_view(text).substr(bookEnd);
+        if (!IsBlank(between))
+            end = bookEnd;
+        if (!IsBlank(behind.substr(std::min(BookEnd.size(), behind.size()))) || !behind.starts_with(BookEnd))
+            rest = behind;
+        kept.losses.droppedBytes += IsBlank(between) ? 0 : CharacterCount(TrimBlanks(between));
+        if (rest != BookEnd)
+            kept.losses.droppedBytes += CharacterCount(behind) - BookEnd.size();
+    } else {
+        end = text.size();
+        kept.losses.droppedBytes += CharacterCount(std::string_view(text).substr(lastEnd));
+    }
+    kept.binaryPart = text.substr(start, end - start);
+    kept.binaryCodePage = CodePageUtf8;
+    // As the editor keeps them: in the bytes of the file.
+    std::string given(bytes);
+    std::string givenPart;
+    if (asGiven && !quoted && end == lastEnd && CutBinaryPart(given, givenPart)
+        && kept.encoding.work.codePage != CodePageUtf16) {
+        kept.binaryPart = std::move(givenPart);
+        kept.binaryCodePage = kept.encoding.work.codePage;
+    }
+    text.replace(start, std::string::npos, rest);
+}
+
+/// A copy of the text in which comments and the like are blank, so that they are not taken for mark-up.
+std::string Masked(const std::string& text, bool& differs)
+{
+    std::string masked = text;
+    MarkupScanner scanner(text);
+    for (MarkupToken token; scanner.next(token);) {
+        if (!token.isRaw())
+            continue;
+        constexpr std::array<std::string_view, 5> Names
+            = {"program-used", "document-info", "title-info", "description>", "author>"};
+        const std::string lower = LowerCase(std::string(token.text));
+        differs = differs || std::ranges::any_of(Names, [&lower](std::string_view name) {
+            return lower.find(name) != std::string::npos;
+        });
+        std::fill_n(masked.begin() + std::ptrdiff_t(token.start), token.text.size(), ' ');
+    }
+    return masked;
+}
+
+/// `UpdateDescription`, which leaves comments and mark-up alone.
+void UpdateKeptDescription(std::string& text, BookLosses& losses)
+{
+    constexpr std::string_view Start = "<program-used>";
+    constexpr std::string_view End = "</program-used>";
+    constexpr std::string_view Name = "Vellumark";
+    bool quoted = false;
+    std::string masked = Masked(text, quoted);
+    const size_t start = FindText(masked, Start, 0, true);
+    const size_t end = start == std::string::npos ? start : FindText(masked, End, start, true);
+    if (start != std::string::npos && end != std::string::npos) {
+        const std::string_view inner
+            = std::string_view(text).substr(start + Start.size(), end - start - Start.size());
+        if (inner.find('<') == std::string_view::npos && !quoted)
+            return UpdateDescription(text);
+        if (FindText(inner, Name, 0, true) != std::string_view::npos)
+            return;
+        ++losses.descriptions;
+        text.insert(end, (IsBlank(inner) ? std::string() : std::string(", ")) + std::string(Name));
+        return;
+    }
+    if (!quoted)
+        return UpdateDescription(text);
+    // The update puts in one piece; it goes to the same place of the real text.
+    const std::string before = masked;
+    UpdateDescription(masked);
+    const size_t added = masked.size() - before.size();
+    const size_t at = static_cast<size_t>(
+        std::mismatch(before.begin(), before.end(), masked.begin(), masked.end()).first - before.begin());
+    losses.descriptions += added > 0 ? 1 : 0;
+    text.insert(at, masked.substr(at, added));
+}
+
+/// Tabs of a broken text are blanks: only a tree's layout is made of them.
+size_t BlankTabs(std::string& text)
+{
+    const auto isWord = [](char c) { return static_cast<unsigned char>(c) > ' ' && c != '<' && c != '>'; };
+    size_t parting = 0;
+    for (size_t at = text.find('\t'); at != std::string::npos; at = text.find('\t', at + 1)) {
+        parting += at > 0 && at + 1 < text.size() && isWord(text[at - 1]) && isWord(text[at + 1]) ? 1 : 0;
+        text[at] = ' ';
+    }
+    return parting;
+}
+
+/// Characters before the declaration, or between it and the first tag, which the editor drops on saving.
+size_t CharactersBeforeRoot(std::string_view text)
+{
+    size_t count = 0;
+    MarkupScanner scanner(text.substr(text.starts_with(Utf8Mark) ? Utf8Mark.size() : 0));
+    for (MarkupToken token; scanner.next(token) && !token.isTag();)
+        if (token.kind == MarkupToken::Kind::Text)
+            for (const char c : token.text)
+                count += static_cast<unsigned char>(c) > ' ' ? 1 : 0;
+    return count;
+}
+
+} // namespace
+
+KeptBook ReadKeptBook(std::string_view bytes, const DisplayValues& values, const InLineTagSet& inLineTags,
+                      const QString& inputEncoding)
+{
+    KeptBook kept;
+    DecodedBook book = Decode(bytes, inputEncoding, kept.losses);
+    kept.encoding = book.encoding;
+    std::string text = std::move(book.text);
+    // The code pages have no character 0, and so the editor takes it out.
+    if (kept.encoding.work.codePage != CodePageUtf8)
+        kept.losses.controls += static_cast<size_t>(std::ranges::count(text, '\0'));
+    if (!IsValidUtf8(text))
+        kept.losses.replacedBytes = MalformedBytes(text);
+    const bool isUtf16 = kept.encoding.work.codePage == CodePageUtf16;
+    if (!isUtf16 || !book.asGiven)
+        CutPictures(kept, text, bytes, book.asGiven);
+    // The editor writes the pictures before each end of the book, also where a comment quotes one.
+    if (!kept.binaryPart.empty() && CountOccurrences(text, BookEnd) > 1)
+        ++kept.losses.misplacedPictures;
+    if (book.asGiven && !isUtf16 && kept.encoding.work.codePage != CodePageUtf8 && HasCharRefs(text))
+        kept.losses.garbledBrackets = CountOccurrences(text, "&lt;") + CountOccurrences(text, "&gt;");
+
+    UpdateKeptDescription(text, kept.losses);
+    kept.losses.droppedBytes += CharactersBeforeRoot(text);
+    ProtectCharacters(text, values.showNbsp, kept.losses.characters);
+
+    PageRequest request;
+    request.keepsText = true;
+    request.values = values;
+    request.inLineTags = inLineTags;
+    request.xmlDeclaration = kept.encoding.declaration;
+    LineLosses lines;
+    size_t moved = 0;
+    if (const std::optional<XmlTreeText> tree = KeptTreeOfBook(text, request, lines, moved)) {
+        kept.hasTree = true;
+        const bool declared = tree->text.starts_with(request.xmlDeclaration);
+        if (FindXmlDeclaration(tree->text, declared ? request.xmlDeclaration.size() : 0) != std::string::npos)
+            ++kept.losses.misplacedPictures;
+        kept.page = PageWithTree(*tree, request);
+    } else {
+        lines = {};
+        kept.losses.controls += BlankTabs(text);
+        kept.losses.controls += static_cast<size_t>(std::ranges::count(text, '\3') + std::ranges::count(text, '\4'));
+        text = PageAmpersands(KeptTreeLines(text, "\r", inLineTags, lines));
+        kept.page = PageOfPlainLines(text, request);
+    }
+    kept.losses.lines = lines;
+    kept.losses.movedElements = moved;
+    return kept;
+}
+
+} // namespace vmk
