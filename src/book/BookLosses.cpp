@@ -10,7 +10,7 @@ bool BookLosses::any() const
 {
     return lines != LineLosses() || characters.angleQuotes + characters.markers + characters.nonBreaking > 0
         || characters.lineEnds + movedElements + cutCharacters + misreadCharacters + garbledBrackets > 0
-        || droppedBytes + misplacedPictures + descriptions + controls > 0;
+        || droppedBytes + misplacedPictures + descriptions + controls + foreignBytes > 0;
 }
 
 QStringList BookLosses::descriptionLines() const
@@ -35,6 +35,7 @@ QStringList BookLosses::descriptionLines() const
     add(misplacedPictures, u"quoted declarations, pictures or ends of the book taken for real ones: %1"_s);
     add(descriptions, u"mark-up taken out of the description: %1"_s);
     add(controls, u"tabs and control characters taken out: %1"_s);
+    add(foreignBytes, u"bytes that are no characters replaced by signs: %1"_s);
     return result;
 }
 

@@ -24,7 +24,8 @@ struct BookLosses
     size_t misplacedPictures = 0; ///< "<binary" and "</FictionBook>" that are not what they look like
     size_t descriptions = 0; ///< a description whose mark-up the update would take away
     size_t controls = 0; ///< control characters of a broken text, tabs between words among them
-    size_t replacedBytes = 0; ///< bytes that are no characters: lost in any reading
+    size_t foreignBytes = 0; ///< bytes that are no characters of UTF-8
+    size_t replacedBytes = 0; ///< half a character at the end of a text in UTF-16: lost in any reading
 
     /// True if a reading without losses would differ from the editor's.
     [[nodiscard]] bool any() const;

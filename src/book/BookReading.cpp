@@ -31,16 +31,6 @@ size_t NonAsciiCount(std::string_view utf8)
         std::ranges::count_if(utf8, [](char c) { return static_cast<unsigned char>(c) >= 0xC0; }));
 }
 
-size_t MalformedBytes(std::string_view bytes)
-{
-    size_t count = 0;
-    for (size_t valid = ValidUtf8Prefix(bytes); valid < bytes.size(); valid = ValidUtf8Prefix(bytes)) {
-        bytes.remove_prefix(valid + 1);
-        ++count;
-    }
-    return count;
-}
-
 /// A book's text on its way from bytes to a page.
 struct DecodedBook
 {
@@ -81,6 +71,7 @@ void SetEncoding(DecodedBook& book, std::string_view text, std::string name, Boo
 void DecodeUtf16(DecodedBook& book, std::string_view bytes, BookLosses& losses)
 {
     constexpr std::string_view Mark = "\xff\xfe";
+    losses.replacedBytes = bytes.size() % 2;
     std::string whole = BytesToUtf8(bytes.substr(bytes.starts_with(Mark) ? Mark.size() : 0), CodePageUtf16);
     if (whole.size() <= book.text.size())
         return;
@@ -207,8 +198,8 @@ std::string Masked(const std::string& text, bool& differs)
             = {"program-used", "document-info", "title-info", "description>", "author>"};
         const std::string lower = LowerCase(std::string(token.text));
         differs = differs || std::ranges::any_of(Names, [&lower](std::string_view name) {
-            return lower.find(name) != std::string::npos;
-        });
+                      return lower.find(name) != std::string::npos;
+                  });
         std::fill_n(masked.begin() + std::ptrdiff_t(token.start), token.text.size(), ' ');
     }
     return masked;
@@ -283,8 +274,6 @@ KeptBook ReadKeptBook(std::string_view bytes, const DisplayValues& values, const
     // The code pages have no character 0, and so the editor takes it out.
     if (kept.encoding.work.codePage != CodePageUtf8)
         kept.losses.controls += static_cast<size_t>(std::ranges::count(text, '\0'));
-    if (!IsValidUtf8(text))
-        kept.losses.replacedBytes = MalformedBytes(text);
     const bool isUtf16 = kept.encoding.work.codePage == CodePageUtf16;
     if (!isUtf16 || !book.asGiven)
         CutPictures(kept, text, bytes, book.asGiven);
@@ -297,6 +286,7 @@ KeptBook ReadKeptBook(std::string_view bytes, const DisplayValues& values, const
     UpdateKeptDescription(text, kept.losses);
     kept.losses.droppedBytes += CharactersBeforeRoot(text);
     ProtectCharacters(text, values.showNbsp, kept.losses.characters);
+    kept.losses.foreignBytes = ProtectBytes(text);
 
     PageRequest request;
     request.keepsText = true;
@@ -314,7 +304,8 @@ KeptBook ReadKeptBook(std::string_view bytes, const DisplayValues& values, const
     } else {
         lines = {};
         kept.losses.controls += BlankTabs(text);
-        kept.losses.controls += static_cast<size_t>(std::ranges::count(text, '\3') + std::ranges::count(text, '\4'));
+        kept.losses.controls
+            += static_cast<size_t>(std::ranges::count(text, '\3') + std::ranges::count(text, '\4'));
         text = PageAmpersands(KeptTreeLines(text, "\r", inLineTags, lines));
         kept.page = PageOfPlainLines(text, request);
     }

@@ -1,6 +1,7 @@
 #include "DisplayCharacters.h"
 
 #include "NonBreakingSpace.h"
+#include "CodePages.h"
 #include "LargeBuffers.h"
 #include "MarkupScanner.h"
 #include "XmlReference.h"
@@ -18,6 +19,10 @@ constexpr std::string_view LeftMark = "\xe2\x80\xb9";
 constexpr std::string_view RightMark = "\xe2\x80\xba";
 constexpr std::string_view Marker(&NbspMarker, 1);
 constexpr std::string_view Nbsp = Utf8Nbsp;
+constexpr std::string_view ReplacementCharacter = "\xef\xbf\xbd";
+/// U+E0100 to U+E017F stand for the bytes 128 to 255; their first two bytes.
+constexpr std::string_view ByteFront = "\xf3\xa0";
+constexpr size_t ByteLength = 4;
 
 /// Rewrites a text piece by piece.
 class Rewriter
@@ -91,7 +96,8 @@ void Protector::run()
 
 void Protector::protect(const MarkupToken& token)
 {
-    const std::string_view special = showNbsp ? std::string_view("&\xe2\xef\x7f") : std::string_view("&\xe2\xef\xc2");
+    const std::string_view special
+        = showNbsp ? std::string_view("&\xe2\xef\x7f") : std::string_view("&\xe2\xef\xc2");
     const std::string_view within = text.substr(0, token.end());
     for (size_t at = within.find_first_of(special, token.start); at != std::string_view::npos;
          at = within.find_first_of(special, at)) {
@@ -177,6 +183,19 @@ std::string_view Protector::guarded(uint32_t character)
     }
 }
 
+bool IsByteSign(std::string_view text)
+{
+    return text.size() >= ByteLength && text.starts_with(ByteFront)
+        && (static_cast<unsigned char>(text[2]) & 0xFEU) == 0x84;
+}
+
+/// The byte that the character after a guard stands for.
+char ByteOf(std::string_view character)
+{
+    const unsigned int high = static_cast<unsigned char>(character[2]) - 0x84U;
+    return static_cast<char>(0x80U | high << 6U | (static_cast<unsigned char>(character[3]) & 0x3FU));
+}
+
 /// Resolves a display's text, token by token; what is found is told to `edit(at, length, with)`.
 template <typename Edit>
 void ForEachResolution(std::string_view text, Edit edit)
@@ -192,12 +211,18 @@ void ForEachResolution(std::string_view text, Edit edit)
                 // What stands before it says what is meant.
                 const std::string_view before = text.substr(0, at);
                 next = at + DisplayGuard.size();
-                if (before.ends_with(DisplayGuardEscape))
+                if (before.ends_with(DisplayGuardEscape)) {
                     edit(at - DisplayGuardEscape.size(), DisplayGuardEscape.size(), "");
-                else if (before.ends_with(Utf8Nbsp))
+                } else if (before.ends_with(ReplacementCharacter) && IsByteSign(text.substr(next))) {
+                    const char byte = ByteOf(text.substr(next));
+                    next += ByteLength;
+                    edit(at - ReplacementCharacter.size(), next - at + ReplacementCharacter.size(),
+                         {&byte, 1});
+                } else if (before.ends_with(Nbsp)) {
                     edit(at - Nbsp.size(), next - at + Nbsp.size(), Marker);
-                else if (before.ends_with(' '))
+                } else if (before.ends_with(' ')) {
                     edit(at - 1, next - at + 1, Utf8Nbsp);
+                }
             } else if (rest.starts_with(Ampersand)) {
                 const bool guarded = guardAt(at + Ampersand.size());
                 next = at + Ampersand.size() + (guarded ? DisplayGuard.size() : 0);
@@ -214,6 +239,25 @@ void ForEachResolution(std::string_view text, Edit edit)
 }
 
 } // namespace
+
+size_t ProtectBytes(std::string& text)
+{
+    Rewriter out(text);
+    size_t count = 0;
+    const std::string_view view = text;
+    for (size_t at = ValidUtf8Prefix(view); at < view.size();
+         at += 1 + ValidUtf8Prefix(view.substr(at + 1))) {
+        const unsigned int bits = static_cast<unsigned char>(view[at]) & 0x7FU;
+        std::string shown
+            = std::string(ReplacementCharacter) + std::string(DisplayGuard) + std::string(ByteFront);
+        shown += static_cast<char>(0x84U + (bits >> 6U));
+        shown += static_cast<char>(0x80U | (bits & 0x3FU));
+        out.replace(at, 1, shown);
+        ++count;
+    }
+    out.finish(text);
+    return count;
+}
 
 void ProtectCharacters(std::string& text, bool showNbsp, ProtectedCharacters& met)
 {
@@ -248,7 +292,8 @@ std::string PageAmpersands(std::string_view text)
     MarkupScanner scanner(text);
     for (MarkupToken token; scanner.next(token);) {
         size_t copied = 0;
-        for (size_t at = token.text.find('&'); at != std::string_view::npos; at = token.text.find('&', copied)) {
+        for (size_t at = token.text.find('&'); at != std::string_view::npos;
+             at = token.text.find('&', copied)) {
             const std::string_view rest = token.text.substr(at);
             result.append(token.text, copied, at - copied);
             result += Ampersand;
@@ -270,9 +315,8 @@ std::string ResolveDisplayText(std::string text)
     if (text.find(Ampersand) == std::string::npos && text.find(DisplayGuard) == std::string::npos)
         return text;
     Rewriter out(text);
-    ForEachResolution(text, [&out](size_t at, size_t length, std::string_view with) {
-        out.replace(at, length, with);
-    });
+    ForEachResolution(
+        text, [&out](size_t at, size_t length, std::string_view with) { out.replace(at, length, with); });
     out.finish(text);
     return text;
 }

@@ -11,15 +11,19 @@
 /// selector, which has no width and which no font draws. A guarded character stands for itself; a guarded
 /// ampersand begins a reference. A guard of the book's own follows an *escape*, another such selector.
 ///
-/// In comments, CDATA sections, processing instructions and document types an ampersand is always itself. In a
-/// tag `&quot;`, `&apos;` and references by number are references, shown and typed as in XML; a value that holds
-/// such a text literally shows it with `&amp;` for its ampersand.
+/// In comments, CDATA sections, processing instructions and document types an ampersand is always itself. In
+/// a tag `&quot;`, `&apos;` and references by number are references, shown and typed as in XML; a value that
+/// holds such a text literally shows it with `&amp;` for its ampersand.
 namespace vmk {
 
 /// Follows U+2039, U+203A, U+00A0, `NbspMarker` and `&`.
 inline constexpr std::string_view DisplayGuard = "\xef\xb8\x8c";
 /// Stands before a genuine guard.
 inline constexpr std::string_view DisplayGuardEscape = "\xef\xb8\x8b";
+
+/// Writes each byte that belongs to no character of UTF-8 as U+FFFD, a guard and an invisible character that
+/// stands for the byte, so that a display can hold it. Returns how many there are.
+size_t ProtectBytes(std::string& text);
 
 /// What `ProtectCharacters` has met, for a reading that does not guard.
 struct ProtectedCharacters

@@ -173,7 +173,8 @@ void SetKeptDeclaration(std::string& text, std::string_view declaration)
         constexpr std::string_view Start = "<?xml";
         if (token.kind == MarkupToken::Kind::Instruction && token.text.starts_with(Start)
             && token.text.find_first_of(" \t\r\n", Start.size()) == Start.size()) {
-            text.replace(token.start, token.text.size(), declaration);
+            const size_t next = std::min(text.find_first_not_of(" \t\r\n", token.end()), text.size());
+            text.replace(token.start, next - token.start, declaration);
             return;
         }
     }
@@ -327,8 +328,8 @@ std::string GetFbTextFromDisplay(bool realCharacters)
 
 namespace {
 
-/// The file of a text that keeps all of it: only layout is tidied, before anything is encoded, and the pictures
-/// go to the book's real end.
+/// The file of a text that keeps all of it: only layout is tidied, before anything is encoded, and the
+/// pictures go to the book's real end.
 BookFile FileOfKeptText(std::string text, const SaveLayout& layout)
 {
     BookFile file;
@@ -346,7 +347,9 @@ BookFile FileOfKeptText(std::string text, const SaveLayout& layout)
     for (MarkupToken token; scanner.next(token);)
         if (token.kind == MarkupToken::Kind::EndTag && token.name() == "FictionBook")
             end = token.start;
-    const std::string_view front = std::string_view(text).substr(0, end);
+    std::string_view front = std::string_view(text).substr(0, end);
+    if (front.ends_with(' '))
+        front.remove_suffix(1);
     file.bytes = encoded(front);
     if (!front.ends_with(CrLf))
         file.bytes += CrLf;

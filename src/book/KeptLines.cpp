@@ -79,7 +79,10 @@ private:
     [[nodiscard]] bool isInLine(const MarkupToken& token) const;
     [[nodiscard]] bool partsAfter(const MarkupToken* before) const;
     [[nodiscard]] bool partsBefore(const MarkupToken* after) const;
-    [[nodiscard]] bool endsWhite() const { return joined.empty() || joined.back() == ' ' || joined.back() == '\t'; }
+    [[nodiscard]] bool endsWhite() const
+    {
+        return joined.empty() || joined.back() == ' ' || joined.back() == '\t';
+    }
 
     std::string_view text;
     LineLosses& losses;
@@ -270,7 +273,9 @@ void LineJoiner::takeRaw(const MarkupToken& token)
 {
     const bool isCData = token.kind == Kind::CData;
     const size_t frontLength = isCData ? 9 : token.kind == Kind::Comment ? 4 : 2;
-    const size_t backLength = isCData || token.kind == Kind::Comment ? 3 : token.kind == Kind::DocType ? 1 : 2;
+    const size_t backLength = isCData || token.kind == Kind::Comment ? 3
+        : token.kind == Kind::DocType                                ? 1
+                                                                     : 2;
     const size_t back = token.text.size() - backLength;
     const size_t start = joined.size();
     bool lineEnded = false;
@@ -330,11 +335,11 @@ void LineJoiner::closeElement(std::string_view name)
 /// Decides over the gaps of an element that is whole.
 void LineJoiner::settle(const Element& element)
 {
-    const bool mixed
-        = element.hasText || (element.holdsText && element.touching && element.filledChild);
+    const bool mixed = element.hasText || (element.holdsText && element.touching && element.filledChild);
     if (mixed) {
         gaps.resize(element.firstGap);
-        blanks.insert(blanks.end(), lateBlanks.begin() + std::ptrdiff_t(element.firstBlank), lateBlanks.end());
+        blanks.insert(blanks.end(), lateBlanks.begin() + std::ptrdiff_t(element.firstBlank),
+                      lateBlanks.end());
     }
     lateBlanks.resize(element.firstBlank);
 }

@@ -79,7 +79,11 @@ Seam<bool(const MissingCharacters& missing, const QString& encoding)>& MissingCh
 BookFile FileOfDisplayText(std::string text)
 {
     SaveLayout layout = SaveLayoutOfSettings();
-    const MissingCharacters missing = FindMissingCharacters(text, layout.codePage);
+    const std::string_view binaries
+        = layout.binaryCodePage == CodePageUtf8 ? layout.binaryPart : std::string_view();
+    MissingCharacters missing = FindMissingCharacters(text, layout.codePage);
+    if (const MissingCharacters more = FindMissingCharacters(binaries, layout.codePage); more.count > 0)
+        missing = {missing.count + more.count, missing.count > 0 ? missing.examples : more.examples};
     if (missing.count > 0 && MissingCharactersSeam()(missing, u"windows-%1"_s.arg(layout.codePage))) {
         const SavedEncoding utf8 = OutputEncodingInfo("utf-8");
         layout.declaration = utf8.declaration;

@@ -89,7 +89,7 @@ size_t MarkupScanner::markupEnd(size_t start, MarkupToken::Kind& kind)
     const size_t end = tagEnd(start);
     if (end == None)
         return None;
-    kind = isEnd                  ? MarkupToken::Kind::EndTag
+    kind = isEnd               ? MarkupToken::Kind::EndTag
         : text[end - 2] == '/' ? MarkupToken::Kind::EmptyTag
                                : MarkupToken::Kind::StartTag;
     return end;

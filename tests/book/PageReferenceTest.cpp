@@ -2,6 +2,7 @@
 #include "BookParts.h"
 #include "BookReference.h"
 #include "BookTestSupport.h"
+#include "DisplayCharacters.h"
 #include "PageLines.h"
 #include "TreeLines.h"
 #include "XmlDocument.h"
@@ -117,6 +118,7 @@ void ComparePages(const std::string& text, PageRequest request, int codePage)
     plain.inLineTags = request.inLineTags.entries();
     plain.xmlDeclaration = request.xmlDeclaration;
     plain.codePage = codePage;
+    plain.ampersands = [](const std::string& lines) { return PageAmpersands(lines); };
     const std::string prepared = reference::PrepareTreeLines(text, "\r", plain.inLineTags);
     plain.wellFormed
         = !reference::HasParseError(text, codePage) && !reference::HasParseError(prepared, codePage);

@@ -45,7 +45,7 @@ void CompareFiles(const std::string& page, const SaveLayout& layout, const char*
         Utf8ToCodePage(expected, layout.codePage);
     expected = reference::FinishFile(expected, plain, treeSkipped);
 
-    const BookFile file = FileOfPage(page, layout);
+    const BookFile file = FileOfText(TextOfPage(page, AngleMarks::Restore), layout);
     EXPECT_EQ(file.treeSkipped, treeSkipped);
     ASSERT_TRUE(file.bytes == expected) << "page: " << page << "\n" << Difference(file.bytes, expected);
 }
@@ -80,7 +80,10 @@ TEST(SaveAgainstSteps, AgreesOnRandomPages)
         CompareFiles(page, layout, Styles[n % 3].name);
         if (HasFatalFailure())
             FAIL() << "page " << i;
-        trees += layout.style == LayoutStyle::TagsTree && !FileOfPage(page, layout).treeSkipped ? 1 : 0;
+        trees += layout.style == LayoutStyle::TagsTree
+                && !FileOfText(TextOfPage(page, AngleMarks::Restore), layout).treeSkipped
+            ? 1
+            : 0;
     }
     EXPECT_GT(trees, RandomPages / 10) << "too few pages with a tree";
 }

@@ -471,23 +471,6 @@ TEST_F(BookRoad, AFailedCommandLineRunValidatesOnceTheDisplayIsComplete)
     EXPECT_FALSE(soundNames.contains(u"DocComplete.wav"_s));
 }
 
-TEST(DisplayOffset, CountsALineEndAndAnAmpersandOnce)
-{
-    // One character of two bytes, then one of four, which is two units.
-    const std::string text = "\xd1\x8f&amp;b\r\nc\r\n&amp;&amp;d\xf0\x9f\x98\x80";
-    const auto offset = [&text](qsizetype byte, qsizetype unit) {
-        XmlPosition place;
-        place.fileByte = byte;
-        place.filepos = unit;
-        return DisplayOffset(text, place);
-    };
-    EXPECT_EQ(offset(0, 0), 0);
-    EXPECT_EQ(offset(7, 6), 2);
-    EXPECT_EQ(offset(10, 9), 4);
-    EXPECT_EQ(offset(24, 23), 9);
-    EXPECT_EQ(offset(28, 25), 11);
-}
-
 // ---------------------------------------------------------------- schemas
 
 TEST_F(BookRoad, TheSchemaListShowsFilesWithTheirState)

@@ -1,10 +1,11 @@
 // Any bytes may be opened as a book. The page must be made, be UTF-8 where the book allows it, and give back
 // a file; and what was saved as a tree must be well-formed.
 
+#include "BookDocument.h"
 #include "BookToDisplay.h"
 #include "BookVariables.h"
 #include "Boxes.h"
-#include "CodePages.h"
+#include "DisplayDocument.h"
 #include "DisplayToBook.h"
 #include "SaveBook.h"
 #include "Settings.h"
@@ -23,17 +24,11 @@ void Check(const std::string& book, const QString& style, const QString& encodin
 {
     vmk::OutputStyle = style;
     vmk::OutputEncoding = encoding;
-    std::string page = book;
-    if (!vmk::ConvertBookToDisplay(page, false)) {
-        if (!page.empty())
-            std::abort();
+    vmk::DisplayDocument document;
+    if (!vmk::BookToDocument(book, document))
         return;
-    }
-    const bool readable = vmk::IsValidUtf8(page);
-    if (!readable && vmk::WorkCodePage != vmk::CodePageUtf8 && vmk::WorkCodePage != vmk::CodePageUtf16)
-        std::abort();
     const vmk::SaveLayout layout = vmk::SaveLayoutOfSettings();
-    const vmk::BookFile file = vmk::FileOfPage(vmk::PageAsDisplayed(std::move(page)), layout);
+    const vmk::BookFile file = vmk::DocumentToBook(document);
     // Pictures are put back as they were, whatever they hold.
     const bool tree
         = layout.style == vmk::LayoutStyle::TagsTree && !file.treeSkipped && layout.binaryPart.empty();
@@ -46,6 +41,8 @@ void Check(const std::string& book, const QString& style, const QString& encodin
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
 {
     static const vmk::SeamGuard silent(vmk::BoxSeam(), [](auto&&...) { return false; });
+    static bool keepsText = false;
+    static const vmk::SeamGuard losses(vmk::LossSeam(), [](const vmk::BookLosses&) { return keepsText; });
     static const bool ready = [] {
         vmk::ReadSettings(true);
         vmk::NamespaceErrorWarning = 0;
@@ -58,6 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
     // The first two bytes choose how the book is saved and read.
     const std::string book(reinterpret_cast<const char*>(data) + 2, size - 2);
     vmk::TagHighlighting = data[1] & 1;
+    keepsText = (data[1] & 4) != 0;
     vmk::InputEncoding = (data[1] & 2) != 0 ? u"utf-8"_s : u"original"_s;
     Check(book, vmk::OutputStyles[data[0] % 3], vmk::OutputEncodings[data[0] / 3 % 5]);
     return 0;

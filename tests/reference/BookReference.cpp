@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <map>
 #include <memory>
+#include <regex>
 
 namespace vmk::reference {
 
@@ -128,21 +129,58 @@ std::string WithCrLf(const std::string& text)
     return ReplaceAll(ReplaceAll(text, CrLf, "\n"), "\n", CrLf);
 }
 
-std::string Escaped(std::string text, bool attribute)
+std::string EscapedText(std::string text, Form form)
 {
     text = ReplaceAll(text, "&", "&amp;");
-    text = ReplaceAll(text, "<", "&lt;");
+    text = ReplaceAll(text, "<", form == Form::Display ? LeftMark : "&lt;");
     text = ReplaceAll(text, ">", "&gt;");
-    if (attribute)
-        text = ReplaceAll(text, "\"", "&quot;");
     return WithCrLf(text);
+}
+
+// Comments and the like: nothing is escaped there, but a page writes each ampersand as a reference.
+std::string Raw(const std::string& text, Form form)
+{
+    return WithCrLf(form == Form::Display ? ReplaceAll(text, "&", "&amp;") : text);
+}
+
+// White space that a parser would change becomes references; so do double quotes, and in a display all that
+// would read as a reference there.
+std::string QuotedValue(const std::string& value, Form form)
+{
+    const bool single = form == Form::Display && value.find('"') != std::string::npos
+        && value.find('\'') == std::string::npos;
+    static const std::regex looksLikeReference("^&(amp;)*(quot;|apos;|#[0-9]{1,9};|#x[0-9A-Fa-f]{1,7};)");
+    const std::string escape = form == Form::Display ? "&amp;" : "&";
+    std::string result;
+    for (size_t i = 0; i < value.size(); ++i) {
+        const char c = value[i];
+        if (c == '&' && form == Form::Display && std::regex_search(value.substr(i, 60), looksLikeReference))
+            result += "&amp;amp;";
+        else if (c == '&')
+            result += "&amp;";
+        else if (c == '<')
+            result += form == Form::Display ? LeftMark : std::string_view("&lt;");
+        else if (c == '>')
+            result += "&gt;";
+        else if (c == '"' && !single)
+            result += escape + "quot;";
+        else if (c == ' ' && i > 0 && value[i - 1] == ' ')
+            result += escape + "#32;";
+        else if (c == '\t' || c == '\n' || c == '\r')
+            result += escape + "#" + std::to_string(static_cast<int>(c)) + ";";
+        else
+            result += c;
+    }
+    const std::string quote = single ? "'" : "\"";
+    return quote + result + quote;
 }
 
 class Writer
 {
 public:
-    explicit Writer(const std::vector<std::string>& tags)
+    Writer(const std::vector<std::string>& tags, Form writtenForm)
         : inLineNames{"a", "strong", "emphasis", "style", "strikethrough", "sub", "sup"}
+        , form(writtenForm)
     {
         for (const std::string& tag : tags) {
             std::string name = TrimBlanks(tag);
@@ -173,8 +211,9 @@ private:
     };
 
     std::vector<std::string> inLineNames;
+    Form form;
 
-    static std::string docType(const std::string& source)
+    std::string docType(const std::string& source) const
     {
         const size_t start = source.find("<!DOCTYPE");
         size_t end = start;
@@ -191,8 +230,8 @@ private:
             else if (c == '>' && !inSubset)
                 break;
         }
-        return WithCrLf(
-            ReplaceAll(ReplaceAll(source.substr(start, end + 1 - start), CrLf, "\n"), "\r", "\n"));
+        return Raw(ReplaceAll(ReplaceAll(source.substr(start, end + 1 - start), CrLf, "\n"), "\r", "\n"),
+                   form);
     }
 
     static std::string nameOf(const xmlNode* node)
@@ -240,14 +279,14 @@ private:
     {
         std::string tag = std::string("<") + nameOf(element);
         for (const xmlNs* ns = element->nsDef; ns != nullptr; ns = ns->next)
-            tag += (ns->prefix != nullptr ? " xmlns:" + View(ns->prefix) : std::string(" xmlns")) + "=\""
-                + Escaped(View(ns->href), true) + "\"";
+            tag += (ns->prefix != nullptr ? " xmlns:" + View(ns->prefix) : std::string(" xmlns")) + "="
+                + QuotedValue(View(ns->href), form);
         for (const xmlAttr* attribute = element->properties; attribute != nullptr;
              attribute = attribute->next) {
             xmlChar* value = xmlNodeListGetString(element->doc, attribute->children, 1);
             const bool prefixed = attribute->ns != nullptr && attribute->ns->prefix != nullptr;
-            tag += " " + (prefixed ? View(attribute->ns->prefix) + ":" : "") + View(attribute->name) + "=\""
-                + Escaped(View(value), true) + "\"";
+            tag += " " + (prefixed ? View(attribute->ns->prefix) + ":" : "") + View(attribute->name) + "="
+                + QuotedValue(View(value), form);
             xmlFree(value);
         }
         return tag;
@@ -283,14 +322,14 @@ private:
         case XML_ELEMENT_NODE:
             return element(node, depth, insideMixed);
         case XML_CDATA_SECTION_NODE:
-            return "<![CDATA[" + WithCrLf(View(node->content)) + "]]>";
+            return "<![CDATA[" + Raw(View(node->content), form) + "]]>";
         case XML_COMMENT_NODE:
-            return "<!--" + WithCrLf(View(node->content)) + "-->";
+            return "<!--" + Raw(View(node->content), form) + "-->";
         case XML_PI_NODE:
             return "<?" + View(node->name)
-                + (node->content != nullptr ? " " + WithCrLf(View(node->content)) : "") + "?>";
+                + (node->content != nullptr ? " " + Raw(View(node->content), form) : "") + "?>";
         default:
-            return Escaped(View(node->content), false);
+            return EscapedText(View(node->content), form);
         }
     }
 };
@@ -336,7 +375,7 @@ std::string TreeBranch(std::string text, const PageRequest& request)
     text = PrepareTreeLines(text, "\r", request.inLineTags);
     // A reference that the code page has a byte for is that byte, and then its character in UTF-8; any other
     // stays a reference until there is a place for its character. Either way it ends as the character.
-    text = ParserPass(text, request.codePage, request.inLineTags);
+    text = ParserPass(text, request.codePage, request.inLineTags, Form::Display);
     size_t levels = 0;
     for (std::string tabs = "\t"; text.find(tabs) != std::string::npos; tabs += '\t')
         ++levels;
@@ -356,6 +395,7 @@ std::string PlainBranch(std::string text, const PageRequest& request)
     }
     text = ReplaceAll(text, "\t", "");
     text = PrepareTreeLines(text, "\r", request.inLineTags);
+    text = request.ampersands(text);
     text = ReplaceUpToAngle(text, "<!--", "\r\x03", "!--", "\x04\r", false);
     text = ReplaceAll(text, "<", "&lt;");
     text = ReplaceAll(text, ">", "&gt;");
@@ -493,10 +533,11 @@ std::string PaintAttributes(std::string text)
     return text;
 }
 
-std::string ParserPass(const std::string& text, int codePage, const std::vector<std::string>& inLineTags)
+std::string ParserPass(const std::string& text, int codePage, const std::vector<std::string>& inLineTags,
+                       Form form)
 {
     const Document document(text, codePage);
-    return document.isGood() ? Writer(inLineTags).document(document.tree.get(), document.source)
+    return document.isGood() ? Writer(inLineTags, form).document(document.tree.get(), document.source)
                              : std::string();
 }
 
@@ -581,7 +622,7 @@ std::string SaveText(std::string page, const SaveRequest& request, bool& treeSki
     }
     page = PrepareTreeLines(page, CrLf, request.inLineTags);
     if (request.style == "tags tree") {
-        const std::string xml = ParserPass(page, 65001, request.inLineTags);
+        const std::string xml = ParserPass(page, 65001, request.inLineTags, Form::Xml);
         if (!xml.empty())
             return ReplaceWholeTags(xml, Start, request.declaration, true);
         treeSkipped = true;

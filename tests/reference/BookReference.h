@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,6 +28,15 @@ struct PageRequest
     int codePage = 65001;
     /// The text takes the branch with a tree.
     bool wellFormed = true;
+    /// Writes the ampersands of a text that is not well-formed.
+    std::function<std::string(const std::string&)> ampersands = [](const std::string& text) { return text; };
+};
+
+/// What `ParserPass` writes.
+enum class Form
+{
+    Xml,
+    Display
 };
 
 std::string ReplaceAll(std::string text, std::string_view sought, std::string_view replacement);
@@ -46,7 +56,8 @@ std::string PrepareTreeLines(std::string text, std::string_view lineEnd,
                              const std::vector<std::string>& inLineTags);
 std::string PaintAttributes(std::string text);
 /// The parser's `xml`: a libxml2 tree and a recursive writer. Empty if the text is not well-formed.
-std::string ParserPass(const std::string& text, int codePage, const std::vector<std::string>& inLineTags);
+std::string ParserPass(const std::string& text, int codePage, const std::vector<std::string>& inLineTags,
+                       Form form);
 bool HasParseError(const std::string& text, int codePage);
 
 /// From the text with its description brought up to date (`&lt;` and `&gt;` protected) to the whole page.

@@ -308,8 +308,7 @@ qsizetype XmlInput::readUtf8(char* out, size_t room)
         produced += static_cast<qsizetype>(valid);
         if (valid == 0 && !piece.empty())
             failed = Failure{XmlBadCharacter, produced,
-                             piece.front() == '\0' ? NulReason
-                                                   : "The bytes here are no character of UTF-8"};
+                             piece.front() == '\0' ? NulReason : "The bytes here are no character of UTF-8"};
     }
     const size_t length = std::min(room, static_cast<size_t>(produced - consumed));
     std::memcpy(out, bytes.data() + consumed, length);

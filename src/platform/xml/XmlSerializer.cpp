@@ -26,7 +26,8 @@ struct SpecialBytes
         for (const char c : {'"', ' ', '\t', '\r'})
             inValue[static_cast<unsigned char>(c)] = true;
         inRawText[static_cast<unsigned char>('\n')] = true;
-        inShownRawText[static_cast<unsigned char>('\n')] = inShownRawText[static_cast<unsigned char>('&')] = true;
+        inShownRawText[static_cast<unsigned char>('\n')] = inShownRawText[static_cast<unsigned char>('&')]
+            = true;
     }
 };
 
@@ -286,8 +287,8 @@ std::string_view XmlSerializer::ampersand(bool raw) const
     return raw && form == XmlForm::Xml ? std::string_view("&") : std::string_view("&amp;");
 }
 
-/// Writes an equals sign and a value in quotes. In a display a value that holds double quotes stands in single
-/// ones, if it can, so that what is shown is what is meant.
+/// Writes an equals sign and a value in quotes. In a display a value that holds double quotes stands in
+/// single ones, if it can, so that what is shown is what is meant.
 void XmlSerializer::writeValue(std::string_view value)
 {
     const bool single = form == XmlForm::Display && value.find('"') != std::string_view::npos

@@ -42,7 +42,8 @@ enum class XmlForm
 {
     Xml,
     /// The text that a display shows, as HTML as far as ampersands are concerned: what is written there reads
-    /// back as the same XML (see `DisplayCharacters.h` for the rules). Angle brackets of the mark-up are bare.
+    /// back as the same XML (see `DisplayCharacters.h` for the rules). Angle brackets of the mark-up are
+    /// bare.
     Display
 };
 

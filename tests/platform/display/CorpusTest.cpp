@@ -67,7 +67,10 @@ TEST(Corpus, EachBooksTextComesThroughTheDisplay)
         document.loadPage(QByteArray::fromStdString(page));
         const std::string saved = document.savePage().toStdString();
         const std::vector<std::string> written = shownLines(saved);
-        const std::vector<std::string> expected = shownLines(PageAsDisplayed(page));
+        const std::vector<std::string> expected
+            = shownLines(QString::fromStdString(page)
+                             .replace(QLatin1String("</DIV>\r<"), QLatin1String("</DIV>\r\n<"))
+                             .toStdString());
         for (std::size_t i = 0; i < std::min(written.size(), expected.size()); ++i)
             ASSERT_EQ(firstDifference(written[i], expected[i]), std::string());
         EXPECT_EQ(written.size(), expected.size());
