@@ -1,7 +1,7 @@
 #include "BookPage.h"
 
-#include "LineEnds.h"
 #include "DisplayCharacters.h"
+#include "LineEnds.h"
 #include "MainWindowSeams.h"
 #include "PageLines.h"
 #include "XmlDocument.h"

@@ -1,6 +1,5 @@
 #include "BookToDisplay.h"
 
-#include "BookVariables.h"
 #include "BookPage.h"
 #include "BookParts.h"
 #include "BookReading.h"

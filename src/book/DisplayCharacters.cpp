@@ -1,9 +1,9 @@
 #include "DisplayCharacters.h"
 
-#include "NonBreakingSpace.h"
 #include "CodePages.h"
 #include "LargeBuffers.h"
 #include "MarkupScanner.h"
+#include "NonBreakingSpace.h"
 #include "XmlReference.h"
 
 #include <algorithm>

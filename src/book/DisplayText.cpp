@@ -1,11 +1,11 @@
 #include "DisplayText.h"
 
 #include "BookVariables.h"
-#include "NonBreakingSpace.h"
-#include "LineEnds.h"
 #include "DisplayCharacters.h"
 #include "DisplayDocument.h"
 #include "LargeBuffers.h"
+#include "LineEnds.h"
+#include "NonBreakingSpace.h"
 #include "TextFunctions.h"
 #include "XmlDeclarations.h"
 

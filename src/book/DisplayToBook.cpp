@@ -1,6 +1,5 @@
 #include "DisplayToBook.h"
 
-#include "NonBreakingSpace.h"
 #include "BookVariables.h"
 #include "CodePages.h"
 #include "Encodings.h"
@@ -9,6 +8,7 @@
 #include "LineEnds.h"
 #include "MainWindowSeams.h"
 #include "MarkupScanner.h"
+#include "NonBreakingSpace.h"
 #include "TextFunctions.h"
 #include "XmlDeclarations.h"
 #include "XmlDocument.h"

@@ -5,6 +5,7 @@
 #include "BookVariables.h"
 #include "BookLosses.h"
 #include "BookToDisplay.h"
+#include "BookVariables.h"
 #include "Boxes.h"
 #include "Desktop.h"
 #include "Dialogs.h"

@@ -4,6 +4,8 @@
 #include "DisplayCharacters.h"
 #include "DisplayDocument.h"
 #include "Settings.h"
+#include "SettingsVariables.h"
+#include "StartUpVariables.h"
 #include "TestPaths.h"
 #include "TextRange.h"
 
