@@ -157,10 +157,13 @@ std::string UnresolvedText(const DisplayDocument& document, AngleMarks marks)
     return text ? *std::move(text) : TextOfPage(document.savePage().toStdString(), marks);
 }
 
-/// Drops what stands before the declaration; of a book that keeps its text white space alone.
+/// Drops the text before the declaration. In a book that keeps its text only white space and a byte order
+/// mark.
 void DropFront(std::string& text)
 {
-    if (!BookKeepsText || IsBlank(std::string_view(text).substr(0, text.find('<'))))
+    constexpr std::string_view Mark = "\xef\xbb\xbf";
+    const std::string front = ReplaceAll(text.substr(0, text.find('<')), Mark, {});
+    if (!BookKeepsText || IsBlank(front))
         DropBeforeDeclaration(text);
 }
 
