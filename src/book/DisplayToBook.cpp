@@ -299,12 +299,6 @@ std::string TidyLineEnds(const std::string& text, std::string_view nbsp)
 
 } // namespace
 
-Seam<std::string(AngleMarks marks)>& DisplayTextSeam()
-{
-    static Seam<std::string(AngleMarks)> seam([](AngleMarks) { return std::string(); });
-    return seam;
-}
-
 std::string TextOfPage(std::string_view page, AngleMarks marks)
 {
     constexpr std::string_view HeadEnd = "</HEAD>";

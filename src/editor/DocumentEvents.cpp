@@ -274,7 +274,7 @@ void Form1::ShowPopUpMenu()
     Status->setPanelText(1, QString());
     StatusMsg->setPanelText(1, QString());
     TagUnderCaret = GetTagUnderCaret(HTMLread->document());
-    const TagEntries fit = EntriesFor(TagUnderCaret, BinaryPart, WorkCodePage);
+    const TagEntries fit = EntriesFor(TagUnderCaret, BinaryPart, BinaryCodePage);
     Entry("Ed_GoToLink")->setEnabled(fit.goToLink);
     Entry("Ed_CheckId")->setEnabled(fit.checkId);
     Entry("Ed_ShowImage")->setEnabled(fit.showImage);

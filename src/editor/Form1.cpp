@@ -1,10 +1,9 @@
 #include "Form1.h"
 
-#include "BookSeams.h"
-#include "BookValidation.h"
-#include "BookVariables.h"
 #include "BookLosses.h"
+#include "BookSeams.h"
 #include "BookToDisplay.h"
+#include "BookValidation.h"
 #include "BookVariables.h"
 #include "Boxes.h"
 #include "Desktop.h"
