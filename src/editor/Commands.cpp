@@ -69,6 +69,7 @@ constexpr CommandRow Procedures[] = {
     {NextPosition, [](Form1&) { GoToPosition(Direction::Down); }},
     {Validate, [](Form1&) { ValidateDisplay(); }},
     {ReadInHaaliReader, [](Form1&) { ShowFb2TextPreview(); }},
+    {BookCleaner, [](Form1& form) { form.OpenBookCleaner(); }},
     {ShowSchema, [](Form1& form) { form.ShowSchemas(); }},
     {LoadNewSchema, [](Form1& form) { form.LoadNewFbSchema_Dialog(); }},
     {CheckForSchemaUpdates, [](Form1& form) { form.OpenPortalPage("/ru/programs/redact.html"); }},

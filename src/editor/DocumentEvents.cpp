@@ -1,5 +1,6 @@
 #include "BookFileCheck.h"
 #include "BookVariables.h"
+#include "CleanUpF.h"
 #include "CommLineInfoF.h"
 #include "DisplayView.h"
 #include "EditorFunctions.h"
@@ -251,8 +252,10 @@ void Form1::FileDoc_onfocusout(DisplayEvent&)
 {
     // The selection remains visible while another window has the focus.
     TextRange range = SelectionRange();
-    if (range.boundingWidth() > 0)
+    const bool somethingSelected = range.boundingWidth() > 0;
+    if (somethingSelected)
         range.select();
+    NoteSelectionForCleaner(somethingSelected);
 }
 
 void Form1::HTW_onresize(DisplayEvent&)

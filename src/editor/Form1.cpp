@@ -6,6 +6,7 @@
 #include "BookValidation.h"
 #include "BookVariables.h"
 #include "Boxes.h"
+#include "CleanUpF.h"
 #include "Desktop.h"
 #include "Dialogs.h"
 #include "DisplayText.h"
@@ -433,6 +434,11 @@ void Form1::ShowSchemas()
     if (!schemas)
         schemas = new SchemasF(this);
     schemas->ShowList();
+}
+
+void Form1::OpenBookCleaner()
+{
+    CleanUpF::Open({this, HTMLread, [this] { RunCommand(Command::HtmlFragmentEditor); }});
 }
 
 void Form1::OpenPortalPage(const char* path)

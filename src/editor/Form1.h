@@ -61,6 +61,7 @@ public:
     void SaveCurrentBook();
     void SaveAndReload();
     void ShowSchemas();
+    void OpenBookCleaner();
     /// Opens a page of the format's web site in the system's browser.
     /// \param path  the path of the page on its host, with a leading slash
     void OpenPortalPage(const char* path);

@@ -99,7 +99,10 @@ void ReplaceLines(DisplayDocument& document, const SelectedLines& lines, std::ve
     // A document that has lost all its lines consists of one empty line, which is replaced here.
     const bool wasAll = count > 0 && document.lineCount() == 1 && document.line(0).block == NoTag
         && document.line(0).text.isEmpty();
-    if (wasAll) {
+    if (newLines.empty()) {
+        // The second step changes nothing, so that an undo command takes back this edit and no other.
+        document.splice(0, 0, {}, {{0, 0}, {0, 0}, {0, 0}});
+    } else if (wasAll) {
         const Position newEnd{added - 1, int(newLines.back()->text.size())};
         document.splice(0, 1, std::move(newLines), {{0, 0}, {0, 0}, newEnd});
     } else if (first < document.lineCount()) {

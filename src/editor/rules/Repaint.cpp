@@ -27,26 +27,6 @@ bool IsPaint(const Tag& tag)
         || (tag.name == "B"_L1 && tag.attributes.isEmpty());
 }
 
-/// The HTML of lines without their painting.
-std::string BareHtml(const DisplayDocument& document, const SelectedLines& lines)
-{
-    QHash<TagId, bool> paint;
-    QString html;
-    for (int i = lines.first - 1; i < lines.last; ++i) {
-        Line bare = document.line(i);
-        std::erase_if(bare.marks, [&](const Mark& mark) {
-            auto known = paint.constFind(mark.tag);
-            if (known == paint.cend())
-                known = paint.insert(mark.tag, IsPaint(document.tags()[mark.tag]));
-            return *known;
-        });
-        if (i >= lines.first)
-            html += "\r\n"_L1;
-        WriteLine(html, document.tags(), bare);
-    }
-    return html.toStdString();
-}
-
 /// Wraps the tags and comments in text between real tags. `PaintAttributes` handles attributes.
 /// \param inComment  in: a comment is open at the start of the text; out: at its end
 std::string PaintTags(std::string_view text, const TagPaint& paint, bool& inComment)
@@ -119,6 +99,25 @@ std::string PaintLines(std::string_view html, const TagPaint& paint)
     return painted;
 }
 
+QString BareHtml(const DisplayDocument& document, int first, int count)
+{
+    QHash<TagId, bool> paint;
+    QString html;
+    for (int i = first; i < first + count; ++i) {
+        Line bare = document.line(i);
+        std::erase_if(bare.marks, [&](const Mark& mark) {
+            auto known = paint.constFind(mark.tag);
+            if (known == paint.cend())
+                known = paint.insert(mark.tag, IsPaint(document.tags()[mark.tag]));
+            return *known;
+        });
+        if (i > first)
+            html += "\r\n"_L1;
+        WriteLine(html, document.tags(), bare);
+    }
+    return html;
+}
+
 QString RePaintHtml(const QString& html, const TagPaint& paint)
 {
     return QString::fromStdString(PaintLines(html.toStdString(), paint));
@@ -130,7 +129,8 @@ void RePaintSelection(DisplayDocument& document, const LastPress& lastPress, con
     if (!lines)
         return;
 
-    const std::string painted = PaintLines(BareHtml(document, lines), paint);
+    const QString bare = BareHtml(document, lines.first - 1, lines.last - lines.first + 1);
+    const std::string painted = PaintLines(bare.toStdString(), paint);
     HtmlContent content = ReadFragment(document.tags(), QString::fromStdString(painted));
     ReplaceLines(document, lines, std::move(content.lines));
     UndoSteps = 2;

@@ -17,6 +17,10 @@ namespace vmk {
 /// closed within its line is not painted.
 [[nodiscard]] std::string PaintLines(std::string_view html, const TagPaint& paint);
 
+/// Returns the HTML of lines without their painting, with `\r\n` between them.
+/// \param first  line from 0
+[[nodiscard]] QString BareHtml(const DisplayDocument& document, int first, int count);
+
 /// Paints bare lines, given as HTML. Does not change the document.
 [[nodiscard]] QString RePaintHtml(const QString& html, const TagPaint& paint);
 
