@@ -80,11 +80,17 @@ void DecodeUtf16(DecodedBook& book, std::string_view bytes, BookLosses& losses)
     book.asGiven = false;
 }
 
+bool StartsWithDeclaration(std::string_view text)
+{
+    constexpr std::string_view Start = "<?xml";
+    return text.starts_with(Start) && text.find_first_of(" \t\r\n") == Start.size();
+}
+
 /// True if white space stands before the declaration.
 bool IsDeclaredLate(std::string_view text)
 {
     const size_t first = text.find_first_not_of(" \t\r\n");
-    return first != std::string_view::npos && text.substr(first).starts_with("<?xml");
+    return first != std::string_view::npos && StartsWithDeclaration(text.substr(first));
 }
 
 /// The bytes as the editor would read them, or, where it would misread them, as XML says.
@@ -104,8 +110,8 @@ DecodedBook Decode(std::string_view bytes, const QString& inputEncoding, BookLos
     // Without a declaration the bytes are UTF-8, if they can be; but one may follow white space.
     const bool marked = bytes.starts_with(Utf8Mark);
     const std::string_view start = bytes.substr(marked ? Utf8Mark.size() : 0);
-    const bool declared = start.starts_with("<?xml") || start.starts_with('\xff') || start.starts_with('\xfe')
-        || start.find('\0') < 4;
+    const bool declared = StartsWithDeclaration(start) || start.starts_with('\xff')
+        || start.starts_with('\xfe') || start.find('\0') < 4;
     if (!declared && (codePage == CodePageUtf8 || IsDeclaredLate(start) || !IsValidUtf8(bytes)))
         return book;
     if (codePage == CodePageUtf8 && (marked || !declared))
@@ -174,6 +180,7 @@ void CutPictures(KeptBook& kept, std::string& text, std::string_view bytes, bool
         kept.losses.droppedBytes += CharacterCount(std::string_view(text).substr(lastEnd));
     }
     kept.binaryPart = text.substr(start, end - start);
+    kept.binaryPart.resize(kept.binaryPart.find_last_not_of(" \t\r\n") + 1);
     kept.binaryCodePage = CodePageUtf8;
     // As the editor keeps them: in the bytes of the file.
     std::string given(bytes);

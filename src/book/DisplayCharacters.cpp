@@ -97,7 +97,7 @@ void Protector::run()
 void Protector::protect(const MarkupToken& token)
 {
     const std::string_view special
-        = showNbsp ? std::string_view("&\xe2\xef\x7f") : std::string_view("&\xe2\xef\xc2");
+        = showNbsp ? std::string_view("&\xe2\xef\x7f") : std::string_view("&\xe2\xef\x7f\xc2");
     const std::string_view within = text.substr(0, token.end());
     for (size_t at = within.find_first_of(special, token.start); at != std::string_view::npos;
          at = within.find_first_of(special, at)) {
@@ -120,7 +120,7 @@ size_t Protector::protectCharacter(size_t at)
     if (rest.starts_with(LeftMark) || rest.starts_with(RightMark)) {
         length = LeftMark.size();
         ++met.angleQuotes;
-    } else if (showNbsp && rest.starts_with(Marker)) {
+    } else if (rest.starts_with(Marker)) {
         ++met.markers;
     } else if (!showNbsp && rest.starts_with(Utf8Nbsp)) {
         length = Nbsp.size();
@@ -173,8 +173,8 @@ std::string_view Protector::guarded(uint32_t character)
     case 0xFE0C:
         return "\xef\xb8\x8b\xef\xb8\x8c";
     case 0x7F:
-        met.markers += showNbsp ? 1 : 0;
-        return showNbsp ? std::string_view("\x7f\xef\xb8\x8c") : std::string_view();
+        ++met.markers;
+        return "\x7f\xef\xb8\x8c";
     case 0xA0:
         met.nonBreaking += showNbsp ? 0 : 1;
         return showNbsp ? std::string_view() : std::string_view("\xc2\xa0\xef\xb8\x8c");

@@ -231,6 +231,7 @@ void ValidateDisplay()
     ShowStatusPanel(GeneralPanel, QString());
     QString message;
     std::optional<TextRange> error;
+    bool atEndTag = false;
     {
         const HourglassScope hourglass;
         const std::string text = GetFbTextFromDisplay(true);
@@ -239,6 +240,7 @@ void ValidateDisplay()
         if (!message.isEmpty()) {
             ShowStatusPanel(GeneralPanel, u"Error pos: %1"_s.arg(found.filepos));
             error = SelectPlace(DisplayOffset(View().document(), found.fileByte));
+            atEndTag = std::string_view(text).substr(0, static_cast<size_t>(found.fileByte)).ends_with("</");
             View().focus();
         }
     }
@@ -249,7 +251,8 @@ void ValidateDisplay()
         PlayProgramSound(u"ParseError.wav"_s, true);
     else
         PlayProgramSound(u"NoParseError.wav"_s, false);
-    if (error && status.contains("'genre'"_L1))
+    // Only at the end tag does the value stand before the error.
+    if (atEndTag && status.contains("'genre'"_L1))
         SelectGenreValue(*error);
     ShowCaretPosition();
 }

@@ -88,8 +88,12 @@ void SelectLines(DisplayDocument& document, const SelectedLines& lines)
         .select();
 }
 
-void ReplaceLines(DisplayDocument& document, const SelectedLines& lines, std::vector<LinePtr> newLines)
+namespace {
+
+void RemoveAndInsertLines(DisplayDocument& document, const SelectedLines& lines,
+                          std::vector<LinePtr> newLines)
 {
+    const DisplayDocument::EditGroup oneStep(document);
     const int first = lines.first - 1;
     const int count = lines.last - lines.first + 1;
     const int added = int(newLines.size());
@@ -112,6 +116,15 @@ void ReplaceLines(DisplayDocument& document, const SelectedLines& lines, std::ve
         const Position newEnd{first - 1 + added, int(newLines.back()->text.size())};
         document.splice(first, 0, std::move(newLines), {before, before, newEnd});
     }
+}
+
+} // namespace
+
+void ReplaceLines(DisplayDocument& document, const SelectedLines& lines, std::vector<LinePtr> newLines)
+{
+    RemoveAndInsertLines(document, lines, std::move(newLines));
+    const Position start{};
+    document.splice(0, 0, {}, {start, start, start});
 }
 
 QString HtmlBetween(const DisplayDocument& document, int line, Cut from, Cut to)

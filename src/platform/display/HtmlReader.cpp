@@ -89,6 +89,7 @@ private:
     const TagFacts& tagFacts(View inner);
     TagFacts makeTagFacts(View inner);
     bool skipElement(TagId name);
+    [[nodiscard]] bool isProgramText(TagId name) const;
     [[nodiscard]] std::size_t findEndTag(QStringView name) const;
 
     // Text.
@@ -264,6 +265,12 @@ bool Reader<Char>::readDeclaration()
 {
     constexpr std::array<Char, 4> CommentStart = {Char('<'), Char('!'), Char('-'), Char('-')};
     constexpr std::array<Char, 3> CommentEnd = {Char('-'), Char('-'), Char('>')};
+    // The section's text is content of a pasted book.
+    constexpr std::array<Char, 9> CDataStart
+        = {Char('<'), Char('!'), Char('['), Char('C'), Char('D'), Char('A'), Char('T'), Char('A'), Char('[')};
+    if (spacing == Spacing::Keep
+        && input.substr(at, CDataStart.size()) == View(CDataStart.data(), CDataStart.size()))
+        return false;
     if (input.substr(at, 4) == View(CommentStart.data(), 4)) {
         const std::size_t end = noCommentEnd ? View::npos : input.find(View(CommentEnd.data(), 3), at + 4);
         noCommentEnd = end == View::npos;
@@ -348,6 +355,16 @@ bool Reader<Char>::skipElement(TagId name)
     }
     at = close + 1;
     return true;
+}
+
+/// True for an element whose content is no text to read: scripts, and style sheets with their rules.
+template <class Char>
+bool Reader<Char>::isProgramText(TagId name) const
+{
+    if (tags[name].name == u"SCRIPT")
+        return true;
+    const std::size_t end = findEndTag(tags[name].name);
+    return end != View::npos && input.substr(at, end - at).find(Char('{')) != View::npos;
 }
 
 template <class Char>
@@ -541,7 +558,9 @@ void Reader<Char>::startTag(const TagFacts& facts)
             takeHead(at);
         return;
     case ElementKind::Dropped:
-        static_cast<void>(skipElement(facts.name));
+        // A fragment may be the source of a book, which has elements of these names.
+        if (spacing == Spacing::Collapse || isProgramText(facts.name))
+            static_cast<void>(skipElement(facts.name));
         return;
     case ElementKind::Body:
     case ElementKind::Ignored:
