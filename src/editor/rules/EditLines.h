@@ -33,7 +33,8 @@ struct SelectedLines
 void SelectLines(DisplayDocument& document, const SelectedLines& lines);
 
 /// Replaces the lines by new ones. Nothing around them changes, even if they are all lines of the document.
-/// Takes two undo steps: the replacement and an empty one after it, so that no state in between lacks the lines.
+/// Takes two undo steps: the replacement and an empty one after it, so that no state in between lacks the
+/// lines.
 void ReplaceLines(DisplayDocument& document, const SelectedLines& lines, std::vector<LinePtr> newLines);
 
 /// Returns the HTML between two cuts of a line. Elements that extend over a cut are closed there.
