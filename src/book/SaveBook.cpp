@@ -79,8 +79,11 @@ Seam<bool(const MissingCharacters& missing, const QString& encoding)>& MissingCh
 BookFile FileOfDisplayText(std::string text)
 {
     SaveLayout layout = SaveLayoutOfSettings();
-    const std::string_view binaries
-        = layout.binaryCodePage == CodePageUtf8 ? layout.binaryPart : std::string_view();
+    std::string binaries(layout.binaryPart);
+    if (layout.binaryCodePage == layout.codePage)
+        binaries.clear();
+    else if (layout.binaryCodePage != CodePageUtf8)
+        CodePageToUtf8(binaries, layout.binaryCodePage);
     MissingCharacters missing = FindMissingCharacters(text, layout.codePage);
     if (const MissingCharacters more = FindMissingCharacters(binaries, layout.codePage); more.count > 0)
         missing = {missing.count + more.count, missing.count > 0 ? missing.examples : more.examples};
