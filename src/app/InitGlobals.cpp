@@ -1,10 +1,10 @@
 #include "InitGlobals.h"
 
-#include "CodePages.h"
 #include "FileOperations.h"
 #include "FilePaths.h"
 #include "ScreenMeasures.h"
 #include "StartUpVariables.h"
+#include "UserText.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -156,7 +156,7 @@ void ReadInLineTags()
     InLineTags = QStringList{QString()};
     if (!FileExists(InLineTagsFile))
         return;
-    const QString text = DecodeBytes(ReadFileText(InLineTagsFile), CodePageSystem);
+    const QString text = DecodeUserText(ReadFileText(InLineTagsFile));
     if (text.size() <= LongestEmptyText)
         return;
 

@@ -1,6 +1,7 @@
 #include "SettingsRecord.h"
 
 #include "CodePages.h"
+#include "UserText.h"
 
 #include <bit>
 #include <cmath>
@@ -32,11 +33,6 @@ std::optional<Integer> TakeLittleEndian(std::string_view& bytes)
     return value;
 }
 
-QString DecodeText(std::string_view bytes)
-{
-    return DecodeBytes(bytes, IsValidUtf8(bytes) ? CodePageUtf8 : CodePageSystem);
-}
-
 /// Never cuts within a character.
 std::string CutUtf8(std::string bytes)
 {
@@ -51,8 +47,8 @@ std::string CutUtf8(std::string bytes)
 
 std::string EncodeTextField(const QString& text)
 {
-    std::string bytes = EncodeText(text, CodePageSystem);
-    if (bytes.size() > MaxTextBytes || DecodeText(bytes) != text)
+    std::string bytes = EncodeUserText(text);
+    if (bytes.size() > MaxTextBytes)
         bytes = CutUtf8(EncodeText(text, CodePageUtf8));
     return bytes;
 }
@@ -79,7 +75,7 @@ bool TakeValue(std::string_view& bytes, QString& text)
     const std::optional<uint16_t> length = TakeLittleEndian<uint16_t>(bytes);
     if (!length || bytes.size() < *length)
         return false;
-    text = DecodeText(bytes.substr(0, *length));
+    text = DecodeUserText(bytes.substr(0, *length));
     bytes.remove_prefix(*length);
     return true;
 }

@@ -1,5 +1,6 @@
 #include "Commands.h"
 
+#include "BinaryListF.h"
 #include "CaretTag.h"
 #include "ClipboardRules.h"
 #include "Desktop.h"
@@ -10,6 +11,7 @@
 #include "FbFunctions.h"
 #include "FieldRules.h"
 #include "Form1.h"
+#include "ImageFunctions.h"
 #include "NodeShift.h"
 #include "NonBreakingSpace.h"
 #include "PasteRules.h"
@@ -63,6 +65,12 @@ constexpr CommandRow Procedures[] = {
     {CaretRight, [](Form1& form) { MoveCaret(Book(form), CaretDirection::Right); }},
     {Copy, [](Form1& form) { CopySelection(Book(form), false); }},
     {CopyText, [](Form1& form) { CopyAsText(Book(form)); }},
+    {ExtractAllImages, [](Form1&) { vmk::ExtractAllImages(); }},
+    {DeleteExtractedImages, [](Form1&) { vmk::DeleteExtractedImages(); }},
+    {ShowBinaryList, [](Form1&) { InstanceOf<BinaryListF>().GetBinaryTags(); }},
+    {ShowImage, [](Form1&) { vmk::ShowImage(); }},
+    {RemoveImageResource, [](Form1&) { vmk::RemoveImageResource(); }},
+    {AddImageResource, [](Form1&) { vmk::AddImageResource(); }},
     {GoToLink, [](Form1& form) { GoToBookmark(Book(form), TagUnderCaret); }},
     {CheckId, [](Form1& form) { vmk::CheckId(Book(form), TagUnderCaret); }},
     {PreviousPosition, [](Form1&) { GoToPosition(Direction::Up); }},

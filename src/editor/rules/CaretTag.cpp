@@ -1,6 +1,6 @@
 #include "CaretTag.h"
 
-#include "CodePages.h"
+#include "BinaryElements.h"
 #include "DisplayPage.h"
 #include "MainWindowSeams.h"
 #include "Sounds.h"
@@ -51,7 +51,7 @@ TagEntries EntriesFor(const CaretTag& tag, std::string_view binaryPart, int32_t 
     if (!tag.hasTarget())
         return entries;
     if (tag.isImage()) {
-        const std::string id = EncodeText("id=\""_L1 + tag.href, codePage);
+        const std::string id = "id=\"" + IdInBinaryPart(tag.href, codePage);
         const bool known = FindText(binaryPart, id, 0, true) != std::string_view::npos;
         entries.showImage = entries.removeImageResource = known;
         entries.addImageResource = !known;
