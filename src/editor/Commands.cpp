@@ -6,18 +6,23 @@
 #include "Desktop.h"
 #include "DisplayValuesOfSettings.h"
 #include "DisplayView.h"
+#include "EditHtmlWbF.h"
 #include "EditorFunctions.h"
 #include "EditorState.h"
 #include "FbFunctions.h"
+#include "FbTagListF.h"
 #include "FieldRules.h"
 #include "Form1.h"
 #include "ImageFunctions.h"
+#include "InLineTagsF.h"
 #include "NodeShift.h"
 #include "NonBreakingSpace.h"
 #include "PasteRules.h"
 #include "Repaint.h"
 #include "SettingsVariables.h"
+#include "SpecialCharactersF.h"
 #include "TypingRules.h"
+#include "VMKAboutF.h"
 
 #include <algorithm>
 
@@ -65,6 +70,11 @@ constexpr CommandRow Procedures[] = {
     {CaretRight, [](Form1& form) { MoveCaret(Book(form), CaretDirection::Right); }},
     {Copy, [](Form1& form) { CopySelection(Book(form), false); }},
     {CopyText, [](Form1& form) { CopyAsText(Book(form)); }},
+    {InsertTags, [](Form1&) { InstanceOf<FbTagListF>().ShowForm(); }},
+    {InsertSpecialSymbols, [](Form1&) { InstanceOf<SpecialCharactersF>().ShowForm(); }},
+    {InLineTags, [](Form1&) { InstanceOf<InLineTagsF>().ShowForm(); }},
+    {HtmlFragmentEditor, [](Form1&) { InstanceOf<EditHtmlWbF>().ShowForm(); }},
+    {About, [](Form1&) { InstanceOf<VMKAboutF>().ShowForm(); }},
     {ExtractAllImages, [](Form1&) { vmk::ExtractAllImages(); }},
     {DeleteExtractedImages, [](Form1&) { vmk::DeleteExtractedImages(); }},
     {ShowBinaryList, [](Form1&) { InstanceOf<BinaryListF>().GetBinaryTags(); }},

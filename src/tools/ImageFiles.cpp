@@ -16,7 +16,17 @@ using namespace Qt::StringLiterals;
 namespace vmk {
 namespace {
 
-/// The text without CR and LF.
+/// Replaces the file `path`. A link or a pipe gives way to the file: nothing is written through it.
+bool WriteInFolder(const QString& path, std::string_view bytes)
+{
+    const QFileInfo entry(path);
+    if (entry.isSymLink() || (entry.exists() && !entry.isFile() && !entry.isDir()))
+        DeleteOneFile(path);
+    return WriteScratchFile(path, bytes);
+}
+
+} // namespace
+
 std::string WithoutLineEnds(std::string_view text)
 {
     std::string joined;
@@ -28,17 +38,6 @@ std::string WithoutLineEnds(std::string_view text)
     }
     return joined;
 }
-
-/// Replaces the file `path`. A link or a pipe gives way to the file: nothing is written through it.
-bool WriteInFolder(const QString& path, std::string_view bytes)
-{
-    const QFileInfo entry(path);
-    if (entry.isSymLink() || (entry.exists() && !entry.isFile() && !entry.isDir()))
-        DeleteOneFile(path);
-    return WriteScratchFile(path, bytes);
-}
-
-} // namespace
 
 std::string PictureBytes(std::string_view content)
 {

@@ -12,6 +12,9 @@
 /// was asked for.
 namespace vmk {
 
+/// The text without CR and LF.
+[[nodiscard]] std::string WithoutLineEnds(std::string_view text);
+
 /// The bytes of a picture from the content of its element: line ends are taken out and base64 is decoded.
 /// Content that is not base64 stays as it is.
 [[nodiscard]] std::string PictureBytes(std::string_view content);

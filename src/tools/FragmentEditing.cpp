@@ -1,0 +1,309 @@
+#include "FragmentEditing.h"
+
+#include "CodePages.h"
+#include "DisplayPage.h"
+#include "EditLines.h"
+#include "NonBreakingSpace.h"
+#include "TextFunctions.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace vmk {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr QStringView LineBreak = u"\r\n";
+/// The element around each marker, which tells it from the same character in the book.
+constexpr QStringView MarkerElement = u"TT";
+constexpr QStringView FontElement = u"FONT";
+constexpr QStringView BlueFont = u"color=#0000FF";
+constexpr QStringView GreyFont = u"color=#808080";
+
+/// Some displays wrap long lines after a blank; these breaks are not the book's.
+QString WithoutWraps(QString html)
+{
+    return ReplaceAll(std::move(html), u" \r\n", u" ");
+}
+
+/// Replaces all lines of a document, as one undo step.
+void ReplaceAllLines(DisplayDocument& document, std::vector<LinePtr> lines)
+{
+    const int last = int(lines.size()) - 1;
+    const Position newEnd{last, int(lines.back()->text.size())};
+    const EditMap map{{}, document.end(), newEnd};
+    document.splice(0, document.lineCount(), std::move(lines), map);
+}
+
+/// True when what the display holds is the source already.
+bool IsUnchanged(DisplayDocument& display, const Fragment& fragment, const QString& source)
+{
+    if (WithoutWraps(page::createRange(display).htmlText()) == source)
+        return true;
+    return fragment.firstNode >= 1 && fragment.firstNode == fragment.lastNode
+        && page::item(display, fragment.firstNode).outerHTML() == source;
+}
+
+/// True when the selection of the display is still the fragment's run of lines.
+bool IsStillSelected(DisplayDocument& display, const Fragment& fragment)
+{
+    const TextRange range = page::createRange(display);
+    return NodeAtRangeStart(range) == fragment.firstNode && NodeAtRangeEnd(range) == fragment.lastNode;
+}
+
+/// Puts the source in place of the fragment's lines.
+void ReplaceFragmentLines(DisplayDocument& display, const Fragment& fragment, const QString& source)
+{
+    if (fragment.firstNode == fragment.lastNode)
+        page::item(display, fragment.firstNode).setOuterHTML(QString());
+    else
+        page::clear(display);
+    page::item(display, fragment.firstNode).insertAdjacentHTML(Adjacent::BeforeBegin, source);
+    // Without a source there is no second step to take back.
+    MarkEdit(source.isEmpty() ? 1 : 2);
+}
+
+// ---------------------------------------------------------------- painting
+
+/// Makes the marks of one painted line. The state "inside a tag" goes on from line to line.
+class LinePainter
+{
+public:
+    LinePainter(TagTable& tags)
+        : markerTag(tags.intern(MarkerElement, u""))
+        , blueTag(tags.intern(FontElement, BlueFont))
+        , greyTag(tags.intern(FontElement, GreyFont))
+        , marker(LineEndMarker())
+    {
+    }
+
+    /// @param closed whether a ">" follows for each "<" of this line
+    [[nodiscard]] LinePtr paint(const Line& line, const std::vector<bool>& isMarker, int lastTagEnd)
+    {
+        Line painted{line.block, line.text, {}};
+        std::vector<Mark>& marks = painted.marks;
+        const int length = int(line.text.size());
+        const auto color = [&](int at) {
+            if (line.text[at] == u'<')
+                inTag = inTag || at < lastTagEnd;
+            const bool blue = inTag;
+            if (line.text[at] == u'>')
+                inTag = false;
+            return blue;
+        };
+        bool blueOpen = false;
+        for (int at = 0; at < length; ++at) {
+            const bool blue = color(at);
+            if (blue != blueOpen)
+                marks.push_back(blue ? Mark::opening(at, blueTag) : Mark::closing(at, blueTag));
+            blueOpen = blue;
+            if (line.text[at] != marker)
+                continue;
+            marks.push_back(Mark::opening(at, greyTag));
+            if (isMarker[size_t(at)]) {
+                marks.push_back(Mark::opening(at, markerTag));
+                marks.push_back(Mark::closing(at + 1, markerTag));
+            }
+            marks.push_back(Mark::closing(at + 1, greyTag));
+        }
+        if (blueOpen)
+            marks.push_back(Mark::closing(length, blueTag));
+        return std::make_shared<const Line>(std::move(painted));
+    }
+
+private:
+    TagId markerTag;
+    TagId blueTag;
+    TagId greyTag;
+    QChar marker;
+    bool inTag = false;
+};
+
+/// For each character of a line, whether it is a marker of ours.
+std::vector<bool> MarkersOf(const DisplayDocument& editor, const Line& line, QChar marker)
+{
+    std::vector<bool> isMarker(size_t(line.text.size()));
+    int depth = 0;
+    int from = 0;
+    for (const Mark& mark : line.marks) {
+        if (editor.tags()[mark.tag].name != MarkerElement)
+            continue;
+        if (mark.open && depth++ == 0)
+            from = mark.pos;
+        else if (!mark.open && --depth == 0)
+            for (int at = from; at < mark.pos; ++at)
+                isMarker[size_t(at)] = line.text[at] == marker;
+    }
+    return isMarker;
+}
+
+// ---------------------------------------------------------------- the page for reading
+
+QString Char(int code)
+{
+    return {QChar(char16_t(code))};
+}
+
+} // namespace
+
+QChar LineEndMarker()
+{
+    constexpr unsigned char MarkerCode = 128;
+    return {CharacterOfByte(MarkerCode, SystemCodePage())};
+}
+
+QByteArray BlankFragmentPage()
+{
+    return "<HTML><meta content=\"text/html; charset=utf-8\" http-equiv=\"Content-Type\">"
+           "<BODY LEFTMARGIN =2 RIGHTMARGIN =2 TOPMARGIN =2 BOTTOMMARGIN =2><DIV></DIV></BODY></HTML>"_ba;
+}
+
+Fragment TakeFragment(DisplayDocument& display, bool wholeLines)
+{
+    Fragment fragment;
+    if (page::type(display) == "None"_L1)
+        return fragment;
+    if (wholeLines) {
+        const SelectedNodes nodes = SelectNodes(display, {.select = true, .returnHtml = true});
+        fragment.firstNode = nodes.first;
+        fragment.lastNode = nodes.last;
+        fragment.source = nodes.html;
+        if (nodes.first > 0 && nodes.first == nodes.last)
+            return fragment;
+    }
+    if (fragment.firstNode < 1 || fragment.lastNode < 1)
+        fragment.source = page::createRange(display).htmlText();
+    fragment.source = WithoutWraps(std::move(fragment.source));
+    return fragment;
+}
+
+void ShowFragment(DisplayDocument& editor, const QString& source)
+{
+    const TagId block = editor.tags().intern(u"DIV", u"");
+    const TagId markerTag = editor.tags().intern(MarkerElement, u"");
+    const QChar marker = LineEndMarker();
+    const QList<QStringView> texts = QStringView(source).split(LineBreak);
+    std::vector<LinePtr> lines;
+    lines.reserve(size_t(texts.size()));
+    for (qsizetype i = 0; i < texts.size(); ++i) {
+        Line line{block, texts[i].toString(), {}};
+        if (i + 1 < texts.size()) {
+            const int end = int(line.text.size());
+            line.text += marker;
+            line.marks = {Mark::opening(end, markerTag), Mark::closing(end + 1, markerTag)};
+        }
+        lines.push_back(std::make_shared<const Line>(std::move(line)));
+    }
+    ReplaceAllLines(editor, std::move(lines));
+    editor.setSelection({}, {});
+}
+
+QString FragmentText(const DisplayDocument& editor)
+{
+    const QChar marker = LineEndMarker();
+    QString text;
+    for (int i = 0; i < editor.lineCount(); ++i) {
+        const Line& line = editor.line(i);
+        if (i > 0)
+            text += LineBreak;
+        if (line.marks.empty()) {
+            text += line.text;
+            continue;
+        }
+        const std::vector<bool> isMarker = MarkersOf(editor, line, marker);
+        for (qsizetype at = 0; at < line.text.size(); ++at) {
+            if (!isMarker[size_t(at)])
+                text += line.text[at];
+        }
+    }
+    return text;
+}
+
+void ApplyFragment(DisplayDocument& display, Fragment& fragment, const QString& source)
+{
+    if (!IsUnchanged(display, fragment, source)) {
+        const bool isRun = fragment.firstNode >= 1 && fragment.lastNode >= 1;
+        if (isRun && IsStillSelected(display, fragment)) {
+            ReplaceFragmentLines(display, fragment, source);
+        } else {
+            page::createRange(display).pasteHTML(source);
+            MarkEdit(1);
+        }
+    }
+    fragment.firstNode = fragment.lastNode = -1;
+}
+
+void PaintFragment(DisplayDocument& editor)
+{
+    const QChar marker = LineEndMarker();
+    // A "<" counts where a ">" follows, in its own line or a later one.
+    int lastEndLine = editor.lineCount() - 1;
+    while (lastEndLine >= 0 && !editor.line(lastEndLine).text.contains(u'>'))
+        --lastEndLine;
+    LinePainter painter(editor.tags());
+    std::vector<LinePtr> lines;
+    lines.reserve(size_t(editor.lineCount()));
+    for (int i = 0; i < editor.lineCount(); ++i) {
+        const Line& line = editor.line(i);
+        const int lastTagEnd = i < lastEndLine ? int(line.text.size())
+            : i > lastEndLine                  ? 0
+                                               : int(line.text.lastIndexOf(u'>'));
+        lines.push_back(painter.paint(line, MarkersOf(editor, line, marker), lastTagEnd));
+    }
+    ReplaceAllLines(editor, std::move(lines));
+    editor.setSelection({}, {});
+}
+
+ShownCodes CodesInFragment(DisplayDocument& editor)
+{
+    constexpr int MostTries = 20;
+    TextRange range = page::createRange(editor);
+    for (int i = 0; i < MostTries && range.text().isEmpty(); ++i)
+        range.moveEnd(u"character", 1);
+    const QString text = range.text();
+    if (text.isEmpty())
+        return {};
+    const QChar first = text[0];
+    if (first == QLatin1Char(NbspMarker) || first == QChar::Nbsp)
+        return {u"160 (nbsp)"_s, u"160 (nbsp)"_s};
+    if (first == LineEndMarker())
+        return {u"line end"_s, u"line end"_s};
+    const std::string byte = EncodeText(QStringView(text).first(1), CodePageSystem);
+    // The 16-bit code as a signed number, negative from 32768 on, which is meant.
+    return {QString::number(static_cast<unsigned char>(byte.front())),
+            QString::number(int16_t(first.unicode()))};
+}
+
+QByteArray PaintedSourcePage(const QString& source)
+{
+    // Characters 2 and 3 stand for the angle brackets of the page's own tags, 4 and 5 for the tags around a
+    // reference.
+    const QString open = Char(2);
+    const QString close = Char(3);
+    const QString fontStart = open + "FONT color="_L1;
+    const QString fontEnd = open + "/FONT"_L1 + close;
+    QString text
+        = RegExpReplace(QStringView(source), u"(&[^;]{0,10};)", QString(Char(4) + "$1"_L1 + Char(5)), false);
+    text = ReplaceAll(std::move(text), u"&", open + "SPAN"_L1 + close + u'&' + open + "/SPAN"_L1 + close);
+    text = RegExpReplace(QStringView(text), u"( id=| align=| color=| size=| text=| face=| bgColor=)",
+                         QString(fontStart + "#B22222"_L1 + close + "$1"_L1 + fontEnd), false);
+    text = RegExpReplace(QStringView(text), u"(<[^>]*>)",
+                         QString(fontStart + "#0000FF"_L1 + close + "$1"_L1 + fontEnd), false);
+    text = ReplaceAll(std::move(text), u"<", u"&lt;");
+    text = ReplaceAll(std::move(text), u">", u"&gt;");
+    text = ReplaceAll(std::move(text), open, u"<");
+    text = ReplaceAll(std::move(text), close, u">");
+    text = ReplaceAll(std::move(text), Char(4), u"<FONT color=#9370DB>");
+    text = ReplaceAll(std::move(text), Char(5), u"</FONT>");
+    text = ReplaceAll(std::move(text), LineBreak,
+                      u"<FONT color=#808080>"_s + LineEndMarker() + u"</FONT><BR>"_s);
+    return ("<HTML><meta content=\"text/html; charset=utf-8\" http-equiv=\"Content-Type\">"_L1
+            "<STYLE> BODY { word-wrap : break-word }</STYLE>"
+            "<BODY LEFTMARGIN =2 RIGHTMARGIN =2 TOPMARGIN =2 BOTTOMMARGIN =2><DIV>"
+            + text + "</DIV></BODY></HTML>"_L1)
+        .toUtf8();
+}
+
+} // namespace vmk

@@ -1,0 +1,192 @@
+#include "EditHtmlWbF.h"
+
+#include "Dialogs.h"
+#include "DisplayPage.h"
+#include "DisplayView.h"
+#include "Form1.h"
+
+#include <QBoxLayout>
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace vmk {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr QSize FormSize(700, 420);
+constexpr QSize LeastSize(560, 240);
+constexpr int CodeFieldWidth = 90;
+constexpr int EscapeKey = 27;
+
+DisplayView& Display()
+{
+    return *Form1::Instance()->HTMLread;
+}
+
+QLineEdit* MakeCodeField(const QString& name)
+{
+    auto* field = new QLineEdit;
+    field->setObjectName(name);
+    field->setReadOnly(true);
+    field->setFixedWidth(CodeFieldWidth);
+    return field;
+}
+
+} // namespace
+
+EditHtmlWbF::EditHtmlWbF()
+    : ToolForm(u"EditHtmlWbF"_s, u" HTML Fragment Editor"_s)
+{
+    makeEditor();
+    auto* buttons = new QHBoxLayout;
+    for (QPushButton* button :
+         {ApplyB = makeButton(u"ApplyB"_s, u"apply"_s), RefreshB = makeButton(u"RefreshB"_s, u"refresh"_s),
+         FontB = makeButton(u"FontB"_s, u"font"_s), ColorB = makeButton(u"ColorB"_s, u"color"_s),
+         FindB = makeButton(u"FindB"_s, u"find"_s), HelpB = makeButton(u"HelpB"_s, u"help"_s)})
+        buttons->addWidget(button);
+    buttons->addStretch();
+    buttons->addWidget(makeValidationFrame());
+    buttons->addWidget(makeCodeFrame());
+    auto* all = new QVBoxLayout(this);
+    all->addWidget(HtmlEditor, 1);
+    all->addLayout(buttons);
+    setMinimumSize(LeastSize);
+    resize(FormSize);
+
+    connect(ApplyB, &QPushButton::clicked, this, &EditHtmlWbF::ApplyFragment);
+    connect(RefreshB, &QPushButton::clicked, this, &EditHtmlWbF::Refresh);
+    connect(FontB, &QPushButton::clicked, this, &EditHtmlWbF::ChooseViewerFont);
+    connect(ColorB, &QPushButton::clicked, this, &EditHtmlWbF::PaintFragment);
+}
+
+void EditHtmlWbF::makeEditor()
+{
+    HtmlEditor = new DisplayView(this);
+    HtmlEditor->setObjectName(u"HtmlEditor"_s);
+    HtmlEditor->setAccessibleName(u"HTML source"_s);
+    HtmlEditor->events.onclick = [this](DisplayEvent& event) {
+        event.returnValue = false;
+        ShowCharCodes();
+    };
+    HtmlEditor->events.onkeydown = [this](DisplayEvent& event) {
+        if (event.keyCode != EscapeKey)
+            return;
+        event.returnValue = false;
+        close();
+    };
+    // A file dropped here is not opened.
+    HtmlEditor->events.onbeforenavigate = [](const QString&, bool& cancel) { cancel = true; };
+}
+
+QPushButton* EditHtmlWbF::makeButton(const QString& name, const QString& caption)
+{
+    auto* button = new QPushButton(caption);
+    button->setObjectName(name);
+    return button;
+}
+
+QGroupBox* EditHtmlWbF::makeValidationFrame()
+{
+    auto* frame = new QGroupBox;
+    frame->setObjectName(u"ValFrame"_s);
+    ValidateSelectionB = new QCheckBox(u"validate selection"_s);
+    ValidateSelectionB->setObjectName(u"ValidateSelectionB"_s);
+    auto* row = new QHBoxLayout(frame);
+    row->addWidget(ValidateSelectionB);
+    return frame;
+}
+
+QGroupBox* EditHtmlWbF::makeCodeFrame()
+{
+    auto* frame = new QGroupBox;
+    frame->setObjectName(u"CodeFrame"_s);
+    AsciiNumT = MakeCodeField(u"AsciiNumT"_s);
+    HexNumT = MakeCodeField(u"HexNumT"_s);
+    auto* row = new QHBoxLayout(frame);
+    const auto add = [row](const QString& name, const QString& caption, QLineEdit* field) {
+        auto* label = new QLabel(caption);
+        label->setObjectName(name);
+        label->setBuddy(field);
+        row->addWidget(label);
+        row->addWidget(field);
+    };
+    add(u"AscL"_s, u"ansi"_s, AsciiNumT);
+    // The name says hexadecimal; the number is decimal, which is meant.
+    add(u"HexL"_s, u"unicode"_s, HexNumT);
+    return frame;
+}
+
+void EditHtmlWbF::Form_Load()
+{
+    showCodes({});
+    fragment = Fragment();
+}
+
+void EditHtmlWbF::Form_Unload()
+{
+    fragment = Fragment();
+    HtmlEditor->setPage(BlankFragmentPage());
+}
+
+bool EditHtmlWbF::event(QEvent* event)
+{
+    const bool handled = ToolForm::event(event);
+    if (event->type() == QEvent::WindowActivate && isVisible() && Form1::Instance())
+        Refresh();
+    return handled;
+}
+
+void EditHtmlWbF::ClearEditor()
+{
+    HtmlEditor->setPage(BlankFragmentPage());
+    HtmlEditor->setDesignMode(u"On"_s);
+}
+
+void EditHtmlWbF::Refresh()
+{
+    ClearEditor();
+    fragment = TakeFragment(Display().document(), ValidateSelectionB->isChecked());
+    if (!fragment.source.isEmpty())
+        ShowFragment(HtmlEditor->document(), fragment.source);
+}
+
+void EditHtmlWbF::ApplyFragment()
+{
+    if (Display().designMode() == "On"_L1)
+        vmk::ApplyFragment(Display().document(), fragment, FragmentText(HtmlEditor->document()));
+}
+
+void EditHtmlWbF::PaintFragment()
+{
+    vmk::PaintFragment(HtmlEditor->document());
+    HtmlEditor->scroll(0, 0);
+}
+
+void EditHtmlWbF::ShowCharCodes()
+{
+    showCodes(CodesInFragment(HtmlEditor->document()));
+}
+
+void EditHtmlWbF::showCodes(const ShownCodes& codes)
+{
+    AsciiNumT->setText(codes.ansi);
+    HexNumT->setText(codes.unicode);
+}
+
+void EditHtmlWbF::ChooseViewerFont()
+{
+    // The editor's page names no font, so it has the default one before and after.
+    (void)AskFont(FontChoice());
+}
+
+void EditHtmlWbF::PaintSelectionSource()
+{
+    fragment = TakeFragment(Display().document(), ValidateSelectionB->isChecked());
+    HtmlEditor->setPage(PaintedSourcePage(fragment.source));
+}
+
+} // namespace vmk

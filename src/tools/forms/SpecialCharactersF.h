@@ -1,0 +1,36 @@
+#pragma once
+
+#include "ToolForm.h"
+
+class QGridLayout;
+class QLineEdit;
+class QPushButton;
+
+namespace vmk {
+
+/// A palette of typographic characters that go into the book at the caret or around the selection.
+class SpecialCharactersF : public ToolForm
+{
+    Q_OBJECT
+
+public:
+    SpecialCharactersF();
+
+    /// The numbers of characters to insert.
+    QLineEdit* AsciiCodeT = nullptr;
+    QPushButton* InsertAsciiB = nullptr;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    QPushButton* addButton(const QString& name, const QString& caption, const QString& toolTip);
+    void addWrappingButtons();
+    void addSingleButtons();
+    void InsertAsciiB_Click();
+
+    QGridLayout* grid = nullptr;
+    int buttonCount = 0;
+};
+
+} // namespace vmk
