@@ -17,9 +17,10 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr QSize FormSize(700, 420);
-constexpr QSize LeastSize(560, 240);
-constexpr int CodeFieldWidth = 90;
+constexpr QSize FormSize(800, 420);
+constexpr int LeastHeight = 240;
+constexpr int CodeFieldWidth = 80;
+constexpr int ButtonMargin = 12;
 constexpr int EscapeKey = 27;
 
 DisplayView& Display()
@@ -54,7 +55,7 @@ EditHtmlWbF::EditHtmlWbF()
     auto* all = new QVBoxLayout(this);
     all->addWidget(HtmlEditor, 1);
     all->addLayout(buttons);
-    setMinimumSize(LeastSize);
+    setMinimumHeight(LeastHeight);
     resize(FormSize);
 
     connect(ApplyB, &QPushButton::clicked, this, &EditHtmlWbF::ApplyFragment);
@@ -86,6 +87,8 @@ QPushButton* EditHtmlWbF::makeButton(const QString& name, const QString& caption
 {
     auto* button = new QPushButton(caption);
     button->setObjectName(name);
+    // Narrower than buttons of dialogs, so that all controls are in one row.
+    button->setFixedWidth(button->fontMetrics().horizontalAdvance(caption) + 2 * ButtonMargin);
     return button;
 }
 

@@ -9,7 +9,8 @@
 namespace vmk {
 
 ToolForm::ToolForm(const QString& name, const QString& title)
-    : QWidget(Form1::Instance(), Qt::Window)
+    // A dialog for the window manager: it stays above the main window, to which it belongs.
+    : QWidget(Form1::Instance(), Qt::Dialog | Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint)
 {
     setObjectName(name);
     setWindowTitle(title);
