@@ -99,6 +99,7 @@ void SetFolders()
     HistoryFolder = OfficeFolder + u"/FindReplaceHistory"_s;
     ExtractedImagesFolder = OfficeFolder + u"/Extracted Images"_s;
     SampleBooksFolder = OfficeFolder + u"/Book Samples"_s;
+    CleanUpFolderIsNew = !FolderExists(UserCleanUpFolder);
     // One level at a time; the last two are created by the installation or with the first image.
     for (const QString& folder :
          {OfficeFolder, SchemasFolder, TempFolder, TempImagesFolder, UserCleanUpFolder, HistoryFolder})

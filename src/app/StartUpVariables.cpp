@@ -10,6 +10,7 @@ QString SchemasFolder;
 QString TempFolder;
 QString TempImagesFolder;
 QString UserCleanUpFolder;
+bool CleanUpFolderIsNew = false;
 QString HistoryFolder;
 QString ExtractedImagesFolder;
 QString SampleBooksFolder;

@@ -16,6 +16,8 @@ extern QString SchemasFolder;
 extern QString TempFolder;
 extern QString TempImagesFolder;
 extern QString UserCleanUpFolder;
+/// `UserCleanUpFolder` did not exist when the program started.
+extern bool CleanUpFolderIsNew;
 extern QString HistoryFolder;
 extern QString ExtractedImagesFolder;
 extern QString SampleBooksFolder;

@@ -21,6 +21,7 @@ struct Command
     int (*run)(const QStringList& arguments); ///< takes the arguments after the name; returns the exit code
 };
 
+extern const Command CleanCommand;
 extern const Command ConvertCommand;
 extern const Command DisplayCommand;
 extern const Command ImagesCommand;

@@ -1,9 +1,7 @@
-#include "BookDocument.h"
 #include "Command.h"
 #include "CommandLine.h"
 #include "DisplayDocument.h"
 #include "PageOfBook.h"
-#include "SaveBook.h"
 #include "Settings.h"
 #include "SettingsVariables.h"
 #include "StartUpVariables.h"
@@ -70,17 +68,6 @@ ConvertOptions ReadOptions(CommandLine& line)
     return options;
 }
 
-/// What is said about characters that the encoding lacks. Without losses the book is then saved in UTF-8.
-bool TellMissingCharacters(const ConvertOptions& options, const MissingCharacters& missing,
-                           const QString& encoding)
-{
-    const bool keep = options.reading == BookReading::Kept;
-    PrintErrorLine(u"vmk: "_s + ShownName(options.book) + (keep ? u": kept"_s : u": lost"_s)
-                   + u": characters that "_s + encoding + u" lacks: "_s + QString::number(missing.count)
-                   + u" ("_s + missing.examples + (keep ? u"); saved in utf-8"_s : u")"_s));
-    return keep;
-}
-
 int RunConvert(const QStringList& arguments)
 {
     CommandLine line(arguments);
@@ -105,11 +92,7 @@ int RunConvert(const QStringList& arguments)
     DisplayDocument document;
     if (!OpenBook(options.book, *std::move(book), document, options.reading))
         return ExitFailure;
-    const SeamGuard missing(MissingCharactersSeam(),
-                            [&options](const MissingCharacters& found, const QString& encoding) {
-                                return TellMissingCharacters(options, found, encoding);
-                            });
-    const BookFile file = DocumentToBook(document);
+    const BookFile file = FileOfDocument(options.book, document, options.reading);
     return WriteOutput(options.file, file.bytes, Durability::Flushed) ? ExitClean : ExitFailure;
 }
 

@@ -5,6 +5,7 @@
 #include "BookToDisplay.h"
 #include "Boxes.h"
 #include "CommandLine.h"
+#include "SaveBook.h"
 
 #include <cstdio>
 
@@ -44,6 +45,17 @@ bool WithRemarks(const QString& book, BookReading reading, Conversion convert)
     return convert();
 }
 
+/// What is said about characters that the encoding lacks. Without losses the book is then saved in UTF-8.
+bool TellMissingCharacters(const QString& book, BookReading reading, const MissingCharacters& missing,
+                           const QString& encoding)
+{
+    const bool keep = reading == BookReading::Kept;
+    PrintErrorLine(u"vmk: "_s + ShownName(book) + (keep ? u": kept"_s : u": lost"_s) + u": characters that "_s
+                   + encoding + u" lacks: "_s + QString::number(missing.count) + u" ("_s + missing.examples
+                   + (keep ? u"); saved in utf-8"_s : u")"_s));
+    return keep;
+}
+
 } // namespace
 
 std::optional<std::string> PageOfBook(const QString& book, std::string bytes, BookReading reading)
@@ -68,6 +80,15 @@ bool WriteOutput(const QString& file, std::string_view bytes, Durability durabil
         PrintErrorLine(u"vmk: "_s + (file.isEmpty() ? u"standard output"_s : ShownName(file))
                        + u": cannot be written"_s);
     return written;
+}
+
+BookFile FileOfDocument(const QString& book, const DisplayDocument& document, BookReading reading)
+{
+    const SeamGuard missing(MissingCharactersSeam(),
+                            [&](const MissingCharacters& found, const QString& encoding) {
+                                return TellMissingCharacters(book, reading, found, encoding);
+                            });
+    return DocumentToBook(document);
 }
 
 } // namespace vmk

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DisplayToBook.h"
 #include "Files.h"
 
 #include <QString>
@@ -33,6 +34,12 @@ enum class BookReading
 /// The same into a document. False, with a line on standard error, if the binary part is damaged.
 [[nodiscard]] bool OpenBook(const QString& book, std::string bytes, DisplayDocument& document,
                             BookReading reading);
+
+/// The file of the book that a document shows, with the settings in force. Characters that the encoding lacks
+/// are reported on standard error; unless the book is read as the editor does, it is then saved in UTF-8.
+/// \param book  its name, for the report
+[[nodiscard]] BookFile FileOfDocument(const QString& book, const DisplayDocument& document,
+                                      BookReading reading);
 
 /// Replaces a file by `bytes`, completely or not at all; an empty name means standard output.
 /// \param durability  a page that can be regenerated does not have to survive a crash of the machine

@@ -12,6 +12,7 @@
 #include "LineEnds.h"
 #include "MainWindowSeams.h"
 #include "ProcessEnd.h"
+#include "SampleTables.h"
 #include "Settings.h"
 #include "SettingsVariables.h"
 #include "Sounds.h"
@@ -73,6 +74,8 @@ void ReportCleanBook(const QString& path)
 bool RunStart(const QString& commandText)
 {
     InitGlobals();
+    if (CleanUpFolderIsNew)
+        WriteSampleCleanUpTables(UserCleanUpFolder);
     if (!FileExists(IniFilePath))
         FirstStart = true;
     ReadSettings(false);

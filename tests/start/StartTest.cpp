@@ -234,6 +234,17 @@ TEST_F(WholeStart, WithoutASettingsFileTheProgramStartsForTheFirstTime)
     EXPECT_TRUE(FolderExists(TempFolder)) << "the workspace stands";
 }
 
+TEST_F(WholeStart, ANewFolderOfCleanUpTablesGetsTheSampleTables)
+{
+    FileOperation(DeleteFolderMode, OfficeFolder);
+    EXPECT_TRUE(RunStart(QString()));
+    const QString sample = UserCleanUpFolder + u"/Russian typography.dat"_s;
+    EXPECT_TRUE(FileExists(sample));
+    FileOperation(DeleteFileMode, sample);
+    EXPECT_TRUE(RunStart(QString()));
+    EXPECT_FALSE(FileExists(sample)) << "a deleted table is not written again";
+}
+
 TEST_F(WholeStart, WithASettingsFileItIsNotTheFirstTime)
 {
     ReadSettings(true);

@@ -2,11 +2,13 @@
 #include "CleanUpGrid.h"
 #include "CleanUpModel.h"
 #include "EditorFunctions.h"
+#include "SaveBook.h"
 #include "SettingsVariables.h"
 #include "WindowTest.h"
 
 #include <QHeaderView>
 #include <QMimeData>
+#include <QProcess>
 #include <QPushButton>
 
 namespace vmk {
@@ -502,6 +504,27 @@ TEST_F(BookCleaner, ASelectionInTheBookSetsTheScope)
     DisplayEvent event;
     form->FileDoc_onfocusout(event);
     EXPECT_EQ(cleaner.CleanWhere->currentText(), u"selected fragment"_s);
+}
+
+TEST_F(BookCleaner, TheWindowAndTheCompanionWriteTheSameBytes)
+{
+    OpenBook();
+    CleanUpF& cleaner = OpenCleaner();
+    const QString table
+        = MakeTable(u"t.dat"_s, {{u"line"_s, u"<b>row</b>"_s}, {u"(F)(irst)"_s, u"$2$1"_s, true, true}});
+    CurrentCleanUpFile = table;
+    cleaner.ReloadCleanUpFile();
+    QTest::mouseClick(cleaner.ApplyB, Qt::LeftButton);
+    const QString saved = workplace.Path(u"saved.fb2"_s);
+    ASSERT_TRUE(SaveBook(saved, true, true));
+
+    const QString book = MakeBook(SmallBook, u"again.fb2"_s);
+    const QString cleaned = workplace.Path(u"cleaned.fb2"_s);
+    EXPECT_EQ(QProcess::execute(QStringLiteral(VMK_BIN_DIR "/vmk"),
+                                {u"clean"_s, u"--table"_s, table, book, u"--out"_s, cleaned}),
+              0);
+    EXPECT_EQ(ReadFileText(saved), ReadFileText(cleaned));
+    EXPECT_THAT(ReadFileText(saved), testing::HasSubstr("irstF"));
 }
 
 TEST_F(BookCleaner, EscapeClosesTheWindow)
