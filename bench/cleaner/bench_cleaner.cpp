@@ -69,7 +69,8 @@ CleanUpTable Table()
 {
     CleanUpTable table;
     for (const BenchRow& row : Rows)
-        table.rows.push_back({QString(row.what), QString(row.by), false, row.regExp, true});
+        table.rows.push_back(
+            {QString::fromUtf16(row.what), QString::fromUtf16(row.by), false, row.regExp, true});
     return table;
 }
 

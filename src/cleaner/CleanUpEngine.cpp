@@ -11,6 +11,8 @@
 #include "TextRange.h"
 #include "UniCodes.h"
 
+#include <QStringEncoder>
+
 #include <algorithm>
 #include <array>
 
@@ -66,7 +68,8 @@ CleanUpRowResult ApplyExpression(QString& html, const CleanUpRow& row, qsizetype
     std::optional<QString> result = expression.Replace(html, by, &count);
     if (!result || result->size() > limit)
         return {CleanUpRowState::Stopped};
-    html = *std::move(result);
+    if (count > 0)
+        html = *std::move(result);
     return {CleanUpRowState::Applied, count};
 }
 
@@ -177,11 +180,14 @@ CleanUpRun CleanUpBookFragment(DisplayDocument& document, const CleanUpTable& ta
     }
 
     // The rows work on bare lines; the painting is made anew.
+    // Each form of the text is freed before the next one but one is made: a book is large.
     QString html = MaskShownAngles(BareHtml(document, lines.first - 1, lines.last - lines.first + 1));
     html = ApplyCleanUpRows(std::move(html), table.rows, run.rows, progress);
-    html = RePaintHtml(UnmaskShownAngles(html), paint);
-    HtmlContent content = ReadFragment(document.tags(), html);
+    std::string unmasked = UnmaskShownAngles(html);
     html = QString();
+    const std::string painted = PaintLines(unmasked, paint);
+    unmasked = std::string();
+    HtmlContent content = ReadFragment(document.tags(), painted);
     ReplaceLines(document, lines, std::move(content.lines));
     MarkEdit(UndoSteps + 2);
     return run;
@@ -216,10 +222,16 @@ QString MaskShownAngles(QString html)
     return ReplaceAll(std::move(html), u"&gt;", QStringView(&GreaterMask, 1));
 }
 
-QString UnmaskShownAngles(const QString& html)
+std::string UnmaskShownAngles(const QString& html)
 {
-    QString unmasked;
-    unmasked.reserve(html.size() + html.size() / 8);
+    std::string unmasked;
+    unmasked.reserve(size_t(html.size()));
+    QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
+    const auto append = [&](QStringView piece) {
+        const size_t before = unmasked.size();
+        unmasked.resize(before + size_t(encoder.requiredSpace(piece.size())));
+        unmasked.resize(size_t(encoder.appendToBuffer(unmasked.data() + before, piece) - unmasked.data()));
+    };
     const QStringView text(html);
     qsizetype at = 0;
     while (at < text.size()) {
@@ -227,16 +239,16 @@ QString UnmaskShownAngles(const QString& html)
             return c == LessMask || c == GreaterMask || c == u'<' || c == u'>';
         });
         const qsizetype next = special - text.begin();
-        unmasked += text.sliced(at, next - at);
+        append(text.sliced(at, next - at));
         at = next;
         if (at == text.size())
             break;
         const QChar c = text[at];
         const qsizetype tag = c == u'<' ? TagLength(text.sliced(at)) : 0;
         if (tag > 0)
-            unmasked += text.sliced(at, tag);
+            append(text.sliced(at, tag));
         else
-            unmasked += c == LessMask || c == u'<' ? "&lt;"_L1 : "&gt;"_L1;
+            unmasked += c == LessMask || c == u'<' ? "&lt;" : "&gt;";
         at += std::max<qsizetype>(tag, 1);
     }
     return unmasked;

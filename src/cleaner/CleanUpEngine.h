@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <functional>
+#include <string>
 #include <vector>
 
 /// Applying a table of replacements to a document.
@@ -59,7 +60,8 @@ CleanUpRun CleanUpBookFragment(DisplayDocument& document, const CleanUpTable& ta
 
 /// The reverse. A bracket that is no tag of a line any more, because a row has damaged the tag, becomes text
 /// too: a tag that does not end would take the text after it out of sight.
-[[nodiscard]] QString UnmaskShownAngles(const QString& html);
+/// \return the HTML in UTF-8
+[[nodiscard]] std::string UnmaskShownAngles(const QString& html);
 
 /// Masks the brackets of a row's two values, so that they mean shown brackets. In an expression they become
 /// the escapes `\x01` and `\x02`.

@@ -774,4 +774,9 @@ HtmlContent ReadFragment(TagTable& tags, QStringView html)
     return Reader<char16_t>(tags, text, Spacing::Keep).read();
 }
 
+HtmlContent ReadFragment(TagTable& tags, std::string_view utf8)
+{
+    return Reader<char>(tags, utf8, Spacing::Keep).read();
+}
+
 } // namespace vmk

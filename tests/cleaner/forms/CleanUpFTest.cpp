@@ -516,7 +516,7 @@ TEST_F(BookCleaner, TheWindowAndTheCompanionWriteTheSameBytes)
     cleaner.ReloadCleanUpFile();
     QTest::mouseClick(cleaner.ApplyB, Qt::LeftButton);
     const QString saved = workplace.Path(u"saved.fb2"_s);
-    ASSERT_TRUE(SaveBook(saved, true, true));
+    ASSERT_TRUE(SaveBook(saved, SaveReport::None));
 
     const QString book = MakeBook(SmallBook, u"again.fb2"_s);
     const QString cleaned = workplace.Path(u"cleaned.fb2"_s);
