@@ -236,7 +236,8 @@ TEST_F(WholeStart, WithoutASettingsFileTheProgramStartsForTheFirstTime)
 
 TEST_F(WholeStart, ANewFolderOfCleanUpTablesGetsTheSampleTables)
 {
-    FileOperation(DeleteFolderMode, OfficeFolder);
+    InitGlobals();
+    FileOperation(DeleteFolderMode, UserCleanUpFolder);
     EXPECT_TRUE(RunStart(QString()));
     const QString sample = UserCleanUpFolder + u"/Russian typography.dat"_s;
     EXPECT_TRUE(FileExists(sample));
