@@ -18,7 +18,8 @@ using namespace vmk;
 
 namespace {
 
-constexpr std::array Commands = {&ValidateCommand, &DisplayCommand, &ConvertCommand, &ImagesCommand, &CleanCommand};
+constexpr std::array Commands
+    = {&ValidateCommand, &DisplayCommand, &ConvertCommand, &ImagesCommand, &CleanCommand};
 
 QString GeneralHelp()
 {
