@@ -72,6 +72,7 @@ constexpr CommandRow Procedures[] = {
     {BookCleaner, [](Form1& form) { form.OpenBookCleaner(); }},
     {ShowSchema, [](Form1& form) { form.ShowSchemas(); }},
     {LoadNewSchema, [](Form1& form) { form.LoadNewFbSchema_Dialog(); }},
+    {Toolbar, [](Form1& form) { form.CustomiseToolbar(); }},
     {CheckForSchemaUpdates, [](Form1& form) { form.OpenPortalPage("/ru/programs/redact.html"); }},
     {FictionBookCite, [](Form1& form) { form.OpenPortalPage("/ru/news/"); }},
 };
