@@ -8,7 +8,7 @@
 namespace vmk {
 namespace {
 
-/// More entries than a toolbar can show; a longer list was not written by the program.
+/// More entries than a toolbar can show; the program writes no longer list.
 constexpr qsizetype MostEntries = 500;
 constexpr qsizetype LongestText = MostEntries * 4;
 
@@ -82,7 +82,7 @@ int RemoveButton(ToolbarLists& lists, int shownRow)
         return -1;
     const int index = lists.shown[size_t(shownRow)];
     lists.shown.erase(lists.shown.begin() + shownRow);
-    // The separator's index is the lowest, so the design's order is the order of the numbers.
+    // The order of the design is the order of the indexes.
     if (index != SeparatorIndex)
         lists.available.insert(std::ranges::upper_bound(lists.available, index), index);
     return std::min(shownRow, int(lists.shown.size()) - 1);

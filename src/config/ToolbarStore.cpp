@@ -27,7 +27,7 @@ ToolbarStore::ToolbarStore(const QString& application, const QString& section)
 QString ToolbarStore::value(const char* key) const
 {
     const QSettings settings(QSettings::UserScope, applicationName, applicationName);
-    // A list that somebody has written without quotes is read as a list.
+    // QSettings reads a text with commas and without quotes as a list.
     return settings.value(Path(sectionName, key)).toStringList().join(u',');
 }
 
@@ -40,7 +40,7 @@ int ToolbarStore::number(const char* key, int missing) const
 
 void ToolbarStore::setValue(const char* key, const QString& text) const
 {
-    // A start that changes nothing writes nothing.
+    // An unchanged value causes no write at each start.
     if (value(key) == text)
         return;
     QSettings settings(QSettings::UserScope, applicationName, applicationName);

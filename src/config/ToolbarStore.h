@@ -4,8 +4,8 @@
 
 namespace vmk {
 
-/// The store of text values that is kept apart from the settings file: one file for each application in the
-/// user's configuration folder, with sections of keys. What cannot be written is lost without a report.
+/// The store of text values, separate from the settings file: one file per application in the user's
+/// configuration folder, with sections and keys. A failed write is not reported.
 class ToolbarStore
 {
 public:
@@ -14,13 +14,13 @@ public:
     static constexpr char NoTextKey[] = "No text labels";
     static constexpr char LargeIconsKey[] = "Large Icons";
 
-    /// @param application  empty for the program's title
-    /// @param section      empty for "Settings"
+    /// \param application  empty for the program's title
+    /// \param section      empty for "Settings"
     ToolbarStore(const QString& application, const QString& section);
 
-    /// The value of a key; empty if there is none.
+    /// Returns the value of a key; empty if there is none.
     [[nodiscard]] QString value(const char* key) const;
-    /// The value of a key as a number; `missing` if there is none or it is no number.
+    /// Returns the value of a key as a number; `missing` if there is none or it is not a number.
     [[nodiscard]] int number(const char* key, int missing) const;
     void setValue(const char* key, const QString& text) const;
     void setNumber(const char* key, int number) const;

@@ -20,10 +20,12 @@
 #include "FilePaths.h"
 #include "MainWindowSeams.h"
 #include "PanelBar.h"
+#include "PreviewF.h"
 #include "ProcessEnd.h"
 #include "SaveBook.h"
 #include "SchemasF.h"
 #include "Settings.h"
+#include "SettingsF.h"
 #include "SettingsVariables.h"
 #include "StartUpVariables.h"
 #include "ToolbarPictures.h"
@@ -126,11 +128,15 @@ void Form1::fillSeams()
     seams.fill(StatusPanelSeam(),
                [this](int panel, const QString& text) { Status->setPanelText(panel, text); });
     seams.fill(CaptionSeam(), [this](const QString& caption, bool preview) {
-        if (!preview)
+        if (preview)
+            PreviewF::SetCaption(caption);
+        else
             setWindowTitle(caption);
     });
     seams.fill(NavigateSeam(), [this](const QString& file, bool preview) {
-        if (!preview)
+        if (preview)
+            PreviewF::ShowPage(file);
+        else
             HTMLread->Navigate(file);
     });
     seams.fill(LoadBookSeam(), LoadBook);
@@ -304,6 +310,7 @@ void Form1::closeEvent(QCloseEvent* event)
 {
     if (Toolbar.Tbar())
         Toolbar.SaveToReg();
+    SettingsF::Unload();
     // No question about unsaved changes: the file remains as last saved, by design.
     SetPointer(Pointer::Default);
     MainFormWindowState = isMaximized() ? 2 : isMinimized() ? 1 : 0;

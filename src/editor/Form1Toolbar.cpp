@@ -1,8 +1,8 @@
-// The main window's toolbar and the controls behind it.
+// The toolbar of the main window and the controls beside it.
 
 #include "DisplayView.h"
 #include "Form1.h"
-#include "Globals.h"
+#include "StartUpVariables.h"
 #include "ToolbarPictures.h"
 #include "frmTBCustomise.h"
 
@@ -26,7 +26,7 @@ constexpr int LargePicture = 24;
 constexpr int Gap = 2;
 /// Right of `SchemaFileL`.
 constexpr int RightRoom = 12;
-/// What the toolbar leaves of `SchemaFileL` at least.
+/// Minimum width of `SchemaFileL`.
 constexpr int LeastField = 40;
 
 ImageList Pictures(int pixels)
@@ -62,7 +62,7 @@ void Form1::makeToolbar()
 void Form1::buildToolbar()
 {
     if (!Toolbar.Tbar()) {
-        // Each picture draws all three looks.
+        // Each picture has all three looks.
         Toolbar.TBImages = Toolbar.TBHotImages = Toolbar.TBDisImages = Pictures(SmallPicture);
         Toolbar.TBImagesL = Toolbar.TBHotImagesL = Toolbar.TBDisImagesL = Pictures(LargePicture);
         Toolbar.LVImages = Pictures(SmallPicture);
@@ -75,7 +75,7 @@ void Form1::CustomiseToolbar()
 {
     if (!customising) {
         const auto placeControls = [this] {
-            // The display moves only where the band has another height.
+            // The display moves only if the height of the toolbar changes.
             if (HTMLread->y() == toolbarBand())
                 MoveSchemaControls();
             else
@@ -95,12 +95,12 @@ int Form1::toolbarBand() const
 
 void Form1::MoveSchemaControls()
 {
-    // The bar takes the band, unless its buttons need so much of it that some of them go behind its arrow.
+    // Buttons for which there is no room are in the menu of the toolbar's extension button.
     const int listWidth = ValidateOptL->sizeHint().width();
     const int most = client->width() - listWidth - 2 * Gap - LeastField - RightRoom;
     const int needed = TB->sizeHint().width();
     TB->setGeometry(0, 0, needed > most ? std::max(most, 0) : client->width(), toolbarBand());
-    // The buttons must have their positions first.
+    // The buttons must be laid out first.
     TB->layout()->activate();
 
     const QList<QAction*> buttons = TB->actions();

@@ -60,7 +60,7 @@ TEST_F(ClTBTest, AnEmptyCustomToolbarOnFirstStartShowsTheDesign)
     EXPECT_EQ(Toolbar().ButtCount(), ButtonCount);
 }
 
-TEST_F(ClTBTest, TheDefaultToolbarAlwaysStandsForThePresentDesign)
+TEST_F(ClTBTest, TheStoredDefaultToolbarIsAlwaysTheCurrentDesign)
 {
     ToolbarStore({}, {}).setValue(ToolbarStore::DefaultToolbarKey, u"3,2,1"_s);
     StoreCustom(u"2,1"_s);
@@ -188,7 +188,7 @@ TEST_F(ClTBTest, TheStoreGoesByApplicationNameAndSection)
     EXPECT_EQ(Stored(ToolbarStore::CustomToolbarKey), QString());
 }
 
-TEST_F(ClTBTest, ACaptionComesBackWithTheLabels)
+TEST_F(ClTBTest, TheCaptionIsShownAgainWithTheLabels)
 {
     Open();
     Toolbar().NoText = 1;

@@ -101,7 +101,7 @@ TEST_F(CustomiseToolbarTest, TheSeparatorStaysAvailable)
     EXPECT_EQ(Lines(*dialog->LVLeft).count(u"   Separator"_s), 1);
 }
 
-TEST_F(CustomiseToolbarTest, ARemovedButtonReturnsToItsPlaceAndASeparatorJustGoes)
+TEST_F(CustomiseToolbarTest, ARemovedButtonReturnsToItsPositionAndASeparatorIsRemoved)
 {
     dialog->LVRight->setCurrentRow(1);
     Push(dialog->cmdRemove);

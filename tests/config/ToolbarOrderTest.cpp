@@ -57,7 +57,7 @@ TEST(ToolbarOrderText, ANegativeIndexIsSkipped)
     EXPECT_EQ(Parsed(u"-1,4,-2000000000"_s), ToolbarOrder{4});
 }
 
-TEST(ToolbarOrderText, AButtonThatIsThereAlreadyIsSkippedAndASeparatorIsNot)
+TEST(ToolbarOrderText, ARepeatedButtonIsSkippedAndARepeatedSeparatorIsKept)
 {
     EXPECT_EQ(Parsed(u"4,4,0,0,4,5"_s), (ToolbarOrder{4, S, S, 5}));
 }
@@ -89,7 +89,7 @@ TEST(ToolbarOrderText, AHugeListIsNoOrder)
 
 // ---------------------------------------------------------------- the lists of the dialog
 
-TEST(ToolbarListsTest, WhatTheToolbarLacksIsAvailableBehindTheSeparator)
+TEST(ToolbarListsTest, ButtonsThatAreNotShownAreAvailableAfterTheSeparator)
 {
     const ToolbarLists lists = MakeLists({2, S, 4}, 5);
     EXPECT_EQ(lists.shown, (ToolbarOrder{2, S, 4}));
@@ -121,7 +121,7 @@ TEST(ToolbarListsTest, TheSeparatorIsTakenAnyNumberOfTimes)
     EXPECT_EQ(lists, (ToolbarLists{{S}, {S, S, S, S, S, 1}}));
 }
 
-TEST(ToolbarListsTest, ARemovedButtonReturnsToItsPlaceInTheDesign)
+TEST(ToolbarListsTest, ARemovedButtonReturnsToItsDesignPosition)
 {
     ToolbarLists lists = MakeLists({5, 3, 1}, 5);
     EXPECT_EQ(RemoveButton(lists, 1), 1);
@@ -157,7 +157,7 @@ TEST(ToolbarListsTest, TheEndsOfTheListHaveNoNeighbour)
     EXPECT_EQ(lists.shown, (ToolbarOrder{1, 2}));
 }
 
-TEST(ToolbarListsTest, RowsThatAreNotThereChangeNothing)
+TEST(ToolbarListsTest, RowsThatDoNotExistChangeNothing)
 {
     const ToolbarLists before = MakeLists({1, 2}, 3);
     ToolbarLists lists = before;
@@ -231,7 +231,7 @@ TEST_F(ToolbarStoreTest, ApplicationsAndSectionsAreSeparate)
     EXPECT_EQ(ToolbarStore(u"two"_s, u"a"_s).value(ToolbarStore::CustomToolbarKey), QString());
 }
 
-TEST_F(ToolbarStoreTest, AListWrittenByHandWithoutQuotesIsRead)
+TEST_F(ToolbarStoreTest, AListWithoutQuotesIsRead)
 {
     workplace.MakeFolders(u"Vellumark"_s);
     workplace.Make(u"Vellumark/Vellumark.conf"_s,

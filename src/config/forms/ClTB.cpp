@@ -93,7 +93,7 @@ QIcon ImageAt(const ImageList& list, int image)
     return list.images.value(image - 1);
 }
 
-/// Keeps a widget from painting for its scope.
+/// Prevents a widget from painting during its scope.
 class PaintingStopped
 {
 public:
@@ -121,7 +121,7 @@ void ClTB::setTbar(QToolBar* designed)
     const ToolbarStore store(ApplicationName, SectionName);
     NoText = store.number(ToolbarStore::NoTextKey, On);
     LargeIcons = store.number(ToolbarStore::LargeIconsKey, !On);
-    // The default order is always the one of the present design.
+    // The stored default order always corresponds to the current design.
     UseDefaults = true;
     SaveToReg();
 }
@@ -203,7 +203,7 @@ void ClTB::LoadTBFromReg()
         ShowOrder(*stored);
         return;
     }
-    // Nothing is stored, or nothing that the program has written.
+    // The store has no usable order.
     ToolbarOrder designed;
     for (int index = 1; index <= DefButtCount(); ++index)
         designed.push_back(index);
@@ -253,7 +253,7 @@ void ClTB::addButton(const DesignButton& button)
     QWidget* widget = toolbar->widgetForAction(button.action);
     if (button.snapshot.BWidth > 0)
         widget->setFixedWidth(button.snapshot.BWidth);
-    // Reached by the Tab key, but a click leaves the focus, and with it the selection, in the display.
+    // Tab reaches the button, but a click leaves the focus, and thus the selection, in the display.
     if (button.snapshot.BStyle != ToolbarButtonStyle::Separator)
         widget->setFocusPolicy(Qt::TabFocus);
 }
@@ -271,7 +271,7 @@ void ClTB::restore(const DesignButton& button) const
     action.setChecked(snapshot.BValue);
     action.setVisible(snapshot.BVisible);
     RestoreMenu(action.menu(), snapshot.Buttmnu);
-    // Without labels the toolbar does not draw the caption, which stays the button's name for screen readers.
+    // Without labels the toolbar does not draw the caption; screen readers still need it.
     action.setText(snapshot.BCaption);
 }
 

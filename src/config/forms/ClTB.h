@@ -22,14 +22,14 @@ struct ImageList
     QList<QIcon> images;
 };
 
-/// What a toolbar button is.
+/// The kind of a toolbar button.
 enum class ToolbarButtonStyle
 {
     Push = 0,
     Check = 1,
     Group = 2,
     Separator = 3,
-    /// Room for another control; has a width of its own.
+    /// Space for another control, with an explicit width.
     Placeholder = 4,
     DropDown = 5,
 };
@@ -44,7 +44,7 @@ struct ToolbarMenuEntry
     bool visible = true;
 };
 
-/// All that the snapshot knows of one button.
+/// The snapshot of one button.
 struct ToolbarButtonSnapshot
 {
     /// The drop-down menu; empty if the button has none.
@@ -53,10 +53,10 @@ struct ToolbarButtonSnapshot
     QString BCaption;
     QString BKey;
     ToolbarButtonStyle BStyle = ToolbarButtonStyle::Push;
-    /// Pixels; 0 for a button that is as wide as its content.
+    /// Pixels; 0 if the content determines the width.
     int BWidth = 0;
     bool BEnabled = true;
-    /// Kept in the snapshot; the toolkit's buttons have no third state.
+    /// Stored only; Qt's buttons have no third state.
     bool BMixedState = false;
     bool BValue = false;
     /// Pixels from the toolbar's left edge when the snapshot was taken.
@@ -68,18 +68,17 @@ struct ToolbarButtonSnapshot
     bool BVisible = true;
 };
 
-/// The toolbar's customising: a snapshot of the toolbar as designed, and the toolbar rebuilt from it in the
-/// user's order.
+/// Customises the toolbar: takes a snapshot of its design, and rebuilds the toolbar from it in the user's
+/// order.
 ///
-/// The buttons are actions that the toolbar owns. They live as long as the toolbar, also while they are not
-/// shown in it.
+/// The toolbar owns the actions of all buttons of the design, also of those that it does not show.
 class ClTB
 {
 public:
     // ---- properties
 
-    /// The toolbar worked on. Setting it takes the snapshot of its buttons, stores their order as the default
-    /// one, and reads the looks from the store.
+    /// The customised toolbar. Setting it takes the snapshot, stores the order of the buttons as the default
+    /// order, and reads `NoText` and `LargeIcons` from the store.
     [[nodiscard]] QToolBar* Tbar() const { return toolbar; }
     void setTbar(QToolBar* designed);
 
@@ -95,7 +94,7 @@ public:
     /// 1: large icons.
     int LargeIcons = 0;
 
-    /// The next load takes the default order; the next store goes to the default's key.
+    /// The next load or store uses the default order.
     bool UseDefaults = false;
     /// Name and section of the store; empty for the program's title and "Settings".
     QString ApplicationName;
@@ -105,14 +104,14 @@ public:
     [[nodiscard]] int DefButtCount() const { return int(design.size()); }
     /// Buttons and separators in the toolbar now.
     [[nodiscard]] int ButtCount() const;
-    /// The snapshot of a button of the design, from 1; null beyond its ends. Changes show after the next
-    /// load.
+    /// Returns the snapshot of a button of the design, from 1; null if there is none. The next load applies
+    /// changes.
     [[nodiscard]] ToolbarButtonSnapshot* Button(int index);
 
     // ---- operations
 
     void ClearButtons();
-    /// Stores the toolbar's present order, `NoText` and `LargeIcons`. With `UseDefaults` the order is stored
+    /// Stores the current order, `NoText` and `LargeIcons`. With `UseDefaults` the order is stored
     /// as the default one, and the flag is cleared.
     void SaveToReg();
     /// Rebuilds the toolbar from the default order.
@@ -121,14 +120,14 @@ public:
     void LoadTBFromReg();
     /// Adds a separator at the toolbar's end.
     void AddSeparator();
-    /// @param position  in the toolbar, from 1
-    /// @param index     receives the button's index in the design; `SeparatorIndex` for a separator
-    /// @return false, with `index` as it is, if nothing is at the position
+    /// \param position  in the toolbar, from 1
+    /// \param index     receives the button's index in the design; `SeparatorIndex` for a separator
+    /// \return false, with `index` unchanged, if there is no button at the position
     bool IndexFromPosition(int position, int& index) const;
 
-    /// The toolbar's present order.
+    /// Returns the current order of the toolbar.
     [[nodiscard]] ToolbarOrder Order() const;
-    /// Rebuilds the toolbar in an order of design indexes; indexes that the design lacks are left out.
+    /// Rebuilds the toolbar in an order of design indexes; other indexes are skipped.
     void ShowOrder(const ToolbarOrder& order);
 
 private:

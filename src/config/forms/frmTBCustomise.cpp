@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 constexpr int On = 1;
 constexpr QSize FormSize(560, 420);
 
-/// A caption above its list; screen readers read it as the list's name.
+/// Creates the caption of a list; it is also the accessible name of the list.
 QLabel* CaptionOf(QListWidget& list, const QString& text)
 {
     auto* label = new QLabel(text, list.parentWidget());
@@ -197,7 +197,7 @@ void frmTBCustomise::add()
     const int row = AddButton(lists, leftRow, LVRight->currentRow());
     if (row < 0)
         return;
-    // The row before which it was inserted stays selected: several additions keep their order.
+    // The row after the new one remains selected, so that several additions keep their order.
     showLists(leftRow, row + 1);
     UpdateTB();
 }

@@ -13,15 +13,15 @@ class QPushButton;
 
 namespace vmk {
 
-/// The dialog that chooses the toolbar's buttons, their order and their look. Each step shows in the toolbar
-/// at once. Nothing is stored here: the main window stores the toolbar when the program ends.
+/// The dialog for the buttons of the toolbar, their order and their look. Each change is applied to the
+/// toolbar immediately. The main window stores the toolbar when the program ends.
 class frmTBCustomise : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// @param customised    the toolbar's object; outlives the form
-    /// @param placeControls places what depends on the toolbar's size; called after each change
+    /// \param customised    must outlive the form
+    /// \param placeControls moves the controls beside the toolbar; called after each change
     frmTBCustomise(ClTB& customised, std::function<void()> placeControls, QWidget* owner);
 
     /// Fills both lists from the toolbar.
@@ -32,7 +32,7 @@ public:
     /// "Available buttons" and "Toolbar buttons".
     QListWidget* LVLeft = nullptr;
     QListWidget* LVRight = nullptr;
-    /// The lists as they were at opening; never shown.
+    /// The content of both lists when the form was opened; never shown.
     ToolbarOrder LVLeftDef;
     ToolbarOrder LVRightDef;
 
