@@ -1,6 +1,7 @@
 #include "SettingsValues.h"
 
 #include "BookPage.h"
+#include "DisplayValuesOfSettings.h"
 #include "Globals.h"
 #include "InitGlobals.h"
 #include "PreviewPage.h"
