@@ -1,3 +1,4 @@
+#include "SettingsVariables.h"
 #include "WindowTest.h"
 
 #include <algorithm>

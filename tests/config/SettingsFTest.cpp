@@ -4,6 +4,7 @@
 #include "PreviewF.h"
 #include "PreviewPage.h"
 #include "ProgramRun.h"
+#include "SettingsVariables.h"
 #include "ShownFont.h"
 #include "WindowTest.h"
 

@@ -10,12 +10,12 @@
 #include "FbFunctions.h"
 #include "FileOperations.h"
 #include "Form1.h"
-#include "Globals.h"
 #include "InitGlobals.h"
 #include "PreviewF.h"
 #include "ProcessEnd.h"
 #include "Settings.h"
 #include "SettingsF.h"
+#include "StartUpVariables.h"
 #include "TestPaths.h"
 #include "WidgetSeams.h"
 
