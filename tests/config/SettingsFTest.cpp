@@ -1,6 +1,7 @@
 #include "SettingsF.h"
 
 #include "ColorsF1.h"
+#include "NonBreakingSpace.h"
 #include "PreviewF.h"
 #include "PreviewPage.h"
 #include "ProgramRun.h"
