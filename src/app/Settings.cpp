@@ -129,10 +129,15 @@ void ReportDamagedRecord()
 
 } // namespace
 
-void ReadSettings(bool useDefaults)
+void SetRecordDefaults()
 {
     SetBookAndDisplayDefaults();
     SetProgramDefaults();
+}
+
+void ReadSettings(bool useDefaults)
+{
+    SetRecordDefaults();
     SetCleanerDefaults();
 
     if (!useDefaults && FileExists(IniFilePath)) {

@@ -13,6 +13,9 @@ struct FormPlace
     float height = 0;
 };
 
+/// Sets every setting of the record to its default.
+void SetRecordDefaults();
+
 /// Sets every setting to its default and then, unless `useDefaults`, reads the file `IniFilePath` if it
 /// exists. A damaged file is reported in a box and deleted; the defaults remain. Afterwards `LastFile` is
 /// empty or an existing file, and `SchemaFile` is an existing file or the default one.

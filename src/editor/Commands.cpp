@@ -19,6 +19,7 @@
 #include "NonBreakingSpace.h"
 #include "PasteRules.h"
 #include "Repaint.h"
+#include "SettingsF.h"
 #include "SettingsVariables.h"
 #include "SpecialCharactersF.h"
 #include "TypingRules.h"
@@ -90,6 +91,8 @@ constexpr CommandRow Procedures[] = {
     {BookCleaner, [](Form1& form) { form.OpenBookCleaner(); }},
     {ShowSchema, [](Form1& form) { form.ShowSchemas(); }},
     {LoadNewSchema, [](Form1& form) { form.LoadNewFbSchema_Dialog(); }},
+    {Settings, [](Form1& form) { SettingsF::Show(form); }},
+    {Toolbar, [](Form1& form) { form.CustomiseToolbar(); }},
     {CheckForSchemaUpdates, [](Form1& form) { form.OpenPortalPage("/ru/programs/redact.html"); }},
     {FictionBookCite, [](Form1& form) { form.OpenPortalPage("/ru/news/"); }},
 };

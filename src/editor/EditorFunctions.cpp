@@ -7,6 +7,7 @@
 #include "EditorState.h"
 #include "Form1.h"
 #include "MainWindowSeams.h"
+#include "SettingsValues.h"
 #include "SettingsVariables.h"
 #include "Sounds.h"
 #include "TextFunctions.h"
@@ -37,12 +38,6 @@ DisplayView& View()
 DisplayDocument& FileDoc()
 {
     return View().document();
-}
-
-int LeftMarginPx()
-{
-    QString margin = DisplayLeftMargin;
-    return margin.remove("px"_L1, Qt::CaseInsensitive).trimmed().toInt();
 }
 
 // ---- the status line

@@ -20,10 +20,12 @@
 #include "FilePaths.h"
 #include "MainWindowSeams.h"
 #include "PanelBar.h"
+#include "PreviewF.h"
 #include "ProcessEnd.h"
 #include "SaveBook.h"
 #include "SchemasF.h"
 #include "Settings.h"
+#include "SettingsF.h"
 #include "SettingsVariables.h"
 #include "StartUpVariables.h"
 #include "ToolbarPictures.h"
@@ -32,14 +34,12 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
-#include <QLayout>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QScreen>
 #include <QShortcut>
 #include <QTimer>
 #include <QToolBar>
-#include <QToolButton>
 
 #include <algorithm>
 #include <utility>
@@ -54,8 +54,6 @@ constexpr float BarHeight = 300;
 constexpr float ExtraHeight = 120;
 constexpr float ExtraWidth = 200;
 constexpr float EdgesWidth = 120;
-constexpr int ToolbarPixels = 27;
-constexpr int PicturePixels = 16;
 
 constexpr float StatusPanelWidths[] = {4000, 1500, 600, 1000};
 
@@ -130,11 +128,15 @@ void Form1::fillSeams()
     seams.fill(StatusPanelSeam(),
                [this](int panel, const QString& text) { Status->setPanelText(panel, text); });
     seams.fill(CaptionSeam(), [this](const QString& caption, bool preview) {
-        if (!preview)
+        if (preview)
+            PreviewF::SetCaption(caption);
+        else
             setWindowTitle(caption);
     });
     seams.fill(NavigateSeam(), [this](const QString& file, bool preview) {
-        if (!preview)
+        if (preview)
+            PreviewF::ShowPage(file);
+        else
             HTMLread->Navigate(file);
     });
     seams.fill(LoadBookSeam(), LoadBook);
@@ -191,26 +193,6 @@ void Form1::fillMenu(QMenu& menu, std::span<const MenuEntry> rows)
             const bool alone = row.command != Command::InsertTagAttributeValueField;
             menu.addSeparator()->setVisible(alone);
         }
-    }
-}
-
-void Form1::makeToolbar()
-{
-    TB = new QToolBar(client);
-    TB->setObjectName(u"TB"_s);
-    TB->setAccessibleName(u"toolbar"_s);
-    TB->setIconSize({PicturePixels, PicturePixels});
-    TB->setToolButtonStyle(Qt::ToolButtonIconOnly);
-    TB->setMovable(false);
-    for (const ToolbarButton& row : ToolbarDesign()) {
-        const QString key = QLatin1StringView(row.key);
-        QAction* button = TB->addAction(ToolbarPicture(key), key);
-        button->setObjectName(key);
-        button->setToolTip(QLatin1StringView(row.toolTip));
-        button->setEnabled(ProcedureOf(row.command));
-        connect(button, &QAction::triggered, this, [this, command = row.command] { RunCommand(command); });
-        // Tab reaches the button, but a click leaves the focus, and thus the selection, in the display.
-        TB->widgetForAction(button)->setFocusPolicy(Qt::TabFocus);
     }
 }
 
@@ -305,6 +287,7 @@ QAction* Form1::ToolbarAction(const QString& key) const
 
 void Form1::Load()
 {
+    buildToolbar();
     PlaceForm(MainFormLeft, MainFormTop, MainFormWidth, MainFormHeight);
     show();
     UndoSteps = 0;
@@ -325,6 +308,9 @@ void Form1::ReloadForm1()
 
 void Form1::closeEvent(QCloseEvent* event)
 {
+    if (Toolbar.Tbar())
+        Toolbar.SaveToReg();
+    SettingsF::Unload();
     // No question about unsaved changes: the file remains as last saved, by design.
     SetPointer(Pointer::Default);
     MainFormWindowState = isMaximized() ? 2 : isMinimized() ? 1 : 0;
@@ -528,30 +514,13 @@ void Form1::layOut()
     StatusMsg->setGeometry(0, PixelsY(statusTop - BarHeight), PixelsX(width + ExtraWidth),
                            PixelsY(BarHeight));
 
-    TB->setGeometry(0, 0, client->width(), ToolbarPixels);
-    const float band = ToolbarPixels * TwipsPerPixelY;
+    const float band = float(toolbarBand()) * TwipsPerPixelY;
     const float shown = height - CaptionHeight * TwipsPerPixelY - 3 * BarHeight - 100 - band;
-    HTMLread->setGeometry(0, ToolbarPixels, PixelsX(width - 10 * TwipsPerPixelX), PixelsY(shown));
+    HTMLread->setGeometry(0, toolbarBand(), PixelsX(width - 10 * TwipsPerPixelX), PixelsY(shown));
 
     MoveSchemaControls();
     // The scroll position that the resize causes is not recorded.
     SkipPositionRemember = true;
-}
-
-void Form1::MoveSchemaControls()
-{
-    const QList<QAction*> buttons = TB->actions();
-    if (buttons.isEmpty())
-        return;
-    // The buttons must be laid out first.
-    TB->layout()->activate();
-    const QRect last = TB->widgetForAction(buttons.last())->geometry();
-    const int gap = 2;
-    ValidateOptL->setGeometry(last.x() + last.width() + gap, last.y(), ValidateOptL->sizeHint().width(),
-                              last.height());
-    const int behind = ValidateOptL->x() + ValidateOptL->width();
-    SchemaFileL->setGeometry(behind + gap, last.y(), PixelsX(FormWidth()) - behind - 12, last.height());
-    SchemaFileL->update();
 }
 
 void Form1::RefreshSchemaField()
@@ -629,6 +598,10 @@ bool Form1::eventFilter(QObject* watched, QEvent* event)
             event->ignore();
             return true;
         }
+    }
+    if (watched == TB && event->type() == QEvent::MouseButtonDblClick) {
+        RunCommand(Command::Toolbar);
+        return true;
     }
     if (watched == SchemaFileL && event->type() == QEvent::DragEnter) {
         AcceptFileDrag(static_cast<QDropEvent&>(*event));

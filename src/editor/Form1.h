@@ -1,11 +1,13 @@
 #pragma once
 
+#include "ClTB.h"
 #include "Commands.h"
 #include "DisplayEvents.h"
 #include "Seam.h"
 
 #include <QHash>
 #include <QMainWindow>
+#include <QPointer>
 #include <QString>
 
 class QAction;
@@ -62,6 +64,8 @@ public:
     void SaveAndReload();
     void ShowSchemas();
     void OpenBookCleaner();
+    /// Opens the dialog that customises the toolbar.
+    void CustomiseToolbar();
     /// Opens a page of the format's web site in the system's browser.
     /// \param path  the path of the page on its host, with a leading slash
     void OpenPortalPage(const char* path);
@@ -113,6 +117,8 @@ public:
     /// The message bar above it.
     PanelBar* StatusMsg = nullptr;
     QToolBar* TB = nullptr;
+    /// The toolbar's design and the user's order of it.
+    ClTB Toolbar;
     QComboBox* ValidateOptL = nullptr;
     QLineEdit* SchemaFileL = nullptr;
     QMenu* MnRightClick = nullptr;
@@ -143,6 +149,8 @@ private:
     void makeMenus();
     void fillMenu(QMenu& menu, std::span<const MenuEntry> rows);
     void makeToolbar();
+    void buildToolbar();
+    [[nodiscard]] int toolbarBand() const;
     void makeSchemaControls();
     void makeDisplay();
     void makeBars();
@@ -160,6 +168,7 @@ private:
     SeamOwner seams;
     QWidget* client = nullptr;
     SchemasF* schemas = nullptr;
+    QPointer<QWidget> customising;
     QHash<QString, QAction*> entries;
     /// A book that was dropped on the display, between its navigation and `TimerWBDrop`.
     QString droppedBook;

@@ -25,6 +25,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QSettings>
 #include <QTest>
 #include <QTimer>
 #include <QToolBar>
@@ -75,6 +76,8 @@ protected:
     {
         FileOperation(CopyFolderMode, QStringLiteral(VMK_BIN_DIR "/VMK Office"),
                       workplace.Path(QStringLiteral("VMK Office")));
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
+                           workplace.Path(QStringLiteral("config")));
         InitGlobals({workplace.Path(QStringLiteral("vellumark")), workplace.Path(QStringLiteral("user"))});
         ReadSettings(true);
         CurrentBook.clear();

@@ -13,6 +13,8 @@ namespace {
 
 /// Margins of a page whose body tag says nothing.
 constexpr double DefaultPageMargin = 8;
+/// Pixels. Larger letters would make the display unusable.
+constexpr double LargestFont = 144;
 
 QFont FontOf(const TextLook& look, double dotsPerInch)
 {
@@ -195,7 +197,7 @@ TextLook PageStyle::lookWithin(const TextLook& outer, const TagStyle& style) con
     if (!style.families.isEmpty())
         look.families = style.families;
     if (style.fontSize)
-        look.size = style.fontSize->toPixels(outer.size);
+        look.size = std::min(style.fontSize->toPixels(outer.size), LargestFont);
     look.weight = style.weight.value_or(outer.weight);
     look.italic = style.italic.value_or(outer.italic);
     look.underline = outer.underline || style.underline;

@@ -306,7 +306,9 @@ std::optional<QColor> ParseColor(QStringView text)
     QColor color(text);
     if (!color.isValid() && text.size() == 6)
         color = QColor(u'#' + text.toString());
-    return color.isValid() ? std::optional(color) : std::nullopt;
+    // Transparent text would be invisible.
+    const bool isOpaque = color.isValid() && color.alpha() == 255;
+    return isOpaque ? std::optional(color) : std::nullopt;
 }
 
 std::optional<StyleLength> ParseLength(QStringView text)

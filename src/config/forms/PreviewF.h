@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QWidget>
+
+namespace vmk {
+
+class DisplayView;
+
+/// The preview: shows the sample book with the values in the controls of the settings dialog. The page is
+/// read-only.
+class PreviewF : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit PreviewF(QWidget& owner);
+    ~PreviewF() override;
+
+    /// Returns the window; null if it is not loaded.
+    [[nodiscard]] static PreviewF* Existing();
+    /// Opens a page in the preview's display, if the window is loaded.
+    static void ShowPage(const QString& file);
+    /// Sets the window's caption, if it is loaded.
+    static void SetCaption(const QString& caption);
+    /// Closes the window, if it is loaded.
+    static void Unload();
+
+    /// Writes the page of the sample and shows it at the current scroll position.
+    void ShowSample();
+
+    DisplayView* FbPreview = nullptr;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void place();
+
+    /// The file of the sample's page; written anew at each preview.
+    QString samplePage;
+    int keptScrollTop = 0;
+};
+
+/// Shows the sample book with the values in the controls of the settings dialog. Does nothing while the
+/// dialog fills its controls. \param force  true to show it also if "preview on change" is not checked
+void ShowFb2TextPreview(bool force);
+
+} // namespace vmk
