@@ -12,6 +12,7 @@
 #include "FbFunctions.h"
 #include "FbTagListF.h"
 #include "FieldRules.h"
+#include "FindReplaceWbF.h"
 #include "Form1.h"
 #include "ImageFunctions.h"
 #include "InLineTagsF.h"
@@ -91,6 +92,7 @@ constexpr CommandRow Procedures[] = {
     {ShowSchema, [](Form1& form) { form.ShowSchemas(); }},
     {LoadNewSchema, [](Form1& form) { form.LoadNewFbSchema_Dialog(); }},
     {CheckForSchemaUpdates, [](Form1& form) { form.OpenPortalPage("/ru/programs/redact.html"); }},
+    {FindReplace, [](Form1& form) { FindReplaceWbF::Show(form); }},
     {FictionBookCite, [](Form1& form) { form.OpenPortalPage("/ru/news/"); }},
 };
 
