@@ -36,9 +36,18 @@ FileContent ReadStandardInput()
     return content;
 }
 
+} // namespace
+
+FileContent ReadBookContent(const QString& book)
+{
+    return book == u"-" ? ReadStandardInput() : ReadContent(book);
+}
+
+namespace {
+
 void ReadAndCheck(BookCheck& check, const BookValidation& validation)
 {
-    const FileContent content = check.book == u"-" ? ReadStandardInput() : ReadContent(check.book);
+    const FileContent content = ReadBookContent(check.book);
     if (content.outcome != ReadOutcome::Ok) {
         check.failure = ReadFailureText(content);
         return;

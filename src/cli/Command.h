@@ -24,6 +24,7 @@ struct Command
 extern const Command CleanCommand;
 extern const Command ConvertCommand;
 extern const Command DisplayCommand;
+extern const Command FindCommand;
 extern const Command ImagesCommand;
 extern const Command ValidateCommand;
 

@@ -19,7 +19,7 @@ using namespace vmk;
 namespace {
 
 constexpr std::array Commands
-    = {&ValidateCommand, &DisplayCommand, &ConvertCommand, &ImagesCommand, &CleanCommand};
+    = {&ValidateCommand, &DisplayCommand, &FindCommand, &ConvertCommand, &ImagesCommand, &CleanCommand};
 
 QString GeneralHelp()
 {
@@ -32,7 +32,7 @@ QString GeneralHelp()
           u"  vmk --version        shows the version"_s;
 }
 
-const Command* FindCommand(const QString& name)
+const Command* CommandNamed(const QString& name)
 {
     const auto found = std::ranges::find_if(
         Commands, [&name](const Command* command) { return name == QLatin1StringView(command->name); });
@@ -41,7 +41,7 @@ const Command* FindCommand(const QString& name)
 
 int ShowHelp(const QString& commandName)
 {
-    const Command* command = FindCommand(commandName);
+    const Command* command = CommandNamed(commandName);
     PrintLine(command == nullptr ? GeneralHelp() : QString::fromUtf8(command->help).trimmed());
     return FlushOutput() ? ExitClean : ExitFailure;
 }
@@ -79,7 +79,7 @@ int main(int count, char** values)
         return ShowVersion();
     if (name == u"--help" || name == u"-h" || name == u"help")
         return ShowHelp(arguments.value(0));
-    const Command* command = FindCommand(name);
+    const Command* command = CommandNamed(name);
     if (command == nullptr) {
         PrintErrorLine(u"vmk: unknown command \""_s + name + u"\"; try vmk --help"_s);
         return ExitFailure;

@@ -12,6 +12,7 @@
 #include "FbFunctions.h"
 #include "FbTagListF.h"
 #include "FieldRules.h"
+#include "FindReplaceWbF.h"
 #include "Form1.h"
 #include "ImageFunctions.h"
 #include "InLineTagsF.h"
@@ -94,6 +95,7 @@ constexpr CommandRow Procedures[] = {
     {Settings, [](Form1& form) { SettingsF::Show(form); }},
     {Toolbar, [](Form1& form) { form.CustomiseToolbar(); }},
     {CheckForSchemaUpdates, [](Form1& form) { form.OpenPortalPage("/ru/programs/redact.html"); }},
+    {FindReplace, [](Form1& form) { FindReplaceWbF::Show(form); }},
     {FictionBookCite, [](Form1& form) { form.OpenPortalPage("/ru/news/"); }},
 };
 

@@ -8,6 +8,7 @@
 #include "FbFunctions.h"
 #include "FileOperations.h"
 #include "FilePaths.h"
+#include "FindReplaceWbF.h"
 #include "Form1.h"
 #include "MainWindowSeams.h"
 #include "PanelBar.h"
@@ -160,6 +161,11 @@ void Form1::connectDisplay()
 
 void Form1::FileDoc_onkeydown(DisplayEvent& event)
 {
+    // The find window's keys first. Shift is given as a set flag, -1, which blocks nothing; this is meant.
+    if (HandleFindKey(event.keyCode, event.shiftKey ? -1 : 0, event.ctrlKey, event.altKey)) {
+        event.returnValue = false;
+        return;
+    }
     Command fixed = CommandOf(FixedKeys, event.keyCode);
     if (fixed == Command::InsertSpace && event.ctrlKey)
         fixed = Command::InsertNbsp;
@@ -309,6 +315,8 @@ void Form1::HTMLread_DocumentComplete(const QString&)
     LoadingByProgram = false;
     // State from the previous page's clicks is invalid in this one.
     ForgetRanges();
+    if (FindReplaceWbF* search = FindReplaceWbF::Instance())
+        search->PageHasCome();
     // The design mode must not be set inside the display's own event.
     if (FileExists(DisplayFile))
         TimerDesignMode->start();

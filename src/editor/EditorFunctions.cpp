@@ -5,6 +5,7 @@
 #include "Desktop.h"
 #include "DisplayView.h"
 #include "EditorState.h"
+#include "FindReplaceWbF.h"
 #include "Form1.h"
 #include "MainWindowSeams.h"
 #include "SettingsValues.h"
@@ -192,14 +193,12 @@ void ShowFileLength()
 
 void UndoEdit()
 {
-    for (int i = 0; i < std::max(UndoSteps, 1); ++i)
-        View().undo();
+    View().undo(std::max(UndoSteps, 1));
 }
 
 void RedoEdit()
 {
-    for (int i = 0; i < std::max(UndoSteps, 1); ++i)
-        View().redo();
+    View().redo(std::max(UndoSteps, 1));
 }
 
 // ---------------------------------------------------------------- positions
@@ -254,7 +253,9 @@ void NoteScrollEnd()
 
 void SetTemporalBookmark()
 {
-    if (View().scrollTop() <= 0)
+    // A running replace-all must not find the book changed.
+    const FindReplaceWbF* search = FindReplaceWbF::Instance();
+    if (View().scrollTop() <= 0 || (search && search->isRunning()))
         return;
     TemporalBookmarkSet = true;
     DeleteTemporalBookmarks();

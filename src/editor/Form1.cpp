@@ -18,6 +18,7 @@
 #include "FbFunctions.h"
 #include "FileOperations.h"
 #include "FilePaths.h"
+#include "FindReplaceWbF.h"
 #include "MainWindowSeams.h"
 #include "PanelBar.h"
 #include "PreviewF.h"
@@ -112,6 +113,7 @@ Form1::Form1()
 
 Form1::~Form1()
 {
+    delete FindReplaceWbF::Instance();
     // The display still loses the focus during its destruction.
     HTMLread->events = DisplayEvents();
     seams.release();
@@ -312,6 +314,8 @@ void Form1::closeEvent(QCloseEvent* event)
         Toolbar.SaveToReg();
     SettingsF::Unload();
     // No question about unsaved changes: the file remains as last saved, by design.
+    if (FindReplaceWbF* search = FindReplaceWbF::Instance())
+        search->close();
     SetPointer(Pointer::Default);
     MainFormWindowState = isMaximized() ? 2 : isMinimized() ? 1 : 0;
     RemoveDisplayFiles(false);

@@ -16,20 +16,20 @@ public:
     {
     }
 
-    /// True when the window's turn has come; the first time it always has.
-    [[nodiscard]] bool isDue() const { return !sinceTurn.isValid() || sinceTurn.elapsed() >= Interval; }
-    /// Gives the window its turn, if that is due.
-    void take()
+    /// Gives the window its turn if that is due, as it is the first time; `prepare` is called before.
+    template <typename Prepare>
+    void take(Prepare prepare)
     {
-        if (!isDue())
+        if (sinceTurn.isValid() && sinceTurn.elapsed() < Interval)
             return;
+        prepare();
         events.processEvents();
         sinceTurn.start();
     }
 
 private:
     /// Milliseconds.
-    static constexpr qint64 Interval = 20;
+    static constexpr qint64 Interval = 40;
 
     const SearchEvents& events;
     QElapsedTimer sinceTurn;

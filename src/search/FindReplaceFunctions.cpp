@@ -78,6 +78,12 @@ ReplaceResult Replace_Text(SearchState& state, QString replacement, const Search
 
 namespace {
 
+/// True if it may depend on the text just put in whether a hit right after it is one.
+bool JudgesTextInFront(const QString& text, const SearchOptions& options)
+{
+    return text.front().isLowSurrogate() || (options.wholeWord && !IsWordCharacter(text.front()));
+}
+
 /// The loop of `Replace_All`.
 /// @return the steps of undo made
 int32_t ReplaceHits(SearchState& state, ReplaceRun& run, const QString& text, const QString& replacement,
@@ -85,10 +91,13 @@ int32_t ReplaceHits(SearchState& state, ReplaceRun& run, const QString& text, co
 {
     const TextSearch search(text, options.matchCase, options.wholeWord, options.nbspMarks);
     const int markLength = std::max(1, int(replacement.size()));
+    const bool looksBack = JudgesTextInFront(text, options);
     EventTurns turns(events);
     int32_t undoSteps = 0;
     for (;;) {
-        turns.take();
+        if (looksBack)
+            run.flush();
+        turns.take([&run] { run.flush(); });
         if (state.StopRequested)
             break;
         const auto hit = search.findForward(*state.document, run.position());
@@ -119,6 +128,7 @@ ReplaceAllResult ReplaceFrom(SearchState& state, const QString& text, const QStr
     ReplaceAllResult result;
     ReplaceRun run(*state.document, state.SearchRange.start());
     result.undoSteps = ReplaceHits(state, run, text, replacement, options, events);
+    run.flush();
     if (result.undoSteps == 0)
         return result;
     state.SearchRange = TextRange(*state.document, run.position(), run.position());

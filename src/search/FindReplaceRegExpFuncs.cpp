@@ -162,7 +162,7 @@ bool FindMatch(SearchState& state, const QString& pattern, const SearchOptions& 
 {
     int failures = 0;
     do {
-        if (!IsBlank(pattern)) {
+        if (!TrimBlanks(pattern).isEmpty()) {
             GetRegExpChunk(state, false, events);
             const auto match = RegExpFirstMatch(state, pattern, options.matchCase);
             state.LastMatchLength = match ? int32_t(match->size()) : 0;
@@ -280,10 +280,11 @@ bool RegExpRun::replaceAll()
     do {
         if (++iteration > state.RegExpMaxChunks)
             return false;
-        turns.take();
+        turns.take([] {});
         GetRegExpChunk(state, true);
         if (!state.StopRequested)
             replaceChunk();
+        run.flush();
     } while (!state.StopRequested && NextRegExpChunk(state));
     return true;
 }
@@ -315,6 +316,9 @@ void RegExpRun::replaceMatch(const QString& match)
 {
     if (match.isEmpty() || missing.contains(match))
         return;
+    // Whether it cuts a pair depends on what was put in in front of it.
+    if (match.front().isLowSurrogate())
+        run.flush();
     // In any case of letters, even where the expression minds it; this is meant.
     const auto hit = TextSearch(match, false, false).findForward(*state.document, run.position());
     if (!hit) {
@@ -332,7 +336,7 @@ void RegExpRun::replaceMatch(const QString& match)
     ++steps;
     lastLength = replacement->size();
     replaced = true;
-    turns.take();
+    turns.take([this] { run.flush(); });
     if (state.StopRequested)
         return;
     ++state.FoundCount;

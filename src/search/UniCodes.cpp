@@ -13,18 +13,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// Blanks alone, not other white space.
-QString Trimmed(const QString& text)
-{
-    qsizetype from = 0;
-    qsizetype to = text.size();
-    while (from < to && text[from] == u' ')
-        ++from;
-    while (to > from && text[to - 1] == u' ')
-        --to;
-    return text.mid(from, to - from);
-}
-
 /// The decimal number that a text begins with; 0 if it begins with none, or with one beyond 32 bits.
 int32_t LeadingNumber(QStringView text)
 {
@@ -60,14 +48,14 @@ QString Expanded(const QString& segment)
 {
     QString codes = segment;
     codes.remove("uni("_L1).remove(u')');
-    codes = Trimmed(codes);
+    codes = TrimBlanks(codes).toString();
     if (!codes.contains(u',')) {
         const QString character = CharacterOfCode(LeadingNumber(codes));
         return codes.isEmpty() || !character.isEmpty() ? character : segment;
     }
     QString result;
     for (const QString& item : codes.split(u',')) {
-        const QString part = Trimmed(item);
+        const QString part = TrimBlanks(item).toString();
         const QString character = CharacterOfCode(LeadingNumber(part));
         result += character.isEmpty() ? part : character;
     }

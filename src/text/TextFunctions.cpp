@@ -377,6 +377,15 @@ std::string_view TrimBlanks(std::string_view text)
     return text.substr(first, text.find_last_not_of(' ') + 1 - first);
 }
 
+QStringView TrimBlanks(QStringView text)
+{
+    while (text.startsWith(u' '))
+        text = text.sliced(1);
+    while (text.endsWith(u' '))
+        text.chop(1);
+    return text;
+}
+
 std::string LowerCase(std::string text)
 {
     std::transform(text.begin(), text.end(), text.begin(), SmallLetter);

@@ -63,6 +63,7 @@ namespace vmk {
 
 /// Returns the text without the blanks (only character 32) at its beginning and end.
 [[nodiscard]] std::string_view TrimBlanks(std::string_view text);
+[[nodiscard]] QStringView TrimBlanks(QStringView text);
 
 /// Returns the text with A to Z in lower case.
 [[nodiscard]] std::string LowerCase(std::string text);

@@ -2,6 +2,7 @@
 
 #include "HtmlReader.h"
 #include "HtmlWriter.h"
+#include "InLineRun.h"
 #include "LineEdit.h"
 #include "TextRange.h"
 
@@ -510,28 +511,66 @@ void DisplayDocument::deleteSelection()
 
 // ---------------------------------------------------------------- undo and redo
 
-bool DisplayDocument::undo()
+bool DisplayDocument::undo(int count)
 {
-    const UndoHistory::Step* const step = history.stepBack();
-    if (!step)
+    if (!canUndo())
         return false;
-    for (auto change = step->changes.rbegin(); change != step->changes.rend(); ++change)
-        apply(*change, false);
+    Selection selection;
+    while (count > 0 && canUndo())
+        selection = undoSome(count);
     history.endTypingRun();
-    setSelection(step->selectionBefore.anchor, step->selectionBefore.focus);
+    setSelection(selection.anchor, selection.focus);
     return true;
 }
 
-bool DisplayDocument::redo()
+bool DisplayDocument::redo(int count)
 {
-    const UndoHistory::Step* const step = history.stepForward();
-    if (!step)
+    if (!canRedo())
         return false;
-    for (const LineChange& change : step->changes)
-        apply(change, true);
+    Selection selection;
+    while (count > 0 && canRedo())
+        selection = redoSome(count);
     history.endTypingRun();
-    setSelection(step->selectionAfter.anchor, step->selectionAfter.focus);
+    setSelection(selection.anchor, selection.focus);
     return true;
+}
+
+/// Reverts one step, or as much as is wanted of a run. \return the selection before it
+Selection DisplayDocument::undoSome(int& count)
+{
+    const UndoHistory::Step& step = *history.lastDone();
+    if (!step.run) {
+        (void)history.stepBack();
+        --count;
+        for (auto change = step.changes.rbegin(); change != step.changes.rend(); ++change)
+            apply(*change, false);
+        return step.selectionBefore;
+    }
+    const std::size_t taken = std::min(step.run->done(), std::size_t(count));
+    count -= int(taken);
+    moveRun(*step.run, step.run->done() - taken);
+    if (step.run->done() == 0)
+        (void)history.stepBack();
+    return step.run->carried(step.selectionBefore);
+}
+
+/// Repeats one step, or as much as is wanted of a run. \return the selection after it
+Selection DisplayDocument::redoSome(int& count)
+{
+    const UndoHistory::Step& step = *history.firstUndone();
+    const bool isUnderWay = step.run && step.run->done() > 0;
+    if (!isUnderWay)
+        (void)history.stepForward();
+    if (!step.run) {
+        --count;
+        for (const LineChange& change : step.changes)
+            apply(change, true);
+        return step.selectionAfter;
+    }
+    const std::size_t taken = std::min(step.run->size() - step.run->done(), std::size_t(count));
+    count -= int(taken);
+    moveRun(*step.run, step.run->done() + taken);
+    return step.run->carried(step.selectionBefore);
 }
 
 } // namespace vmk

@@ -134,12 +134,17 @@ public:
     /// Sets the block tag of a line.
     void setBlock(int line, TagId block);
 
+    /// Replaces texts within lines, from the start of the document to its end. Each replacement and each mark
+    /// is one undo step. The cost of a line does not depend on the number of its replacements.
+    void replaceInLines(std::vector<InLineStep> replacements);
+
     // ---- undo
 
-    /// Reverts the last step and restores the selection before it. Returns false if there is none.
-    bool undo();
-    /// Repeats the last reverted step. Returns false if there is none.
-    bool redo();
+    /// Reverts the last steps and restores the selection before them. Returns false if there are none.
+    /// \param count  how many steps, from 1; fewer are reverted if there are not as many
+    bool undo(int count = 1);
+    /// Repeats the last reverted steps. Returns false if there are none.
+    bool redo(int count = 1);
     [[nodiscard]] bool canUndo() const { return history.canUndo(); }
     [[nodiscard]] bool canRedo() const { return history.canRedo(); }
 
@@ -187,6 +192,10 @@ private:
     void knowLineStarts(int count) const;
     void exchange(int first, const std::vector<LinePtr>& removed, const std::vector<LinePtr>& inserted,
                   const EditMap& map);
+    void replaceOneByOne(const std::vector<InLineStep>& replacements);
+    void moveRun(InLineRun& run, std::size_t done);
+    [[nodiscard]] Selection undoSome(int& count);
+    [[nodiscard]] Selection redoSome(int& count);
 
     TagTable tagTable;
     LineStore lines;

@@ -258,35 +258,47 @@ Line WithinDepth(const Line& line)
     return result;
 }
 
-Line WrapContent(const Line& line, int from, int to, TagId tag)
+std::vector<Mark> WrappedMarks(std::span<const Mark> inside, int from, int to, TagId tag)
 {
-    const Cut a = RangeStartCut(line, from);
-    const Cut b = RangeEndCut(line, to);
-    Line result{line.block, line.text, {}};
-    result.marks.reserve(line.marks.size() + 2);
-    const auto openBefore = OpenMarks(line, a.mark).size();
-    const auto openBehind = OpenMarks(line, b.mark).size();
-    const bool whole
-        = openBefore == openBehind && SharedDepth(line, a.mark, b.mark, openBefore) == openBefore;
+    std::size_t depth = inside.size();
+    std::size_t lowest = depth;
+    for (const Mark& mark : inside) {
+        depth = mark.open ? depth + 1 : depth - 1;
+        lowest = std::min(lowest, depth);
+    }
+    const bool whole = depth == inside.size() && lowest == depth;
 
-    result.marks.assign(line.marks.begin(), line.marks.begin() + std::ptrdiff_t(a.mark));
-    result.marks.push_back(Mark::opening(from, tag));
+    std::vector<Mark> marks;
+    marks.reserve(inside.size() + 2);
+    marks.push_back(Mark::opening(from, tag));
     bool pieceOpen = true;
-    for (std::size_t i = a.mark; i < b.mark; ++i) {
-        const Mark& mark = line.marks[i];
+    for (std::size_t i = 0; i < inside.size(); ++i) {
+        const Mark& mark = inside[i];
         if (!whole && pieceOpen) {
-            result.marks.push_back(Mark::closing(mark.pos, tag));
+            marks.push_back(Mark::closing(mark.pos, tag));
             pieceOpen = false;
         }
-        result.marks.push_back(mark);
-        const bool pieceBegins = i + 1 == b.mark || line.marks[i + 1].pos > mark.pos;
+        marks.push_back(mark);
+        const bool pieceBegins = i + 1 == inside.size() || inside[i + 1].pos > mark.pos;
         if (!whole && pieceBegins) {
-            result.marks.push_back(Mark::opening(mark.pos, tag));
+            marks.push_back(Mark::opening(mark.pos, tag));
             pieceOpen = true;
         }
     }
-    result.marks.push_back(Mark::closing(to, tag));
-    result.marks.insert(result.marks.end(), line.marks.begin() + std::ptrdiff_t(b.mark), line.marks.end());
+    marks.push_back(Mark::closing(to, tag));
+    return marks;
+}
+
+Line WrapContent(const Line& line, int from, int to, TagId tag)
+{
+    const auto first = line.marks.begin() + std::ptrdiff_t(RangeStartCut(line, from).mark);
+    const auto last = line.marks.begin() + std::ptrdiff_t(RangeEndCut(line, to).mark);
+    const std::vector<Mark> wrapped = WrappedMarks({first, last}, from, to, tag);
+    Line result{line.block, line.text, {}};
+    result.marks.reserve(line.marks.size() + wrapped.size());
+    result.marks.assign(line.marks.begin(), first);
+    result.marks.insert(result.marks.end(), wrapped.begin(), wrapped.end());
+    result.marks.insert(result.marks.end(), last, line.marks.end());
     return result;
 }
 

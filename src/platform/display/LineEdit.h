@@ -2,6 +2,7 @@
 
 #include "DisplayDocument.h"
 
+#include <span>
 #include <vector>
 
 /// Computes new lines from old ones: the text and mark operations of every edit. Independent of a document;
@@ -49,6 +50,10 @@ enum class EmptyElements
 /// Returns the line without the elements that are too deep.
 [[nodiscard]] Line WithinDepth(const Line& line);
 
+/// Returns the marks between two offsets of a line with an element put around the content: one element if it
+/// splits no other, otherwise one around each piece.
+/// \param inside  the marks after the first character of the content and before its last one
+[[nodiscard]] std::vector<Mark> WrappedMarks(std::span<const Mark> inside, int from, int to, TagId tag);
 /// Puts an element around the content between two offsets: one element if it splits no other, otherwise one
 /// around each piece.
 [[nodiscard]] Line WrapContent(const Line& line, int from, int to, TagId tag);

@@ -23,15 +23,31 @@ const LineChange& UndoHistory::record(LineChange change, const Selection& select
     if (stepOpen && !steps.back().typing)
         makeSmall(steps.back().changes.back());
     if (!stepOpen) {
-        steps.resize(doneSteps);
+        dropUndone();
         for (std::size_t i = 0; doneSteps > 0 && i < steps.back().changes.size(); ++i)
             makeSmall(steps.back().changes[i]);
-        steps.push_back({{}, selection, selection, false});
+        steps.push_back({{}, selection, selection, false, nullptr});
         ++doneSteps;
         stepOpen = true;
     }
     steps.back().changes.push_back(std::move(change));
     return steps.back().changes.back();
+}
+
+InLineRun& UndoHistory::recordRun(std::unique_ptr<InLineRun> run, const Selection& selection)
+{
+    dropUndone();
+    steps.push_back({{}, selection, selection, false, std::move(run)});
+    ++doneSteps;
+    return *steps.back().run;
+}
+
+/// Forgets what could be redone.
+void UndoHistory::dropUndone()
+{
+    steps.resize(doneSteps);
+    if (!steps.empty() && steps.back().run)
+        steps.back().run->dropUndone();
 }
 
 /// Reduces a change in very long lines to the changed part, so that a key press there does not store the

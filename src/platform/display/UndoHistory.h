@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DisplayLines.h"
+#include "InLineRun.h"
 #include "LineDelta.h"
 
 #include <cstddef>
@@ -31,6 +32,8 @@ public:
         Selection selectionBefore;
         Selection selectionAfter;
         bool typing = false; ///< A run of typing that the next typed character continues.
+        /// Many steps in one instead of `changes`; it may be reverted in part.
+        std::unique_ptr<InLineRun> run;
     };
 
     /// Forgets all steps; open groups stay open.
@@ -49,6 +52,10 @@ public:
     /// \return the change as kept, until the next call
     const LineChange& record(LineChange change, const Selection& selection);
 
+    /// Adds a run outside any group; steps that could be redone are dropped.
+    /// \param selection  that of the document before the run
+    InLineRun& recordRun(std::unique_ptr<InLineRun> run, const Selection& selection);
+
     // ---- typing
 
     /// Whether text typed now, outside any group, may join the last step.
@@ -65,13 +72,28 @@ public:
     // ---- undo and redo
 
     [[nodiscard]] bool canUndo() const { return doneSteps > 0; }
-    [[nodiscard]] bool canRedo() const { return doneSteps < steps.size(); }
+    [[nodiscard]] bool canRedo() const { return isRunUnderWay() || doneSteps < steps.size(); }
+    /// The step to undo next: all of it, or what is done of a run. There must be one.
+    [[nodiscard]] const Step* lastDone() const { return &steps[doneSteps - 1]; }
+    /// The step to redo next: all of it, or the rest of a run. There must be one.
+    [[nodiscard]] const Step* firstUndone() const
+    {
+        return &steps[isRunUnderWay() ? doneSteps - 1 : doneSteps];
+    }
     /// Counts the last step as undone. \return that step, until the next call; null when there is none.
     [[nodiscard]] const Step* stepBack() { return canUndo() ? &steps[--doneSteps] : nullptr; }
     /// Counts the next undone step as done. \return that step, until the next call; null when there is none.
-    [[nodiscard]] const Step* stepForward() { return canRedo() ? &steps[doneSteps++] : nullptr; }
+    [[nodiscard]] const Step* stepForward()
+    {
+        return doneSteps < steps.size() ? &steps[doneSteps++] : nullptr;
+    }
 
 private:
+    [[nodiscard]] bool isRunUnderWay() const
+    {
+        return doneSteps > 0 && steps[doneSteps - 1].run && !steps[doneSteps - 1].run->isDone();
+    }
+    void dropUndone();
     void mergeTyping();
     static void makeSmall(LineChange& change);
 

@@ -156,6 +156,8 @@ void DisplayView::linesChanged(int first, const std::vector<LinePtr>& removed,
     page.linesChanged(first, int(removed.size()), int(inserted.size()));
     scroller.linesChanged(first, int(removed.size()), int(inserted.size()));
     knownSelection = content.selection();
+    if (updateHolds > 0)
+        return;
     viewport()->update();
     if (QAccessible::isActive())
         ReportTextChange(*this, first, removed, inserted);
@@ -170,11 +172,37 @@ void DisplayView::selectionChanged()
         knownSelection = content.selection();
         scroller.reveal();
     }
+    if (updateHolds > 0)
+        return;
     viewport()->update();
     showCaret();
     if (QAccessible::isActive())
         ReportCaretMove(*this);
     Q_EMIT selectionOrTextChanged();
+}
+
+DisplayView::UpdateHold::UpdateHold(DisplayView& heldView)
+    : view(heldView)
+{
+    if (view.updateHolds++ > 0)
+        return;
+    view.viewport()->setUpdatesEnabled(false);
+    view.idleTimer.stop();
+}
+
+DisplayView::UpdateHold::~UpdateHold()
+{
+    if (--view.updateHolds > 0)
+        return;
+    view.viewport()->setUpdatesEnabled(true);
+    view.viewport()->update();
+    view.showCaret();
+    if (QAccessible::isActive()) {
+        QAccessibleEvent changed(&view, QAccessible::VisibleDataChanged);
+        QAccessible::updateAccessibility(&changed);
+        ReportCaretMove(view);
+    }
+    Q_EMIT view.selectionOrTextChanged();
 }
 
 void DisplayView::documentReset()
@@ -199,7 +227,7 @@ void DisplayView::resetPage()
 /// Does all that is outstanding: every question about positions and every paint begins here.
 void DisplayView::settle()
 {
-    if (scroller.settle() && !page.isMeasured() && !idleTimer.isActive() && isVisible())
+    if (scroller.settle() && updateHolds == 0 && !page.isMeasured() && !idleTimer.isActive() && isVisible())
         idleTimer.start(0, this);
 }
 
@@ -418,6 +446,8 @@ void DisplayView::scrollContentsBy(int, int)
 
 void DisplayView::timerEvent(QTimerEvent* event)
 {
+    if (updateHolds > 0)
+        return;
     if (event->timerId() == blinkTimer.timerId()) {
         caretOn = !caretOn;
         viewport()->update(caretRect().adjusted(-1, 0, CaretWidth + 1, 0));

@@ -82,6 +82,20 @@ public:
     /// All heights and rows are exact.
     [[nodiscard]] bool isMeasured() const { return page.isMeasured(); }
 
+    /// While one of these exists the view neither lays out nor paints nor reports changes: for a run of many
+    /// edits that lets events be handled.
+    class UpdateHold
+    {
+    public:
+        explicit UpdateHold(DisplayView& heldView);
+        ~UpdateHold();
+        UpdateHold(const UpdateHold&) = delete;
+        UpdateHold& operator=(const UpdateHold&) = delete;
+
+    private:
+        DisplayView& view;
+    };
+
     // ---- LayoutQuery
 
     [[nodiscard]] std::vector<QRect> clientRects(Position from, Position to) override;
@@ -103,8 +117,9 @@ public:
     void cut();
     /// The clipboard's text takes the selection's place.
     void paste();
-    void undo();
-    void redo();
+    /// @param steps of the document's undo
+    void undo(int steps = 1);
+    void redo(int steps = 1);
 
     /// Puts text in the selection's place as one step; each line end in it begins a new line.
     void insertText(const QString& text);
@@ -217,6 +232,7 @@ private:
     bool loading = false;
     bool editable = false;
 
+    int updateHolds = 0;
     bool movingScrollBar = false;
 
     /// The selection as the last edit left it: one that differs was made by somebody, and is shown.

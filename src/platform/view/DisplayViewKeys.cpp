@@ -333,15 +333,15 @@ void DisplayView::insertText(const QString& text)
     reveal();
 }
 
-void DisplayView::undo()
+void DisplayView::undo(int steps)
 {
-    if (editable && content.undo())
+    if (editable && content.undo(steps))
         reveal();
 }
 
-void DisplayView::redo()
+void DisplayView::redo(int steps)
 {
-    if (editable && content.redo())
+    if (editable && content.redo(steps))
         reveal();
 }
 

@@ -1,0 +1,111 @@
+#include "LineRewriter.h"
+
+#include "LineEdit.h"
+
+#include <algorithm>
+
+namespace vmk {
+
+LineRewriter::LineRewriter(const Line& line)
+    : source(line)
+{
+    made.block = line.block;
+    made.text.reserve(line.text.size());
+    made.marks.reserve(line.marks.size());
+}
+
+void LineRewriter::copyMark(const Mark& mark)
+{
+    Mark copy = mark;
+    copy.pos = length() + mark.pos - sourceOffset;
+    made.marks.push_back(copy);
+    if (mark.open)
+        open.push_back(mark.tag);
+    else
+        open.pop_back();
+}
+
+/// Ends the elements deeper than `shared`; one that begins right here leaves nothing behind.
+void LineRewriter::endElements(std::size_t shared)
+{
+    int ended = 0;
+    for (std::size_t i = made.marks.size(); i > 0 && open.size() > shared; --i) {
+        const Mark mark = made.marks[i - 1];
+        if (mark.pos < length())
+            break;
+        ended += mark.open ? -1 : 1;
+        if (ended >= 0)
+            continue;
+        ended = 0;
+        open.pop_back();
+        made.marks.erase(made.marks.begin() + std::ptrdiff_t(i - 1));
+    }
+    for (; open.size() > shared; open.pop_back())
+        made.marks.push_back(Mark::closing(length(), open.back()));
+}
+
+void LineRewriter::replace(int from, int to, const QString& text)
+{
+    // All that is in front of the text, with the tags at its start.
+    for (; sourceMark < source.marks.size() && source.marks[sourceMark].pos <= from; ++sourceMark)
+        copyMark(source.marks[sourceMark]);
+    made.text += QStringView(source.text).sliced(sourceOffset, from - sourceOffset);
+    sourceOffset = to;
+
+    // The tags within the text: elements around all of it go on, others end, or begin again, beside it.
+    const auto isInside
+        = [&] { return sourceMark < source.marks.size() && source.marks[sourceMark].pos < to; };
+    if (!isInside()) {
+        made.text += text;
+        return;
+    }
+    std::vector<TagId> behind = open;
+    std::size_t shared = open.size();
+    for (; isInside(); ++sourceMark) {
+        if (source.marks[sourceMark].open)
+            behind.push_back(source.marks[sourceMark].tag);
+        else
+            behind.pop_back();
+        shared = std::min(shared, behind.size());
+    }
+    endElements(shared);
+    made.text += text;
+    const auto endsHere = [&] {
+        return sourceMark < source.marks.size() && source.marks[sourceMark].pos == to
+            && !source.marks[sourceMark].open;
+    };
+    for (; behind.size() > shared && endsHere(); ++sourceMark)
+        behind.pop_back();
+    for (std::size_t i = shared; i < behind.size(); ++i) {
+        made.marks.push_back(Mark::opening(length(), behind[i]));
+        open.push_back(behind[i]);
+    }
+}
+
+void LineRewriter::wrapLast(int count, TagId tag)
+{
+    const int from = length() - count;
+    const auto byPlace = [](const Mark& mark, int pos) { return mark.pos < pos; };
+    std::vector<Mark>& marks = made.marks;
+    // Only the last marks are looked at, not the line's.
+    auto first = marks.end();
+    while (first != marks.begin() && (first - 1)->pos > from)
+        --first;
+    const auto last = std::lower_bound(first, marks.end(), length(), byPlace);
+    std::vector<Mark> tail = WrappedMarks({first, last}, from, length(), tag);
+    tail.insert(tail.end(), last, marks.end());
+    marks.erase(first, marks.end());
+    marks.insert(marks.end(), tail.begin(), tail.end());
+}
+
+Line LineRewriter::take()
+{
+    for (; sourceMark < source.marks.size(); ++sourceMark)
+        copyMark(source.marks[sourceMark]);
+    made.text += QStringView(source.text).sliced(sourceOffset);
+    made.marks.shrink_to_fit();
+    made.text.squeeze();
+    return std::move(made);
+}
+
+} // namespace vmk

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "DisplayLines.h"
+
+#include <QString>
+
+#include <vector>
+
+namespace vmk {
+
+/// Replaces texts in a line from front to back, in one pass over the line. The result is the same as that of
+/// `ReplaceLineContent` and `WrapContent` for one text after the other.
+class LineRewriter
+{
+public:
+    /// \param line must live as long as this
+    explicit LineRewriter(const Line& line);
+
+    /// Replaces the text between two offsets of the original line.
+    /// \param from not in front of the last call's `to`
+    /// \param to greater than `from`
+    /// \param text without line breaks
+    void replace(int from, int to, const QString& text);
+    /// Puts an element around the last characters written.
+    /// \param count 1 to `length()`
+    void wrapLast(int count, TagId tag);
+    /// How many characters are written: up to the end of the last text put in.
+    [[nodiscard]] int length() const { return int(made.text.size()); }
+    /// The whole line.
+    [[nodiscard]] Line take();
+
+private:
+    void copyMark(const Mark& mark);
+    void endElements(std::size_t shared);
+
+    const Line& source;
+    int sourceOffset = 0;
+    std::size_t sourceMark = 0;
+    Line made;
+    std::vector<TagId> open; ///< The elements open at the end of `made`, outermost first.
+};
+
+} // namespace vmk
