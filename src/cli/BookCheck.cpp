@@ -38,7 +38,7 @@ FileContent ReadStandardInput()
 
 void ReadAndCheck(BookCheck& check, const BookValidation& validation)
 {
-    const FileContent content = check.book == u"-" ? ReadStandardInput() : ReadContent(check.book);
+    const FileContent content = ReadBookOrInput(check.book);
     if (content.outcome != ReadOutcome::Ok) {
         check.failure = ReadFailureText(content);
         return;
@@ -52,6 +52,11 @@ QString ShownReason(const XmlParseError& error)
 }
 
 } // namespace
+
+FileContent ReadBookOrInput(const QString& book)
+{
+    return book == u"-" ? ReadStandardInput() : ReadContent(book);
+}
 
 BookCheck CheckBook(const QString& book, const BookValidation& validation)
 {

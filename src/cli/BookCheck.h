@@ -1,6 +1,7 @@
 #pragma once
 
 #include "BookValidation.h"
+#include "Files.h"
 
 #include <QString>
 
@@ -13,6 +14,10 @@ struct BookCheck
     QString failure; ///< the reason why it could not be read; empty if it was read
     XmlParseError error; ///< the first error; `errorCode` is 0 if there is none
 };
+
+/// Reads a book.
+/// \param book  path, or "-" for standard input
+[[nodiscard]] FileContent ReadBookOrInput(const QString& book);
 
 /// Reads and checks one book. Its declaration determines the encoding.
 /// \param book     path, or "-" for standard input

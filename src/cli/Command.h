@@ -24,6 +24,7 @@ struct Command
 extern const Command ConvertCommand;
 extern const Command DisplayCommand;
 extern const Command ImagesCommand;
+extern const Command SpellCommand;
 extern const Command ValidateCommand;
 
 } // namespace vmk

@@ -2,16 +2,12 @@
 #include "Command.h"
 #include "CommandLine.h"
 #include "InitGlobals.h"
+#include "OrderedJobs.h"
 
 #include <QCoreApplication>
 
 #include <algorithm>
-#include <condition_variable>
-#include <mutex>
 #include <optional>
-#include <system_error>
-#include <thread>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -28,57 +24,6 @@ struct ValidateOptions
     bool json = false;
     int jobs = 1;
     QStringList books;
-};
-
-/// Checks several books on several threads, assigned in the order of the books.
-class BookChecks
-{
-public:
-    BookChecks(const QStringList& bookNames, const BookValidation& bookValidation, int jobs)
-        : books(bookNames)
-        , validation(bookValidation)
-        , results(static_cast<size_t>(bookNames.size()))
-    {
-        const auto threads = std::min<qsizetype>(jobs, books.size());
-        try {
-            for (qsizetype i = 0; i < threads; ++i)
-                workers.emplace_back([this] { work(); });
-        } catch (const std::system_error&) {
-            // The system provides no more threads. Fewer are sufficient; without any, `take` does the work.
-        }
-    }
-
-    /// Waits for the check of book number `index`, from 0; called once per book.
-    [[nodiscard]] BookCheck take(size_t index)
-    {
-        if (workers.empty())
-            work();
-        std::unique_lock lock(guard);
-        ready.wait(lock, [&] { return results[index].has_value(); });
-        return *std::exchange(results[index], std::nullopt);
-    }
-
-private:
-    void work()
-    {
-        std::unique_lock lock(guard);
-        while (nextBook < books.size()) {
-            const qsizetype index = nextBook++;
-            lock.unlock();
-            BookCheck check = CheckBook(books[index], validation);
-            lock.lock();
-            results[static_cast<size_t>(index)] = std::move(check);
-            ready.notify_one();
-        }
-    }
-
-    const QStringList& books;
-    const BookValidation& validation;
-    std::mutex guard; // for all members below
-    std::condition_variable ready;
-    qsizetype nextBook = 0;
-    std::vector<std::optional<BookCheck>> results;
-    std::vector<std::jthread> workers; // last: joined before the other members are destroyed
 };
 
 void TakeOption(CommandLine& line, ValidateOptions& options)
@@ -138,7 +83,10 @@ int Validate(const ValidateOptions& options)
     }
 
     int code = ExitClean;
-    BookChecks checks(options.books, validation, options.jobs);
+    OrderedJobs<BookCheck> checks(static_cast<size_t>(options.books.size()), options.jobs, [&] {
+        return
+            [&](size_t index) { return CheckBook(options.books[static_cast<qsizetype>(index)], validation); };
+    });
     for (size_t i = 0; i < static_cast<size_t>(options.books.size()); ++i) {
         const BookCheck check = checks.take(i);
         const bool unread = !check.failure.isEmpty();

@@ -18,7 +18,7 @@ using namespace vmk;
 
 namespace {
 
-constexpr std::array Commands = {&ValidateCommand, &DisplayCommand, &ConvertCommand, &ImagesCommand};
+constexpr std::array Commands = {&ValidateCommand, &DisplayCommand, &ConvertCommand, &ImagesCommand, &SpellCommand};
 
 QString GeneralHelp()
 {

@@ -21,6 +21,7 @@
 #include "Repaint.h"
 #include "SettingsVariables.h"
 #include "SpecialCharactersF.h"
+#include "SpellCheckF.h"
 #include "TypingRules.h"
 #include "VMKAboutF.h"
 
@@ -91,6 +92,7 @@ constexpr CommandRow Procedures[] = {
     {ShowSchema, [](Form1& form) { form.ShowSchemas(); }},
     {LoadNewSchema, [](Form1& form) { form.LoadNewFbSchema_Dialog(); }},
     {CheckForSchemaUpdates, [](Form1& form) { form.OpenPortalPage("/ru/programs/redact.html"); }},
+    {SpellCheck, [](Form1& form) { SpellCheckF::ShowForm(form); }},
     {FictionBookCite, [](Form1& form) { form.OpenPortalPage("/ru/news/"); }},
 };
 

@@ -12,6 +12,7 @@
 #include "MainWindowSeams.h"
 #include "PanelBar.h"
 #include "Sounds.h"
+#include "SpellCheckF.h"
 #include "StartUpVariables.h"
 #include "VirtualKeys.h"
 
@@ -309,6 +310,8 @@ void Form1::HTMLread_DocumentComplete(const QString&)
     LoadingByProgram = false;
     // State from the previous page's clicks is invalid in this one.
     ForgetRanges();
+    if (SpellCheckF* spellCheck = SpellCheckF::Instance())
+        spellCheck->PageReplaced();
     // The design mode must not be set inside the display's own event.
     if (FileExists(DisplayFile))
         TimerDesignMode->start();
