@@ -128,6 +128,13 @@ ProgramPlace RunningProgramPlace()
             QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)};
 }
 
+QString WorkspaceFolder(const ProgramPlace& place)
+{
+    return Join(IsPortable(place.executable) ? FolderOfExecutable(place.executable)
+                                             : Join(place.userDataFolder, UserFolderName),
+                OfficeName);
+}
+
 QString InstalledDataFolder(const QString& executable)
 {
     const QString folder = FolderOfExecutable(executable);

@@ -20,6 +20,10 @@ struct ProgramPlace
 /// portable installation, otherwise the data folder of the installation.
 [[nodiscard]] QString InstalledDataFolder(const QString& executable);
 
+/// Returns the folder "VMK Office" of the workspace that a program at that location uses. The folder need not
+/// exist; nothing is created.
+[[nodiscard]] QString WorkspaceFolder(const ProgramPlace& place);
+
 /// Initializes the variables on which the rest of the program depends: screen measures, paths, the folders of
 /// the workspace, the in-line tags. Called once, first of all. Reports nothing: a folder that cannot be
 /// created appears later as a failing file operation.

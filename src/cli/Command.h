@@ -26,6 +26,7 @@ extern const Command ConvertCommand;
 extern const Command DisplayCommand;
 extern const Command FindCommand;
 extern const Command ImagesCommand;
+extern const Command SpellCommand;
 extern const Command ValidateCommand;
 
 } // namespace vmk

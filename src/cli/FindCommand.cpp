@@ -156,8 +156,8 @@ int RunFind(const QStringList& arguments)
     ShowNbsp = 0;
     InLineTags = DefaultInLineTags();
     const QStringList& books = options->books;
-    OrderedJobs<BookMatches> searches(size_t(books.size()), options->jobs, [&](size_t index) {
-        return SearchBook(books[qsizetype(index)], *options);
+    OrderedJobs<BookMatches> searches(size_t(books.size()), options->jobs, [&] {
+        return [&](size_t index) { return SearchBook(books[qsizetype(index)], *options); };
     });
     bool isFound = false;
     bool isTrouble = false;

@@ -13,54 +13,56 @@
 
 namespace vmk {
 
-/// Does pieces of work on several threads, begun in their order.
+/// Numbered jobs on several threads, whose results are taken in the order of the numbers.
 template <typename Result>
 class OrderedJobs
 {
 public:
-    /// \param count    how many pieces there are
-    /// \param threads  how many are done at a time, from 1
-    /// \param work     does a piece, numbered from 0; called on any thread
-    OrderedJobs(std::size_t count, int threads, std::function<Result(std::size_t)> work)
-        : doPiece(std::move(work))
+    /// Does the job of a number, from 0. Each thread has one of its own.
+    using Worker = std::function<Result(size_t index)>;
+
+    /// \param makeWorker is called once on each thread.
+    OrderedJobs(size_t count, int threads, std::function<Worker()> makeWorker)
+        : newWorker(std::move(makeWorker))
         , results(count)
     {
         try {
-            for (std::size_t i = 0; i < std::min(std::size_t(threads), count); ++i)
-                workers.emplace_back([this] { workOn(); });
+            for (size_t i = 0; i < std::min(static_cast<size_t>(threads), count); ++i)
+                workers.emplace_back([this] { work(); });
         } catch (const std::system_error&) {
-            // The system gives no more threads. Fewer do the same; without any, `take` does the work.
+            // The system starts no more threads. Fewer do the same; without any, `take` does the work.
         }
     }
 
-    /// Waits for the result of piece number `index`, from 0; to be called once for each.
-    [[nodiscard]] Result take(std::size_t index)
+    /// Waits for a result; to be asked for once for each number.
+    [[nodiscard]] Result take(size_t index)
     {
         if (workers.empty())
-            workOn();
+            work();
         std::unique_lock lock(guard);
         ready.wait(lock, [&] { return results[index].has_value(); });
         return *std::exchange(results[index], std::nullopt);
     }
 
 private:
-    void workOn()
+    void work()
     {
+        const Worker worker = newWorker();
         std::unique_lock lock(guard);
-        while (next < results.size()) {
-            const std::size_t index = next++;
+        while (nextIndex < results.size()) {
+            const size_t index = nextIndex++;
             lock.unlock();
-            Result result = doPiece(index);
+            Result result = worker(index);
             lock.lock();
             results[index] = std::move(result);
             ready.notify_one();
         }
     }
 
-    std::function<Result(std::size_t)> doPiece;
+    std::function<Worker()> newWorker;
     std::mutex guard; // for all that follows
     std::condition_variable ready;
-    std::size_t next = 0;
+    size_t nextIndex = 0;
     std::vector<std::optional<Result>> results;
     std::vector<std::jthread> workers; // last: they are waited for before the rest is destroyed
 };

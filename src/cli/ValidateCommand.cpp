@@ -83,8 +83,9 @@ int Validate(const ValidateOptions& options)
     }
 
     int code = ExitClean;
-    OrderedJobs<BookCheck> checks(size_t(options.books.size()), options.jobs, [&](size_t index) {
-        return CheckBook(options.books[qsizetype(index)], validation);
+    OrderedJobs<BookCheck> checks(static_cast<size_t>(options.books.size()), options.jobs, [&] {
+        return
+            [&](size_t index) { return CheckBook(options.books[static_cast<qsizetype>(index)], validation); };
     });
     for (size_t i = 0; i < static_cast<size_t>(options.books.size()); ++i) {
         const BookCheck check = checks.take(i);

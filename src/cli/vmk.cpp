@@ -18,8 +18,8 @@ using namespace vmk;
 
 namespace {
 
-constexpr std::array Commands
-    = {&ValidateCommand, &DisplayCommand, &FindCommand, &ConvertCommand, &ImagesCommand, &CleanCommand};
+constexpr std::array Commands = {&ValidateCommand, &DisplayCommand, &FindCommand, &ConvertCommand,
+                                 &ImagesCommand,   &CleanCommand,   &SpellCommand};
 
 QString GeneralHelp()
 {

@@ -23,6 +23,7 @@
 #include "SettingsF.h"
 #include "SettingsVariables.h"
 #include "SpecialCharactersF.h"
+#include "SpellCheckF.h"
 #include "TypingRules.h"
 #include "VMKAboutF.h"
 
@@ -96,6 +97,7 @@ constexpr CommandRow Procedures[] = {
     {Toolbar, [](Form1& form) { form.CustomiseToolbar(); }},
     {CheckForSchemaUpdates, [](Form1& form) { form.OpenPortalPage("/ru/programs/redact.html"); }},
     {FindReplace, [](Form1& form) { FindReplaceWbF::Show(form); }},
+    {SpellCheck, [](Form1& form) { SpellCheckF::ShowForm(form); }},
     {FictionBookCite, [](Form1& form) { form.OpenPortalPage("/ru/news/"); }},
 };
 

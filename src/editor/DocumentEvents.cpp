@@ -13,6 +13,7 @@
 #include "MainWindowSeams.h"
 #include "PanelBar.h"
 #include "Sounds.h"
+#include "SpellCheckF.h"
 #include "StartUpVariables.h"
 #include "VirtualKeys.h"
 
@@ -317,6 +318,8 @@ void Form1::HTMLread_DocumentComplete(const QString&)
     ForgetRanges();
     if (FindReplaceWbF* search = FindReplaceWbF::Instance())
         search->PageHasCome();
+    if (SpellCheckF* spellCheck = SpellCheckF::Instance())
+        spellCheck->PageReplaced();
     // The design mode must not be set inside the display's own event.
     if (FileExists(DisplayFile))
         TimerDesignMode->start();

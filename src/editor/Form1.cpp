@@ -28,6 +28,7 @@
 #include "Settings.h"
 #include "SettingsF.h"
 #include "SettingsVariables.h"
+#include "SpellCheckF.h"
 #include "StartUpVariables.h"
 #include "ToolbarPictures.h"
 #include "WelcomePage.h"
@@ -114,6 +115,8 @@ Form1::Form1()
 Form1::~Form1()
 {
     delete FindReplaceWbF::Instance();
+    // It works on the display, up to its last event.
+    delete SpellCheckF::Instance();
     // The display still loses the focus during its destruction.
     HTMLread->events = DisplayEvents();
     seams.release();
@@ -316,6 +319,8 @@ void Form1::closeEvent(QCloseEvent* event)
     // No question about unsaved changes: the file remains as last saved, by design.
     if (FindReplaceWbF* search = FindReplaceWbF::Instance())
         search->close();
+    if (SpellCheckF* spellCheck = SpellCheckF::Instance())
+        spellCheck->close();
     SetPointer(Pointer::Default);
     MainFormWindowState = isMaximized() ? 2 : isMinimized() ? 1 : 0;
     RemoveDisplayFiles(false);

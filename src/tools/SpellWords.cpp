@@ -1,0 +1,303 @@
+#include "SpellWords.h"
+
+#include <algorithm>
+#include <array>
+
+namespace vmk {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr char32_t SoftHyphen = 0xAD;
+
+/// What a character is to a word.
+enum class Role
+{
+    Other,
+    Letter,
+    Capital,
+    Digit,
+    Companion ///< a mark on a letter, or an invisible character: goes on with a word, begins none
+};
+
+Role RoleOf(char32_t c)
+{
+    if (c == SoftHyphen)
+        return Role::Companion;
+    switch (QChar::category(c)) {
+    case QChar::Letter_Uppercase:
+    case QChar::Letter_Titlecase:
+        return Role::Capital;
+    case QChar::Letter_Lowercase:
+    case QChar::Letter_Modifier:
+    case QChar::Letter_Other:
+        return Role::Letter;
+    case QChar::Number_DecimalDigit:
+    case QChar::Number_Letter:
+    case QChar::Number_Other:
+        return Role::Digit;
+    case QChar::Mark_NonSpacing:
+    case QChar::Mark_SpacingCombining:
+    case QChar::Mark_Enclosing:
+    case QChar::Other_Format:
+        return Role::Companion;
+    default:
+        return Role::Other;
+    }
+}
+
+/// The character at a position; half a pair stands for itself, and is no letter.
+char32_t CharacterAt(QStringView text, qsizetype i)
+{
+    const QChar c = text[i];
+    if (c.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate())
+        return QChar::surrogateToUcs4(c, text[i + 1]);
+    return c.unicode();
+}
+
+qsizetype UnitsOf(char32_t c)
+{
+    return QChar::requiresSurrogates(c) ? 2 : 1;
+}
+
+bool IsJoiner(QChar c)
+{
+    return IsWordHyphen(c) || IsWordApostrophe(c);
+}
+
+bool IsLetterOrDigit(Role role)
+{
+    return role == Role::Letter || role == Role::Capital || role == Role::Digit;
+}
+
+/// Blanks, control characters, quotation marks and the brackets of tags: no address reaches over them.
+bool EndsAddress(QChar c)
+{
+    return c.isSpace() || c.category() == QChar::Other_Control || c == u'<' || c == u'>' || c == u'"'
+        || (c >= QChar(0x201C) && c <= QChar(0x201F)) || c == QChar(0xAB) || c == QChar(0xBB);
+}
+
+bool IsAsciiLetter(QChar c)
+{
+    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z');
+}
+
+bool IsAsciiWord(QChar c)
+{
+    return IsAsciiLetter(c) || (c >= u'0' && c <= u'9') || c == u'-' || c == u'_';
+}
+
+/// Endings of names of hosts that are recognised without "www." in front.
+bool IsTopDomain(QStringView name)
+{
+    constexpr std::array Names = {"com"_L1, "org"_L1, "net"_L1, "info"_L1, "edu"_L1, "gov"_L1, "ru"_L1,
+                                  "su"_L1,  "ua"_L1,  "by"_L1,  "kz"_L1,   "de"_L1,  "fr"_L1,  "uk"_L1};
+    return std::ranges::any_of(Names, [&](QLatin1StringView known) { return name == known; });
+}
+
+/// Where the part of a run begins that consists of ASCII letters, digits, dots and the like and ends at
+/// `end`.
+qsizetype StartOfName(QStringView run, qsizetype end)
+{
+    while (end > 0 && (IsAsciiWord(run[end - 1]) || run[end - 1] == u'.' || run[end - 1] == u'+'))
+        --end;
+    return end;
+}
+
+/// The first of `scheme://`, `mailto:` and `www.` in a run, -1 for none.
+qsizetype FindWebAddress(QStringView run)
+{
+    if (const qsizetype scheme = run.indexOf("://"_L1); scheme > 0 && IsAsciiLetter(run[scheme - 1]))
+        return StartOfName(run, scheme);
+    if (const qsizetype mail = run.indexOf("mailto:"_L1); mail >= 0)
+        return mail;
+    const qsizetype www = run.indexOf("www."_L1, 0, Qt::CaseInsensitive);
+    return www == 0 || (www > 0 && !IsAsciiWord(run[www - 1])) ? www : -1;
+}
+
+/// `name@host.domain`.
+qsizetype FindMailAddress(QStringView run)
+{
+    const qsizetype at = run.indexOf(u'@');
+    if (at <= 0 || at + 1 >= run.size() || !IsAsciiWord(run[at + 1]))
+        return -1;
+    const qsizetype start = StartOfName(run, at);
+    return start < at && run.indexOf(u'.', at) > at ? start : -1;
+}
+
+/// The first backslash that parts names of folders, -1 for none.
+qsizetype FindBackslashPath(QStringView run)
+{
+    const qsizetype backslash = run.indexOf(u'\\');
+    if (backslash < 0 || backslash + 1 == run.size())
+        return -1;
+    if (run[backslash + 1] == u'\\')
+        return backslash;
+    if (backslash == 0)
+        return -1;
+    const QChar before = run[backslash - 1];
+    const bool isPath = before == u':' || (IsAsciiWord(before) && IsAsciiWord(run[backslash + 1]));
+    return isPath ? StartOfName(run, backslash - (before == u':' ? 1 : 0)) : -1;
+}
+
+/// `C:\books`, `\\server`, `/usr/share`, `~/books`, `./books`, `books\one`, `one/two/three.txt`.
+qsizetype FindPath(QStringView run)
+{
+    if (const qsizetype start = FindBackslashPath(run); start >= 0)
+        return start;
+    const qsizetype slash = run.indexOf(u'/');
+    if (slash < 0)
+        return -1;
+    if (slash >= 2 && run[slash - 1] == u':' && IsAsciiLetter(run[slash - 2]))
+        return slash - 2;
+    const bool severalLevels = run.indexOf(u'/', slash + 1) > slash + 1;
+    if (slash == 0 || !run[slash - 1].isLetterOrNumber()) {
+        const bool isHere = slash > 0 && (run[slash - 1] == u'~' || run[slash - 1] == u'.')
+            && (slash == 1 || !run[slash - 2].isLetterOrNumber());
+        return severalLevels || isHere ? slash : -1;
+    }
+    const qsizetype dot = run.indexOf(u'.', slash);
+    const bool hasExtension = dot > slash && dot + 1 < run.size() && IsAsciiWord(run[dot + 1]);
+    const qsizetype start = StartOfName(run, slash);
+    return hasExtension && severalLevels && start < slash ? start : -1;
+}
+
+/// `host.org`, `host.org/page`: small ASCII letters with a well-known ending.
+qsizetype FindBareHost(QStringView run)
+{
+    const qsizetype dot = run.indexOf(u'.');
+    if (dot <= 0 || !IsAsciiWord(run[dot - 1]))
+        return -1;
+    const qsizetype start = StartOfName(run, dot);
+    qsizetype end = dot;
+    while (end < run.size() && (IsAsciiWord(run[end]) || run[end] == u'.'))
+        ++end;
+    const QStringView host = run.mid(start, end - start);
+    QStringView name = host;
+    while (name.endsWith(u'.'))
+        name.chop(1);
+    return IsTopDomain(name.mid(name.lastIndexOf(u'.') + 1)) ? start : -1;
+}
+
+/// Where the first address of a run begins; its length for none.
+qsizetype FindAddress(QStringView run)
+{
+    qsizetype first = run.size();
+    if (std::ranges::none_of(run, [](QChar c) { return c == u'.' || c == u'/' || c == u'\\' || c == u':'; }))
+        return first;
+    for (const qsizetype found :
+         {FindWebAddress(run), FindMailAddress(run), FindPath(run), FindBareHost(run)}) {
+        if (found >= 0)
+            first = std::min(first, found);
+    }
+    return first;
+}
+
+} // namespace
+
+bool IsWordHyphen(QChar c)
+{
+    return c == u'-' || c == QChar(0x2010) || c == QChar(0x2011);
+}
+
+bool IsWordApostrophe(QChar c)
+{
+    return c == u'\'' || c == QChar(0x2019) || c == QChar(0x02BC) || c == QChar(0x2032);
+}
+
+bool IsInvisibleInWord(char32_t c)
+{
+    return QChar::category(c) == QChar::Other_Format;
+}
+
+bool IsInCapitals(QStringView word)
+{
+    bool hasCapital = false;
+    for (qsizetype i = 0; i < word.size();) {
+        const char32_t c = CharacterAt(word, i);
+        const Role role = RoleOf(c);
+        if (role == Role::Letter && !IsWordApostrophe(word[i]))
+            return false;
+        hasCapital = hasCapital || role == Role::Capital;
+        i += UnitsOf(c);
+    }
+    return hasCapital;
+}
+
+bool IsInsideSpellWord(QStringView text, qsizetype position)
+{
+    const auto roleAt = [&](qsizetype i) { return RoleOf(CharacterAt(text, i)); };
+    if (position <= 0 || position >= text.size())
+        return false;
+    const auto roleBefore = [&](qsizetype i) {
+        const bool secondHalf = i >= 2 && text[i - 1].isLowSurrogate() && text[i - 2].isHighSurrogate();
+        return roleAt(i - (secondHalf ? 2 : 1));
+    };
+    const Role after = roleAt(position);
+    if (IsJoiner(text[position]) && position + 1 < text.size())
+        return roleBefore(position) != Role::Other && IsLetterOrDigit(roleAt(position + 1));
+    if (IsJoiner(text[position - 1]) && position >= 2)
+        return IsLetterOrDigit(after) && roleBefore(position - 1) != Role::Other;
+    return after != Role::Other && roleBefore(position) != Role::Other;
+}
+
+bool SpellWords::next()
+{
+    while (at < text.size()) {
+        if (at >= runEnd)
+            enterRun(at);
+        if (at >= addressStart) {
+            at = runEnd;
+            continue;
+        }
+        const char32_t c = CharacterAt(text, at);
+        if (!IsLetterOrDigit(RoleOf(c)) || IsWordApostrophe(text[at])) {
+            at += UnitsOf(c);
+            continue;
+        }
+        takeToken();
+        if (!hasDigit && !isCapitals)
+            return true;
+    }
+    return false;
+}
+
+void SpellWords::enterRun(qsizetype from)
+{
+    // A separator is a run of its own, without an address.
+    runEnd = from + 1;
+    addressStart = runEnd;
+    if (EndsAddress(text[from]))
+        return;
+    while (runEnd < text.size() && !EndsAddress(text[runEnd]))
+        ++runEnd;
+    addressStart = from + FindAddress(text.mid(from, runEnd - from));
+}
+
+void SpellWords::takeToken()
+{
+    wordStart = at;
+    wordEnd = at;
+    hasDigit = false;
+    while (at < addressStart) {
+        const char32_t c = CharacterAt(text, at);
+        const Role role = RoleOf(c);
+        const bool isJoiner = IsJoiner(text[at]);
+        if (isJoiner) {
+            const bool goesOn = at + 1 < addressStart && IsLetterOrDigit(RoleOf(CharacterAt(text, at + 1)))
+                && !IsJoiner(text[at + 1]);
+            if (!goesOn)
+                break;
+        } else if (role == Role::Other) {
+            break;
+        }
+        at += UnitsOf(c);
+        hasDigit = hasDigit || role == Role::Digit;
+        // Invisible characters at the end are not part of the word.
+        if (!isJoiner && !IsInvisibleInWord(c))
+            wordEnd = at;
+    }
+    isCapitals = IsInCapitals(word());
+}
+
+} // namespace vmk
