@@ -259,7 +259,7 @@ void XmlInput::chooseByDeclaration()
     const bool wide = IsWide(name);
     failed = Failure{XmlUnknownEncoding, static_cast<qsizetype>(declared->at),
                      "The declared encoding '" + std::string(declared->name.substr(0, 80))
-                         + (wide ? "' is not that of the text" : "' is not known")};
+                         + (wide ? "' does not match the text" : "' is not known")};
     stopped = true;
 }
 
@@ -308,7 +308,7 @@ qsizetype XmlInput::readUtf8(char* out, size_t room)
         produced += static_cast<qsizetype>(valid);
         if (valid == 0 && !piece.empty())
             failed = Failure{XmlBadCharacter, produced,
-                             piece.front() == '\0' ? NulReason : "The bytes here are no character of UTF-8"};
+                             piece.front() == '\0' ? NulReason : "The bytes here are not valid UTF-8"};
     }
     const size_t length = std::min(room, static_cast<size_t>(produced - consumed));
     std::memcpy(out, bytes.data() + consumed, length);
@@ -338,7 +338,7 @@ bool XmlInput::refill()
     if (pending.empty() && stopAtNul)
         failed = Failure{XmlBadCharacter, produced, NulReason};
     else if (step.produced == 0 && step.end == Decoder::End::BadBytes)
-        failed = Failure{XmlBadCharacter, produced, "The bytes here are no character of " + decoder->name};
+        failed = Failure{XmlBadCharacter, produced, "The bytes here are not valid " + decoder->name};
     return !pending.empty();
 }
 
