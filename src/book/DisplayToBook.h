@@ -19,6 +19,7 @@ namespace vmk {
 /// \param realCharacters  true: in UTF-8; false: in the code page in which the book was read
 [[nodiscard]] std::string GetFbTextFromDisplay(bool realCharacters);
 
+/// The line breaks of a saved book.
 enum class LayoutStyle
 {
     Compact, ///< the whole book on one line
@@ -41,6 +42,7 @@ struct SaveLayout
     bool keepsText = false;
 };
 
+/// The result of writing a book to bytes.
 struct BookFile
 {
     std::string bytes;

@@ -77,6 +77,7 @@ public:
         std::string reason;
     };
 
+    /// \param source  the bytes; must outlive the object
     XmlInput(std::string_view source, XmlEncoding encoding);
     XmlInput(const XmlInput&) = delete;
     XmlInput& operator=(const XmlInput&) = delete;
