@@ -422,8 +422,7 @@ TEST_F(Validate, AnExternalEntityIsAnErrorAndItsFileStaysUnread)
 
 TEST_F(Validate, ATruncatedUtf8SequenceIsAnError)
 {
-    expectError(BookWith("<p>ж\xD0</p>"),
-                "3:20: Error against schema. The bytes here are not valid UTF-8");
+    expectError(BookWith("<p>ж\xD0</p>"), "3:20: Error against schema. The bytes here are not valid UTF-8");
     expectError(Start + "\xD0", "1:104: Error against schema. The bytes here are not valid UTF-8");
 }
 

@@ -52,10 +52,10 @@ enum class XmlForm
 /// Every child of an element that contains only elements is on its own line. An element that contains text is
 /// on one line, with its content unchanged. White space between elements is removed, except within text: in
 /// an element that contains text, and in or between in-line elements if the white space contains a blank
-/// (which separates words). An element without content is written as `<name/>`, attribute values are in double
-/// quotes; `&`, `<` and `>` are escaped and references resolved. Comments, processing instructions, CDATA
-/// sections and the document type keep their positions. Line ends in text, CDATA, comments and values are
-/// written as `CrLf`.
+/// (which separates words). An element without content is written as `<name/>`, attribute values are in
+/// double quotes; `&`, `<` and `>` are escaped and references resolved. Comments, processing instructions,
+/// CDATA sections and the document type keep their positions. Line ends in text, CDATA, comments and values
+/// are written as `CrLf`.
 ///
 /// Time and memory are linear in the size of the text, for any nesting.
 class XmlSerializer final : public XmlSaxHandler
