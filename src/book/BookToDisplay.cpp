@@ -61,7 +61,7 @@ void ConvertAsEditor(std::string& text, bool preview)
 {
     PageRequest request = RequestOfSettings(preview);
 
-    // To UTF-8, except for a book with references: only the parser can tell what those mean.
+    // To UTF-8, except for a book with references: only the parser can resolve them.
     if (!preview) {
         DetectBookEncoding(text);
         BinaryCodePage = WorkCodePage == CodePageUtf16 ? CodePageUtf8 : WorkCodePage;

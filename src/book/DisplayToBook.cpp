@@ -196,7 +196,7 @@ std::optional<std::string> TreeForm(std::string& lines, const SaveLayout& layout
     constexpr size_t TimesTheText = 16;
     if (tree.laidOutSize() > AlwaysFine + TimesTheText * tree.text.size())
         return std::nullopt;
-    std::string().swap(lines); // room for the tree
+    std::string().swap(lines); // frees memory for the tree
     if (layout.keepsText)
         return tree.laidOut();
     return ReplaceXmlDeclarations(tree.laidOut(), layout.declaration.size(), layout.declaration);

@@ -4,7 +4,7 @@
 
 namespace vmk {
 
-/// The display values of the settings in force.
+/// Returns the display values of the current settings.
 [[nodiscard]] DisplayValues DisplayValuesOfSettings();
 
 } // namespace vmk

@@ -35,7 +35,7 @@ enum class ControlCharacters
 void AppendTreeLines(const XmlTreeText& tree, std::string_view declaration, const DisplayValues& values,
                      std::string& page, QuotedDeclarations quoted = QuotedDeclarations::Replace);
 
-/// The display's lines of a text that does not parse: without margins.
+/// Appends the display lines of a text that does not parse, without margins.
 /// \param text  lines end with CR; its ampersands are those of a page
 void AppendPlainLines(std::string_view text, const DisplayValues& values, std::string& page,
                       ControlCharacters controls = ControlCharacters::Mark);

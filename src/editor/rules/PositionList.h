@@ -22,7 +22,7 @@ struct PositionList
     std::vector<double> entries = std::vector<double>(2);
     /// Entries in use.
     int16_t count = 1;
-    /// The current entry, from 1.
+    /// The index of the current entry, from 1.
     int16_t index = 1;
 
     /// Starts over with one entry.

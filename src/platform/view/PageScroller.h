@@ -15,7 +15,7 @@ public:
     /// The page has been placed; scroll bars need the new measures.
     /// \param changed  another part of the page is visible, or lines have been laid out: it must be painted
     virtual void pagePlaced(bool changed) = 0;
-    /// The page has been scrolled, by whatever means.
+    /// The page was scrolled, for any reason.
     virtual void pageScrolled() = 0;
 
 protected:

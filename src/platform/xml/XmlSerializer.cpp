@@ -16,7 +16,7 @@ struct SpecialBytes
 {
     ByteSet inText{};
     ByteSet inValue{};
-    ByteSet inRawText{}; // comments and the like: nothing is escaped there
+    ByteSet inRawText{}; // comments and similar: nothing is escaped there
     ByteSet inShownRawText{}; // in a display's HTML
 
     constexpr SpecialBytes()

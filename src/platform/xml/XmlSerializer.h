@@ -93,7 +93,7 @@ private:
         bool inLine;
         bool mixed; // contains text, or is in an element that does
         bool hasContent = false;
-        bool afterInLine = false; // its last child so far is an in-line element
+        bool afterInLine = false; // the last child so far is an in-line element
         bool isText = false; // its name is one of `textNames`
         bool filledChild = false; // an element in it has content
         bool afterElement = false; // an element stands right before the place
