@@ -38,7 +38,7 @@ struct SaveLayout
     std::string_view binaryPart;
     /// The code page of `binaryPart`.
     int32_t binaryCodePage = 0;
-    /// Lines, values and quoted tags stay as they are, as far as the style allows it.
+    /// Lines, values and quoted tags are unchanged, as far as the style allows it.
     bool keepsText = false;
 };
 

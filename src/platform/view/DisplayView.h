@@ -167,7 +167,7 @@ private:
     bool raiseMouse(const DisplayEvents::Handler& handler, QLatin1StringView type, const QMouseEvent& event);
     void completeNavigation();
 
-    // What the scroller asks for.
+    // ScrollerView
     [[nodiscard]] int visibleHeight() const override { return clientHeight(); }
     void pagePlaced(bool changed) override;
     void pageScrolled() override;

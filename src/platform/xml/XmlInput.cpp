@@ -303,7 +303,7 @@ qsizetype XmlInput::readUtf8(char* out, size_t room)
     if (consumed == produced) {
         // Each piece is validated as a whole; a character cut by its end waits for the next one.
         const std::string_view piece = bytes.substr(static_cast<size_t>(produced), PieceSize);
-        // The parser would take a character 0 for the end of the text.
+        // The parser would treat a character 0 as the end of the text.
         const size_t valid = std::min(ValidUtf8Prefix(piece), piece.find('\0'));
         produced += static_cast<qsizetype>(valid);
         if (valid == 0 && !piece.empty())
@@ -328,11 +328,11 @@ bool XmlInput::refill()
         = decoder->decode(bytes.substr(static_cast<size_t>(consumed)), pending.data(), pending.size());
     pending.resize(step.produced);
     consumed += static_cast<qsizetype>(step.consumed);
-    // The parser would take a character 0 for the end of the text.
+    // The parser would treat a character 0 as the end of the text.
     const size_t nul = pending.find('\0');
     pending.resize(std::min(nul, pending.size()));
     produced += static_cast<qsizetype>(pending.size());
-    // What was decoded before the bad place is handed out first.
+    // The text before the invalid byte is returned first.
     if (nul != std::string::npos)
         stopAtNul = true;
     if (pending.empty() && stopAtNul)
