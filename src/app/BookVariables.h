@@ -5,14 +5,14 @@
 #include <cstdint>
 #include <string>
 
-/// Shared variables of the open book: reset by a load, never saved.
+/// Shared variables of the open book. Reset by each load, never saved.
 namespace vmk {
 
-/// Full path of the open book; empty before the first load.
+/// The full path of the open book; empty before the first load.
 extern QString CurrentBook;
-/// The page file now shown: one of the two `Fb2SourceHtml` files.
+/// The displayed page file: one of the two `Fb2SourceHtml` files.
 extern QString DisplayFile;
-/// The book's `binary` elements, held apart from the page from load to save.
+/// The book's `binary` elements, which are stored separately from the page between load and save.
 extern std::string BinaryPart;
 /// The code page of `BinaryPart`.
 extern int32_t BinaryCodePage;
@@ -20,31 +20,31 @@ extern int32_t BinaryCodePage;
 /// lines and split text next to elements that they do not know.
 extern bool BookKeepsText;
 
-/// The encoding in force for reading the book, after any override in the settings.
+/// The encoding in which the book is read, including an override in the settings.
 extern std::string WorkEncodingName;
 extern int32_t WorkCodePage;
 extern std::string WorkMetaTag;
-/// The encoding that the file itself declares.
+/// The encoding that the file declares.
 extern std::string FileEncodingName;
 extern int32_t FileCodePage;
 extern std::string FileMetaTag;
-/// The declaration written back at the head of the display.
+/// The declaration at the beginning of the display.
 extern std::string XmlDeclaration;
-/// The book held decimal character references; decides a second conversion.
+/// The book contains decimal character references, so that it is converted a second time.
 extern bool BookHasCharRefs;
-/// Set when a validation against a schema begins.
+/// Set at the start of a validation against a schema.
 extern QString FbNamespace;
-/// The last conversion refused the book for its binary part.
+/// The last conversion refused the book because of its binary part.
 extern bool BadBinaryPart;
-/// Set just before the program itself navigates; cleared by the navigation event.
+/// Set before the program itself navigates; cleared by the navigation event.
 extern bool LoadingByProgram;
 /// Suppresses the report of a refused navigation once.
 extern bool SkipNavigationCheck;
-/// A command-line validation failed: validate the display as soon as it is complete.
+/// A validation from the command line failed: the display is validated as soon as it is complete.
 extern bool ValidateAfterLoad;
-/// Undo steps that make up the last edit; 0 after a document is complete.
+/// The number of undo steps of the last edit; 0 when a document becomes complete.
 extern int32_t UndoSteps;
-/// True from document-complete until an edit.
+/// True from the completion of the document until the first edit.
 extern bool BookUnchanged;
 
 } // namespace vmk

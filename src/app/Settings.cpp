@@ -69,7 +69,7 @@ void SetProgramDefaults()
     ValidateOption = u"schema"_s;
     SchemaFile = DefaultSchemaFile();
     LastBookFolder = SampleBooksFolder;
-    // Kept as specified even where there are no drives: a dialog ignores a folder that does not exist.
+    // Kept even where there are no drives: a dialog ignores a folder that does not exist.
     LastSaveFolder = u"c:\\"_s;
     LastImageFolder = u"c:\\"_s;
     LastFile.clear();

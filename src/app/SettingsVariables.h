@@ -5,11 +5,11 @@
 
 #include <cstdint>
 
-/// Shared variables of the settings (`ReadSettings`, `WriteSettings`). Commands read and write them; code
-/// that does the work takes values.
+/// Shared variables of the settings (`ReadSettings`, `WriteSettings`). Commands read and write them;
+/// algorithms take values as parameters.
 namespace vmk {
 
-/// The choices that the settings dialog offers, in its order.
+/// The choices in the settings dialog, in their order.
 extern const QStringList ColorNames;
 extern const QStringList OutputStyles;
 extern const QStringList OutputEncodings;
@@ -36,21 +36,21 @@ extern QString AttrValColor;
 extern QString TagFontWeight;
 extern int SoundsOn;
 extern int ShowNbsp;
-/// 1: report a clean validation run from the command line.
+/// 1: a validation from the command line also reports a valid book.
 extern int CommandLineInfo;
-/// "schema", or anything else for the namespace alone.
+/// "schema"; any other value checks only the namespace.
 extern QString ValidateOption;
 extern QString SchemaFile;
 extern QString LastBookFolder;
 extern QString LastSaveFolder;
 extern QString LastImageFolder;
 extern QString LastFile;
-/// Twips.
+/// In twips.
 extern float MainFormLeft, MainFormTop, MainFormWidth, MainFormHeight;
-/// Window state taken at exit; 2 means maximised.
+/// The window state at exit; 2 means maximised.
 extern int16_t MainFormWindowState;
 
-/// Defaults of the book cleaner; not stored.
+/// Defaults of the book cleaner, which are not stored.
 extern QString CurrentCleanUpFile;
 extern QString CleanUpFontName;
 extern int CleanUpFontSize;

@@ -3,11 +3,11 @@
 #include <QString>
 #include <QStringList>
 
-/// Shared variables that start-up sets once (`InitGlobals`): paths, screen measures, the in-line tags.
+/// Shared variables that `InitGlobals` sets once at start: paths, screen measures, in-line tags.
 namespace vmk {
 
 extern QString AppPath;
-/// The root part of `AppPath`; file dialogs go back to it. Empty where there are no drives.
+/// The root of `AppPath`, to which file dialogs fall back. Empty on systems without drives.
 extern QString AppDrive;
 extern QString IniFilePath;
 
@@ -33,7 +33,7 @@ extern QString HisReplaceFile;
 extern QString HisFindRegExpFile;
 extern QString HisReplaceRegExpFile;
 
-/// Screen measures in pixels, but for the names that end in `Twips`; a twip is 1/1440 inch.
+/// Screen measures in pixels, except for names that end in `Twips`; a twip is 1/1440 inch.
 extern float TwipsPerPixelX;
 extern float TwipsPerPixelY;
 extern float CaptionHeight;
@@ -42,13 +42,13 @@ extern float ScreenPixelsX, ScreenPixelsY;
 extern float VScrollWidth, HScrollHeight;
 extern float VScrollWidthTwips, HScrollHeightTwips;
 extern float CaptionPlusFrame;
-/// Twips; the main window is not let shrink below.
+/// The minimum size of the main window, in twips.
 extern float MainFormMinWidth, MainFormMinHeight;
 
-/// Complete tag texts such as `<emphasis>`, compared literally. Never empty: a missing file leaves one
+/// Complete tags such as `<emphasis>`, compared literally. Never empty: for a missing file, the list has one
 /// empty entry.
 extern QStringList InLineTags;
-/// Entries read from the file; 0 when it is missing.
+/// The number of entries in the file; 0 if it is missing.
 extern int InLineTagCount;
 
 /// The settings file was missing at start.

@@ -4,16 +4,17 @@
 
 #include <string>
 
-/// The whole way of a book: from its bytes to the display's document and back. The editor and `vmk` take it.
+/// The complete conversion of a book: from its bytes to the display document and back. Used by the editor and
+/// `vmk`.
 namespace vmk {
 
 class DisplayDocument;
 
-/// Reads a book into a document, as `ConvertBookToDisplay` does with the settings in force. False if its
-/// binary part is damaged; the document is unchanged then.
+/// Reads a book into a document, as `ConvertBookToDisplay` does with the current settings.
+/// \return false, with the document unchanged, if the binary part is damaged
 [[nodiscard]] bool BookToDocument(std::string bytes, DisplayDocument& document);
 
-/// The file of the book that a document shows, as `FileOfDisplayText` makes it with the settings in force.
+/// Returns the file of the book that a document shows, as `FileOfDisplayText` does with the current settings.
 [[nodiscard]] BookFile DocumentToBook(const DisplayDocument& document);
 
 } // namespace vmk

@@ -22,7 +22,7 @@ struct PageRequest
     std::string xmlDeclaration;
     /// UTF-8, or the code page of a text whose character references are not resolved yet.
     XmlEncoding encoding = XmlEncoding::utf8();
-    /// Nothing but the first declaration and the tags is written anew: quoted ones stay as they are.
+    /// Only the first declaration and the tags are rewritten: quoted ones are unchanged.
     bool keepsText = false;
 };
 
@@ -31,9 +31,10 @@ struct PageRequest
 /// \param text  with protected angle brackets
 [[nodiscard]] std::optional<XmlTreeText> TreeOfBook(const std::string& text, const PageRequest& request);
 
-/// The same, with lines of `KeptTreeLines` and text kept together by what its elements are.
-/// \param losses  what `TreeOfBook` would have changed in the lines
-/// \param moved   how many elements it would have given lines of their own in the midst of text
+/// The same, with the lines of `KeptTreeLines`. The meaning of its elements decides which text stays
+/// together.
+/// \param losses  receives the changes that `TreeOfBook` would have made in the lines
+/// \param moved   receives the number of elements within text that it would have put on their own lines
 [[nodiscard]] std::optional<XmlTreeText> KeptTreeOfBook(const std::string& text, const PageRequest& request,
                                                         LineLosses& losses, size_t& moved);
 
@@ -45,7 +46,8 @@ struct PageRequest
 /// \param text  with protected angle brackets, in UTF-8
 [[nodiscard]] std::string PageWithoutTree(std::string text, const PageRequest& request);
 
-/// The page of such a text whose lines, each ended by CR, are made; its ampersands are those of a page.
+/// Returns the page of such a text whose lines, each ended by CR, exist already; its ampersands are those of
+/// a page.
 [[nodiscard]] std::string PageOfPlainLines(const std::string& lines, const PageRequest& request);
 
 /// Returns the style rules of the page, from `<HEAD>` to `</HEAD>`; empty without tag highlighting.

@@ -13,7 +13,7 @@ namespace vmk {
 ///         tag
 [[nodiscard]] bool CutBinaryPart(std::string& text, std::string& binaryPart);
 
-/// True if the binary part cannot be cut: no end tag after the first start tag.
+/// Returns true if the binary part cannot be cut: no end tag after the first start tag.
 [[nodiscard]] bool IsBinaryPartDamaged(std::string_view text);
 
 /// Cuts the binary part into `BinaryPart`; for a preview the part is discarded. If it is damaged, shows the

@@ -31,15 +31,15 @@ size_t NonAsciiCount(std::string_view utf8)
         std::ranges::count_if(utf8, [](char c) { return static_cast<unsigned char>(c) >= 0xC0; }));
 }
 
-/// A book's text on its way from bytes to a page.
+/// The text of a book between its bytes and its page.
 struct DecodedBook
 {
     std::string text; // UTF-8
     DetectedEncoding encoding;
-    bool asGiven = true; // the editor reads the same
+    bool asGiven = true; // the editor reads the same text
 };
 
-/// What the editor itself makes of the bytes, but for characters 0, which stay.
+/// Decodes the bytes as the editor does, except for characters 0, which are kept.
 std::string DecodeAsGiven(std::string_view bytes, int32_t codePage)
 {
     if (codePage == CodePageUtf8)
@@ -51,7 +51,7 @@ std::string DecodeAsGiven(std::string_view bytes, int32_t codePage)
     return text;
 }
 
-/// Notes that the book is in another encoding than the editor takes it for.
+/// Records that the encoding of the book is not the one that the editor assumes.
 void SetEncoding(DecodedBook& book, std::string_view text, std::string name, BookLosses& losses)
 {
     if (name == "us-ascii" || name == "ascii" || name == "utf8")
@@ -59,7 +59,7 @@ void SetEncoding(DecodedBook& book, std::string_view text, std::string name, Boo
     if (name.starts_with("cp125"))
         name = "windows-" + name.substr(2);
     losses.encoding = QString::fromStdString(name);
-    // Of what is read by the parser's tables only the four encodings can be written.
+    // Of the encodings that the parser can read, only four can be written.
     const std::string known = OutputEncodingInfo(name).name;
     book.encoding.file = MakeBookEncoding(known);
     book.encoding.work = book.encoding.file;
@@ -67,7 +67,7 @@ void SetEncoding(DecodedBook& book, std::string_view text, std::string name, Boo
     book.asGiven = false;
 }
 
-/// All of a text in UTF-16, which the editor cuts where it is not ASCII.
+/// Decodes all of a UTF-16 text, which the editor cuts if it is not ASCII.
 void DecodeUtf16(DecodedBook& book, std::string_view bytes, BookLosses& losses)
 {
     constexpr std::string_view Mark = "\xff\xfe";
@@ -86,14 +86,14 @@ bool StartsWithDeclaration(std::string_view text)
     return text.starts_with(Start) && text.find_first_of(" \t\r\n") == Start.size();
 }
 
-/// True if white space stands before the declaration.
+/// True if there is white space before the declaration.
 bool IsDeclaredLate(std::string_view text)
 {
     const size_t first = text.find_first_not_of(" \t\r\n");
     return first != std::string_view::npos && StartsWithDeclaration(text.substr(first));
 }
 
-/// The bytes as the editor would read them, or, where it would misread them, as XML says.
+/// Decodes the bytes as the editor does or, if it would misread them, as XML specifies.
 DecodedBook Decode(std::string_view bytes, const QString& inputEncoding, BookLosses& losses)
 {
     DecodedBook book;
@@ -107,7 +107,7 @@ DecodedBook Decode(std::string_view bytes, const QString& inputEncoding, BookLos
     if (inputEncoding != u"original")
         return book;
 
-    // Without a declaration the bytes are UTF-8, if they can be; but one may follow white space.
+    // Without a declaration the bytes are UTF-8 if they are valid; a declaration may follow white space.
     const bool marked = bytes.starts_with(Utf8Mark);
     const std::string_view start = bytes.substr(marked ? Utf8Mark.size() : 0);
     const bool declared = StartsWithDeclaration(start) || start.starts_with('\xff')
@@ -134,7 +134,7 @@ bool IsBinary(const MarkupToken& token)
     return token.isTag() && token.name() == "binary";
 }
 
-/// Cuts the pictures off: from the first real "<binary" to the book's real end tag.
+/// Cuts the pictures out: from the first real "<binary" to the real end tag of the book.
 void CutPictures(KeptBook& kept, std::string& text, std::string_view bytes, bool asGiven)
 {
     size_t start = text.find("<binary");
@@ -161,8 +161,8 @@ void CutPictures(KeptBook& kept, std::string& text, std::string_view bytes, bool
     if (start == std::string::npos || lastEnd == std::string::npos)
         return;
 
-    // What stands between the last picture and the book's end goes along with the pictures, what stands after
-    // the end stays.
+    // The text between the last picture and the end of the book is cut with the pictures; the text after the
+    // end is kept.
     std::string rest(BookEnd);
     size_t end = lastEnd;
     if (bookEnd != std::string::npos && bookEnd >= lastEnd) {
@@ -182,7 +182,7 @@ void CutPictures(KeptBook& kept, std::string& text, std::string_view bytes, bool
     kept.binaryPart = text.substr(start, end - start);
     kept.binaryPart.resize(kept.binaryPart.find_last_not_of(" \t\r\n") + 1);
     kept.binaryCodePage = CodePageUtf8;
-    // As the editor keeps them: in the bytes of the file.
+    // In the form that the editor keeps: the bytes of the file.
     std::string given(bytes);
     std::string givenPart;
     if (asGiven && !quoted && end == lastEnd && CutBinaryPart(given, givenPart)
@@ -193,7 +193,7 @@ void CutPictures(KeptBook& kept, std::string& text, std::string_view bytes, bool
     text.replace(start, std::string::npos, rest);
 }
 
-/// A copy of the text in which comments and the like are blank, so that they are not taken for mark-up.
+/// Returns a copy of the text in which comments and similar are blank, so that they are not read as mark-up.
 std::string Masked(const std::string& text, bool& differs)
 {
     std::string masked = text;
@@ -212,7 +212,7 @@ std::string Masked(const std::string& text, bool& differs)
     return masked;
 }
 
-/// `UpdateDescription`, which leaves comments and mark-up alone.
+/// `UpdateDescription` without changes to comments and mark-up.
 void UpdateKeptDescription(std::string& text, BookLosses& losses)
 {
     constexpr std::string_view Start = "<program-used>";
@@ -235,7 +235,7 @@ void UpdateKeptDescription(std::string& text, BookLosses& losses)
     }
     if (!quoted)
         return UpdateDescription(text);
-    // The update puts in one piece; it goes to the same place of the real text.
+    // The update inserts one piece; it is inserted at the same position of the real text.
     const std::string before = masked;
     UpdateDescription(masked);
     const size_t added = masked.size() - before.size();
@@ -245,7 +245,7 @@ void UpdateKeptDescription(std::string& text, BookLosses& losses)
     text.insert(at, masked.substr(at, added));
 }
 
-/// Tabs of a broken text are blanks: only a tree's layout is made of them.
+/// Replaces the tabs of a broken text by blanks: only the layout of a tree consists of tabs.
 size_t BlankTabs(std::string& text)
 {
     const auto isWord = [](char c) { return static_cast<unsigned char>(c) > ' ' && c != '<' && c != '>'; };
@@ -257,7 +257,8 @@ size_t BlankTabs(std::string& text)
     return parting;
 }
 
-/// Characters before the declaration, or between it and the first tag, which the editor drops on saving.
+/// Counts characters before the declaration, or between it and the first tag, which the editor loses on
+/// saving.
 size_t CharactersBeforeRoot(std::string_view text)
 {
     size_t count = 0;
@@ -278,13 +279,13 @@ KeptBook ReadKeptBook(std::string_view bytes, const DisplayValues& values, const
     DecodedBook book = Decode(bytes, inputEncoding, kept.losses);
     kept.encoding = book.encoding;
     std::string text = std::move(book.text);
-    // The code pages have no character 0, and so the editor takes it out.
+    // The code pages have no character 0, so that the editor removes it.
     if (kept.encoding.work.codePage != CodePageUtf8)
         kept.losses.controls += static_cast<size_t>(std::ranges::count(text, '\0'));
     const bool isUtf16 = kept.encoding.work.codePage == CodePageUtf16;
     if (!isUtf16 || !book.asGiven)
         CutPictures(kept, text, bytes, book.asGiven);
-    // The editor writes the pictures before each end of the book, also where a comment quotes one.
+    // The editor writes the pictures before each end of the book, even before one quoted in a comment.
     if (!kept.binaryPart.empty() && CountOccurrences(text, BookEnd) > 1)
         ++kept.losses.misplacedPictures;
     if (book.asGiven && !isUtf16 && kept.encoding.work.codePage != CodePageUtf8 && HasCharRefs(text))

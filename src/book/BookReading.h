@@ -10,10 +10,10 @@
 #include <string>
 #include <string_view>
 
-/// Reading a book so that the display holds all of it.
+/// Reads a book so that the display contains all of it.
 namespace vmk {
 
-/// A book as it was read without losses.
+/// A book that was read without losses.
 struct KeptBook
 {
     std::string page; ///< of the display
@@ -21,7 +21,7 @@ struct KeptBook
     DetectedEncoding encoding;
     std::string binaryPart;
     int32_t binaryCodePage = 0;
-    /// What the editor's own reading would have changed. If nothing, its page is the same.
+    /// The changes that the editor's own reading would have made. If there are none, its page is the same.
     BookLosses losses;
 };
 

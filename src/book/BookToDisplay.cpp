@@ -45,7 +45,7 @@ void ConvertUnresolved(std::string& text)
     ProtectAngleBrackets(text);
 }
 
-/// The request of a page with the settings in force.
+/// Returns the request of a page with the current settings.
 PageRequest RequestOfSettings(bool preview)
 {
     PageRequest request;
@@ -56,12 +56,12 @@ PageRequest RequestOfSettings(bool preview)
     return request;
 }
 
-/// The editor's own reading of a book whose binary part is cut off.
+/// Converts a book whose binary part is cut off by the editor's own rules.
 void ConvertAsEditor(std::string& text, bool preview)
 {
     PageRequest request = RequestOfSettings(preview);
 
-    // To UTF-8, except for a book with references: only the parser can tell what those mean.
+    // To UTF-8, except for a book with references: only the parser can resolve them.
     if (!preview) {
         DetectBookEncoding(text);
         BinaryCodePage = WorkCodePage == CodePageUtf16 ? CodePageUtf8 : WorkCodePage;
@@ -92,7 +92,7 @@ void ConvertAsEditor(std::string& text, bool preview)
     BookHasCharRefs = false;
 }
 
-/// Makes a book that was read without losses the open one.
+/// Makes a book that was read without losses the open book.
 void TakeKeptBook(KeptBook& kept, std::string& text)
 {
     WorkEncodingName = std::move(kept.encoding.work.name);

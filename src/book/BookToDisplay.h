@@ -8,8 +8,8 @@ namespace vmk {
 
 struct BookLosses;
 
-/// Asked once for a book that the editor's own rules would change. True reads it without these losses, false
-/// by the rules. Without a window the answer is false.
+/// Called once for a book that the editor's own rules would change. Returns true to read it without these
+/// losses, false to read it by the rules. Without a window, false.
 [[nodiscard]] Seam<bool(const BookLosses& losses)>& LossSeam();
 
 /// Converts the bytes of a book to the page of the display.

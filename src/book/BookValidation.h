@@ -10,34 +10,34 @@
 
 namespace vmk {
 
-/// What a book is validated against.
+/// The rules against which a book is validated.
 enum class ValidateAgainst
 {
-    Schema, ///< the schema, and what `Namespace` covers
-    Namespace ///< well-formedness and declared prefixes alone
+    Schema, ///< the schema, and the checks of `Namespace`
+    Namespace ///< only well-formedness and declared prefixes
 };
 
-/// The meaning of an option text: "schema" in any case, or anything else for the namespace.
+/// Returns the meaning of an option text: "schema" in any case; any other text means the namespace.
 [[nodiscard]] ValidateAgainst ValidateAgainstOf(const QString& option);
 
-/// "schema" or "namespace", as reports name it.
+/// Returns "schema" or "namespace", as in reports.
 [[nodiscard]] QString NameOf(ValidateAgainst against);
 
-/// The validation of books: the window's, the one at start, and that of `vmk`. One object may validate any
-/// number of texts, on several threads at a time.
+/// The validation of books for the window, for the start and for `vmk`. One object can validate any number of
+/// texts, on several threads at the same time.
 class BookValidation
 {
 public:
-    /// \param schemaFile  read at once; not looked at for `Namespace`
+    /// \param schemaFile  read at once; ignored for `Namespace`
     explicit BookValidation(ValidateAgainst against, const QString& schemaFile = QString());
 
     [[nodiscard]] ValidateAgainst against() const { return kind; }
-    /// Why the schema cannot be used, as one line that names its file; empty if there is nothing wrong.
+    /// The reason why the schema cannot be used, as one line that names its file; empty if it can be used.
     /// Without a usable schema, books are validated against the namespace.
     [[nodiscard]] const QString& schemaProblem() const { return problem; }
 
     /// Validates the bytes of a text.
-    /// \return the first error; `errorCode` is 0 for none
+    /// \return the first error; `errorCode` is 0 if there is none
     [[nodiscard]] XmlParseError validate(std::string_view text, XmlEncoding encoding) const;
 
 private:
@@ -46,7 +46,7 @@ private:
     QString problem;
 };
 
-/// The validation that `SchemaFile` asks for; sets `FbNamespace` if it is one against the schema.
+/// Returns the validation with `SchemaFile`; sets `FbNamespace` if it is one against the schema.
 [[nodiscard]] BookValidation ValidationBySettings(ValidateAgainst against);
 
 } // namespace vmk

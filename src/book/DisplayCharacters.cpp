@@ -20,7 +20,7 @@ constexpr std::string_view RightMark = "\xe2\x80\xba";
 constexpr std::string_view Marker(&NbspMarker, 1);
 constexpr std::string_view Nbsp = Utf8Nbsp;
 constexpr std::string_view ReplacementCharacter = "\xef\xbf\xbd";
-/// U+E0100 to U+E017F stand for the bytes 128 to 255; their first two bytes.
+/// U+E0100 to U+E017F represent the bytes 128 to 255; their first two bytes.
 constexpr std::string_view ByteFront = "\xf3\xa0";
 constexpr size_t ByteLength = 4;
 
@@ -44,7 +44,7 @@ public:
     }
     void insert(size_t at, std::string_view with) { replace(at, 0, with); }
 
-    /// Puts the new text into `target`, which holds the old one.
+    /// Writes the new text to `target`, which contains the old one.
     void finish(std::string& target)
     {
         if (!changed)
@@ -108,7 +108,7 @@ void Protector::protect(const MarkupToken& token)
     }
 }
 
-/// Guards the character at `at` if it is one that the display gives another meaning. Returns the next place.
+/// Guards the character at `at` if the display gives it another meaning. Returns the next position.
 size_t Protector::protectCharacter(size_t at)
 {
     const std::string_view rest = text.substr(at);
@@ -160,7 +160,7 @@ size_t Protector::protectReference(size_t at, bool inText)
     return at + reference->length;
 }
 
-/// What a character that the display gives another meaning is written as; empty for any other.
+/// The written form of a character that has another meaning in the display; empty for any other character.
 std::string_view Protector::guarded(uint32_t character)
 {
     switch (character) {
@@ -189,14 +189,14 @@ bool IsByteSign(std::string_view text)
         && (static_cast<unsigned char>(text[2]) & 0xFEU) == 0x84;
 }
 
-/// The byte that the character after a guard stands for.
+/// The byte that the character after a guard represents.
 char ByteOf(std::string_view character)
 {
     const unsigned int high = static_cast<unsigned char>(character[2]) - 0x84U;
     return static_cast<char>(0x80U | high << 6U | (static_cast<unsigned char>(character[3]) & 0x3FU));
 }
 
-/// Resolves a display's text, token by token; what is found is told to `edit(at, length, with)`.
+/// Resolves the text of a display, token by token; calls `edit(at, length, with)` for each replacement.
 template <typename Edit>
 void ForEachResolution(std::string_view text, Edit edit)
 {
@@ -208,7 +208,7 @@ void ForEachResolution(std::string_view text, Edit edit)
             const std::string_view rest = text.substr(at);
             size_t next = at + 1;
             if (rest.starts_with(DisplayGuard)) {
-                // What stands before it says what is meant.
+                // The text before it determines its meaning.
                 const std::string_view before = text.substr(0, at);
                 next = at + DisplayGuard.size();
                 if (before.ends_with(DisplayGuardEscape)) {
@@ -323,7 +323,7 @@ std::string ResolveDisplayText(std::string text)
 
 size_t UnresolvedOffset(std::string_view text, size_t resolvedOffset)
 {
-    size_t shift = 0; // how much longer the text is, up to the place
+    size_t shift = 0; // the increase of the text's length up to the position
     ForEachResolution(text, [&shift, resolvedOffset](size_t at, size_t length, std::string_view with) {
         if (at - shift < resolvedOffset)
             shift += length - with.size();

@@ -4,55 +4,57 @@
 #include <string>
 #include <string_view>
 
-/// Characters that the display shows in place of others, and the way back.
+/// Characters that the display shows instead of others, and their conversion back.
 ///
-/// In the display U+2039 and U+203A stand for `&lt;` and `&gt;`, `NbspMarker` for a non-breaking space, and a
-/// bare ampersand for `&amp;`. A book may hold these characters itself. Then a *guard* follows: a variation
-/// selector, which has no width and which no font draws. A guarded character stands for itself; a guarded
-/// ampersand begins a reference. A guard of the book's own follows an *escape*, another such selector.
+/// In the display U+2039 and U+203A represent `&lt;` and `&gt;`, `NbspMarker` represents a non-breaking
+/// space, and a plain ampersand represents `&amp;`. A book may contain these characters itself. In that case
+/// a *guard* follows: a variation selector, which has no width and which no font draws. A guarded character
+/// represents itself; a guarded ampersand begins a reference. A guard that the book itself contains follows
+/// an *escape*, another such selector.
 ///
-/// In comments, CDATA sections, processing instructions and document types an ampersand is always itself. In
-/// a tag `&quot;`, `&apos;` and references by number are references, shown and typed as in XML; a value that
-/// holds such a text literally shows it with `&amp;` for its ampersand.
+/// In comments, CDATA sections, processing instructions and document types an ampersand always represents
+/// itself. In a tag, `&quot;`, `&apos;` and numeric references are references, shown and typed as in XML; a
+/// value that contains such a text literally shows it with `&amp;` for its ampersand.
 namespace vmk {
 
 /// Follows U+2039, U+203A, U+00A0, `NbspMarker` and `&`.
 inline constexpr std::string_view DisplayGuard = "\xef\xb8\x8c";
-/// Stands before a genuine guard.
+/// Precedes a guard that the book itself contains.
 inline constexpr std::string_view DisplayGuardEscape = "\xef\xb8\x8b";
 
-/// Writes each byte that belongs to no character of UTF-8 as U+FFFD, a guard and an invisible character that
-/// stands for the byte, so that a display can hold it. Returns how many there are.
+/// Replaces each byte that is not part of a UTF-8 character by U+FFFD, a guard and an invisible character
+/// that represents the byte, so that a display can contain it. Returns the number of such bytes.
 size_t ProtectBytes(std::string& text);
 
-/// What `ProtectCharacters` has met, for a reading that does not guard.
+/// The counts of `ProtectCharacters`, for a reading that does not guard.
 struct ProtectedCharacters
 {
     size_t angleQuotes = 0; ///< genuine U+2039 and U+203A
-    size_t markers = 0; ///< genuine characters 127 where these are the marker
-    size_t nonBreaking = 0; ///< non-breaking spaces where the display shows none
+    size_t markers = 0; ///< genuine characters 127 if these are the marker
+    size_t nonBreaking = 0; ///< non-breaking spaces if the display shows none
     size_t lineEnds = 0; ///< line ends and tabs in text, written as references
 };
 
-/// Writes a book's text so that each angle bracket left is mark-up and each character means itself in the
-/// display: `&lt;`, `&gt;` and the same by number become the marks, genuine marks are guarded.
+/// Rewrites a book's text so that each remaining angle bracket is mark-up and each character represents
+/// itself in the display: `&lt;`, `&gt;` and their numeric references become the marks; genuine marks are
+/// guarded.
 /// \param text      XML in UTF-8, well-formed or not
-/// \param showNbsp  whether `NbspMarker` stands for the non-breaking space
+/// \param showNbsp  whether `NbspMarker` represents the non-breaking space
 void ProtectCharacters(std::string& text, bool showNbsp, ProtectedCharacters& met);
 
-/// Writes the references to "<" and ">" by number as references to the marks, so that they stay characters
-/// of the text.
+/// Replaces numeric references to "<" and ">" by references to the marks, so that they remain characters of
+/// the text.
 void ProtectNumericAngles(std::string& text);
 
-/// Writes the ampersands of a text that is not well-formed for a page: references stay references.
+/// Rewrites the ampersands of a text that is not well-formed for a page: references remain references.
 /// \return HTML as far as ampersands are concerned
 [[nodiscard]] std::string PageAmpersands(std::string_view text);
 
-/// Turns the text of a display, in which each shown ampersand is `&amp;`, into XML: guards are resolved,
-/// ampersands that are none in the text around them are written bare.
+/// Converts the text of a display, in which each shown ampersand is `&amp;`, to XML: resolves guards, and
+/// writes plain ampersands where the text around them requires it.
 [[nodiscard]] std::string ResolveDisplayText(std::string text);
 
-/// The place in a display's text that a place in its resolved text comes from. Both in bytes.
+/// Returns the position in a display's text for a position in its resolved text, both in bytes.
 [[nodiscard]] size_t UnresolvedOffset(std::string_view text, size_t resolvedOffset);
 
 } // namespace vmk

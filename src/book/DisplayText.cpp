@@ -150,15 +150,15 @@ std::optional<std::string> TextOfLines(const DisplayDocument& document, AngleMar
 
 namespace {
 
-/// The text of the display with an escaped ampersand for each that is shown, from the front of its page on.
+/// Returns the text of the display from the front of its page on, with every shown ampersand escaped.
 std::string UnresolvedText(const DisplayDocument& document, AngleMarks marks)
 {
     std::optional<std::string> text = TextOfLines(document, marks);
     return text ? *std::move(text) : TextOfPage(document.savePage().toStdString(), marks);
 }
 
-/// Drops the text before the declaration. In a book that keeps its text only white space and a byte order
-/// mark.
+/// Removes the text before the declaration. In a book that keeps its text, removes only white space and a
+/// byte order mark.
 void DropFront(std::string& text)
 {
     constexpr std::string_view Mark = "\xef\xbb\xbf";
@@ -167,7 +167,7 @@ void DropFront(std::string& text)
         DropBeforeDeclaration(text);
 }
 
-/// UTF-16 units of UTF-8.
+/// The number of UTF-16 units of a UTF-8 text.
 qsizetype UnitCount(std::string_view text)
 {
     qsizetype units = 0;
@@ -194,11 +194,11 @@ int DisplayOffset(const DisplayDocument& document, qsizetype textByte)
     DropFront(rest);
     const size_t dropped = whole.size() - rest.size();
     const size_t place = dropped + UnresolvedOffset(rest, static_cast<size_t>(textByte));
-    // The page begins with a text of its own, which the display does not show.
+    // The page begins with a text that the display does not show.
     const std::string front = TextOfPage(document.pageFront().toStdString(), AngleMarks::Keep);
     const size_t start = std::min(front.size(), place);
 
-    // Where the text has CR and LF the display has one place, where it has "&amp;" one character.
+    // CR and LF in the text are one position in the display; "&amp;" is one character.
     constexpr std::string_view Ampersand = "&amp;";
     const std::string_view before = std::string_view(whole).substr(start, place - start);
     const auto uncounted

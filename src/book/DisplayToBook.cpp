@@ -163,7 +163,7 @@ void SetDeclaration(std::string& text, std::string_view declaration)
         text.replace(0, next, declaration);
 }
 
-/// The same, wherever the text's own stands; what stands around it stays.
+/// The same for a declaration at any position; the text around it is kept.
 void SetKeptDeclaration(std::string& text, std::string_view declaration)
 {
     if (text.starts_with(Utf8Mark))
@@ -196,7 +196,7 @@ std::optional<std::string> TreeForm(std::string& lines, const SaveLayout& layout
     constexpr size_t TimesTheText = 16;
     if (tree.laidOutSize() > AlwaysFine + TimesTheText * tree.text.size())
         return std::nullopt;
-    std::string().swap(lines); // room for the tree
+    std::string().swap(lines); // frees memory for the tree
     if (layout.keepsText)
         return tree.laidOut();
     return ReplaceXmlDeclarations(tree.laidOut(), layout.declaration.size(), layout.declaration);
@@ -322,8 +322,8 @@ std::string GetFbTextFromDisplay(bool realCharacters)
 
 namespace {
 
-/// The file of a text that keeps all of it: only layout is tidied, before anything is encoded, and the
-/// pictures go to the book's real end.
+/// Returns the file of a text that keeps all of it: only layout is tidied, before the encoding, and the
+/// pictures are inserted before the real end of the book.
 BookFile FileOfKeptText(std::string text, const SaveLayout& layout)
 {
     BookFile file;

@@ -19,6 +19,7 @@ namespace vmk {
 /// \param realCharacters  true: in UTF-8; false: in the code page in which the book was read
 [[nodiscard]] std::string GetFbTextFromDisplay(bool realCharacters);
 
+/// The line breaks of a saved book.
 enum class LayoutStyle
 {
     Compact, ///< the whole book on one line
@@ -37,10 +38,11 @@ struct SaveLayout
     std::string_view binaryPart;
     /// The code page of `binaryPart`.
     int32_t binaryCodePage = 0;
-    /// Lines, values and quoted tags stay as they are, as far as the style allows it.
+    /// Lines, values and quoted tags are unchanged, as far as the style allows it.
     bool keepsText = false;
 };
 
+/// The result of writing a book to bytes.
 struct BookFile
 {
     std::string bytes;

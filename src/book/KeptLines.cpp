@@ -14,7 +14,7 @@ namespace {
 
 using Kind = MarkupToken::Kind;
 
-/// Elements that hold text, apart from the in-line ones.
+/// Elements that contain text, except for the in-line ones.
 constexpr std::array<std::string_view, 8> ParagraphElements
     = {"p", "v", "subtitle", "th", "td", "text-author", "code", "image"};
 
@@ -28,7 +28,7 @@ constexpr bool IsWhite(char c)
     return c == ' ' || c == '\t' || IsLineEnd(c);
 }
 
-/// Joins the lines of a text, and notes where it may be broken again.
+/// Joins the lines of a text and records where it may be broken again.
 class LineJoiner
 {
 public:
@@ -46,9 +46,9 @@ public:
     void run();
 
     std::string joined;
-    /// Places in `joined` where a line may end, in their order.
+    /// Positions in `joined` where a line may end, in order.
     std::vector<size_t> gaps;
-    /// Places in `joined` where a blank belongs, in their order.
+    /// Positions in `joined` where a blank is needed, in order.
     std::vector<size_t> blanks;
 
 private:
@@ -61,8 +61,8 @@ private:
         bool hasText = false;
         bool hasContent = false;
         bool filledChild = false;
-        bool afterElement = false; // an element stands right before the place
-        bool touching = false; // two elements have nothing between them
+        bool afterElement = false; // an element is directly before the position
+        bool touching = false; // two elements have no text between them
     };
 
     void take(const MarkupToken& token, const MarkupToken* before, const MarkupToken* after);
@@ -89,7 +89,7 @@ private:
     std::unordered_set<std::string> textNames;
     std::unordered_set<std::string> inLineNames;
     std::vector<Element> open;
-    std::vector<size_t> lateBlanks; // line ends between elements, which count if the element holds text
+    std::vector<size_t> lateBlanks; // line ends between elements, which count if the element contains text
 };
 
 bool IsBlankText(const MarkupToken& token)
@@ -149,7 +149,7 @@ void LineJoiner::put(char c)
     joined += c;
 }
 
-/// A blank in place of line ends that part two words.
+/// Inserts a blank for line ends that separate two words.
 void LineJoiner::putBlank()
 {
     put(' ');
@@ -161,7 +161,7 @@ bool LineJoiner::isInLine(const MarkupToken& token) const
     return token.kind == Kind::CData || (token.isTag() && inLineNames.contains(std::string(token.name())));
 }
 
-/// Whether a line end between this mark-up and text after it parts words.
+/// Whether a line end between this mark-up and text after it separates words.
 bool LineJoiner::partsAfter(const MarkupToken* before) const
 {
     if (before == nullptr || open.empty() || before->kind == Kind::DocType)
@@ -169,7 +169,7 @@ bool LineJoiner::partsAfter(const MarkupToken* before) const
     return before->kind != Kind::StartTag || isInLine(*before);
 }
 
-/// Whether a line end between text and this mark-up after it does.
+/// Whether a line end between text and this mark-up after it separates words.
 bool LineJoiner::partsBefore(const MarkupToken* after) const
 {
     if (after == nullptr || open.empty())
@@ -200,7 +200,7 @@ void LineJoiner::takeText(const MarkupToken& token, const MarkupToken* before, c
         putBlank();
 }
 
-/// White space alone between two pieces of mark-up.
+/// Handles white space between two pieces of mark-up.
 void LineJoiner::takeWhite(const MarkupToken& token, const MarkupToken* before, const MarkupToken* after)
 {
     if (!open.empty())
@@ -240,7 +240,7 @@ void LineJoiner::takeTag(std::string_view tag)
                 lineEnded = true;
                 continue;
             }
-            // In a value each line end is a blank, as a parser has it.
+            // In a value each line end becomes a blank, as in a parser.
             if (c == '\r' && i + 1 < tag.size() && tag[i + 1] == '\n')
                 ++i;
             ++losses.joinedWords;
@@ -268,7 +268,7 @@ void LineJoiner::takeTag(std::string_view tag)
     }
 }
 
-/// A comment and the like: its line ends are blanks where they stand between words.
+/// Handles a comment or similar: its line ends become blanks if they are between words.
 void LineJoiner::takeRaw(const MarkupToken& token)
 {
     const bool isCData = token.kind == Kind::CData;
@@ -293,7 +293,7 @@ void LineJoiner::takeRaw(const MarkupToken& token)
     }
 }
 
-/// Notes a gap after mark-up that no text follows.
+/// Records a gap after mark-up that no text follows.
 void LineJoiner::endMarkup(const MarkupToken& token, const MarkupToken* after)
 {
     if (token.kind == Kind::CData || (after != nullptr && after->kind == Kind::CData))
@@ -332,7 +332,7 @@ void LineJoiner::closeElement(std::string_view name)
     }
 }
 
-/// Decides over the gaps of an element that is whole.
+/// Decides on the gaps of a complete element.
 void LineJoiner::settle(const Element& element)
 {
     const bool mixed = element.hasText || (element.holdsText && element.touching && element.filledChild);
@@ -344,7 +344,7 @@ void LineJoiner::settle(const Element& element)
     lateBlanks.resize(element.firstBlank);
 }
 
-/// Puts the joined text, its blanks and its line ends together.
+/// Assembles the joined text, its blanks and its line ends.
 class LineAssembler
 {
 public:

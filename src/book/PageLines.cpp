@@ -410,7 +410,7 @@ void AppendTreeLines(const XmlTreeText& tree, std::string_view declaration, cons
 {
     const size_t behindDeclaration = tree.text.starts_with(declaration) ? declaration.size() : 0;
 
-    // Declarations elsewhere, as in a comment, take the long way.
+    // Declarations elsewhere, as in a comment, need the slow path.
     if (quoted == QuotedDeclarations::Replace
         && FindXmlDeclaration(tree.text, behindDeclaration) != std::string_view::npos) {
         const std::string text = tree.laidOut();

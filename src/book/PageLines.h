@@ -14,14 +14,14 @@ struct XmlTreeText;
 /// of `xmlns` and `xmlns:l` are not painted, which is intended. Applies to the whole text, not only to tags.
 void PaintAttributes(std::string& text);
 
-/// What becomes of XML declarations that stand in a comment or a CDATA section.
+/// The treatment of XML declarations in a comment or a CDATA section.
 enum class QuotedDeclarations
 {
     Keep,
     Replace
 };
 
-/// Whether the characters 3 and 4 of a text mark a comment, as they do within the conversion, or are its own.
+/// Whether the characters 3 and 4 of a text mark a comment, as within the conversion, or belong to the text.
 enum class ControlCharacters
 {
     Keep,
@@ -35,7 +35,7 @@ enum class ControlCharacters
 void AppendTreeLines(const XmlTreeText& tree, std::string_view declaration, const DisplayValues& values,
                      std::string& page, QuotedDeclarations quoted = QuotedDeclarations::Replace);
 
-/// The display's lines of a text that does not parse: without margins.
+/// Appends the display lines of a text that does not parse, without margins.
 /// \param text  lines end with CR; its ampersands are those of a page
 void AppendPlainLines(std::string_view text, const DisplayValues& values, std::string& page,
                       ControlCharacters controls = ControlCharacters::Mark);

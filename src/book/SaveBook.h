@@ -14,19 +14,19 @@ namespace vmk {
 /// open book. Resets `OutputStyle` and `OutputEncoding` first if their values are not in their lists.
 [[nodiscard]] SaveLayout SaveLayoutOfSettings();
 
-/// What a successful save shows and plays. Failures are always reported.
+/// The report of a successful save. Failures are always reported.
 enum class SaveReport
 {
     Full, ///< a status text and a sound
-    WithoutSound, ///< the status text alone
-    None ///< the status bar is blank at the end
+    WithoutSound, ///< only the status text
+    None ///< the status bar is cleared at the end
 };
 
-/// Asked about characters that the encoding to save in lacks: true to save in UTF-8.
+/// Called if the output encoding lacks characters; returns true to save in UTF-8.
 [[nodiscard]] Seam<bool(const MissingCharacters& missing, const QString& encoding)>& MissingCharactersSeam();
 
-/// The file of a display's text, written as the settings want it. Before characters are lost to the encoding
-/// `MissingCharactersSeam` is asked.
+/// Returns the file of a display's text, according to the settings. Calls `MissingCharactersSeam` before
+/// characters are lost to the encoding.
 [[nodiscard]] BookFile FileOfDisplayText(std::string text);
 
 /// Writes the displayed book to a file. The file then contains either the complete new book or the old one. A

@@ -6,16 +6,16 @@
 
 namespace vmk {
 
-/// How the display shows a tag of the book: the marks that stand for its angle brackets.
+/// The display of a tag of the book: the marks that represent its angle brackets.
 struct TagPaint
 {
     std::string_view start = "&lt;";
     std::string_view end = "&gt;";
-    /// Attributes are painted too, in classes of their own.
+    /// Attributes are painted too, in separate classes.
     bool attributes = false;
 
-    /// The paint that these values ask for: highlighting, else bold tags in a text that is not bold, else
-    /// none.
+    /// Returns the paint for these values: highlighting, otherwise bold tags in a text that is not bold,
+    /// otherwise none.
     [[nodiscard]] static TagPaint Of(const DisplayValues& values)
     {
         if (values.tagHighlighting)

@@ -47,8 +47,8 @@ private:
 [[nodiscard]] std::string TreeLines(std::string text, std::string_view lineEnd,
                                     const InLineTagSet& inLineTags);
 
-/// Whether `TreeLines` ends a line at `next` of a joined text, right after a ">"; `from` is the place after
-/// the ">" before that one. For a list without an empty entry.
+/// Returns whether `TreeLines` ends a line at `next` of a joined text, directly after a ">"; `from` is the
+/// position after the previous ">". Requires a list without an empty entry.
 [[nodiscard]] bool LineEndsBehind(std::string_view joined, size_t from, size_t next,
                                   const InLineTagSet& inLineTags);
 

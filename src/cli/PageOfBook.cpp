@@ -24,7 +24,7 @@ std::optional<std::string> ReadBook(const QString& book)
 
 namespace {
 
-/// Tells on standard error what `convert` avoids, loses and says in boxes.
+/// Reports on standard error the losses that `convert` avoids or causes, and the texts of its boxes.
 template <typename Conversion>
 bool WithRemarks(const QString& book, BookReading reading, Conversion convert)
 {

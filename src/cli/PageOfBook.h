@@ -13,25 +13,25 @@ namespace vmk {
 
 class DisplayDocument;
 
-/// The bytes of a book; nothing, with a line on standard error, if it cannot be read.
+/// Returns the bytes of a book; if it cannot be read, reports it on standard error and returns nothing.
 [[nodiscard]] std::optional<std::string> ReadBook(const QString& book);
 
-/// How a command reads a book.
+/// The rules by which a command reads a book.
 enum class BookReading
 {
-    Kept, ///< without losses; each one avoided is told on standard error
-    AsEditor ///< by the editor's own rules
+    Kept, ///< without losses; each avoided one is reported on standard error
+    AsEditor ///< the editor's own rules
 };
 
-/// Converts the bytes of a book to the page of the display, with the settings in force; its binary part and
-/// encoding stay in the shared variables. A book that is not well-formed gets a page too, and a line on
+/// Converts the bytes of a book to the page of the display, with the current settings. Stores its binary part
+/// and encoding in the shared variables. A book that is not well-formed has a page too, and is reported on
 /// standard error.
-/// \param book  its name, for what is said of it
-/// \return nothing, with a line on standard error, if its binary part is damaged
+/// \param book  its name, for messages
+/// \return nothing, after a line on standard error, if its binary part is damaged
 [[nodiscard]] std::optional<std::string> PageOfBook(const QString& book, std::string bytes,
                                                     BookReading reading);
 
-/// The same into a document. False, with a line on standard error, if the binary part is damaged.
+/// The same into a document. Returns false, after a line on standard error, if the binary part is damaged.
 [[nodiscard]] bool OpenBook(const QString& book, std::string bytes, DisplayDocument& document,
                             BookReading reading);
 

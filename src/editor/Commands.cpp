@@ -189,6 +189,7 @@ constexpr MenuEntry BookEntries[] = {
     {"uValidate", "validate", Validate, "F8", !Hidden, SeparatorBehind},
     {"uReadInHaaliReader", "read in Haali Reader", ReadInHaaliReader, "F11", !Hidden, SeparatorBehind},
     {"uShowSchema", "show schemas list", ShowSchema},
+    // "shema" is the fixed spelling.
     {"uLoadNewSchema", "load new shema", LoadNewSchema, "F12"},
     {"uCheckForSchemaUpdates", "check for schema updates", CheckForSchemaUpdates, nullptr, !Hidden,
      SeparatorBehind},

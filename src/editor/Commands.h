@@ -111,6 +111,7 @@ struct ToolbarButton
     Command command;
 };
 
+/// Returns the menus of the menu bar, in order.
 [[nodiscard]] std::span<const Menu> MainMenu();
 /// Returns `MnRightClick`, the context menu of the display.
 [[nodiscard]] std::span<const MenuEntry> ContextMenu();

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// A book's life in the main window: loading, validating, reading.
+/// Loading, validating and reading a book in the main window.
 namespace vmk {
 
 /// Loads a book into the display. The page is complete only later: the display's events finish the load.

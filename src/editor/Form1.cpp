@@ -546,6 +546,7 @@ void Form1::RefreshSchemaField()
         return;
     }
     const bool found = FileExists(SchemaFile);
+    // "validatioon" is the fixed spelling.
     SchemaFileL->setText(found ? FileNameOf(SchemaFile)
                                : u"Schema file not found. Only namespace validatioon is available."_s);
     SchemaFileL->setCursorPosition(0);

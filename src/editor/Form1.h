@@ -29,8 +29,8 @@ class SchemasF;
 /// a navigation to a complete, editable document, and the timers that defer work out of the display's events.
 ///
 /// Window and controls are measured in twips by the outer rectangle. It consists of the client area, the
-/// title bar, a menu bar of 20 pixels and edges of 8 pixels on each side, whatever the real frame of the
-/// desktop is.
+/// title bar, a menu bar of 20 pixels, and edges of 8 pixels in total horizontally and vertically, whatever
+/// the real frame of the desktop is.
 class Form1 : public QMainWindow
 {
     Q_OBJECT

@@ -18,6 +18,7 @@ public:
     [[nodiscard]] static SchemaViewerF* Existing();
 
     /// Shows the schema file in a window of 600 by 450 pixels. Does nothing if the file is missing.
+    /// The spelling of the name is fixed.
     void ShowShemaInWB(const QString& path);
 
     DisplayView* SchemaWB = nullptr;

@@ -26,6 +26,7 @@ SchemasF::SchemasF(QWidget* owner)
     : QWidget(owner, Qt::Window)
 {
     setObjectName(u"SchemasF"_s);
+    // "Shemas" is the fixed spelling.
     setWindowTitle(u" Shemas List (click on the item to see schema)"_s);
     SchemasL = new QTreeWidget(this);
     SchemasL->setObjectName(u"SchemasL"_s);

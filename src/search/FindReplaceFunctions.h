@@ -2,23 +2,23 @@
 
 #include "SearchState.h"
 
-/// Plain search and replacement over a document. The search runs over the text that the reader sees: running
-/// text and shown tags alike, through the colours and over line breaks.
+/// Plain search and replacement in a document. The search covers the visible text: running text and shown
+/// tags, across colours and line breaks.
 namespace vmk {
 
-/// Looks for the next hit. At the scope's end the search is over until `NewSearch`; a further call finds
-/// nothing again.
-/// \param text as in the field; `uni(...)` in it is expanded
+/// Searches for the next match. At the end of the scope the search is finished until `NewSearch`; further
+/// calls find nothing.
+/// \param text  the content of the field; each `uni(...)` in it is expanded
 [[nodiscard]] FindResult Find_Text(SearchState& state, QString text, const SearchOptions& options);
 
-/// Replaces the hit, or what the user has selected in its place, as one step of undo.
-/// \param replacement as in the field; `uni(...)` in it is expanded; an empty one deletes
+/// Replaces the match, or the text that the user has selected instead, as one undo step.
+/// \param replacement  the content of the field; each `uni(...)` in it is expanded; an empty one deletes
 [[nodiscard]] ReplaceResult Replace_Text(SearchState& state, QString replacement,
                                          const SearchOptions& options);
 
-/// Replaces all hits from the search position to the end of the scope, whatever the direction. A hit that
-/// ends where a selected scope ends is not replaced, in contrast to `Find_Text`; this is meant. Each
-/// replacement and each mark is one step of undo.
+/// Replaces all matches from the search position to the end of the scope, for either direction. A match that
+/// ends at the end of a selected scope is not replaced, in contrast to `Find_Text`, which is intended. Each
+/// replacement and each mark is one undo step.
 [[nodiscard]] ReplaceAllResult Replace_All(SearchState& state, QString text, QString replacement,
                                            const SearchOptions& options, const SearchEvents& events);
 

@@ -9,24 +9,24 @@
 
 namespace vmk {
 
-/// How the user wants to search.
+/// The options of a search.
 struct SearchOptions
 {
     bool wholeWord = false;
     bool matchCase = false;
-    /// Towards the start of the book; regular expressions search downwards only.
+    /// Searches towards the start of the book; regular expressions search only downwards.
     bool up = false;
     /// The selection is the scope.
     bool selection = false;
-    /// The next hit is found at once after a replacement.
+    /// Searches for the next match immediately after a replacement.
     bool autoFindNext = false;
-    /// What a replace-all puts in gets a background colour.
+    /// The text that a replace-all inserts has a background colour.
     bool markReplaced = false;
     /// The display shows non-breaking spaces as marks: in a plain search a non-breaking space matches both.
     bool nbspMarks = false;
 };
 
-/// A search over a document, between its steps: where it is, what it may touch, what it has counted.
+/// The state of a search in a document between its steps: position, scope and counts.
 struct SearchState
 {
     explicit SearchState(DisplayDocument& searched)
@@ -36,108 +36,108 @@ struct SearchState
 
     DisplayDocument* document;
 
-    /// The search position; after a hit the hit itself.
+    /// The search position; after a match, the match itself.
     TextRange SearchRange;
-    /// The part of the document that the search may touch; with chunks the present one.
+    /// The part of the document that is searched; with chunks, the current one.
     TextRange ScopeRange;
-    /// Hits and replacements since the report was reset.
+    /// The number of matches and replacements since the report was reset.
     int32_t FoundCount = 0;
     int32_t ReplacedCount = 0;
-    /// The last plain search ended on a hit, which a replace-all must not count again.
+    /// The last plain search ended on a match, which a replace-all must not count again.
     bool FoundFlag = false;
-    /// A hit is selected and may be replaced: `ReplaceB` is enabled.
+    /// A match is selected and can be replaced: `ReplaceB` is enabled.
     bool HitStands = false;
-    /// A running replace-all is to stop.
+    /// A running replace-all must stop.
     bool StopRequested = false;
 
     // ---- regular expressions, which search the text of the scope in chunks
 
-    /// The text of the chunk that is not yet searched; empty: it is still to be fetched.
+    /// The unsearched text of the chunk; if empty, it has to be fetched.
     QString RegExpChunkText;
-    /// The scope was cut into chunks.
+    /// The scope was divided into chunks.
     bool ChunkModeStarted = false;
-    /// The present chunk is not the last.
+    /// The current chunk is not the last one.
     bool ChunksRemain = false;
     /// The whole scope while `ScopeRange` is one chunk of it.
     TextRange WholeScopeRange;
-    /// A replace-all goes through no more chunks than this.
+    /// The maximum number of chunks of a replace-all.
     int32_t RegExpMaxChunks = 1;
-    /// Estimated number of chunks.
+    /// The estimated number of chunks.
     int32_t RegExpChunkCount = 1;
-    /// The last search ended on a hit.
+    /// The last search ended on a match.
     bool RegExpFoundFlag = false;
-    /// Length of the last match, 0 for none.
+    /// The length of the last match; 0 if there is none.
     int32_t LastMatchLength = 0;
 };
 
-/// What a run that takes its time does with its window.
+/// The calls of a long run to its window.
 struct SearchEvents
 {
-    /// Shows a report at once.
+    /// Shows a report immediately.
     std::function<void(const QString& text)> report = [](const QString&) {};
-    /// Lets waiting input be handled; it may set `StopRequested`, and must not change the document.
+    /// Processes pending input. It may set `StopRequested`, and must not change the document.
     std::function<void()> processEvents = [] {};
 };
 
-/// How one step of a search ended.
+/// The result of one search step.
 struct FindResult
 {
     enum Outcome
     {
-        Hit, ///< `SearchRange` is the hit, and is selected
-        Finished, ///< there is no further hit; the counts are reset
-        Nothing ///< there was nothing to search for
+        Hit, ///< `SearchRange` is the match and is selected
+        Finished, ///< there is no further match; the counts are reset
+        Nothing ///< there is nothing to search for
     };
     Outcome outcome = Nothing;
-    QString report; ///< to be shown; empty for `Nothing`
+    QString report; ///< the text to show; empty for `Nothing`
 };
 
-/// How a single replacement ended.
+/// The result of a single replacement.
 struct ReplaceResult
 {
-    /// The new text, selected; null when the next hit is to be found at once.
+    /// The new text, selected; null if the next match has to be searched for immediately.
     TextRange newText;
     QString report;
 };
 
-/// How a replace-all ended.
+/// The result of a replace-all.
 struct ReplaceAllResult
 {
-    /// Steps of undo that it has made.
+    /// The number of its undo steps.
     int32_t undoSteps = 0;
-    /// The last text put in, selected; null without one.
+    /// The last inserted text, selected; null if there is none.
     TextRange lastText;
-    /// The final report; empty when there is none to show.
+    /// The final report; empty if there is none.
     QString report;
-    /// The run came to its end, which the user hears.
+    /// The run is complete, which a sound signals.
     bool beep = false;
 };
 
 /// The background of marked replacements.
 inline constexpr QStringView ReplacedColor = u"#ffb848";
 
-/// Clears what a search by regular expression knows of its chunks, and `FoundFlag`.
+/// Clears the state of a search by regular expression, and `FoundFlag`.
 void ResetSearchState(SearchState& state);
 
-/// Begins anew from the document's selection: sets `SearchRange` and `ScopeRange` and forgets the last hit.
-/// Without `options.selection` the scope reaches from the selection to the end of the book, or with
+/// Starts a new search at the document's selection: sets `SearchRange` and `ScopeRange` and clears the last
+/// match. Without `options.selection` the scope extends from the selection to the end of the book, or with
 /// `options.up` to its start; the search does not wrap around.
-/// \param keepPosition with `options.selection` and a short selection only the position is set anew, and the
-///     scope stays
+/// \param keepPosition  with `options.selection` and a short selection, only sets the position and keeps the
+///                      scope
 void NewSearch(SearchState& state, const SearchOptions& options, bool keepPosition);
 
-/// A selection of the document that is wider than this many pixels is long: a scope, not a text to search.
+/// A selection wider than this number of pixels is long: it is a scope, not a text to search for.
 inline constexpr int ShortSelectionWidth = 500;
 
-/// "Found: N Replaced: M".
+/// Returns "Found: N Replaced: M".
 [[nodiscard]] QString CountsReport(const SearchState& state);
-/// "Search finished. Found: N Replaced: M"; the counts go to 0 afterwards.
+/// Returns "Search finished. Found: N Replaced: M" and resets the counts.
 [[nodiscard]] QString FinishedReport(SearchState& state);
 
-/// If the user has selected something else since the last hit, that becomes the hit.
+/// If the user has selected other text since the last match, this text becomes the match.
 void TakeSelection(SearchState& state);
-/// Selects the text that was put in where a range begins.
-/// \return the range over it
+/// Selects the text that was inserted at the start of a range.
+/// \return the range of the text
 TextRange SelectNewText(TextRange at, qsizetype length);
 
 } // namespace vmk

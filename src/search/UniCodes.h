@@ -4,12 +4,12 @@
 
 namespace vmk {
 
-/// Expands each `uni(...)` in a text to the characters that it names by number: `uni(1055)`, or several as
+/// Replaces each `uni(...)` in a text by the characters with these codes: `uni(1055)`, or several as
 /// `uni(1055,1056)`.
 ///
 /// A code from 128 to 191 is a byte of the system's ANSI code page; any other code is the Unicode character
-/// of that number. A part without a number, or with one that is no character's, stays as text. A text without
-/// "uni(" in small letters stays as it is, and so does one of which nothing would be left.
+/// with that number. A part without a number, or whose number is not that of a character, is kept as text. A
+/// text without "uni(" in lower case is unchanged, and so is a text that would become empty.
 void ParseUniCodes(QString& text);
 
 } // namespace vmk

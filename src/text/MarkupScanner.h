@@ -30,16 +30,16 @@ struct MarkupToken
     {
         return kind == Kind::StartTag || kind == Kind::EmptyTag || kind == Kind::EndTag;
     }
-    /// True where an ampersand is an ampersand: in comments, CDATA sections, instructions, document types.
+    /// True if an ampersand represents itself: in comments, CDATA sections, instructions, document types.
     [[nodiscard]] bool isRaw() const { return kind != Kind::Text && !isTag(); }
-    /// The name of a tag; empty for all else.
+    /// The name of a tag; empty for other tokens.
     [[nodiscard]] std::string_view name() const;
 };
 
-/// Walks over a text from its first byte to its last. Every byte belongs to exactly one token.
+/// Scans a text from its first byte to its last. Every byte belongs to exactly one token.
 ///
-/// What never ends (`<!--` without `-->`, a tag whose `>` is missing) is text from its `<` on, so that one
-/// stray bracket does not change the meaning of the rest of the book. Time is linear in the text.
+/// Unterminated mark-up (`<!--` without `-->`, a tag without `>`) is text from its `<` on, so that one stray
+/// bracket does not change the meaning of the rest of the book. Time is linear in the text.
 class MarkupScanner
 {
 public:
@@ -49,7 +49,7 @@ public:
     {
     }
 
-    /// Reads the next token; false at the end.
+    /// Reads the next token; returns false at the end.
     [[nodiscard]] bool next(MarkupToken& token);
 
 private:
@@ -63,7 +63,7 @@ private:
     // Mark-up found after a text, for the next call.
     size_t pendingEnd = 0;
     MarkupToken::Kind pendingKind = MarkupToken::Kind::Text;
-    // What a search to the end of the text has shown not to come any more.
+    // Results of searches to the end of the text: no further occurrence exists.
     bool noCommentEnd = false;
     bool noCDataEnd = false;
     bool noInstructionEnd = false;

@@ -10,6 +10,7 @@
 /// Extracts pieces of mark-up from plain text, without a parser.
 namespace vmk {
 
+/// The options of `ExtractBetween`.
 struct ExtractOptions
 {
     /// Fills `Extraction::plain`.

@@ -380,7 +380,7 @@ TEST_F(Validate, AnEmptyFileIsAnError)
 TEST_F(Validate, BinaryRubbishIsAnError)
 {
     expectError("\x89PNG\r\n\x1a\n\0\0\0\rIHDR"s,
-                "1:1: Error against schema. The bytes here are no character of UTF-8");
+                "1:1: Error against schema. The bytes here are not valid UTF-8");
     expectError("PK\x03\x04"s, "1:1: Error against schema. Start tag expected, '<' not found");
 }
 
@@ -417,14 +417,13 @@ TEST_F(Validate, AnExternalEntityIsAnErrorAndItsFileStaysUnread)
     const std::string secret = write("secret.txt", "the secret");
     const std::string book
         = "<!DOCTYPE FictionBook [<!ENTITY x SYSTEM 'file://" + secret + "'>]>\n" + BookWith("<p>&x;</p>");
-    expectError(book, "4:19: Error against schema. Entity 'x' lies outside the document and is not read");
+    expectError(book, "4:19: Error against schema. Entity 'x' is outside the document and is not read");
 }
 
 TEST_F(Validate, ATruncatedUtf8SequenceIsAnError)
 {
-    expectError(BookWith("<p>ж\xD0</p>"),
-                "3:20: Error against schema. The bytes here are no character of UTF-8");
-    expectError(Start + "\xD0", "1:104: Error against schema. The bytes here are no character of UTF-8");
+    expectError(BookWith("<p>ж\xD0</p>"), "3:20: Error against schema. The bytes here are not valid UTF-8");
+    expectError(Start + "\xD0", "1:104: Error against schema. The bytes here are not valid UTF-8");
 }
 
 TEST_F(Validate, AnUnknownEncodingIsAnErrorAtItsName)

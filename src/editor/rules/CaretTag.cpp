@@ -80,7 +80,7 @@ void CheckId(DisplayDocument& document, const CaretTag& tag)
     TextRange range = page::createTextRange(document);
     bool twice = false;
     if (range.findText(sought)) {
-        // A second one is looked for behind the first, so the search goes on inside it.
+        // The search continues inside the first occurrence, to find a second one after it.
         range.moveEnd(TextUnit::Textedit);
         range.moveStart(TextUnit::Character, 4);
         twice = range.findText(sought);

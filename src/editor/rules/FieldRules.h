@@ -7,6 +7,7 @@
 /// Mark-up around the selection or at the caret: in-line tags, letter case, and painted fields.
 namespace vmk {
 
+/// The in-line tags that a command can insert.
 enum class InlineTag
 {
     Bold,
@@ -19,6 +20,7 @@ enum class InlineTag
 /// second call nests. One undo step.
 void InsertInlineTag(DisplayDocument& document, InlineTag kind);
 
+/// The letter cases of `ChangeCase`.
 enum class LetterCase
 {
     Lower,
@@ -30,6 +32,7 @@ enum class LetterCase
 /// "Proper" starts a word only after a blank, not after a line end. One undo step.
 void ChangeCase(DisplayDocument& document, LetterCase kind);
 
+/// The painted fields of `InsertField`.
 enum class Field
 {
     Text,

@@ -12,27 +12,27 @@ enum class Direction
     Down
 };
 
-/// The scroll positions at which the reader has rested, each as a share of the page's height.
+/// The scroll positions at which the reader has stopped, each as a fraction of the page's height.
 struct PositionList
 {
-    /// The most entries that are kept.
+    /// The maximum number of entries.
     static constexpr int MostEntries = 40;
 
     /// Entry 0 is not used.
     std::vector<double> entries = std::vector<double>(2);
-    /// Entries in use.
+    /// The number of entries in use.
     int16_t count = 1;
-    /// The current entry, from 1.
+    /// The index of the current entry, from 1.
     int16_t index = 1;
 
-    /// Starts over with one entry.
+    /// Resets the list to one entry.
     void reset(double entry);
     /// Inserts an entry after the current one and makes it the current one.
     void insert(double entry);
     /// Makes the entry before or after the current one the current one.
     /// \return the entry; nothing at the end of the list
     std::optional<double> step(Direction direction);
-    /// Whether the last entry, not the current one, is less than a pixel from a position.
+    /// Returns whether the last entry, not the current one, is less than one pixel from a position.
     /// \param top, height  the position and the height of the page, pixels
     [[nodiscard]] bool endsAt(double top, double height) const;
 };

@@ -6,6 +6,7 @@
 /// space. Enter, Delete, Backspace and all character keys belong to the display.
 namespace vmk {
 
+/// The directions of the caret keys.
 enum class CaretDirection
 {
     Left,

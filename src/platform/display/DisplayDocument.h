@@ -45,6 +45,7 @@ protected:
     ~DisplayListener() = default;
 };
 
+/// The document: lines, selection, undo. See the beginning of this file.
 class DisplayDocument
 {
 public:

@@ -9,8 +9,8 @@
 #include <cstdint>
 #include <vector>
 
-/// What a display document is made of: lines with their marks, positions between characters, and how an edit
-/// moves them.
+/// The parts of a display document: lines with their marks, positions between characters, and the effect of
+/// an edit on positions.
 namespace vmk {
 
 /// An in-line start or end tag before the character at `pos`.

@@ -7,6 +7,7 @@
 /// The meaning of HTML elements for the display.
 namespace vmk {
 
+/// The treatment of an element by the reader.
 enum class ElementKind : unsigned char
 {
     Inline, ///< Stored as a pair of marks.

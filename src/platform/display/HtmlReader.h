@@ -16,6 +16,7 @@
 /// reopened in each line.
 namespace vmk {
 
+/// The result of reading HTML.
 struct HtmlContent
 {
     /// Text outside any block becomes lines whose block is `NoTag`.

@@ -31,7 +31,7 @@ enum class EmptyElements
 /// Replaces the content between two cuts by lines of content.
 /// \param first, a       the line and the cut at which the replaced content begins
 /// \param last, b        the same for its end; `first` and `last` may be the same line
-/// \param content        at least one line. The first one is appended to the line before `a`, the text after
+/// \param content        at least one line. The first one is appended to the text before `a`, the text after
 ///                       `b` is appended to the last one. Each line keeps its block, with `nextBlock` for
 ///                       `NoTag`; the first has the block of `first`.
 /// \param emptyElements  applies to elements around the whole replaced text

@@ -2,9 +2,9 @@
 
 namespace vmk {
 
-/// Stands for a non-breaking space in the display, where the settings ask for visible ones.
+/// Represents a non-breaking space in the display if the settings make it visible.
 inline constexpr char NbspMarker = '\x7f';
-/// UTF-8 form of U+00A0 inside a byte string.
+/// U+00A0 in UTF-8.
 inline constexpr char Utf8Nbsp[] = "\xc2\xa0";
 
 /// The character of the display for a non-breaking space.

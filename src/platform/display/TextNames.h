@@ -3,18 +3,18 @@
 #include <optional>
 #include <string_view>
 
-/// The units and end points of text ranges, and the names that they have in the rules of editing.
+/// The units and end points of text ranges, and their names in the editing rules.
 namespace vmk {
 
-/// What a range is moved and grown by.
+/// The units by which a range is moved and extended.
 enum class TextUnit
 {
-    Character, ///< a line break is one; a position inside a surrogate pair is passed over
+    Character, ///< a line break is one; a position inside a surrogate pair is skipped
     Word, ///< letters and digits, or other signs, with the blanks after them; a line break is one
     Textedit ///< the whole document
 };
 
-/// Where HTML is inserted beside an element.
+/// The position next to an element at which HTML is inserted.
 enum class Adjacent
 {
     BeforeBegin,
@@ -46,7 +46,7 @@ constexpr bool IsSameName(std::u16string_view a, std::u16string_view b)
 
 } // namespace detail
 
-/// The unit of this name, in any case; nothing for an unknown one.
+/// Returns the unit with this name, in any case; nothing for an unknown one.
 [[nodiscard]] constexpr std::optional<TextUnit> TextUnitNamed(std::u16string_view name)
 {
     if (detail::IsSameName(name, u"character"))
@@ -58,7 +58,7 @@ constexpr bool IsSameName(std::u16string_view a, std::u16string_view b)
     return std::nullopt;
 }
 
-/// The end points of this name, in any case; nothing for an unknown one.
+/// Returns the end points with this name, in any case; nothing for an unknown one.
 [[nodiscard]] constexpr std::optional<EndPoints> EndPointsNamed(std::u16string_view name)
 {
     if (detail::IsSameName(name, u"StartToStart"))
@@ -83,7 +83,7 @@ struct TextUnitName
     }
 };
 
-/// The same for `u"StartToEnd"` and its like.
+/// The same for literals such as `u"StartToEnd"`.
 struct EndPointsName
 {
     EndPoints ends;

@@ -4,11 +4,11 @@
 
 #include <utility>
 
-/// The start and end of words. A word is a run of letters, digits and underscores, or a run of other signs,
-/// with the blanks after it; a line break is a separate word.
+/// The start and end of words. A word is a run of word characters, or a run of other signs, with the blanks
+/// after it; a line break is a separate word.
 namespace vmk {
 
-/// Letters, marks on them, digits, the underscore and the soft hyphen.
+/// Letters, combining marks, digits, the underscore and the soft hyphen.
 [[nodiscard]] bool IsWordCharacter(QChar c);
 
 /// Returns the next word start after a position, or the line's end, or the next line's start; at the end of
@@ -23,8 +23,8 @@ namespace vmk {
 /// true: then the result is the end of the word that begins there.
 [[nodiscard]] Position WordEndAt(const DisplayDocument& document, Position place, bool next);
 
-/// The run of letters, of other signs or of blanks that a position lies in, without the blanks after it; at
-/// the border of two, the letters. Empty in an empty line.
+/// Returns the run of letters, of other signs or of blanks around a position, without the blanks after it;
+/// between two runs, the letters. Empty in an empty line.
 [[nodiscard]] std::pair<Position, Position> WordAround(const DisplayDocument& document, Position place);
 
 } // namespace vmk

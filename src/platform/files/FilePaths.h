@@ -2,8 +2,8 @@
 
 #include <QString>
 
-/// The parts of a path, by its text alone: nothing is looked up. Both "\" and "/" are separators. Each part
-/// of an empty path is empty.
+/// The parts of a path. Uses only the text of the path. Both "\" and "/" are separators. Each part of an
+/// empty path is empty.
 namespace vmk {
 
 /// The text after the last "."; all of it if there is none.
@@ -16,7 +16,7 @@ namespace vmk {
 [[nodiscard]] QString BaseNameOf(const QString& path);
 /// The text up to and including the last ":\" or ":/"; empty without one.
 [[nodiscard]] QString DriveOf(const QString& path);
-/// The path without its last extension: a dot in a folder's name is no extension.
+/// The path without its last extension; a dot in the name of a folder does not start an extension.
 [[nodiscard]] QString WithoutExtension(const QString& path);
 
 } // namespace vmk

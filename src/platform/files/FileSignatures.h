@@ -1,12 +1,12 @@
 #pragma once
 
-/// The first bytes that tell what a file holds.
+/// The first bytes that identify the format of a file.
 namespace vmk {
 
 inline constexpr char PngSignature[] = "\x89PNG";
 inline constexpr char JpegSignature1[] = "\xff\xd8\xff\xe0";
 inline constexpr char JpegSignature2[] = "\xff\xd8\xff\xfe";
-/// First bytes of a clean-up file.
+/// The first bytes of a clean-up file.
 inline constexpr char CleanUpFileSignature[] = "VMKCleanUpFile\xe9\xfe";
 
 } // namespace vmk

@@ -12,6 +12,7 @@
 /// `FileOperations.h`.
 namespace vmk {
 
+/// The kind of a directory entry.
 enum class FileKind
 {
     None, ///< does not exist, or is not accessible
@@ -20,6 +21,7 @@ enum class FileKind
     Other ///< a device, a pipe or a socket
 };
 
+/// The result of reading a file.
 enum class ReadOutcome
 {
     Ok,

@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-/// What the conversions and the saving of a book ask of the window that shows it.
+/// Queries and calls from the conversions and the saving of a book to the window that shows it.
 namespace vmk {
 
 /// Sets the caption of the main window or of the preview window. Without a window, does nothing.

@@ -6,6 +6,7 @@
 
 namespace vmk {
 
+/// The icon and the buttons of a box.
 enum class BoxKind
 {
     Plain, ///< no icon, OK

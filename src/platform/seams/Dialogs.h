@@ -9,6 +9,7 @@
 
 namespace vmk {
 
+/// The parameters of a file dialog.
 struct FileDialogRequest
 {
     enum Kind
@@ -27,6 +28,7 @@ struct FileDialogRequest
     QString filter;
 };
 
+/// The result of a font dialog.
 struct FontChoice
 {
     QString name;

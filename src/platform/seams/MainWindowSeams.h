@@ -24,6 +24,7 @@ void ShowStatus(const QString& text);
 [[nodiscard]] Seam<void(int panel, const QString& text)>& StatusPanelSeam();
 void ShowStatusPanel(int panel, const QString& text);
 
+/// The shapes of the mouse pointer.
 enum class Pointer
 {
     Default,

@@ -53,8 +53,8 @@ private:
     typename Seam<Signature>::Function before;
 };
 
-/// Holds what it fills into any number of seams, and puts back what was there before when it is destroyed or
-/// asked to `release`: for a window that fills seams for as long as it exists.
+/// Fills any number of seams for the lifetime of a window. Restores the previous functions when it is
+/// destroyed or released.
 class SeamOwner
 {
 public:
@@ -70,7 +70,7 @@ public:
         restorers.emplace_back([&seam, before] { seam.Fill(std::move(*before)); });
     }
 
-    /// Puts the earlier functions back, last filled first.
+    /// Restores the previous functions, in reverse order.
     void release()
     {
         for (; !restorers.empty(); restorers.pop_back())

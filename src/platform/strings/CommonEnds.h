@@ -5,10 +5,10 @@
 #include <functional>
 #include <iterator>
 
-/// What two sequences share at their ends: the one measure of what an edit changed.
+/// The common ends of two sequences: the only measure of the extent of an edit.
 namespace vmk {
 
-/// How many elements two sequences share from their front on.
+/// Returns the length of the common prefix of two sequences.
 /// \param alike  whether an element of `a` counts as equal to one of `b`
 template <class A, class B, class Alike = std::equal_to<>>
 [[nodiscard]] std::ptrdiff_t CommonFront(const A& a, const B& b, Alike alike = {})
@@ -16,7 +16,7 @@ template <class A, class B, class Alike = std::equal_to<>>
     return std::mismatch(std::begin(a), std::end(a), std::begin(b), std::end(b), alike).first - std::begin(a);
 }
 
-/// How many elements two sequences share at their back, without their first `frontOfA` and `frontOfB`
+/// Returns the length of the common suffix of two sequences, without their first `frontOfA` and `frontOfB`
 /// elements.
 template <class A, class B, class Alike = std::equal_to<>>
 [[nodiscard]] std::ptrdiff_t CommonBack(const A& a, std::ptrdiff_t frontOfA, const B& b,

@@ -2,7 +2,7 @@
 
 namespace vmk {
 
-/// Line end written everywhere.
+/// The line end in all files that the program writes.
 inline constexpr char CrLf[] = "\r\n";
 
 } // namespace vmk

@@ -17,9 +17,8 @@ struct Utf8Character
 
 /// Decodes the character at the beginning of `bytes`.
 /// \param bytes  not empty
-/// \return U+FFFD and length 0 where no character begins: overlong forms, surrogates, values above U+10FFFF
-/// and
-///         sequences that are cut short
+/// \return U+FFFD and length 0 if no character begins there: overlong forms, surrogates, values above
+///         U+10FFFF and truncated sequences
 [[nodiscard]] inline Utf8Character DecodeUtf8(std::string_view bytes)
 {
     const auto byte = [bytes](std::size_t at) { return static_cast<unsigned char>(bytes[at]); };

@@ -15,7 +15,7 @@ namespace vmk {
 
 namespace {
 
-/// A display as a screen reader sees it: one text, a line break counting as one character.
+/// A display for screen readers: one text in which a line break counts as one character.
 class AccessibleDisplay : public QAccessibleWidget,
                           public QAccessibleTextInterface,
                           public QAccessibleEditableTextInterface
@@ -165,7 +165,7 @@ AccessibleDisplay* InterfaceOf(DisplayView& view)
     return dynamic_cast<AccessibleDisplay*>(QAccessible::queryAccessibleInterface(&view));
 }
 
-/// The text of lines, each with its line break.
+/// The text of lines, each followed by its line break.
 QString TextOf(const std::vector<LinePtr>& lines)
 {
     QString text;

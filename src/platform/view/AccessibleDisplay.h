@@ -8,23 +8,23 @@ namespace vmk {
 
 class DisplayView;
 
-/// Makes displays known to screen readers, as editable text. Once per process is enough.
+/// Registers displays with screen readers, as editable text. One call per process is sufficient.
 void InstallAccessibleDisplay();
 
-/// The characters in which two runs of lines differ, a line break counting as one.
+/// The characters in which two runs of lines differ; a line break counts as one.
 struct CharacterChange
 {
-    int offset = 0; ///< From the first line's beginning.
+    int offset = 0; ///< From the beginning of the first line.
     QString removed;
     QString inserted;
 };
 [[nodiscard]] CharacterChange ChangeBetween(const std::vector<LinePtr>& removed,
                                             const std::vector<LinePtr>& inserted);
 
-/// Tells screen readers which characters changed when lines, from `first` on, gave way to others.
+/// Reports to screen readers which characters changed when lines, from `first` on, were replaced by others.
 void ReportTextChange(DisplayView& view, int first, const std::vector<LinePtr>& removed,
                       const std::vector<LinePtr>& inserted);
-/// Tells screen readers where caret and selection stand.
+/// Reports the position of caret and selection to screen readers.
 void ReportCaretMove(DisplayView& view);
 
 } // namespace vmk

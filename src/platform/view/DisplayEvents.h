@@ -7,28 +7,28 @@
 
 namespace vmk {
 
-/// One event of the display, as its handlers see it.
+/// One event of the display, as passed to its handlers.
 struct DisplayEvent
 {
-    /// "keydown", "mousedown", "scroll" and so on: the event's name without "on".
+    /// "keydown", "mousedown", "scroll" and so on: the name of the event without "on".
     QLatin1StringView type;
-    /// Key events: the Windows virtual key code, 0 for a key that has none.
+    /// Key events: the Windows virtual key code; 0 for a key without one.
     int keyCode = 0;
     bool ctrlKey = false;
     bool altKey = false;
     bool shiftKey = false;
     /// Mouse events: 1 left, 2 right, 4 middle, 0 none.
     int button = 0;
-    /// Mouse events: the pointer in pixels from the top left of the visible page. Beyond the page's
-    /// `clientWidth` or `clientHeight` on a scroll bar.
+    /// Mouse events: the position of the pointer in pixels from the top left corner of the visible page. On a
+    /// scroll bar, outside the page's `clientWidth` or `clientHeight`.
     int clientX = 0;
     int clientY = 0;
-    /// A handler sets it to false to keep the display from acting on the event itself.
+    /// A handler sets this to false to prevent the display's default action.
     bool returnValue = true;
 };
 
-/// The handlers of a display's owner. A handler left empty is not called. Each runs on the user-interface
-/// thread, inside the widget's own event, before the display acts on it.
+/// The handlers of the owner of a display. An empty handler is not called. Handlers run on the user-interface
+/// thread, inside the widget's own event, before the default action of the display.
 struct DisplayEvents
 {
     using Handler = std::function<void(DisplayEvent&)>;
@@ -40,23 +40,23 @@ struct DisplayEvents
     Handler onmouseup;
     /// After the release of a plain press.
     Handler onclick;
-    /// After the second release; the word is selected already.
+    /// After the second release; the word is already selected.
     Handler ondblclick;
     Handler oncontextmenu;
-    /// A drag begins inside the selection. Nothing is ever dragged; the press selects instead.
+    /// A drag begins inside the selection. Dragging is not supported; the press selects instead.
     Handler ondragstart;
     Handler onfocusout;
-    /// The page has been scrolled, by whatever means.
+    /// The page was scrolled, for any reason.
     Handler onscroll;
-    /// The visible page has another size.
+    /// The size of the visible page has changed.
     Handler onresize;
     /// `readyState` has changed to "complete".
     Handler onreadystatechange;
 
-    /// Before every navigation, also that of a file dropped on the display: the target's path or
-    /// address. Sets the second argument to true to forbid it.
+    /// Before every navigation, including that to a file dropped on the display: the path or address of the
+    /// target. Setting `cancel` to true prevents the navigation.
     std::function<void(const QString& target, bool& cancel)> onbeforenavigate;
-    /// The page of a navigation stands complete, read-only as yet; runs from the event loop.
+    /// The page of a navigation is complete and still read-only; called from the event loop.
     std::function<void(const QString& location)> ondocumentcomplete;
 };
 

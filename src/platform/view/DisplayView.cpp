@@ -21,12 +21,13 @@ namespace vmk {
 
 namespace {
 
-/// One idle slice; the timer's next turn comes after all waiting input, which never is to wait for 10 ms.
+/// The length of one idle slice. The timer's next event comes after all pending input, which never waits 10
+/// ms.
 constexpr std::chrono::milliseconds IdleSlice(2);
-/// Pixels of one step of the wheel's third or the scroll bar's arrows.
+/// Pixels per third of a wheel step, or per click on an arrow of the scroll bar.
 constexpr int ScrollStep = 20;
 constexpr int CaretWidth = 1;
-/// Lines at either end that tell the bounds of a long piece of text.
+/// The number of lines at either end from which the bounds of a long text are computed.
 constexpr int BoundingLines = 50;
 
 } // namespace
@@ -75,7 +76,7 @@ bool DisplayView::Navigate(const QString& target)
 
 void DisplayView::completeNavigation()
 {
-    // A second navigation before the first was complete takes its place.
+    // A second navigation before the first is complete replaces it.
     if (pendingLocation.isNull())
         return;
     pageLocation = std::exchange(pendingLocation, QString());
@@ -131,7 +132,7 @@ DisplayEvent DisplayView::makeEvent(QLatin1StringView type, Qt::KeyboardModifier
     return event;
 }
 
-/// Calls a handler with `currentEvent` set. True if the display is to act on the event itself.
+/// Calls a handler with `currentEvent` set. Returns true if the default action is to be executed.
 bool DisplayView::raise(const DisplayEvents::Handler& handler, DisplayEvent& event)
 {
     if (!handler)
@@ -148,7 +149,7 @@ void DisplayView::pageScrolled()
     raise(events.onscroll, event);
 }
 
-// ---------------------------------------------------------------- the document's ear
+// ---------------------------------------------------------------- DisplayListener
 
 void DisplayView::linesChanged(int first, const std::vector<LinePtr>& removed,
                                const std::vector<LinePtr>& inserted)
@@ -166,8 +167,8 @@ void DisplayView::linesChanged(int first, const std::vector<LinePtr>& removed,
 
 void DisplayView::selectionChanged()
 {
-    // An edit that carries the selection along leaves the view where it is; a selection that somebody
-    // makes comes into view.
+    // An edit that moves the selection does not scroll; a selection that is set explicitly is scrolled into
+    // view.
     if (content.selection() != knownSelection) {
         knownSelection = content.selection();
         scroller.reveal();
@@ -211,7 +212,7 @@ void DisplayView::documentReset()
     rememberedX.reset();
     knownSelection = content.selection();
     resetPage();
-    // The page's top margin is in view too.
+    // The top margin of the page is visible too.
     scroller.anchorHere();
 }
 
@@ -222,7 +223,7 @@ void DisplayView::resetPage()
     viewport()->update();
 }
 
-// ---------------------------------------------------------------- where the page stands
+// ---------------------------------------------------------------- position of the page
 
 /// Does all that is outstanding: every question about positions and every paint begins here.
 void DisplayView::settle()
@@ -245,7 +246,7 @@ void DisplayView::pagePlaced(bool changed)
 
 QRect DisplayView::toClient(const QRectF& pageRect) const
 {
-    // Whole pixels around it; a caret stays without width.
+    // Rounded outwards to whole pixels; a caret keeps width 0.
     const int left = int(std::floor(pageRect.left()));
     const int width = pageRect.width() > 0 ? int(std::ceil(pageRect.right())) - left : 0;
     return {left, int(pageRect.top()) - scroller.top(), width, int(pageRect.height())};
@@ -324,7 +325,7 @@ QRect DisplayView::boundingRect(Position from, Position to)
     scroller.hold();
     if (rects.empty())
         return {};
-    // Not `united`, which passes over rectangles without width.
+    // Not `united`, which ignores rectangles of width 0.
     QRectF bounds = rects.front();
     for (const QRectF& rect : rects) {
         bounds.setLeft(std::min(bounds.left(), rect.left()));
@@ -367,7 +368,7 @@ QPoint DisplayView::scrollOffset()
 void DisplayView::scrollIntoView(Position place)
 {
     settle();
-    // What lies above the place does not matter; what comes below is laid out on the way.
+    // The text above the position does not matter; the text below it is laid out meanwhile.
     scroller.scrollTo(page.caretRect(content.valid(place)).top());
 }
 
@@ -396,8 +397,8 @@ QRect DisplayView::caretRect()
 
 bool DisplayView::event(QEvent* event)
 {
-    // Keys are the document's before they are any menu's shortcut: the owner's handler decides. The menus
-    // keep Alt and a letter.
+    // Keys go to the document before any menu shortcut: the owner's handler decides. The menus keep Alt with
+    // a letter.
     if (event->type() == QEvent::ShortcutOverride) {
         const Qt::KeyboardModifiers modifiers = static_cast<QKeyEvent*>(event)->modifiers();
         const bool menuKey = modifiers.testFlag(Qt::AltModifier) && !modifiers.testFlag(Qt::ControlModifier);
@@ -414,7 +415,7 @@ void DisplayView::resizeEvent(QResizeEvent*)
     scroller.invalidate();
     settle();
     viewport()->update();
-    // A browser raises this for the window and once more for its body; owners count on the pair.
+    // A browser raises this event for the window and again for its body; owners depend on both.
     for (int i = 0; i < 2; ++i) {
         DisplayEvent event = makeEvent("resize"_L1, {});
         raise(events.onresize, event);
@@ -435,7 +436,7 @@ void DisplayView::scrollContentsBy(int, int)
     const int wanted = verticalScrollBar()->value();
     const int before = scroller.top();
     settle();
-    // The thumb names a place of the page; everything else a distance.
+    // The slider sets a position of the page; everything else sets a distance.
     if (verticalScrollBar()->isSliderDown())
         scroller.place(wanted);
     else
@@ -472,7 +473,7 @@ bool DisplayView::acceptUrls(QDropEvent& event)
 {
     if (!event.mimeData()->hasUrls())
         return false;
-    // As a copy: a source told of a move may take its file away.
+    // As a copy: after a move the source may delete its file.
     event.setDropAction(Qt::CopyAction);
     event.accept();
     return true;
@@ -490,7 +491,7 @@ void DisplayView::dragMoveEvent(QDragMoveEvent* event)
 
 void DisplayView::dropEvent(QDropEvent* event)
 {
-    // A file dropped is a navigation, for the owner to decide on; text is never dropped in.
+    // A dropped file is a navigation, which the owner may cancel; text cannot be dropped.
     if (!acceptUrls(*event))
         return;
     const QUrl url = event->mimeData()->urls().constFirst();
@@ -547,7 +548,7 @@ void DisplayView::paintEvent(QPaintEvent* event)
     tellInputMethod();
 }
 
-/// The input method's window follows the caret.
+/// Reports the caret to the input method, so that its window follows.
 void DisplayView::tellInputMethod()
 {
     const QRect rect = inputCaretRect();

@@ -15,10 +15,10 @@ namespace vmk {
 
 /// The display: shows a page, scrolls it, and lets the user edit it.
 ///
-/// The view owns its document and tells it where things stand on the screen. It raises the document's
-/// events to its owner (`events`) and does what a browser's edit mode does with whatever the owner has not
-/// cancelled. Only what is seen is laid out at once; the rest of the page is measured in idle time, with
-/// the first visible row held in place.
+/// The view owns its document and provides its layout queries. It raises the events of the document for its
+/// owner (`events`) and executes the default action of a browser in edit mode unless the owner has cancelled
+/// it. Only the visible lines are laid out at once. The rest of the page is measured in idle time, while the
+/// first visible row keeps its position.
 class DisplayView : public QAbstractScrollArea,
                     private DisplayListener,
                     private LayoutQuery,
@@ -35,19 +35,20 @@ public:
 
     /// The owner's handlers.
     DisplayEvents events;
-    /// The event being handled, null outside of one.
+    /// The event being handled; null outside an event.
     [[nodiscard]] const DisplayEvent* currentEvent() const { return current; }
 
     // ---- navigation
 
-    /// Goes to a page file: asks `onbeforenavigate`, then loads the page from the event loop and raises
-    /// `ondocumentcomplete`. The page is read-only until `setDesignMode`. A file that cannot be read shows
+    /// Navigates to a page file: calls `onbeforenavigate`, then loads the page from the event loop and raises
+    /// `ondocumentcomplete`. The page is read-only until `setDesignMode`. A file that cannot be read is shown
     /// as an empty page.
-    /// @param target a path or a file's URL. @return false when it was forbidden.
+    /// \param target  a path or a file URL
+    /// \return false if `onbeforenavigate` has cancelled it
     bool Navigate(const QString& target);
-    /// Shows a page given as text in UTF-8, at once and without any event, as location "about:blank".
+    /// Shows a page given as UTF-8 text, at once and without any event, with the location "about:blank".
     void setPage(const QByteArray& html);
-    /// The path of the page shown.
+    /// The path of the current page.
     [[nodiscard]] const QString& location() const { return pageLocation; }
     /// "loading" or "complete".
     [[nodiscard]] QString readyState() const;
@@ -61,25 +62,25 @@ public:
 
     [[nodiscard]] int scrollTop();
     [[nodiscard]] int scrollLeft() const { return 0; }
-    /// Height of the whole page, at least the visible height. Nearly exact from the start, exact once
-    /// all lines are measured.
+    /// The height of the whole page, at least the visible height. Nearly exact from the start, exact once all
+    /// lines are measured.
     [[nodiscard]] int scrollHeight();
     [[nodiscard]] int clientWidth() const;
     [[nodiscard]] int clientHeight() const;
     [[nodiscard]] int offsetHeight() const { return clientHeight(); }
     [[nodiscard]] int clientTop() const { return 0; }
     [[nodiscard]] int clientLeft() const { return 0; }
-    /// Scrolls to a place of the page; the height stands exactly unless the page ends before.
+    /// Scrolls to a position of the page. The height is exact unless the page ends before it.
     void scroll(int x, int y);
-    /// Scrolls by a distance; what is visible moves by exactly that unless the page ends.
+    /// Scrolls by a distance. The visible part moves by exactly this distance unless the page ends.
     void scrollBy(int x, int y);
-    /// Takes the keyboard focus.
+    /// Sets the keyboard focus.
     void focus() { setFocus(Qt::OtherFocusReason); }
 
-    /// Number of the visual row that a place stands on, from 1 at the page's top, without laying out what
-    /// is in between. Lines not yet measured count by their estimate.
+    /// Returns the number of the visual row of a position, from 1 at the top of the page, without laying out
+    /// the text above it. Lines that are not measured yet count with their estimate.
     [[nodiscard]] int64_t rowNumber(Position place);
-    /// All heights and rows are exact.
+    /// Returns whether all heights and row numbers are exact.
     [[nodiscard]] bool isMeasured() const { return page.isMeasured(); }
 
     /// While one of these exists the view neither lays out nor paints nor reports changes: for a run of many
@@ -107,40 +108,40 @@ public:
     void scrollTo(QPoint offset) override { scroll(offset.x(), offset.y()); }
     void scrollIntoView(Position place) override;
 
-    // ---- native editing commands; those that change the page do nothing unless it is editable
+    // ---- native editing commands; commands that change the page do nothing unless it is editable
 
     void selectAll();
-    /// The selected text, `CrLf` for each line break.
+    /// Returns the selected text, with `CrLf` for each line break.
     [[nodiscard]] QString selectedText() const;
-    /// The selected text goes to the clipboard; nothing happens at a bare caret.
+    /// Copies the selected text to the clipboard. Does nothing without a selection.
     void copy() const;
     void cut();
-    /// The clipboard's text takes the selection's place.
+    /// Replaces the selection by the text of the clipboard.
     void paste();
     /// @param steps of the document's undo
     void undo(int steps = 1);
     void redo(int steps = 1);
 
-    /// Puts text in the selection's place as one step; each line end in it begins a new line.
+    /// Replaces the selection by text, as one undo step; each line end in it begins a new line.
     void insertText(const QString& text);
 
-    /// A stretch of text of one look: offsets in its line.
+    /// A run of text with one look; offsets in its line.
     struct TextRun
     {
         int from = 0;
         int to = 0;
         TextLook look;
     };
-    /// The stretch that holds the character at a place.
+    /// Returns the run that contains the character at a position.
     [[nodiscard]] TextRun runAt(Position place);
 
-    /// The caret, in client coordinates.
+    /// Returns the caret in client coordinates.
     [[nodiscard]] QRect caretRect();
 
 Q_SIGNALS:
-    /// The selection or the caret stands elsewhere, or the text has changed.
+    /// The selection, the caret or the text has changed.
     void selectionOrTextChanged();
-    /// The last line has been measured: heights and row numbers are exact now.
+    /// The last line was measured: heights and row numbers are now exact.
     void measured();
 
 protected:
@@ -167,7 +168,7 @@ protected:
     void timerEvent(QTimerEvent* event) override;
 
 private:
-    // The document's ear.
+    // DisplayListener
     void linesChanged(int first, const std::vector<LinePtr>& removed,
                       const std::vector<LinePtr>& inserted) override;
     void selectionChanged() override;
@@ -175,18 +176,18 @@ private:
 
     static bool acceptUrls(QDropEvent& event);
 
-    // Events to the owner.
+    // Events for the owner.
     [[nodiscard]] DisplayEvent makeEvent(QLatin1StringView type, Qt::KeyboardModifiers modifiers) const;
     bool raise(const DisplayEvents::Handler& handler, DisplayEvent& event);
     bool raiseMouse(const DisplayEvents::Handler& handler, QLatin1StringView type, const QMouseEvent& event);
     void completeNavigation();
 
-    // What the scroller asks for.
+    // ScrollerView
     [[nodiscard]] int visibleHeight() const override { return clientHeight(); }
     void pagePlaced(bool changed) override;
     void pageScrolled() override;
 
-    // Where the page stands.
+    // Position of the page.
     void settle();
     void reveal();
     [[nodiscard]] QPointF toPage(QPoint clientPoint) const
@@ -235,9 +236,9 @@ private:
     int updateHolds = 0;
     bool movingScrollBar = false;
 
-    /// The selection as the last edit left it: one that differs was made by somebody, and is shown.
+    /// The selection after the last edit. A different one was set explicitly and is scrolled into view.
     Selection knownSelection;
-    /// Where vertical moves of the caret aim at; none after any other move.
+    /// The target x of vertical caret moves; empty after any other move.
     std::optional<double> rememberedX;
 
     bool dragging = false;
@@ -248,13 +249,13 @@ private:
     std::optional<std::pair<Position, Position>> pressWord;
 
     bool caretOn = false;
-    /// Caret within the text of an input method, and whether it is seen.
+    /// The caret within the text of an input method, and whether it is visible.
     int preeditCursor = 0;
     bool preeditCaretShown = true;
-    /// How parts of that text are marked.
+    /// The formats of that text.
     QList<QTextLayout::FormatRange> preeditFormats;
 
-    /// The caret as the input method knows it.
+    /// The caret last reported to the input method.
     QRect toldCaretRect;
 
     QBasicTimer blinkTimer;

@@ -1,4 +1,4 @@
-// The keyboard of the display: events to the owner, then what a browser's edit mode does by itself.
+// Keyboard input of the display: events for the owner, then the default actions of a browser in edit mode.
 
 #include "DisplayView.h"
 
@@ -21,18 +21,18 @@ namespace vmk {
 
 namespace {
 
-/// Pixels of one row when the page is scrolled by key.
+/// Pixels per row when the page is scrolled with the keyboard.
 constexpr int KeyScroll = 40;
-/// Characters around the caret that an input method is told.
+/// The number of characters around the caret that are reported to an input method.
 constexpr int SurroundingText = 2000;
 
-/// The text that a key types, empty for a key that is a command.
+/// The text that a key types; empty for a key that is a command.
 QString TypedText(const QKeyEvent& event)
 {
     const Qt::KeyboardModifiers modifiers = event.modifiers();
     const bool control = modifiers.testFlag(Qt::ControlModifier);
     const bool alt = modifiers.testFlag(Qt::AltModifier);
-    // Ctrl and Alt together are how some keyboards say AltGr.
+    // Some keyboards report AltGr as Ctrl and Alt together.
     if (control != alt || modifiers.testFlag(Qt::MetaModifier))
         return {};
     const QString text = event.text();
@@ -65,7 +65,7 @@ void DisplayView::keyReleaseEvent(QKeyEvent* event)
 
 bool DisplayView::focusNextPrevChild(bool)
 {
-    // Tab comes as a key; what the owner leaves of it moves the focus.
+    // Tab is handled as a key; if the owner does not handle it, it moves the focus.
     return false;
 }
 
@@ -219,7 +219,7 @@ bool DisplayView::scrollByKey(int keyCode, Qt::KeyboardModifiers)
     }
 }
 
-/// Shows the caret after an edit by key, wherever the edit has carried it.
+/// Scrolls the caret into view after an edit with the keyboard.
 void DisplayView::reveal()
 {
     scroller.reveal();
@@ -233,7 +233,7 @@ void DisplayView::moveCaret(Position place, bool select)
     reveal();
 }
 
-/// To the row above (-1) or below (1), as near as can be to the column where the moves began.
+/// Moves to the row above (-1) or below (1), as near as possible to the column where the moves began.
 void DisplayView::moveVertically(int direction, bool select)
 {
     settle();
@@ -246,14 +246,15 @@ void DisplayView::moveVertically(int direction, bool select)
         place = rowStart == Position{} ? caret : page.onRow(page.previous(rowStart), x);
     else
         place = page.onRow(page.next(rowEnd), x);
-    // Below the last row the next place is the same one again.
+    // Below the last row the next position is the same one again.
     if (direction > 0 && page.next(rowEnd) == rowEnd)
         place = caret;
     moveCaret(place, select);
     rememberedX = x;
 }
 
-/// Caret and page move alike, by the view's height less one row; at the page's ends the caret alone.
+/// Moves the caret and the page by the height of the view minus one row; at an end of the page, only the
+/// caret.
 void DisplayView::moveByPage(int direction, bool select)
 {
     settle();
@@ -368,7 +369,7 @@ void DisplayView::inputMethodEvent(QInputMethodEvent* event)
             content.typeText(event->commitString());
     }
     if (!event->preeditString().isEmpty()) {
-        // What is being composed takes the selection's place from its first character on.
+        // The composed text replaces the selection from its first character on.
         content.deleteSelection();
         takePreedit(*event);
     }
@@ -399,7 +400,7 @@ void DisplayView::takePreedit(const QInputMethodEvent& event)
 
 QVariant DisplayView::inputMethodQuery(Qt::InputMethodQuery query) const
 {
-    // An input method is told the caret's line, or what of a long one lies around the caret.
+    // Reports the line of the caret, or for a long line the part around the caret.
     const Selection& selection = content.selection();
     const Position caret = selection.focus;
     const QString& line = content.line(caret.line).text;
@@ -433,7 +434,7 @@ QVariant DisplayView::inputMethodQuery(Qt::InputMethodQuery query) const
     }
 }
 
-/// The caret, in or out of a composed text, as the input method's window goes by.
+/// The caret, inside or outside a composed text, for the position of the input method's window.
 QRect DisplayView::inputCaretRect()
 {
     if (!page.hasPreedit())

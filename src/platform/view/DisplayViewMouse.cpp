@@ -1,4 +1,4 @@
-// The mouse of the display: events to the owner, then selection as a browser does it by itself.
+// Mouse input of the display: events for the owner, then selection as in a browser.
 
 #include "DisplayView.h"
 #include "WordBreaks.h"
@@ -14,9 +14,9 @@ namespace vmk {
 
 namespace {
 
-/// Milliseconds between two turns of the page while the pointer is held outside.
+/// Milliseconds between two scroll steps while the pointer is held outside the view.
 constexpr int DragScrollInterval = 30;
-/// The further outside the pointer, the faster the page moves; at most so many pixels a turn.
+/// The scroll speed increases with the distance of the pointer; the maximum number of pixels per step.
 constexpr int DragScrollLimit = 120;
 
 int ButtonNumber(Qt::MouseButton button)
@@ -57,7 +57,7 @@ void DisplayView::mousePressEvent(QMouseEvent* event)
     const Position place = positionAt(point);
     const Selection selection = content.selection();
     const bool inSelection = !selection.isEmpty() && selection.start() <= place && place < selection.end();
-    // A right click within the selection is about the selection.
+    // A right click inside the selection keeps it.
     if (event->button() == Qt::RightButton && inSelection)
         return;
     if (event->button() != Qt::LeftButton && event->button() != Qt::RightButton)
@@ -101,7 +101,7 @@ void DisplayView::mouseReleaseEvent(QMouseEvent* event)
     raiseMouse(events.onmouseup, QLatin1StringView("mouseup"), *event);
     if (event->button() != Qt::LeftButton)
         return;
-    // A browser tells of the double click after its second release.
+    // A browser raises the double click after the second release.
     if (std::exchange(doubleClicked, false))
         raiseMouse(events.ondblclick, QLatin1StringView("dblclick"), *event);
     else
@@ -114,7 +114,7 @@ void DisplayView::mouseDoubleClickEvent(QMouseEvent* event)
         mousePressEvent(event);
         return;
     }
-    // The second press raises no event of its own: it chooses the word.
+    // The second press raises no event: it selects the word.
     event->accept();
     doubleClicked = true;
     rememberedX.reset();
@@ -136,7 +136,7 @@ void DisplayView::contextMenuEvent(QContextMenuEvent* event)
     raise(events.oncontextmenu, menu);
 }
 
-/// Stretches the selection to the pointer; after a double click, word by word.
+/// Extends the selection to the pointer; after a double click, word by word.
 void DisplayView::dragTo(QPoint point)
 {
     const Position place = positionAt({point.x(), std::clamp(point.y(), 0, std::max(0, clientHeight() - 1))});

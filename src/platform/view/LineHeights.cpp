@@ -8,7 +8,7 @@ namespace vmk {
 
 namespace {
 
-/// Lines that a new block gets, and the most that it may grow to.
+/// The number of lines in a new block, and the maximum to which a block may grow.
 constexpr size_t BlockFill = 256;
 constexpr size_t BlockLimit = 2 * BlockFill;
 
@@ -55,12 +55,12 @@ void LineHeights::replace(int first, int removed, std::span<const LineExtent> in
         assign(inserted);
         return;
     }
-    // The blocks that hold the first line and the last one taken out; a line past the end goes to the last.
+    // The blocks of the first and the last removed line; a line after the end belongs to the last block.
     const Place from = placeOf(first);
     const Place to = removed > 0 ? placeOf(first + removed - 1) : from;
     const size_t tailOffset = removed > 0 ? to.offset + 1 : to.offset;
 
-    // Inside one block, as nearly every edit is, only that block and its branch of the tree change.
+    // Nearly every edit is inside one block: only that block and its branch of the tree change.
     Block& block = blocks[from.block];
     const size_t newSize = block.extents.size() - removed + inserted.size();
     if (from.block == to.block && newSize > 0 && newSize <= BlockLimit) {
@@ -124,7 +124,7 @@ int LineHeights::lineAt(int64_t y) const
         return 0;
     if (y >= total.height)
         return total.lines - 1;
-    // Down the tree to the last block that begins at or above y.
+    // Descends to the last block that begins at or above y.
     size_t index = 0;
     Sum before;
     for (size_t step = std::bit_floor(blocks.size()); step > 0; step /= 2) {
@@ -167,7 +167,7 @@ int LineHeights::nextUnmeasured(int from) const
 
 LineHeights::Place LineHeights::placeOf(int line) const
 {
-    // Down the tree to the last block that begins at or before the line.
+    // Descends to the last block that begins at or before the line.
     size_t index = 0;
     Sum before;
     for (size_t step = std::bit_floor(blocks.size()); step > 0; step /= 2) {

@@ -6,58 +6,58 @@
 
 namespace vmk {
 
-/// What one line of a page takes on the screen.
+/// The space of one line of a page on the screen.
 struct LineExtent
 {
-    /// Pixels from the line's top to the next line's top.
+    /// Pixels from the top of the line to the top of the next line.
     uint32_t height : 31 = 0;
-    /// The height comes from a real layout and not from an estimate.
+    /// The height is from a real layout, not from an estimate.
     uint32_t measured : 1 = 0;
-    /// Visual rows that the line wraps into.
+    /// The number of visual rows of the wrapped line.
     uint32_t rows = 1;
 
     friend bool operator==(const LineExtent&, const LineExtent&) = default;
 };
 
-/// The extents of a page's lines in order: line to y and y to line in log n, at any number of lines.
+/// The extents of a page's lines in order. Converts line to y and y to line in O(log n).
 ///
-/// The lines stand in blocks of a few hundred; a Fenwick tree over the blocks' totals gives every prefix
-/// sum. A change inside a block costs log n, a block split or taken out a pass over the blocks.
+/// The lines are stored in blocks of a few hundred; a Fenwick tree over the totals of the blocks returns
+/// every prefix sum. A change inside a block costs O(log n); splitting or removing a block costs a pass over
+/// the blocks.
 class LineHeights
 {
 public:
-    /// Takes the place of all lines.
+    /// Replaces all lines.
     void assign(std::span<const LineExtent> extents);
 
-    /// Takes `removed` lines out at `first` and puts `inserted` in their place.
-    /// `first` + `removed` is at most `lineCount()`.
+    /// Replaces `removed` lines from `first` on by `inserted`. `first` + `removed` is at most `lineCount()`.
     void replace(int first, int removed, std::span<const LineExtent> inserted);
 
-    /// Changes one line's extent.
+    /// Changes the extent of one line.
     void set(int line, LineExtent extent);
 
     [[nodiscard]] int lineCount() const { return total.lines; }
-    /// Pixels of all lines together.
+    /// The height of all lines in pixels.
     [[nodiscard]] int64_t totalHeight() const { return total.height; }
-    /// Rows of all lines together.
+    /// The number of rows of all lines.
     [[nodiscard]] int64_t totalRows() const { return total.rows; }
-    /// Lines whose height is still an estimate.
+    /// The number of lines with an estimated height.
     [[nodiscard]] int unmeasuredLines() const { return total.unmeasured; }
 
-    /// The extent of a line from 0 to `lineCount()` - 1.
+    /// The extent of a line, 0 to `lineCount()` - 1.
     [[nodiscard]] LineExtent at(int line) const;
 
-    /// Pixels above a line; `lineCount()` gives the total height.
+    /// The height above a line in pixels; for `lineCount()`, the total height.
     [[nodiscard]] int64_t top(int line) const;
 
-    /// Rows above a line; `lineCount()` gives all rows.
+    /// The number of rows above a line; for `lineCount()`, the number of all rows.
     [[nodiscard]] int64_t rowsBefore(int line) const;
 
-    /// The line that holds pixel `y`: the first line for a `y` above the page, the last one for a `y`
-    /// below it, 0 when there are no lines. A line of no height is never found but as the last one.
+    /// Returns the line at pixel `y`: the first line for a `y` above the page, the last one for a `y` below
+    /// it, 0 if there are no lines. A line of height 0 is only returned if it is the last one.
     [[nodiscard]] int lineAt(int64_t y) const;
 
-    /// The first unmeasured line from `from` on, -1 if there is none.
+    /// Returns the first unmeasured line from `from` on, -1 if there is none.
     [[nodiscard]] int nextUnmeasured(int from) const;
 
 private:
@@ -91,7 +91,7 @@ private:
     static void appendBlocks(std::vector<Block>& blocks, std::span<const LineExtent> extents);
 
     std::vector<Block> blocks;
-    /// Fenwick tree over the blocks' sums; entry i stands at i + 1.
+    /// A Fenwick tree over the sums of the blocks; entry i is at index i + 1.
     std::vector<Sum> tree;
     Sum total;
 };

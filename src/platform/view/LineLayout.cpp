@@ -10,15 +10,15 @@ namespace vmk {
 
 namespace {
 
-/// Characters in a piece of a long line.
+/// The number of characters in a piece of a long line.
 constexpr int PieceLength = 2048;
-/// More characters than a row ever holds.
+/// Greater than the number of characters in any row.
 constexpr int Lookahead = 1024;
-/// Pieces of a long line that keep their shaped text.
+/// The number of pieces of a long line that keep their shaped text.
 constexpr size_t PiecesKept = 8;
-/// However deep the margins, so many pixels are left for text.
+/// The minimum width for text in pixels, even with large margins.
 constexpr double MinimumTextWidth = 60;
-/// Stands on the screen for `NbspMarker`, which fonts have no glyph for.
+/// The visible character for `NbspMarker`, for which fonts have no glyph.
 constexpr QChar NbspGlyph = u'\u25af';
 
 bool IsBlankCharacter(QChar c)
@@ -39,7 +39,7 @@ TextArea AreaOfText(const BlockLook& look, double pageWidth)
     return {left, std::max(MinimumTextWidth, pageWidth - left - right)};
 }
 
-/// Breaks text into rows as a layout would, by the widths of single characters.
+/// Breaks text into rows as a layout would, using the widths of single characters.
 class RowCounter
 {
 public:
@@ -54,14 +54,14 @@ public:
         for (const QChar c : text) {
             const float advance = widths.width(c);
             if (IsBlankCharacter(c)) {
-                // A blank never begins a row; it hangs over the edge.
+                // A blank never begins a row; it extends beyond the edge.
                 x += advance;
                 word = 0;
                 continue;
             }
             if (x + advance > width) {
                 ++rows;
-                // A word goes down as a whole, but for one that fills a row of its own.
+                // A whole word moves to the next row, unless it is longer than a row.
                 x = word + advance <= width ? word : 0;
                 if (x == 0)
                     word = 0;
@@ -84,8 +84,7 @@ private:
     int height = 0;
 };
 
-/// A row may be broken behind a slash; the slash of an end tag is the exception, so that `</p>` does not
-/// come apart.
+/// A row may be broken after a slash, except after the slash of an end tag, so that `</p>` is not split.
 void KeepEndTagsWhole(QTextLine& row, const QString& text, double width)
 {
     const int end = row.textStart() + row.textLength();
@@ -94,12 +93,12 @@ void KeepEndTagsWhole(QTextLine& row, const QString& text, double width)
     if (!apart)
         return;
     row.setNumColumns(row.textLength() - 2, width);
-    // A tag as long as the row has to be broken somewhere.
+    // A tag that fills the whole row has to be broken.
     if (row.textLength() == 0 || row.textStart() + row.textLength() >= end)
         row.setLineWidth(width);
 }
 
-/// What an edit changed between two versions of a line: [from, oldEnd) became [from, newEnd).
+/// The change of an edit between two versions of a line: [from, oldEnd) became [from, newEnd).
 struct Change
 {
     int from;
@@ -113,7 +112,7 @@ Change LineChangeBetween(const Line& before, const Line& after)
     const int newSize = int(after.text.size());
     int prefix = int(CommonFront(before.text, after.text));
     int suffix = int(CommonBack(before.text, after.text, prefix));
-    // Marks that differ widen the change: alike ones at the front, then, moved along, at the back.
+    // Different marks extend the change: the common ones at the beginning, then, after the shift, at the end.
     const auto& a = before.marks;
     const auto& b = after.marks;
     const int shift = newSize - oldSize;
@@ -179,8 +178,8 @@ LineLayout::LineLayout(LinePtr line, LineLayout& old)
     const Change change = LineChangeBetween(*old.content, *content);
     const int shift = change.newEnd - change.oldEnd;
 
-    // The pieces that the edit touches become one stretch, laid out anew; a word may also move up into
-    // the row in front of it.
+    // The pieces that the edit touches are laid out again as one range, together with the row before them, to
+    // which a word may move.
     const size_t first = old.pieceAt(change.from);
     const size_t last = old.pieceAt(change.oldEnd);
     for (size_t i = 0; i < first; ++i)
@@ -197,8 +196,8 @@ LineLayout::LineLayout(LinePtr line, LineLayout& old)
     }
     old.pieces.clear();
 
-    // Usually a row soon ends where it did before, and the rest stands as it was. Where not, the idle
-    // steps go on from here.
+    // Usually a row soon ends where it ended before, and the rest is unchanged. Otherwise the idle steps
+    // continue from here.
     const size_t begin = first > 0 ? first - 1 : 0;
     const size_t piecesAtOnce = unsettledEnd - begin <= 3 ? 4 : 1;
     for (size_t i = begin; i < pieces.size() && i < begin + piecesAtOnce; ++i) {
@@ -315,7 +314,7 @@ int LineLayout::offsetAt(const RowBox& row, double x)
     if (!line.isValid())
         return row.from;
     const int offset = piece.start + line.xToCursor(x - textLeft);
-    // Behind the last character of a row that breaks, the caret would show on the next one.
+    // After the last character of a wrapped row, the caret would appear on the next row.
     const bool lastRow = row.to >= content->text.size();
     if (lastRow || offset < row.to)
         return std::clamp(offset, row.from, row.to);
@@ -401,14 +400,14 @@ void LineLayout::draw(QPainter& painter, QPointF origin, double top, double bott
     }
 }
 
-/// Cuts text into pieces behind those that are there already. They have no heights as yet.
+/// Splits text into pieces and appends them to the existing ones. They have no heights yet.
 void LineLayout::appendPieces(int from, int to)
 {
     const QStringView text = content->text;
     while (from < to) {
         int end = to;
         if (to - from > LongLine) {
-            // A guess at where a row ends: behind a blank.
+            // An estimate of the end of a row: after a blank.
             end = from + PieceLength;
             while (end < to && end < from + LongLine && !IsBlankCharacter(text[end - 1]))
                 ++end;
@@ -421,7 +420,7 @@ void LineLayout::appendPieces(int from, int to)
         pieces.push_back(std::move(piece));
         from = end;
     }
-    // A line that has lost all its text still has its row.
+    // A line without text still has one row.
     if (pieces.empty())
         pieces.emplace_back();
 }
@@ -435,7 +434,7 @@ void LineLayout::estimate(Piece& piece) const
     piece.height = counter.rowCount() * widths.rowHeight();
 }
 
-/// Gives each piece its part of the rows of all, which costs no look at the text.
+/// Distributes the estimated rows among the pieces without examining the text.
 void LineLayout::shareRows(unsigned rows)
 {
     const int rowHeight = style->widths(look.text).rowHeight();
@@ -461,20 +460,20 @@ int LineLayout::topOf(size_t piece) const
     return y;
 }
 
-/// Lays out a piece so that it ends with a full row, and moves the beginning of the next one there.
+/// Lays out a piece so that it ends with a full row, and moves the start of the next one there.
 void LineLayout::settlePiece(size_t index)
 {
     const int textEnd = int(content->text.size());
     Piece& piece = pieces[index];
     const int wanted = piece.end();
-    // Some more text, so that the last row is filled as it would be in the whole line.
+    // Includes some more text, so that the last row is filled as in the whole line.
     const int end = layOut(piece, std::min(textEnd, wanted + Lookahead), wanted);
     piece.length = end - piece.start;
     piece.endsOnRow = true;
     if (end == wanted)
         return;
 
-    // The pieces that the row reached into begin later now, or are gone.
+    // The pieces that the row extends into begin later now, or are removed.
     size_t next = index + 1;
     while (next < pieces.size() && pieces[next].end() <= end)
         ++next;
@@ -489,7 +488,7 @@ void LineLayout::settlePiece(size_t index)
     }
 }
 
-/// The piece with its text shaped, where it stands now.
+/// Returns the piece with its text shaped, at its current position.
 LineLayout::Piece& LineLayout::ready(size_t index)
 {
     Piece& piece = pieces[index];
@@ -505,7 +504,7 @@ LineLayout::Piece& LineLayout::ready(size_t index)
 }
 
 /// Shapes a piece's text up to `end` and breaks it into rows until one reaches `lastOffset`.
-/// Returns where that row ends.
+/// Returns the end of that row.
 int LineLayout::layOut(Piece& piece, int end, int lastOffset)
 {
     QString text = content->text.sliced(piece.start, end - piece.start);

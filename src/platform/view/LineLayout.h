@@ -11,11 +11,11 @@
 
 namespace vmk {
 
-/// One visual row of a line. All measures in pixels from the line's top left corner, which lies at the
-/// page's left edge.
+/// One visual row of a line. All measures are in pixels from the top left corner of the line, which is at the
+/// left edge of the page.
 struct RowBox
 {
-    /// Offsets in the line's text; a row's end is the next row's beginning.
+    /// Offsets in the line's text; the end of a row is the start of the next one.
     int from = 0;
     int to = 0;
     double top = 0;
@@ -28,59 +28,59 @@ struct RowBox
 
 /// The layout of one line of a page at one width.
 ///
-/// A line of usual length is shaped and broken as a whole. A long one is a chain of pieces, each beginning
-/// where the row before it ended, and each laid out only when something asks for it; the others stand with
-/// an estimate. As long as the pieces before it are not laid out, a piece begins at a guess; `settleStep`
-/// goes through them in order and moves each beginning to where the row above really ends. After an edit
-/// only the pieces around it are laid out anew, until a row ends where it did before.
+/// A line of normal length is shaped and broken as a whole. A long one consists of pieces. Each piece begins
+/// where the row before it ended, and is laid out only on demand; the others have an estimated height. While
+/// the pieces before it are not laid out, the start of a piece is an estimate; `settleStep` processes the
+/// pieces in order and moves each start to the real end of the row above. After an edit, only the pieces
+/// around it are laid out again, until a row ends where it ended before.
 class LineLayout
 {
 public:
-    /// A line of more characters is laid out in pieces.
+    /// The maximum number of characters of a line that is laid out as a whole.
     static constexpr int LongLine = 4096;
 
-    /// @param width the page's width in pixels, margins included.
-    /// @param estimatedRows the rows that all of the line is thought to take; a long line's pieces share
-    /// them.
+    /// \param width          the width of the page in pixels, including margins
+    /// \param estimatedRows  the estimated number of rows of the whole line; divided among the pieces of a
+    ///                       long one
     LineLayout(LinePtr line, PageStyle& pageStyle, double width, unsigned estimatedRows);
-    /// The layout of a line that came from `old`'s by an edit, which keeps all that the edit left alone.
-    /// `old` is emptied. Both lines have the same block.
+    /// The layout of a line that results from an edit of `old`'s line; reuses all parts that the edit did not
+    /// change. `old` is empty afterwards. Both lines have the same block.
     LineLayout(LinePtr line, LineLayout& old);
 
     [[nodiscard]] const LinePtr& line() const { return content; }
     [[nodiscard]] LineExtent extent() const;
-    /// All of the line is laid out, every row where it belongs.
+    /// Returns whether all of the line is laid out, with every row at its final position.
     [[nodiscard]] bool isSettled() const;
-    /// The line has more than one piece.
+    /// Returns whether the line has more than one piece.
     [[nodiscard]] bool isLong() const { return pieces.size() > 1; }
 
-    /// Lays out the next piece in order; nothing happens when the line is settled.
+    /// Lays out the next piece in order; does nothing if the line is settled.
     void settleStep();
-    /// Lays out what stands between two heights; the heights below may move.
+    /// Lays out the part between two heights; the heights of the parts below may change.
     void prepare(double top, double bottom);
-    /// Lays out what stands at an offset.
+    /// Lays out the part at an offset.
     void prepareOffset(int offset);
-    /// Gives back the shaped text of all pieces but the few used last.
+    /// Frees the shaped text of all pieces except the few most recently used.
     void trim();
 
-    /// The row of the character at an offset; at the text's end, the last row.
+    /// Returns the row of the character at an offset; at the end of the text, the last row.
     [[nodiscard]] RowBox rowOf(int offset);
-    /// The row at a height; the first or the last one beyond the line.
+    /// Returns the row at a height; the first or the last one outside the line.
     [[nodiscard]] RowBox rowAt(double y);
-    /// Where the caret stands at an offset, on the row of `rowOf`.
+    /// Returns the x of the caret at an offset, on the row of `rowOf`.
     [[nodiscard]] double xOf(int offset);
-    /// The offset on a row that is nearest to x.
+    /// Returns the offset on a row that is nearest to x.
     [[nodiscard]] int offsetAt(const RowBox& row, double x);
-    /// The rows that hold the characters from `from` to `to`, cut to them left and right. Equal ends give
-    /// one empty box.
+    /// Returns the rows of the characters from `from` to `to`, clipped to them on the left and right. Equal
+    /// ends result in one empty box.
     [[nodiscard]] std::vector<RowBox> boxes(int from, int to);
-    /// Rows in front of the one that holds the offset.
+    /// Returns the number of rows before the row of the offset.
     [[nodiscard]] int rowNumber(int offset);
-    /// The place of the caret one character to the left or right as it is seen on the screen.
+    /// Returns the position of the caret one character to the left or right in visual order.
     [[nodiscard]] int nextCursorPosition(int offset);
     [[nodiscard]] int previousCursorPosition(int offset);
 
-    /// Paints the rows between two heights, measured from the line's top.
+    /// Paints the rows between two heights, measured from the top of the line.
     void draw(QPainter& painter, QPointF origin, double top, double bottom,
               const QList<QTextLayout::FormatRange>& selections);
 
@@ -91,9 +91,9 @@ private:
         int length = 0;
         int height = 0;
         int rows = 1;
-        /// Height and rows are real.
+        /// Height and rows are from a real layout.
         bool laidOut = false;
-        /// The last row is full, or the text ends: the next piece begins where it should.
+        /// The last row is full, or the text ends: the start of the next piece is final.
         bool endsOnRow = false;
         unsigned lastUse = 0;
         std::unique_ptr<QTextLayout> layout;
@@ -116,7 +116,7 @@ private:
     PageStyle* style;
     BlockLook look;
     double pageWidth;
-    /// The block's margins within the page, kept from leaving no room for text.
+    /// The margins of the block within the page, limited so that space remains for text.
     double textLeft = 0;
     double textWidth = 0;
     int marginTop = 0;
@@ -125,8 +125,8 @@ private:
     unsigned useCount = 0;
 };
 
-/// What a line will take, by the widths of its characters: right for nearly every line, at a tiny part of
-/// the cost of a layout.
+/// Estimates the extent of a line from the widths of its characters: correct for nearly every line, at a
+/// small fraction of the cost of a layout.
 [[nodiscard]] LineExtent EstimateExtent(const Line& line, PageStyle& style, double pageWidth);
 
 } // namespace vmk

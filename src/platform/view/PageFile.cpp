@@ -14,7 +14,7 @@ namespace vmk {
 
 namespace {
 
-/// A page names its charset within so many bytes from its start.
+/// The charset of a page must be named within this number of bytes.
 constexpr qsizetype CharsetSearch = 1024;
 
 struct NamedCodePage

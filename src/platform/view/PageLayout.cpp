@@ -9,15 +9,15 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Layouts kept of lines of usual length: a few screens.
+/// The number of cached layouts of lines of normal length: a few screens.
 constexpr size_t LayoutsKept = 600;
 
-/// What the shortest line costs, in characters.
+/// The cost of the shortest line, in characters.
 constexpr int ShortestLine = 50;
-/// Over how many lines the cost of a character is averaged.
+/// The number of lines over which the cost of a character is averaged.
 constexpr double PaceMemory = 8;
 
-/// A line with more text in it, which takes on the look of the text in front of it.
+/// A line with inserted text, which has the look of the text before it.
 LinePtr WithText(const Line& line, int offset, const QString& text)
 {
     auto changed = std::make_shared<Line>(line);
@@ -64,7 +64,7 @@ void PageLayout::replaceLines(int first, int removed, int inserted)
     const auto from = longLineAt(first);
     if (removed == 1 && inserted == 1 && from != longLines.end() && from->index == first
         && from->layout->line()->block == shownLine(first)->block) {
-        // A long line that was edited keeps what the edit left alone.
+        // After an edit, a long line keeps the layout of its unchanged parts.
         from->layout = std::make_unique<LineLayout>(shownLine(first), *from->layout);
         noteExtent(first, *from->layout);
         return;
@@ -76,7 +76,7 @@ void PageLayout::replaceLines(int first, int removed, int inserted)
         placeFirstLine();
 }
 
-/// The first line's own margin lies within the page's, as a browser has it.
+/// The margin of the first line collapses with that of the page, as in a browser.
 void PageLayout::placeFirstLine()
 {
     const double own = pageStyle.block(document.line(0).block).marginTop;
@@ -158,7 +158,7 @@ std::vector<QRectF> PageLayout::rects(Position from, Position to)
 {
     std::vector<QRectF> rects;
     for (int line = from.line; line <= to.line; ++line) {
-        // Up to the beginning of a line is not into it.
+        // A range that ends at the beginning of a line does not include that line.
         if (line == to.line && to.offset == 0 && from < to)
             break;
         LineLayout& layout = layoutOf(line);
@@ -188,7 +188,7 @@ std::pair<Position, Position> PageLayout::rowEnds(Position place)
 {
     LineLayout& layout = layoutOf(place.line);
     const RowBox row = layout.rowOf(shownOffset(place));
-    // Behind the last blank of a row that breaks, the caret would show on the next one.
+    // After the last blank of a wrapped row, the caret would appear on the next row.
     const bool lastRow = row.to >= shownLine(place.line)->text.size();
     const int end = lastRow ? row.to : layout.previousCursorPosition(row.to);
     noteExtent(place.line, layout);
@@ -358,7 +358,7 @@ void PageLayout::noteExtent(int line, const LineLayout& layout)
     extents.set(line, layout.extent());
 }
 
-/// Measures a line; of a long one the next piece.
+/// Measures a line, or the next piece of a long one.
 void PageLayout::measureLine(int line)
 {
     if (shownLine(line)->text.size() <= LineLayout::LongLine) {

@@ -17,37 +17,38 @@
 
 namespace vmk {
 
-/// A place in a row's height, to hold the page by while heights change.
+/// A position within a row, whose position on the screen is kept while heights change.
 struct LayoutAnchor
 {
     Position place;
-    /// Pixels from the top of the place's row down; may be negative.
+    /// Pixels downwards from the top of the position's row; may be negative.
     double below = 0;
 };
 
-/// A document laid out at one width: where every line and character stands on the page.
+/// A document laid out at one width: the position of every line and character on the page.
 ///
-/// Page coordinates are pixels from the page's top left corner. Lines that nobody has looked at stand with
-/// an estimated height; each question about a place lays out what it needs, so heights may change with any
-/// call that is not const. Layouts of lines are kept for the lines used last.
+/// Page coordinates are pixels from the top left corner of the page. Lines have an estimated height until
+/// they are laid out. Each query lays out the lines that it needs, so that any non-const call may change
+/// heights. The layouts of the most recently used lines are cached.
 class PageLayout
 {
 public:
     explicit PageLayout(const DisplayDocument& shownDocument);
 
-    /// Forgets everything: another page, or another screen.
-    /// @param width pixels. @param dotsPerInch of the screen.
+    /// Clears everything, for another page or another screen.
+    /// \param width        in pixels
+    /// \param dotsPerInch  of the screen
     void reset(double width, double dotsPerInch);
-    /// Lays the same page out anew at another width.
+    /// Lays out the same page at another width.
     void setWidth(double width);
     /// The document's lines have changed; see `DisplayListener::linesChanged`.
     void linesChanged(int first, int removed, int inserted);
 
-    /// Text of an input method that stands at a place without being in the document as yet; empty for none.
+    /// Sets the text of an input method at a position, which is not in the document yet; empty for none.
     void setPreedit(Position place, const QString& text);
     [[nodiscard]] bool hasPreedit() const { return preeditLine != nullptr; }
     [[nodiscard]] Position preeditPlace() const { return preeditAt; }
-    /// Boxes around a part of that text, to paint it by; equal ends give its caret.
+    /// Returns boxes around a part of that text for painting; equal ends return its caret.
     [[nodiscard]] std::vector<QRectF> preeditRects(int from, int to);
 
     [[nodiscard]] double width() const { return pageWidth; }
@@ -55,37 +56,38 @@ public:
     [[nodiscard]] const LineHeights& heights() const { return extents; }
     [[nodiscard]] PageStyle& style() { return pageStyle; }
 
-    // ---- lines and places; each lays out the lines that it speaks of
+    // ---- lines and positions; each call lays out the lines that it needs
 
     [[nodiscard]] int64_t lineTop(int line) const;
-    /// The line that covers a height of the page; the nearest one beyond the ends.
+    /// Returns the line at a height of the page; the nearest one outside the page.
     [[nodiscard]] int lineAt(double y) const;
-    /// The caret at a place: of no width, as high as its row.
+    /// Returns the caret at a position: with width 0 and the height of its row.
     [[nodiscard]] QRectF caretRect(Position place);
-    /// The place nearest to a point of the page.
+    /// Returns the position nearest to a point of the page.
     [[nodiscard]] Position positionAt(QPointF point);
-    /// One box for each row between two places; see `LayoutQuery::clientRects`.
+    /// Returns one box per row between two positions; see `LayoutQuery::clientRects`.
     [[nodiscard]] std::vector<QRectF> rects(Position from, Position to);
-    /// Rows above the one of a place: exact for lines measured already, else by estimates.
+    /// Returns the number of rows above that of a position: exact for measured lines, otherwise estimated.
     [[nodiscard]] int64_t rowsAbove(Position place);
-    /// The row of a place as its first and last caret place.
+    /// Returns the first and last caret position on the row of a position.
     [[nodiscard]] std::pair<Position, Position> rowEnds(Position place);
-    /// The place on the row of another place that is nearest to x.
+    /// Returns the position nearest to x on the row of another position.
     [[nodiscard]] Position onRow(Position place, double x);
-    /// One character on, as the caret goes; over a line's end to the next line.
+    /// Returns the next caret position; at the end of a line, the start of the next line.
     [[nodiscard]] Position next(Position place);
     [[nodiscard]] Position previous(Position place);
 
     // ---- measuring
 
-    /// Lays out all that stands between two heights. True if heights changed.
+    /// Lays out the part between two heights. Returns true if heights changed.
     bool prepare(double top, double bottom);
-    /// Measures unmeasured lines from `nearLine` on, then from the page's top, until the time is up or all
-    /// are done. A line for which the time that is left will not do waits for the next turn; each turn does
-    /// at least one line, or one piece of a long one. True while there is more to do.
+    /// Measures unmeasured lines from `nearLine` on, then from the top of the page, until the time has passed
+    /// or all are measured. A line that needs more than the remaining time waits for the next call; each call
+    /// measures at least one line, or one piece of a long line.
+    /// \return true while unmeasured lines remain
     bool measureFor(std::chrono::microseconds time, int nearLine);
     [[nodiscard]] bool isMeasured() const { return extents.unmeasuredLines() == 0; }
-    /// What to hold the page by at a height, and where it stands later.
+    /// Returns the anchor for a height of the page; `heightOf` returns its later height.
     [[nodiscard]] LayoutAnchor anchorAt(double y);
     [[nodiscard]] double heightOf(const LayoutAnchor& anchor);
 
@@ -93,15 +95,15 @@ public:
 
     struct Painting
     {
-        /// The visible part of the page to paint, page coordinates.
+        /// The visible part of the page to paint, in page coordinates.
         QRectF area;
         Position selectionStart, selectionEnd;
         QColor selectionBackground, selectionText;
     };
-    /// Paints the lines of an area; the painter's origin is the page's top left corner.
+    /// Paints the lines of an area; the origin of the painter is the top left corner of the page.
     void paint(QPainter& painter, const Painting& painting);
 
-    /// The mark that a selected line break shows, pixels wide.
+    /// The width of the mark for a selected line break, in pixels.
     static constexpr double LineBreakWidth = 5;
 
 private:
@@ -110,7 +112,7 @@ private:
         std::unique_ptr<LineLayout> layout;
         std::list<const Line*>::iterator use;
     };
-    /// The layout of a long line, kept as long as the line stands.
+    /// The layout of a long line, kept until the line is removed.
     struct LongLine
     {
         int index;
@@ -132,20 +134,20 @@ private:
     const DisplayDocument& document;
     PageStyle pageStyle;
     double pageWidth = 0;
-    /// Pixels above the first line.
+    /// The height above the first line in pixels.
     int pageTop = 0;
     LineHeights extents;
     std::unordered_map<const Line*, Kept> kept;
-    /// The kept lines in the order of their last use, latest first.
+    /// The cached lines in the order of their last use, latest first.
     std::list<const Line*> uses;
     /// Ascending by line.
     std::vector<LongLine> longLines;
-    /// What measuring has cost of late.
+    /// The average cost of recent measurements.
     std::chrono::duration<double, std::nano> timePerCharacter{0};
 
     Position preeditAt;
     QString preeditText;
-    /// The document's line with the text in it; null while there is none.
+    /// The document's line including the text; null while there is none.
     LinePtr preeditLine;
 };
 

@@ -8,7 +8,7 @@ namespace vmk {
 
 namespace {
 
-/// Laying out what is visible changes what is visible; it comes to rest after very few rounds.
+/// Laying out the visible part may change what is visible; this converges after very few rounds.
 constexpr int PlacingRounds = 8;
 
 } // namespace
@@ -46,7 +46,7 @@ void PageScroller::moveAnchor(int first, int removed, int inserted)
     Position& place = firstRow.place;
     const std::optional<LostAnchor> lost = std::exchange(lostAnchor, std::nullopt);
     if (lost && lost->first == first && removed < inserted) {
-        // The lines that were removed have come again, changed: what was in view stays there.
+        // The removed lines were inserted again in a changed form: the visible part is unchanged.
         firstRow = lost->anchor;
     } else if (place.line >= first + removed) {
         place.line += inserted - removed;
@@ -84,7 +84,8 @@ void PageScroller::place(double wantedTop)
         laidOut = true;
     }
     firstRow = page.anchorAt(visibleTop);
-    // Only what is visible counts: a paint asks where the caret is, and must not call for the next paint.
+    // Only a visible change requests a repaint: painting queries the caret and must not request the next
+    // paint.
     view.pagePlaced(visibleTop != before || laidOut);
 }
 

@@ -6,65 +6,66 @@
 
 namespace vmk {
 
-/// What shows the page that a `PageScroller` places.
+/// The view of the page that a `PageScroller` scrolls.
 class ScrollerView
 {
 public:
-    /// Height of the visible part of the page, pixels.
+    /// The height of the visible part of the page in pixels.
     [[nodiscard]] virtual int visibleHeight() const = 0;
-    /// The page has been placed; scroll bars need the new measures.
-    /// \param changed  another part of the page is visible, or lines have been laid out: it must be painted
+    /// The page was placed; scroll bars need the new measures.
+    /// \param changed  the visible part has changed, or lines were laid out: it must be painted
     virtual void pagePlaced(bool changed) = 0;
-    /// The page has been scrolled, by whatever means.
+    /// The page was scrolled, for any reason.
     virtual void pageScrolled() = 0;
 
 protected:
     ~ScrollerView() = default;
 };
 
-/// Which part of a page is visible: scrolls, keeps the visible text where it is while heights above it
-/// change, and reveals the selection. Needs no widget.
+/// Determines the visible part of a page: scrolls, keeps the visible text at its position while heights above
+/// it change, and reveals the selection. Independent of a widget.
 ///
-/// The page is held by an anchor, the first visible row. Lines are laid out only as they become visible, so
-/// their real heights differ from the estimates; the anchor decides what stays in place.
+/// The position is kept by an anchor, the first visible row. Lines are laid out only when they become
+/// visible, so that their real heights differ from the estimates; the anchor keeps its position on the
+/// screen.
 class PageScroller
 {
 public:
     PageScroller(const DisplayDocument& shownDocument, PageLayout& pageLayout, ScrollerView& scrolledView);
 
-    /// The height of the page that is at the view's top edge, pixels.
+    /// The page coordinate of the view's top edge in pixels.
     [[nodiscard]] int top() const { return visibleTop; }
     /// The first visible row.
     [[nodiscard]] const LayoutAnchor& anchor() const { return firstRow; }
 
-    // ---- what changes the page
+    // ---- changes of the page
 
-    /// Another page has been loaded: goes to its top. To be called before the layout is reset.
+    /// A new page was loaded: scrolls to its top. Call before the layout is reset.
     void reset();
-    /// The layout starts anew: another page, or another screen.
+    /// The layout was reset, for another page or another screen.
     void layoutReset();
-    /// Takes what is at the view's top edge now for the anchor.
+    /// Sets the anchor to the row at the view's top edge.
     void anchorHere() { firstRow = page.anchorAt(visibleTop); }
     /// The document's lines have changed; see `DisplayListener::linesChanged`.
     void linesChanged(int first, int removed, int inserted);
-    /// The page must be placed again by the next `settle`.
+    /// Requests the next `settle` to place the page again.
     void invalidate() { unsettled = true; }
-    /// The next `settle` brings the caret into view, with as little scrolling as possible.
+    /// Requests the next `settle` to scroll the caret into view, with as little scrolling as possible.
     void reveal() { revealPending = true; }
 
-    // ---- placing; what is visible afterwards is laid out
+    // ---- placing; afterwards the visible part is laid out
 
-    /// Does what is outstanding; every question about positions and every paint begins with it.
+    /// Executes all pending layout work; every position query and every paint begins with it.
     /// \return false, with nothing done, within another `settle`
     bool settle();
-    /// Brings a height of the page to the view's top edge, as far as the page reaches.
+    /// Moves a height of the page to the view's top edge, limited by the page's size.
     void place(double wantedTop);
-    /// Moves what is visible by a distance in pixels. Lines that come into view above are measured first, so
+    /// Moves the visible part by a distance in pixels. Lines that become visible above are measured first, so
     /// that no row jumps when its real height is known.
     void move(int distance);
-    /// Puts the anchor back where it was, after lines have been laid out.
+    /// Moves the anchor back to its position on the screen after lines were laid out.
     void hold();
-    /// `place` and `move`, reported to the view as scrolling.
+    /// Like `place` and `move`, but reported to the view as scrolling.
     void scrollTo(double wantedTop);
     void scrollBy(int distance);
 
@@ -78,7 +79,7 @@ private:
 
     int visibleTop = 0;
     LayoutAnchor firstRow;
-    /// The anchor in lines that have just been removed, the first of them `first`.
+    /// The anchor in lines that were just removed; `first` is the index of the first one.
     struct LostAnchor
     {
         int first;

@@ -11,7 +11,7 @@ namespace vmk {
 
 namespace {
 
-/// Margins of a page whose body tag says nothing.
+/// The margins of a page whose body tag sets none.
 constexpr double DefaultPageMargin = 8;
 /// Pixels. Larger letters would make the display unusable.
 constexpr double LargestFont = 144;
@@ -21,7 +21,7 @@ QFont FontOf(const TextLook& look, double dotsPerInch)
     QFont font;
     QStringList families = look.families;
     for (QString& family : families) {
-        // The generic names are no fonts; the style hint finds one.
+        // Generic names are not font names; the style hint selects a font.
         const QString lower = family.toLower();
         if (lower == u"monospace")
             font.setStyleHint(QFont::Monospace);
@@ -40,7 +40,7 @@ QFont FontOf(const TextLook& look, double dotsPerInch)
     return font;
 }
 
-/// The text between the first `<STYLE>` and its end tag, and so on for each.
+/// The contents of all `<STYLE>` elements.
 QString StyleText(const QString& head)
 {
     QString css;
@@ -76,7 +76,7 @@ float CharWidths::measure(QChar c)
     if (!page)
         page = std::make_unique<Page>(Page{});
     const QFontMetricsF metrics(font);
-    // A half of a pair has no width of its own; so little is added to nothing that nothing is asked twice.
+    // Half of a pair has no width. The minimum is above 0, because 0 means not measured.
     const double width = c.isSurrogate() ? metrics.horizontalAdvance(u'M') / 2 : metrics.horizontalAdvance(c);
     return (*page)[c.unicode() & 0xff] = std::max(float(width), 0.001F);
 }
@@ -212,7 +212,7 @@ QTextCharFormat PageStyle::format(LookId id, LookId blockId)
         return *found;
     const TextLook& look = looks[size_t(id)];
     QTextCharFormat format;
-    // A colour alone does not part the shaping of a word; so the font is named only where it differs.
+    // A change of colour must not split the shaping of a word, so the font is set only where it differs.
     if (fonts[size_t(id)] != fonts[size_t(blockId)])
         format.setFont(fonts[size_t(id)]);
     format.setForeground(look.color);

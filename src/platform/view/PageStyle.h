@@ -13,10 +13,10 @@
 
 namespace vmk {
 
-/// Number of an interned look of characters; see `PageStyle`.
+/// The number of an interned look of characters; see `PageStyle`.
 using LookId = int;
 
-/// How a piece of text looks, with everything inherited filled in.
+/// The look of a piece of text, including all inherited properties.
 struct TextLook
 {
     QStringList families;
@@ -27,13 +27,13 @@ struct TextLook
     bool underline = false;
     bool strikeOut = false;
     QColor color = Qt::black;
-    /// Invalid where the page shows through.
+    /// Invalid if the page is visible through the text.
     QColor background;
 
     friend bool operator==(const TextLook&, const TextLook&) = default;
 };
 
-/// How a block stands on the page: pixels, all margins from the page's edges included.
+/// The geometry of a block on the page, in pixels; all margins are measured from the edges of the page.
 struct BlockLook
 {
     LookId text = 0;
@@ -44,19 +44,19 @@ struct BlockLook
     Qt::Alignment align = Qt::AlignLeft;
 };
 
-/// Advance widths of single characters in one font, each asked once: what estimates go by.
+/// The advance widths of single characters in one font, each measured once; used for estimates.
 class CharWidths
 {
 public:
     explicit CharWidths(const QFont& measuredFont);
-    /// Pixels; half of a surrogate pair counts as a wide character.
+    /// In pixels; half of a surrogate pair counts as a wide character.
     [[nodiscard]] float width(QChar c)
     {
         const auto& page = pages[c.unicode() >> 8];
         const float known = page ? (*page)[c.unicode() & 0xff] : 0;
         return known > 0 ? known : measure(c);
     }
-    /// Pixels of one row of this font.
+    /// The height of one row of this font in pixels.
     [[nodiscard]] int rowHeight() const { return height; }
 
 private:
@@ -68,41 +68,41 @@ private:
     std::array<std::unique_ptr<Page>, 256> pages;
 };
 
-/// The look of a page: the style rules of its head, its body tag, and what every start tag makes of the
-/// look around it. Each different combination is worked out once and has a number.
+/// The look of a page: the style rules of its head, its body tag, and the effect of every start tag on the
+/// look around it. Each distinct combination is computed once and has a number.
 class PageStyle
 {
 public:
     PageStyle();
     ~PageStyle();
 
-    /// Reads the head and the body tag of the document anew and forgets all numbers.
-    /// @param dotsPerInch of the screen, which Qt's point sizes go by.
+    /// Reads the head and the body tag of the document and clears all numbers.
+    /// \param dotsPerInch  of the screen; the unit of Qt's point sizes
     void load(const DisplayDocument& document, double dotsPerInch);
 
     [[nodiscard]] const QColor& background() const { return pageBackground; }
-    /// Pixels above the first line and below the last one.
+    /// The margins above the first line and below the last one, in pixels.
     [[nodiscard]] double topMargin() const { return pageTop; }
     [[nodiscard]] double bottomMargin() const { return pageBottom; }
 
     [[nodiscard]] BlockLook block(TagId tag);
-    /// The look inside an in-line tag, within another look.
+    /// Returns the look inside an in-line tag, within another look.
     [[nodiscard]] LookId inside(LookId outer, TagId tag);
     [[nodiscard]] const TextLook& look(LookId id) const { return looks[size_t(id)]; }
     [[nodiscard]] const QFont& font(LookId id) const { return fonts[size_t(id)]; }
     [[nodiscard]] CharWidths& widths(LookId id);
 
-    /// The formats of a line's text from `from` to `from + length`, offsets counted from `from`. Text that
-    /// looks as its block does gets none.
+    /// Returns the formats of a line's text from `from` to `from + length`, with offsets relative to `from`.
+    /// Text with the look of its block has no format.
     [[nodiscard]] QList<QTextLayout::FormatRange> formats(const Line& line, int from, int length);
 
-    /// Calls `take(from, to, look)` for each run of one look, in order; runs fill the whole text.
+    /// Calls `take(from, to, look)` for each run with one look, in order; the runs cover the whole text.
     template <typename Take>
     void forEachRun(const Line& line, Take take)
     {
         forEachRun(line, 0, int(line.text.size()), take);
     }
-    /// The same for the text between two offsets; of what stands in front only the tags are looked at.
+    /// The same for the text between two offsets; of the text before it, only the tags are examined.
     template <typename Take>
     void forEachRun(const Line& line, int from, int to, Take take);
 
@@ -121,13 +121,13 @@ private:
     BlockLook page;
     std::vector<TextLook> looks;
     std::vector<QFont> fonts;
-    /// Looks that differ in colour alone share a table.
+    /// Looks that differ only in colour share a table.
     std::vector<std::shared_ptr<CharWidths>> widthTables;
     QHash<TagId, TagStyle> tagStyles;
     QHash<TagId, BlockLook> blocks;
     QHash<std::pair<LookId, TagId>, LookId> insides;
     QHash<std::pair<LookId, LookId>, QTextCharFormat> charFormats;
-    // What stands open where `forEachRun` is.
+    // The tags that are open at the current position of `forEachRun`.
     std::vector<TagId> openTags;
     std::vector<LookId> openLooks;
 };

@@ -12,7 +12,7 @@ namespace vmk {
 namespace {
 
 constexpr double PixelsPerInch = 96;
-/// Font sizes 1 to 7 of a FONT tag, in pixels; the names xx-small to xx-large are the first six but one.
+/// Font sizes 1 to 7 of a FONT tag, in pixels. The first six are also the names x-small to xx-large.
 constexpr std::array<double, 7> FontTagSizes = {10, 13, 16, 18, 24, 32, 48};
 constexpr int DefaultFontTagSize = 3;
 /// One step of "larger", "smaller", BIG and SMALL.
@@ -23,7 +23,7 @@ struct HeadingLook
     double size;
     double margin;
 };
-/// Font size and vertical margins of H1 to H6, in ems of the size around and of their own.
+/// The font size of H1 to H6 in ems of the context, and the vertical margins in ems of their own size.
 constexpr std::array<HeadingLook, 6> HeadingLooks
     = {{{2, 0.67}, {1.5, 0.83}, {1.17, 1}, {1, 1.33}, {0.83, 1.67}, {0.67, 2.33}}};
 
@@ -170,7 +170,7 @@ void ApplyDeclaration(const QString& property, QStringView value, TagStyle& styl
         override(style.marginBottom, ParseLength(lower));
 }
 
-/// What an element looks like by itself.
+/// The default look of an element.
 TagStyle ElementStyle(const QString& name)
 {
     TagStyle style;
@@ -204,7 +204,7 @@ TagStyle ElementStyle(const QString& name)
     return style;
 }
 
-/// What the attributes of older pages say: `color`, `face`, `size`, `align`, the body's colours and margins.
+/// Applies the attributes of older pages: `color`, `face`, `size`, `align`, the body's colours and margins.
 void ApplyAttributes(const Tag& tag, TagStyle& style)
 {
     override(style.color, ParseColor(tag.value(u"text")));

@@ -14,17 +14,17 @@
 
 namespace vmk {
 
-/// A length of a page's style: pixels (1/96 inch), or a multiple of the font size around it.
+/// A length in a page's style: pixels (1/96 inch), or a multiple of the font size of the context.
 struct StyleLength
 {
     double value = 0;
     bool relative = false;
 
-    /// Pixels, given the font size in pixels that a relative length goes by.
+    /// Returns the length in pixels; `fontSize` is the font size for relative lengths, in pixels.
     [[nodiscard]] double toPixels(double fontSize) const { return relative ? value * fontSize : value; }
 };
 
-/// What one tag, or one rule, says about the look. Everything that it leaves open is inherited.
+/// The properties that one tag or one rule sets. Unset properties are inherited.
 struct TagStyle
 {
     std::optional<QColor> color;
@@ -39,38 +39,38 @@ struct TagStyle
     std::optional<Qt::Alignment> align;
     std::optional<StyleLength> marginLeft, marginRight, marginTop, marginBottom;
 
-    /// Lays the later style over this one: what `later` says wins.
+    /// Merges a later style into this one: properties set in `later` win.
     void apply(const TagStyle& later);
 };
 
-/// The style rules of a page's head: selectors `element`, `.class`, `element.class` and `#id`, in lists.
+/// The style rules in a page's head: selectors `element`, `.class`, `element.class` and `#id`, in lists.
 class StyleSheet
 {
 public:
-    /// Reads the text between `<STYLE>` and `</STYLE>`. What it does not know is passed over.
+    /// Parses the text between `<STYLE>` and `</STYLE>`. Unknown rules and properties are ignored.
     void parse(QStringView css);
 
-    /// The look that a start tag gives: the element's own look, then the attributes such as `color` and
-    /// `align`, then the rules of the sheet that fit, then its inline style.
+    /// Returns the look that a start tag sets: the element's own look, then attributes such as `color` and
+    /// `align`, then the matching rules of the sheet, then the inline style.
     [[nodiscard]] TagStyle styleOf(const Tag& tag) const;
 
 private:
     struct Rule
     {
-        /// Each lower case, empty for any.
+        /// Each in lower case, empty for any.
         QString element, className, id;
         TagStyle style;
     };
     std::vector<Rule> rules;
 };
 
-/// Reads a list of declarations such as "color:red; font-size:12pt". What it does not know is passed over.
+/// Parses a list of declarations such as "color:red; font-size:12pt". Unknown properties are ignored.
 [[nodiscard]] TagStyle ParseDeclarations(QStringView css);
 
-/// A colour by name, `#rgb`, `#rrggbb`, `rgb(r,g,b)`, or six bare hexadecimal digits.
+/// Parses a colour: a name, `#rgb`, `#rrggbb`, `rgb(r,g,b)`, or six hexadecimal digits.
 [[nodiscard]] std::optional<QColor> ParseColor(QStringView text);
 
-/// A length with or without unit (px, pt, pc, in, cm, mm, em, ex, %); a bare number counts pixels.
+/// Parses a length with or without unit (px, pt, pc, in, cm, mm, em, ex, %); without a unit, in pixels.
 [[nodiscard]] std::optional<StyleLength> ParseLength(QStringView text);
 
 } // namespace vmk

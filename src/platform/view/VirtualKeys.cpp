@@ -49,7 +49,7 @@ constexpr std::array NamedKeys = std::to_array<KeyPair>({
     {Qt::Key_ScrollLock, VirtualKey::ScrollLock},
 });
 
-/// The punctuation keys: both characters of each, and its code.
+/// The punctuation keys: both characters of each key, and its code.
 struct PunctuationKey
 {
     char plain;
@@ -71,10 +71,10 @@ constexpr std::array PunctuationKeys = std::to_array<PunctuationKey>({
     {'\'', '"', 222},
 });
 
-/// What Shift makes of the digits 0 to 9.
+/// The characters of Shift with the digits 0 to 9.
 constexpr std::string_view ShiftedDigits = ")!@#$%^&*(";
 
-/// The keyboard's rows by scan code, each from its first key on.
+/// The rows of the keyboard by scan code, each from its first key on.
 struct KeyRow
 {
     unsigned firstScanCode;
@@ -148,7 +148,7 @@ int VirtualKeyCode(int qtKey, bool numberPad, unsigned scanCode)
                                     [qtKey](const KeyPair& pair) { return pair.qtKey == qtKey; });
     if (named != NamedKeys.end())
         return named->code;
-    // A letter of another script or a dead key: the key's place on the keyboard tells.
+    // A letter of another script or a dead key: the position of the key decides.
     if (const int code = CodeOfCharacter(qtKey))
         return code;
     return CodeOfScanCode(scanCode);

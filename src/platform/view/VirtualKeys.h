@@ -4,7 +4,7 @@ class QKeyEvent;
 
 namespace vmk {
 
-/// Windows virtual key codes that the editing keys are known by.
+/// The Windows virtual key codes of the editing keys.
 namespace VirtualKey {
 inline constexpr int Backspace = 8;
 inline constexpr int Tab = 9;
@@ -36,11 +36,11 @@ inline constexpr int NumLock = 144;
 inline constexpr int ScrollLock = 145;
 } // namespace VirtualKey
 
-/// The virtual key code of a key event: of the key, not of the character that it types, so that Ctrl with
-/// the key C is 67 under a Cyrillic layout too. 0 for a key that has none.
+/// Returns the virtual key code of a key event. It depends on the key, not on the character that it types, so
+/// that Ctrl with the key C is 67 in a Cyrillic layout too. 0 for a key without a code.
 [[nodiscard]] int VirtualKeyCode(const QKeyEvent& event);
 
-/// The same from its parts: a `Qt::Key`, whether it lies on the number pad, and the keyboard's scan code
+/// The same for separate values: a `Qt::Key`, whether it is on the number pad, and the keyboard's scan code
 /// (evdev number plus 8), 0 if unknown.
 [[nodiscard]] int VirtualKeyCode(int qtKey, bool numberPad, unsigned scanCode);
 

@@ -259,7 +259,7 @@ void XmlInput::chooseByDeclaration()
     const bool wide = IsWide(name);
     failed = Failure{XmlUnknownEncoding, static_cast<qsizetype>(declared->at),
                      "The declared encoding '" + std::string(declared->name.substr(0, 80))
-                         + (wide ? "' is not that of the text" : "' is not known")};
+                         + (wide ? "' does not match the text" : "' is not known")};
     stopped = true;
 }
 
@@ -303,12 +303,12 @@ qsizetype XmlInput::readUtf8(char* out, size_t room)
     if (consumed == produced) {
         // Each piece is validated as a whole; a character cut by its end waits for the next one.
         const std::string_view piece = bytes.substr(static_cast<size_t>(produced), PieceSize);
-        // The parser would take a character 0 for the end of the text.
+        // The parser would treat a character 0 as the end of the text.
         const size_t valid = std::min(ValidUtf8Prefix(piece), piece.find('\0'));
         produced += static_cast<qsizetype>(valid);
         if (valid == 0 && !piece.empty())
             failed = Failure{XmlBadCharacter, produced,
-                             piece.front() == '\0' ? NulReason : "The bytes here are no character of UTF-8"};
+                             piece.front() == '\0' ? NulReason : "The bytes here are not valid UTF-8"};
     }
     const size_t length = std::min(room, static_cast<size_t>(produced - consumed));
     std::memcpy(out, bytes.data() + consumed, length);
@@ -328,17 +328,17 @@ bool XmlInput::refill()
         = decoder->decode(bytes.substr(static_cast<size_t>(consumed)), pending.data(), pending.size());
     pending.resize(step.produced);
     consumed += static_cast<qsizetype>(step.consumed);
-    // The parser would take a character 0 for the end of the text.
+    // The parser would treat a character 0 as the end of the text.
     const size_t nul = pending.find('\0');
     pending.resize(std::min(nul, pending.size()));
     produced += static_cast<qsizetype>(pending.size());
-    // What was decoded before the bad place is handed out first.
+    // The text before the invalid byte is returned first.
     if (nul != std::string::npos)
         stopAtNul = true;
     if (pending.empty() && stopAtNul)
         failed = Failure{XmlBadCharacter, produced, NulReason};
     else if (step.produced == 0 && step.end == Decoder::End::BadBytes)
-        failed = Failure{XmlBadCharacter, produced, "The bytes here are no character of " + decoder->name};
+        failed = Failure{XmlBadCharacter, produced, "The bytes here are not valid " + decoder->name};
     return !pending.empty();
 }
 

@@ -51,15 +51,15 @@ struct XmlPosition
     int linepos = 1; ///< characters (code points), from 1, without a byte order mark
 };
 
-/// A whole text, decoded.
+/// A completely decoded text.
 struct XmlDecodedText
 {
-    std::string encoding; ///< in small letters; empty if it is not known
-    std::string text; ///< UTF-8 without a byte order mark, as far as the bytes are characters
-    bool complete = false; ///< all of the bytes are
+    std::string encoding; ///< in lower case; empty if it is unknown
+    std::string text; ///< UTF-8 without a byte order mark, up to the first invalid byte
+    bool complete = false; ///< all bytes are valid
 };
 
-/// Decodes a text by XML's own rules: its byte order mark, its first bytes or its declaration decide.
+/// Decodes a text by the rules of XML: its byte order mark, its first bytes or its declaration decide.
 [[nodiscard]] XmlDecodedText DecodeXmlText(std::string_view bytes);
 
 /// The bytes of an XML text as a stream of UTF-8 that maps its positions back to the bytes.
@@ -77,6 +77,7 @@ public:
         std::string reason;
     };
 
+    /// \param source  the bytes; must outlive the object
     XmlInput(std::string_view source, XmlEncoding encoding);
     XmlInput(const XmlInput&) = delete;
     XmlInput& operator=(const XmlInput&) = delete;
@@ -91,7 +92,7 @@ public:
     /// Set if the encoding is unknown, or after `read` has met bytes that are invalid in it.
     [[nodiscard]] const std::optional<Failure>& failure() const { return failed; }
 
-    /// The encoding that is read, as it is declared or by its common name.
+    /// Returns the encoding in use, as declared or by its common name.
     [[nodiscard]] std::string encodingName() const;
 
     /// Returns the first `length` bytes of the stream, stored in `room` if they have to be decoded again. In
@@ -115,7 +116,7 @@ private:
     std::string pending; // decoded, from `pendingStart` on not read yet
     size_t pendingStart = 0;
     bool stopped = false;
-    bool stopAtNul = false; // a character 0 follows what is pending
+    bool stopAtNul = false; // a character 0 follows `pending`
     std::optional<Failure> failed;
 };
 

@@ -55,7 +55,7 @@ std::string TidyReason(std::string_view message)
         line, [](char c) { return c == '\n' || c == '\r' || c == '\t'; }, ' ');
     line.erase(line.find_last_not_of(' ') + 1);
     if (line == "xmlParseEntityRef: no name")
-        return "An '&' that begins no reference must be written as '&amp;'";
+        return "An '&' that does not begin a reference must be written as '&amp;'";
     // The names of parser functions are not useful to the user.
     if (const size_t colon = line.find(": "); line.starts_with("xmlParse") && colon != std::string::npos)
         line.erase(0, colon + 2);

@@ -51,7 +51,7 @@ bool IsTagReference(std::string_view afterAmpersand)
         return true;
     if (!afterAmpersand.starts_with('#'))
         return false;
-    // Seven digits hold any character.
+    // Seven digits are sufficient for any character.
     constexpr size_t LongestReference = 12;
     return NumericReference('&' + std::string(afterAmpersand.substr(0, LongestReference))).has_value();
 }

@@ -155,7 +155,7 @@ void Pass::parse()
     xmlParserInputPtr stream
         = buffer == nullptr ? nullptr : xmlNewIOInputStream(context, buffer, XML_CHAR_ENCODING_NONE);
     if (stream == nullptr || inputPush(context, stream) < 0) {
-        found = Found{XmlNoParser, Place::Here, 0, "The XML parser can't be set up"};
+        found = Found{XmlNoParser, Place::Here, 0, "The XML parser cannot be initialized"};
         return;
     }
 
@@ -335,7 +335,7 @@ void Pass::reference(const xmlChar* name)
     const xmlEntity* entity = xmlSAX2GetEntity(context, name);
     if (entity == nullptr || entity->etype == XML_EXTERNAL_GENERAL_PARSED_ENTITY)
         fail(XmlExternalEntity, Place::Reference,
-             "Entity '" + std::string(View(name)) + "' lies outside the document and is not read");
+             "Entity '" + std::string(View(name)) + "' is outside the document and is not read");
 }
 
 void Pass::startDocument()

@@ -16,7 +16,7 @@ struct SpecialBytes
 {
     ByteSet inText{};
     ByteSet inValue{};
-    ByteSet inRawText{}; // comments and the like: nothing is escaped there
+    ByteSet inRawText{}; // comments and similar: nothing is escaped there
     ByteSet inShownRawText{}; // in a display's HTML
 
     constexpr SpecialBytes()
@@ -287,8 +287,8 @@ std::string_view XmlSerializer::ampersand(bool raw) const
     return raw && form == XmlForm::Xml ? std::string_view("&") : std::string_view("&amp;");
 }
 
-/// Writes an equals sign and a value in quotes. In a display a value that holds double quotes stands in
-/// single ones, if it can, so that what is shown is what is meant.
+/// Writes an equals sign and a value in quotes. In a display, a value that contains double quotes is in
+/// single quotes if possible, so that it is shown unchanged.
 void XmlSerializer::writeValue(std::string_view value)
 {
     const bool single = form == XmlForm::Display && value.find('"') != std::string_view::npos
@@ -313,7 +313,7 @@ void XmlSerializer::writeValueCharacter(std::string_view value, size_t at, char 
     const char c = value[at];
     switch (c) {
     case '&':
-        // What would read as a reference in a display's tag is shown as it is written in XML.
+        // Text that would be a reference in a display's tag is shown as in XML.
         if (form == XmlForm::Display && IsTagReference(value.substr(at + 1)))
             return writeReference("&amp;");
         out.text += "&amp;";
@@ -332,7 +332,7 @@ void XmlSerializer::writeValueCharacter(std::string_view value, size_t at, char 
         if (at > 0 && value[at - 1] == ' ')
             return writeReference("&#32;");
         break;
-    // A parser makes blanks of these.
+    // A parser converts these to blanks.
     case '\t':
         return writeReference("&#9;");
     case '\n':

@@ -37,13 +37,12 @@ struct XmlTreeText
     [[nodiscard]] std::string laidOut() const;
 };
 
-/// What an `XmlSerializer` writes.
+/// The output format of an `XmlSerializer`.
 enum class XmlForm
 {
     Xml,
-    /// The text that a display shows, as HTML as far as ampersands are concerned: what is written there reads
-    /// back as the same XML (see `DisplayCharacters.h` for the rules). Angle brackets of the mark-up are
-    /// bare.
+    /// The text that a display shows, with ampersands as in HTML: it reads back as the same XML (see
+    /// `DisplayCharacters.h` for the rules). Angle brackets of the mark-up are not escaped.
     Display
 };
 
@@ -51,11 +50,11 @@ enum class XmlForm
 ///
 /// Every child of an element that contains only elements is on its own line. An element that contains text is
 /// on one line, with its content unchanged. White space between elements is removed, except within text: in
-/// an element that contains text, and, if it contains a blank, in or between in-line elements (where it
-/// separates words). An element without content is written as `<name/>`, attribute values are in double
-/// quotes; `&`, `<` and `>` are escaped and references resolved. Comments, processing instructions, CDATA
-/// sections and the document type keep their positions. Line ends in text, CDATA, comments and values are
-/// written as `CrLf`.
+/// an element that contains text, and in or between in-line elements if the white space contains a blank
+/// (which separates words). An element without content is written as `<name/>`, attribute values are in
+/// double quotes; `&`, `<` and `>` are escaped and references resolved. Comments, processing instructions,
+/// CDATA sections and the document type keep their positions. Line ends in text, CDATA, comments and values
+/// are written as `CrLf`.
 ///
 /// Time and memory are linear in the size of the text, for any nesting.
 class XmlSerializer final : public XmlSaxHandler
@@ -68,10 +67,10 @@ public:
                            std::string declaration = std::string(PlainXmlDeclaration),
                            size_t expectedSize = 0, XmlForm form = XmlForm::Xml);
 
-    /// In elements of these names two elements that touch each other stay on one line, unless none of them
-    /// has content: a line end between them would be a blank of the text.
+    /// In elements with these names, two adjacent elements remain on one line, unless no child has content: a
+    /// line end between them would be a blank of the text.
     void keepTextOf(std::vector<std::string> names) { textNames = std::move(names); }
-    /// How many elements `keepTextOf` has kept on one line.
+    /// The number of elements that `keepTextOf` has kept on one line.
     [[nodiscard]] size_t keptElements() const { return kept; }
 
     /// Returns the result. Call once, after a pass without an error.
@@ -93,11 +92,11 @@ private:
         bool inLine;
         bool mixed; // contains text, or is in an element that does
         bool hasContent = false;
-        bool afterInLine = false; // its last child so far is an in-line element
+        bool afterInLine = false; // the last child so far is an in-line element
         bool isText = false; // its name is one of `textNames`
         bool filledChild = false; // an element in it has content
-        bool afterElement = false; // an element stands right before the place
-        bool touching = false; // two elements in it have nothing between them
+        bool afterElement = false; // an element is directly before the position
+        bool touching = false; // two elements in it have no text between them
     };
     enum class Next
     {
