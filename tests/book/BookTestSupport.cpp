@@ -226,7 +226,7 @@ std::string TextMaker::element(int depth)
             break;
         case 1:
             result += "<![CDATA[" + piece({"", "x", "<p>", " &lt; ", "\n", "<!--", "<?xml version=\"1.0\"?>"})
-                + "]]>" + piece({"x", "x ", "<p/>"}); // a tree joins sections that touch
+                + "]]>" + piece({"x", "x ", "<p/>"}); // a tree joins adjacent sections
             break;
         case 2:
             result += "<?pi" + piece({"", " data", " id=\"x\"", " <!-- "}) + "?>";

@@ -25,7 +25,7 @@ using namespace Qt::StringLiterals;
 namespace vmk::test {
 namespace {
 
-/// Conversions with the default settings; what the program says is gathered.
+/// Conversions with the default settings; records the messages of the program.
 class Conversion : public ::testing::Test
 {
 protected:
@@ -125,8 +125,8 @@ TEST_F(Conversion, TagsInACommentStayInItsSpan)
 TEST_F(Conversion, ReferencesOfACodePageBookBecomeCharacters)
 {
     const std::string head = "<?xml version=\"1.0\" encoding=\"windows-1251\"?>";
-    // A letter and a reference to it, a reference to a character that the page lacks, and one in hex beside
-    // them.
+    // A letter and a reference to it, a reference to a character that is not in the code page, and one in
+    // hexadecimal.
     const std::string text = lines(head + "<a>\xc6&#1078;&#1488;&#x5d1;</a>");
     EXPECT_NE(text.find("\xd0\x96\xd0\xb6\xd7\x90\xd7\x91"), std::string::npos) << text;
     EXPECT_EQ(text.find('?', text.find("&gt;")), std::string::npos);
@@ -170,7 +170,7 @@ TEST_F(Conversion, ABrokenBookIsShownWithoutMarginsAfterABox)
 
 TEST_F(Conversion, LineEndsThatPartATagAreNoLossOfTheBook)
 {
-    // Joined, the tag is no longer well-formed: the text is shown without a tree.
+    // The joined tag is not well-formed: the text is shown without a tree.
     const std::string text = lines("<a\nb=\"c\">text</a>");
     EXPECT_NE(text.find("&lt;ab=\"c\"&gt;"), std::string::npos);
     EXPECT_NE(text.find("text"), std::string::npos);
@@ -196,7 +196,7 @@ TEST_F(Conversion, ALineOfOneBlankDisappears)
     EXPECT_EQ(lines("<a>x<i/>&#10; &#10;</a>").find("<DIV> </DIV>"), std::string::npos);
 }
 
-TEST_F(Conversion, TheBreakBehindAnInLineImageBelongsToTheText)
+TEST_F(Conversion, TheBreakAfterAnInLineImageBelongsToTheText)
 {
     EXPECT_NE(lines("<a><p>x<image/>y</p></a>").find("&lt;image/&gt;</SPAN></DIV>\r<DIV>y"),
               std::string::npos);
@@ -213,12 +213,12 @@ TEST_F(Conversion, BlanksBetweenInLineElementsStay)
               std::string::npos);
 }
 
-TEST_F(Conversion, AListOfOneEmptyEntryTakesAllBreaksOut)
+TEST_F(Conversion, AListOfOneEmptyEntryRemovesAllBreaks)
 {
     InLineTags = QStringList(QString());
     EXPECT_NE(lines("<a><p>x<image/>y</p></a>").find("&lt;image/&gt;</SPAN>y"), std::string::npos);
     EXPECT_NE(lines("<a><p>x</p></a>").find("MARGIN-LEFT: 5px"), std::string::npos)
-        << "a tree still comes out";
+        << "a tree is still produced";
 }
 
 TEST_F(Conversion, ACommentEndsAtItsFirstAngleBracket)
@@ -227,7 +227,7 @@ TEST_F(Conversion, ACommentEndsAtItsFirstAngleBracket)
               std::string::npos);
 }
 
-TEST_F(Conversion, ACommentOfSeveralLinesComesToStandOnOne)
+TEST_F(Conversion, ACommentOfSeveralLinesIsJoined)
 {
     EXPECT_NE(lines("<a><p>x</p><!-- one\r\ntwo\nthree --></a>").find("&lt;!-- onetwothree --&gt;"),
               std::string::npos);
@@ -243,7 +243,7 @@ TEST_F(Conversion, DeepNestingIsNoMatter)
     EXPECT_NE(lines(book).find("MARGIN-LEFT: 19995px"), std::string::npos);
 }
 
-TEST_F(Conversion, NbspIsShownByTheMarkerAndComesBack)
+TEST_F(Conversion, NbspIsShownByTheMarkerAndRestored)
 {
     const std::string book = Declaration + "<a>x\xc2\xa0y</a>";
     EXPECT_NE(lines(book).find("x\x7fy"), std::string::npos);
@@ -254,7 +254,7 @@ TEST_F(Conversion, NbspIsShownByTheMarkerAndComesBack)
 
 // ------------------------------------------------------------------ preparation
 
-TEST_F(Conversion, ABinaryPartWithoutAnEndIsRefused)
+TEST_F(Conversion, ABinaryPartWithoutAnEndIsRejected)
 {
     std::string book = "<a><!-- <binary --></a>";
     EXPECT_FALSE(ConvertBookToDisplay(book, false));
@@ -264,7 +264,7 @@ TEST_F(Conversion, ABinaryPartWithoutAnEndIsRefused)
     EXPECT_TRUE(statuses.contains(u"cannot open file: bad binary part"_s));
 }
 
-TEST_F(Conversion, ABinaryEndBeforeTheFirstBinaryIsRefused)
+TEST_F(Conversion, ABinaryEndBeforeTheFirstBinaryIsRejected)
 {
     std::string book = "<a></binary><binary>x</a>";
     EXPECT_FALSE(SplitBinaryPart(book, true));
@@ -272,7 +272,7 @@ TEST_F(Conversion, ABinaryEndBeforeTheFirstBinaryIsRefused)
     EXPECT_EQ(book, "<a></binary><binary>x</a>");
 }
 
-TEST_F(Conversion, ARefusedPreviewIsToldInItsOwnWindow)
+TEST_F(Conversion, ARejectedPreviewIsReportedInItsOwnWindow)
 {
     QTemporaryDir folder;
     SampleEmptyPageFile = folder.filePath(u"sample.htm"_s);
@@ -293,7 +293,7 @@ TEST_F(Conversion, ARefusedPreviewIsToldInItsOwnWindow)
         events,
         QStringList({u"Cannot open file: bad binary part"_s, u"ParseError.wav"_s, SampleEmptyPageFile}));
     EXPECT_EQ(boxes, QStringList(u"Cannot load file: bad binary part"_s));
-    EXPECT_TRUE(statuses.isEmpty()) << "the main window is not told";
+    EXPECT_TRUE(statuses.isEmpty()) << "the main window receives no status";
     SampleEmptyPageFile.clear();
 }
 
@@ -314,7 +314,7 @@ TEST_F(Conversion, APreviewLeavesPageAndPicturesOfTheOpenBookAlone)
     BinaryPart.clear();
 }
 
-TEST_F(Conversion, WhatStandsBehindTheBinariesGoes)
+TEST_F(Conversion, TextAfterTheBinariesIsRemoved)
 {
     std::string book
         = "<FictionBook><b/><binary id=\"1\">AA==</binary> <binary>B</binary> x <!-- c --></FictionBook>";
@@ -336,7 +336,7 @@ TEST(Description, NamesTheProgramOnce)
     EXPECT_EQ(text, named);
 }
 
-TEST(Description, KeepsLettersThatHoldTheByteOfANonBreakingSpace)
+TEST(Description, KeepsLettersThatContainTheByteOfANonBreakingSpace)
 {
     std::string text = "<program-used>\xd0\xa0\xd0\xb5\xd0\xb4</program-used>";
     UpdateDescription(text);
@@ -350,24 +350,24 @@ TEST(Extraction, TypedMarkUpIsMarkUp)
     EXPECT_EQ(TextOfPage("<DIV>&lt;b&gt;x &amp; y</DIV>", AngleMarks::Keep), "<b>x &amp; y");
 }
 
-TEST(Extraction, BlanksTypedTwiceComeOutAsTwo)
+TEST(Extraction, TwoTypedBlanksAreSavedAsTwo)
 {
     EXPECT_EQ(TextOfPage("<DIV>a &nbsp;b \r\nc\x7f</DIV>", AngleMarks::Keep), "a  b c\xc2\xa0");
 }
 
-TEST(Extraction, ANonBreakingSpaceShownAsSuchComesOutAsABlank)
+TEST(Extraction, ANonBreakingSpaceIsSavedAsABlank)
 {
-    // The display writes it so; the marker is what protects it.
+    // The display writes it so; only the marker is protected.
     EXPECT_EQ(TextOfPage("<DIV>a&nbsp;b</DIV>", AngleMarks::Keep), "a b");
 }
 
-TEST(Extraction, WhatStandsBeforeTheDeclarationIsDropped)
+TEST(Extraction, TextBeforeTheDeclarationIsRemoved)
 {
     EXPECT_EQ(TextOfPage("<DIV>typed</DIV>\r\n<DIV>&lt;?xml version=\"1.0\"?&gt;</DIV>", AngleMarks::Keep),
               "<?xml version=\"1.0\"?>");
 }
 
-TEST_F(Conversion, ADeclarationQuotedInACommentTakesNothingAway)
+TEST_F(Conversion, ADeclarationInACommentRemovesNothing)
 {
     const std::string book = "<a><p>keep</p><!-- <?xml version=\"1.0\"?> --></a>";
     for (const QString& style : OutputStyles)
@@ -404,7 +404,7 @@ TEST_F(Conversion, AnUnknownDeclarationIsReplacedByUtf8)
     EXPECT_TRUE(saved("<?xml version=\"1.0\" encoding=\"koi8-r\"?><a/>").bytes.starts_with(Declaration));
 }
 
-TEST_F(Conversion, CompactIsOneLineAndTheBinariesStandApart)
+TEST_F(Conversion, CompactIsOneLineAndTheBinariesAreSeparate)
 {
     const BookFile file = saved(
         Declaration + "<FictionBook><p>x</p><!-- c --><binary>AA==</binary></FictionBook>", u"compact"_s);
@@ -412,7 +412,7 @@ TEST_F(Conversion, CompactIsOneLineAndTheBinariesStandApart)
               Declaration + "<FictionBook> <p>x</p> <!-- c -->\r\n<binary>AA==</binary>\r\n</FictionBook>");
 }
 
-TEST_F(Conversion, ADamagedTreeIsSavedByLinesAndSaysSo)
+TEST_F(Conversion, ADamagedTreeIsSavedByLinesAndReported)
 {
     QTemporaryDir folder;
     const QString path = folder.filePath(u"book.fb2"_s);
@@ -452,7 +452,7 @@ TEST_F(Conversion, ABookWhoseEndIsDamagedKeepsItsBinaries)
     BinaryPart.clear();
 }
 
-TEST_F(Conversion, NamesOfBinariesBeyondAsciiFollowTheEncoding)
+TEST_F(Conversion, BinaryNamesOutsideAsciiHaveTheEncodingOfTheBook)
 {
     const std::string cyrillic = "<?xml version=\"1.0\" encoding=\"windows-1251\"?><FictionBook>";
     const std::string book = cyrillic + "<binary id=\"\xc6.png\">AA==</binary></FictionBook>";
@@ -510,7 +510,7 @@ TEST_F(Conversion, TheBlankPageIsWrittenAndShown)
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll(), "<HTML><BODY></BODY></HTML>");
 
-    // Without the status there is the page alone: nothing is told, nothing is heard.
+    // Without the status there is only the page: no message and no sound.
     shown.clear();
     statuses.clear();
     const SeamGuard sound(SoundSeam(), [&shown](const QString& name) { shown.append(name); });

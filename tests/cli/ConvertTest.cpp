@@ -1,4 +1,4 @@
-// `vmk display` and `vmk convert` as the user meets them.
+// `vmk display` and `vmk convert` from the view of the user.
 
 #include "BookGenerator.h"
 #include "ProgramRun.h"
@@ -39,7 +39,7 @@ protected:
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
-    /// Expects one line on standard error, the exit code 2, and the file that stood there as it was.
+    /// Expects one line on standard error, the exit code 2, and an unchanged existing file.
     void expectRefusal(std::vector<std::string> arguments, const std::string& why)
     {
         write("old", "old");
@@ -68,7 +68,7 @@ TEST_F(Convert, DisplayWritesThePageToStandardOutputOrAFile)
     EXPECT_EQ(read("page.htm"), shown.output);
 }
 
-TEST_F(Convert, DisplayTakesASettingsRecordAndLeavesItAlone)
+TEST_F(Convert, DisplayUsesASettingsRecordWithoutChangingIt)
 {
     SettingsRecord settings = EmptySettingsRecord();
     settings[14] = int16_t(30); // the pixels of a tree level
@@ -80,14 +80,14 @@ TEST_F(Convert, DisplayTakesASettingsRecordAndLeavesItAlone)
     EXPECT_EQ(read("vellumark.ini"), bytes);
 }
 
-TEST_F(Convert, ADamagedSettingsRecordIsRefusedAndKept)
+TEST_F(Convert, ADamagedSettingsRecordIsRejectedAndKept)
 {
     const std::string record = write("vellumark.ini", "xy");
     expectRefusal({"display", write("book.fb2", Book), "--settings", record}, "not a settings record");
     EXPECT_EQ(read("vellumark.ini"), "xy");
 }
 
-TEST_F(Convert, ConvertSavesInPlaceInTheWantedForm)
+TEST_F(Convert, ConvertSavesInPlaceInTheGivenStyle)
 {
     const std::string book = write("book.fb2", Book);
     EXPECT_EQ(RunProgram("vmk", {"convert", book, "--out", book, "--encoding", "windows-1251"}).exitCode, 0);
@@ -121,7 +121,7 @@ TEST_F(Convert, ABrokenBookIsConvertedWithARemark)
     EXPECT_NE(read("out").find("<p>x</a>"), std::string::npos);
 }
 
-TEST_F(Convert, BadInputIsRefusedInOneLine)
+TEST_F(Convert, BadInputIsRejectedInOneLine)
 {
     const std::string book = write("book.fb2", Book);
     expectRefusal({"display", path("missing.fb2")}, "file not found");
@@ -134,7 +134,7 @@ TEST_F(Convert, BadInputIsRefusedInOneLine)
     expectRefusal({"display"}, "no book given");
 }
 
-TEST_F(Convert, AFileThatCannotBeWrittenIsTold)
+TEST_F(Convert, AFileThatCannotBeWrittenIsReported)
 {
     const ProgramRun run
         = RunProgram("vmk", {"convert", write("book.fb2", Book), "--out", path("no/such/folder/out")});
@@ -142,7 +142,7 @@ TEST_F(Convert, AFileThatCannotBeWrittenIsTold)
     EXPECT_NE(run.errors.find("cannot be written"), std::string::npos);
 }
 
-TEST_F(Convert, AnEmptyBookIsRefused)
+TEST_F(Convert, AnEmptyBookIsRejected)
 {
     expectRefusal({"convert", write("empty.fb2", "")}, "empty book - nothing to save");
     expectRefusal({"convert", write("blank.fb2", " \r\n\t ")}, "empty book - nothing to save");
@@ -178,7 +178,7 @@ TEST_F(Convert, UnicodeBooksAreReadWholeWithARemark)
     EXPECT_NE(said.find("lost: bytes that are no characters: 1"), std::string::npos) << said;
 }
 
-TEST_F(Convert, OneBadPathLeavesTheFileThatStoodThere)
+TEST_F(Convert, AFailedConversionKeepsTheExistingFile)
 {
     ASSERT_EQ(chmod(folder.path().toUtf8().constData(), 0755), 0);
     const std::string book = write("book.fb2", Book);
@@ -250,7 +250,7 @@ TEST_F(Convert, WithoutFurtherThreadsOneDoesTheWork)
               book + ": No errors (against namespace)\n" + book + ": No errors (against namespace)\n");
 }
 
-TEST_F(Convert, AFullDeviceIsTold)
+TEST_F(Convert, AFullDeviceIsReported)
 {
     const std::string book = write("book.fb2", Book);
     for (const std::string command : {"display", "convert"}) {
@@ -265,7 +265,7 @@ TEST_F(Convert, AFullDeviceIsTold)
     EXPECT_EQ(run.errors, "vmk: standard output: cannot be written\n");
 }
 
-TEST_F(Convert, AFileOverTheSizeLimitIsToldAndLeavesNothing)
+TEST_F(Convert, AFileOverTheSizeLimitIsReportedAndLeavesNoFile)
 {
     const std::string book = write("book.fb2", Declaration + "<a>" + std::string(300'000, 'x') + "</a>");
     write("out.fb2", "old");
@@ -279,7 +279,7 @@ TEST_F(Convert, AFileOverTheSizeLimitIsToldAndLeavesNothing)
         << "no temporary file stays";
 }
 
-TEST_F(Convert, WithItsStandardHandlesClosedItWritesItsFileAndNothingElse)
+TEST_F(Convert, WithoutStandardHandlesItWritesOnlyItsFile)
 {
     const std::string book = write("book.fb2", "<b><p>x</b>");
     ProgramSetting closed;
@@ -323,7 +323,7 @@ TEST_F(Convert, ByteOrderMarksAreReadAsTheRulesSay)
     EXPECT_EQ(converted("\xef\xbb\xbf<a>\xd0\x96</a>"), Declaration + "\r\n<a>\xd0\x96</a>");
 }
 
-TEST_F(Convert, HostileBooksAreConvertedWholeOrShownWithoutATree)
+TEST_F(Convert, HostileBooksAreConvertedCompletelyOrShownWithoutATree)
 {
     const auto whole = [this](const std::string& bytes, const std::string& part) {
         const std::string book = write("book.fb2", bytes);
@@ -356,7 +356,7 @@ TEST_F(Convert, HostileBooksAreConvertedWholeOrShownWithoutATree)
     EXPECT_EQ(whole(many + "/>", " b99999=\"c\"/>"), remark);
 }
 
-TEST_F(Convert, ABookOfManyLevelsAndSizesTakesItsTimeAndNoMore)
+TEST_F(Convert, DeepBooksAreConvertedInLinearTime)
 {
     const std::string book = write("book.fb2", MakeBook({.size = 4'000'000}));
     const ProgramRun run = RunProgram("vmk", {"convert", book, "--out", path("out")});

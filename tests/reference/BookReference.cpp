@@ -113,7 +113,7 @@ bool IsWhite(std::string_view text)
     return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
 }
 
-// Tabs and line ends alone are layout.
+// Only tabs and line ends are layout.
 bool HasBlank(std::string_view white)
 {
     return white.find(' ') != std::string_view::npos;
@@ -402,8 +402,8 @@ std::string PlainBranch(std::string text, const PageRequest& request)
     return ReplaceAll(text, "\r", "</DIV>\r<DIV>");
 }
 
-// Without what stands before the declaration; one behind another tag is none, or a comment that quotes one
-// would take the book away.
+// Removes the text before the declaration. A declaration after another tag does not count; otherwise a
+// comment that contains one would remove the book.
 std::string FromDeclarationOn(const std::string& text)
 {
     const size_t at = text.find("<?xml version");
@@ -637,7 +637,7 @@ std::string FinishFile(std::string text, const SaveRequest& request, bool treeSk
     const bool tree = request.style == "tags tree" && !treeSkipped;
     const std::string binaries = (tree ? std::string() : end) + request.binaryPart + end;
     if (!request.binaryPart.empty() && text.find("</FictionBook>") == std::string::npos)
-        text += end + binaries; // nothing of a damaged book is lost
+        text += end + binaries; // no part of a damaged book is lost
     else if (!request.binaryPart.empty())
         text = ReplaceAll(text, "</FictionBook>", binaries + "</FictionBook>");
     text = ReplaceAll(text, " " + end, end);

@@ -6,11 +6,11 @@
 #include <algorithm>
 #include <vector>
 
-/// The display document told plainly: one flat list of tokens, copied whole for each undo step. Slow, and
-/// obvious; the real one must agree with it after every operation.
+/// A plain display document: one flat list of tokens, copied completely for each undo step. Slow and
+/// simple; the real one must agree with it after every operation.
 namespace vmk::reference {
 
-/// A character, the start of a line with its block's start tag (the line break in front of it, but for the
+/// A character, the start of a line with the start tag of its block (the line break before it, except for the
 /// first line), or an in-line start or end tag.
 struct Token
 {
@@ -44,12 +44,12 @@ struct Span
     int to = 0;
 };
 
-/// Places are numbers of characters and line breaks in front of them.
+/// Positions are numbers of preceding characters and line breaks.
 class PlainDocument
 {
 public:
     Tokens tokens{tagToken(Token::LineStart, {})};
-    std::vector<Span> ranges; ///< Live ranges, carried along.
+    std::vector<Span> ranges; ///< Live ranges, updated by every edit.
     int anchor = 0;
     int focus = 0;
 
@@ -81,7 +81,7 @@ public:
                 result += escaped(token.character);
                 break;
             case Token::LineStart:
-                // A line end would count as white space beside text that is in no block.
+                // Beside text outside blocks a line end would count as white space.
                 if (!result.isEmpty() && !block.isEmpty() && !token.tag.isEmpty())
                     result += endTag(block) + QStringLiteral("\r\n") + startTag(token.tag);
                 else
@@ -99,8 +99,8 @@ public:
         return result + endTag(block);
     }
 
-    /// Replaces text by lines of tokens (each without its `LineStart`, the blocks apart), as the document's
-    /// rules say. @return the place behind the content.
+    /// Replaces text by lines of tokens (each without its `LineStart`, with separate blocks) by the rules of
+    /// the document. @return the position after the content.
     int replace(int from, int to, const std::vector<Tokens>& content, const std::vector<QString>& blocks,
                 bool removeEmptied)
     {
@@ -110,7 +110,7 @@ public:
     }
 
     /// Pastes lines of which the first and last may be text outside any block (block ""). In one line blocks
-    /// stand alone; over several lines the ends join what is left of the first and the last.
+    /// are separate; with several lines the ends are joined to the rest of the first and the last.
     int paste(int from, int to, std::vector<Tokens> content, std::vector<QString> blocks);
 
     int replaceText(int from, int to, const QString& text)
@@ -125,9 +125,9 @@ public:
         return replace(from, to, content, std::vector<QString>(content.size()), false);
     }
 
-    /// Takes text out; several whole lines go with their line breaks.
+    /// Removes text; several complete lines are removed with their line breaks.
     int erase(int from, int to);
-    /// Replaces whole lines.
+    /// Replaces complete lines.
     void replaceLines(int first, int count, const Tokens& lines);
     void wrap(int from, int to, const QString& tag);
 
@@ -136,7 +136,7 @@ public:
         return int(std::count_if(tokens.begin(), tokens.end(),
                                  [](const Token& token) { return token.kind == Token::LineStart; }));
     }
-    /// The index of the token that begins a line; of the end behind the last.
+    /// The index of the token that begins a line; the end for the line after the last.
     [[nodiscard]] std::size_t lineToken(int line) const
     {
         std::size_t i = 0;
@@ -158,7 +158,7 @@ public:
     };
     std::vector<Edit> edits; ///< All edits since the list was last emptied.
 
-    /// Moves all places by an edit.
+    /// Moves all positions by an edit.
     void movePlaces(int from, int oldEnd, int newEnd, bool inFront = false)
     {
         edits.push_back({from, oldEnd, newEnd, inFront});
@@ -170,7 +170,7 @@ public:
         focus = moved(focus, from, oldEnd, newEnd, inFront);
     }
 
-    /// Where nothing follows, a place may have been left behind the end.
+    /// At the end of the text, moves positions that are after the end.
     void fitPlaces()
     {
         const auto fit = [end = length()](int place) { return std::min(place, end); };
@@ -209,12 +209,12 @@ private:
         return tag.isEmpty() ? QString() : QStringLiteral("</") + tag.section(u' ', 0, 0) + u'>';
     }
 
-    /// How many counted tokens stand in front of one, less the first line's start.
+    /// The number of counted tokens before one, without the start of the first line.
     [[nodiscard]] int placeOf(std::size_t index) const
     {
         return int(std::count_if(tokens.begin(), tokens.begin() + std::ptrdiff_t(index), counts)) - 1;
     }
-    /// Behind the counted token that ends at a place, and in front of all tags there.
+    /// After the counted token that ends at a position, and before all tags there.
     [[nodiscard]] std::size_t tokenBehind(int place) const
     {
         std::size_t i = 0;
@@ -223,7 +223,7 @@ private:
                 return i + 1;
         }
     }
-    /// Where typed text goes.
+    /// The index at which typed text is inserted.
     [[nodiscard]] std::size_t insertionToken(int place) const
     {
         const std::size_t begin = tokenBehind(place);
@@ -265,7 +265,7 @@ inline int PlainDocument::build(int from, int to, const std::vector<Tokens>& con
 {
     const bool deletes = content.size() == 1 && content[0].empty();
     const bool crossesLines = lineOf(from) != lineOf(to);
-    // The tokens that go, and where they stand.
+    // The removed tokens and their indexes.
     const std::size_t a = from == to ? insertionToken(from) : [&] {
         std::size_t i = tokenBehind(from);
         while (!counts(tokens[i]))
@@ -415,7 +415,7 @@ inline void PlainDocument::replaceLines(int first, int count, const Tokens& line
 
 inline void PlainDocument::wrap(int from, int to, const QString& tag)
 {
-    // Piece by piece between line breaks; and within a line between tags, unless those are nested in it.
+    // Separately between line breaks; and within a line between tags, unless they are nested in it.
     int lineFrom = from;
     while (lineFrom < to) {
         int lineTo = lineFrom;

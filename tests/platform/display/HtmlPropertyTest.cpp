@@ -1,4 +1,4 @@
-// What holds for HTML of every kind: what was written reads back the same, and text is never lost.
+// Properties of all HTML: written HTML reads back unchanged, and text is never lost.
 
 #include "DisplayPage.h"
 #include "HtmlCheck.h"
@@ -16,7 +16,7 @@ namespace {
 
 using reference::Dice;
 
-/// HTML such as nobody would write: tags of all sorts in any order, stray signs, and text between them.
+/// Random HTML: all kinds of tags in any order, stray characters, and text between them.
 QByteArray randomHtml(Dice& dice)
 {
     constexpr const char* Pieces[] = {"<DIV>",
@@ -99,7 +99,7 @@ QByteArray randomHtml(Dice& dice)
 
 } // namespace
 
-TEST(HtmlProperty, WhatWasWrittenReadsBackAsTheSameLines)
+TEST(HtmlProperty, WrittenHtmlReadsBackAsTheSameLines)
 {
     constexpr int Rounds = 20000;
     Dice dice(7);
@@ -110,7 +110,7 @@ TEST(HtmlProperty, WhatWasWrittenReadsBackAsTheSameLines)
     }
 }
 
-TEST(HtmlProperty, AnElementsOwnHtmlPutInItsPlaceChangesNothing)
+TEST(HtmlProperty, ReplacingAnElementByItsOwnHtmlChangesNothing)
 {
     constexpr int Rounds = 3000;
     Dice dice(23);
@@ -120,7 +120,7 @@ TEST(HtmlProperty, AnElementsOwnHtmlPutInItsPlaceChangesNothing)
     }
 }
 
-TEST(HtmlProperty, TextBetweenTagsComesThroughWhole)
+TEST(HtmlProperty, TextBetweenTagsIsKeptCompletely)
 {
     constexpr int Rounds = 5000;
     constexpr const char* Tags[] = {"<DIV>",          "</DIV>",  "<P>",  "<BR>",  "<B>",     "</B>",
@@ -146,7 +146,7 @@ TEST(HtmlProperty, TextBetweenTagsComesThroughWhole)
     }
 }
 
-TEST(HtmlProperty, ABookPageReadsBackWithItsBytes)
+TEST(HtmlProperty, ABookPageIsSavedWithTheSameBytes)
 {
     DisplayDocument document;
     document.loadPage(reference::makeBookPage(1 << 20));
@@ -157,7 +157,7 @@ TEST(HtmlProperty, ABookPageReadsBackWithItsBytes)
     EXPECT_EQ(again.savePage(), saved);
 }
 
-TEST(HtmlProperty, HostileNestingCostsNoMoreThanItsSize)
+TEST(HtmlProperty, DeepNestingCostsLinearTime)
 {
     const auto linesIn = [](const QByteArray& html) {
         DisplayDocument document;

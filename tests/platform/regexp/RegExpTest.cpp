@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The matches of a pattern, each in brackets; "bad" when the call fails.
+/// The matches of a pattern, each in brackets; "bad" if the call fails.
 QString Matches(const QString& pattern, QStringView text, const QString& options = {})
 {
     RegExp expression;
@@ -36,7 +36,7 @@ QString Replaced(const QString& pattern, QStringView text, QStringView replaceme
     return expression.Replace(text, replacement).value_or(u"bad"_s);
 }
 
-/// Of the processor, so that a busy machine makes no difference.
+/// Processor time, which does not depend on the load of the machine.
 double WorkedSeconds()
 {
     return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
@@ -51,7 +51,7 @@ bool IsBad(const QString& pattern)
 
 } // namespace
 
-TEST(RegExp, ExecuteTellsPlaceLengthAndGroups)
+TEST(RegExp, ExecuteReturnsPositionLengthAndGroups)
 {
     RegExp expression;
     expression.Pattern = u"(\\w)(x)?(\\d+)"_s;
@@ -99,7 +99,7 @@ TEST(RegExp, DotIsAllButLineFeed)
     EXPECT_EQ(Matches(u"[\\s\\S]+"_s, u"a\r\nb"), u"[a\r\nb]");
 }
 
-TEST(RegExp, AnchorsHoldAtLinesOnlyWhenAsked)
+TEST(RegExp, AnchorsMatchAtLinesOnlyWithTheFlag)
 {
     EXPECT_EQ(Matches(u"^."_s, u"a\nb"), u"[a]");
     EXPECT_EQ(Matches(u"^."_s, u"a\nb", u"m"_s), u"[a][b]");
@@ -119,12 +119,11 @@ TEST(RegExp, EmptyMatchesMoveOn)
     EXPECT_EQ(Matches(u"a*?"_s, u""), u"[]");
 }
 
-TEST(RegExp, ShorthandsKnowAsciiOnly)
+TEST(RegExp, ShorthandsMatchAsciiOnly)
 {
     EXPECT_EQ(Matches(u"\\w+"_s, u"ab_1 жук é"), u"[ab_1]");
     EXPECT_EQ(Matches(u"\\d"_s, u"1\u0661"), u"[1]");
-    EXPECT_EQ(Matches(u"\\bж"_s, u"ж aж"), u"[ж]")
-        << "a boundary stands between a and ж, none before the first";
+    EXPECT_EQ(Matches(u"\\bж"_s, u"ж aж"), u"[ж]") << "a boundary is between a and ж, none before the first";
     EXPECT_EQ(Matches(u"\\s"_s, u" \t\n\v\f\r\u00a0\u2003\u3000\ufeff"), u"[ ][\t][\n][\v][\f][\r]");
     EXPECT_EQ(Matches(u"\\S"_s, u"\u00a0"), u"[\u00a0]");
 }
@@ -168,7 +167,7 @@ TEST(RegExp, Classes)
     EXPECT_EQ(Matches(u"[\U0001F600]"_s, u"\U0001F600"), u"[\U0001F600]");
 }
 
-TEST(RegExp, LooseBracketsAndBracesStandForThemselves)
+TEST(RegExp, UnpairedBracketsAndBracesAreLiterals)
 {
     EXPECT_EQ(Matches(u"]"_s, u"]"), u"[]]");
     EXPECT_EQ(Matches(u"}"_s, u"}"), u"[}]");
@@ -210,7 +209,7 @@ TEST(RegExp, BackReferences)
     EXPECT_EQ(Matches(u"\\(\\1"_s, u"(\u0001"), u"[(\u0001]") << "no group at all";
 }
 
-TEST(RegExp, TemplatesPutGroupsAndSurroundings)
+TEST(RegExp, TemplatesInsertGroupsAndContext)
 {
     EXPECT_EQ(Replaced(u"(\\w+) (\\w+)"_s, u"John Smith", u"$2, $1"), u"Smith, John");
     EXPECT_EQ(Replaced(u"b"_s, u"abc", u"[$&$`$'$$]"), u"a[bac$]c");
@@ -246,7 +245,7 @@ TEST(RegExp, PlainMistakesAreBadPatterns)
         EXPECT_TRUE(IsBad(pattern)) << pattern.toStdString();
 }
 
-TEST(RegExp, SyntaxOfOtherDialectsIsRefused)
+TEST(RegExp, SyntaxOfOtherDialectsIsRejected)
 {
     for (const QString& pattern :
          {u"(?<=a)b"_s,      u"(?<!a)b"_s,  u"(?<n>a)"_s, u"(?'n'a)"_s,      u"(?P<n>a)"_s,
@@ -286,7 +285,7 @@ TEST(RegExp, BadPatternsFailEachTimeAndHarmNoOther)
 
 TEST(RegExp, RunawayPatternsEndInAnError)
 {
-    // The character wanted last is there, or the engine would not even begin.
+    // The text contains the last character of the pattern; otherwise the engine would not even start.
     const QString as = QString(50'000, u'a') + u" bz"_s;
     QString words;
     for (int i = 0; i < 2500; ++i)

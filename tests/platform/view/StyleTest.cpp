@@ -13,7 +13,7 @@ namespace {
 
 constexpr double PointsToPixels = 96.0 / 72;
 
-TEST(StyleSheet, LengthsComeInPixels)
+TEST(StyleSheet, LengthsAreConvertedToPixels)
 {
     EXPECT_DOUBLE_EQ(ParseLength(u"2px")->value, 2);
     EXPECT_DOUBLE_EQ(ParseLength(u"12pt")->value, 12 * PointsToPixels);
@@ -41,7 +41,7 @@ TEST(StyleSheet, ReadsTheShorthandFontOfATable)
     EXPECT_EQ(style.weight, QFont::Bold);
 }
 
-TEST(StyleSheet, UnknownTextIsPassedOver)
+TEST(StyleSheet, UnknownTextIsIgnored)
 {
     StyleSheet sheet;
     sheet.parse(u"@import x; } { span.t { color ; : red; font-size: ; color:blue");
@@ -99,7 +99,7 @@ TEST_F(PageStyleTest, ClassesOfTheHeadColourTagsNamesAndValues)
     EXPECT_EQ(tag.color, QColor(128, 0, 0));
     EXPECT_EQ(tag.weight, QFont::Bold);
     EXPECT_EQ(tag.families, QStringList{u"DejaVu Sans"_s});
-    // Names and values keep the tag's font and change its colour.
+    // Names and values have the font of the tag and another colour.
     EXPECT_EQ(lookAt(1, 3).color, QColor(255, 0, 0));
     EXPECT_EQ(lookAt(1, 3).weight, QFont::Bold);
     EXPECT_EQ(lookAt(1, 7).color, QColor(0, 0, 255));

@@ -1,4 +1,4 @@
-// Hostile and broken input: always a clear error, in bounded time and memory.
+// Hostile and broken input must produce a clear error in bounded time and memory.
 
 #include "ProcessorTime.h"
 #include "XmlDocument.h"
@@ -43,7 +43,7 @@ std::string Laughs(const std::string& root)
     return text + "]>" + root;
 }
 
-/// Counts the characters that a text brings.
+/// Counts the characters in the text events.
 class Counter : public XmlSaxHandler
 {
 public:
@@ -70,7 +70,7 @@ int ErrorCode(std::string_view text, XmlSaxHandler* handler = nullptr)
 
 } // namespace
 
-TEST(XmlSafety, NothingAndRubbishAreErrors)
+TEST(XmlSafety, EmptyAndMalformedTextIsAnError)
 {
     for (const std::string& text : {""s, " "s, "\0"s, "\n\n"s, "abc"s, "\xEF\xBB\xBF"s, "\xFF\xFE"s, "\xFF"s,
                                     "\x89PNG\r\n\x1a\n\0\0\0\rIHDR"s, "PK\x03\x04"s, "<"s, "<\0"s, "\0<"s,
@@ -122,7 +122,7 @@ TEST(XmlSafety, ALargeEntityUsedOftenIsAnErrorWithinASecond)
     EXPECT_EQ(ErrorCode(entity + "<a>" + Repeated("&e;", 10) + "</a>"), 0);
 }
 
-TEST(XmlSafety, AnEntityThatHoldsItselfIsAnError)
+TEST(XmlSafety, AnEntityThatContainsItselfIsAnError)
 {
     EXPECT_NE(ErrorCode("<!DOCTYPE a [<!ENTITY e '&e;'>]><a>&e;</a>"), 0);
     EXPECT_NE(ErrorCode("<!DOCTYPE a [<!ENTITY e '&f;'><!ENTITY f '&e;'>]><a>&e;</a>"), 0);
@@ -240,14 +240,14 @@ TEST(XmlEncodingChoice, AMarkWinsOverTheDeclaration)
     EXPECT_EQ(counter.characterCount, 2U);
 }
 
-TEST(XmlEncodingChoice, ADeclarationThatTheBytesBelieIsAnError)
+TEST(XmlEncodingChoice, ADeclarationThatContradictsTheBytesIsAnError)
 {
     EXPECT_EQ(ErrorCode("<?xml version='1.0' encoding='UTF-16'?><a/>"), XmlUnknownEncoding);
     EXPECT_EQ(ErrorCode("<?xml version='1.0' encoding='UTF-8//TRANSLIT'?><a/>"), XmlUnknownEncoding);
     EXPECT_EQ(ErrorCode("<?xml version='1.0' encoding=''?><a/>"), XmlUnknownEncoding);
 }
 
-TEST(XmlEncodingChoice, BytesWithoutACharacterInACodePageStandForControls)
+TEST(XmlEncodingChoice, BytesWithoutACharacterInACodePageAreReadAsControls)
 {
     EXPECT_EQ(ErrorCode("<?xml version='1.0' encoding='windows-1251'?><a>\x98</a>"), 0);
 }
