@@ -8,6 +8,7 @@
 
 #include <QRandomGenerator>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -165,7 +166,7 @@ TEST_F(SettingsTest, APathIsStoredInTheSystemsCodePage)
 {
     const QString path = u"/книги"_s;
     EXPECT_EQ(ThereAndBack(path), path);
-    EXPECT_NE(File().find("\x06\0/\xea\xed\xe8\xe3\xe8"sv), std::string::npos);
+    EXPECT_THAT(File(), testing::HasSubstr("\x06\0/\xea\xed\xe8\xe3\xe8"sv));
 }
 
 TEST_F(SettingsTest, APathInACodePageIsReadDifferentlyUnderAnother)
@@ -180,7 +181,7 @@ TEST_F(SettingsTest, APathBeyondTheCodePageIsStoredInUtf8AndReadUnderAnyPage)
 {
     const QString path = u"/книги/日本/😀/é"_s;
     EXPECT_EQ(ThereAndBack(path), path);
-    EXPECT_NE(File().find(path.toStdString()), std::string::npos);
+    EXPECT_THAT(File(), testing::HasSubstr(path.toStdString()));
     qputenv("VELLUMARK_CODEPAGE", "1250");
     ReadSettings(false);
     EXPECT_EQ(LastSaveFolder, path);

@@ -9,6 +9,7 @@
 #include "TestPaths.h"
 #include "TextRange.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -160,7 +161,7 @@ TEST(TextOfDisplay, AQuoteLeftOpenInTheTextBringsNoMarkUpIntoIt)
     InLineTags = DefaultInLineTags();
     std::string page = "<a><p>write id=\"</p><p>x</p></a>";
     ASSERT_TRUE(ConvertBookToDisplay(page, false));
-    EXPECT_NE(page.find("<DIV style=\"</FONT>MARGIN-LEFT: 5px\">"), std::string::npos) << page;
+    EXPECT_THAT(page, testing::HasSubstr("<DIV style=\"</FONT>MARGIN-LEFT: 5px\">"));
     const std::string text = "<a>\r\n<p>write id=\"</p>\r\n<p>x</p>\r\n</a>\r\n";
     DisplayDocument document;
     document.loadPage(QByteArray::fromStdString(page));

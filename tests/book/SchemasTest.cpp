@@ -2,6 +2,7 @@
 #include "SchemaPage.h"
 #include "Workplace.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace vmk {
@@ -105,7 +106,7 @@ TEST(SchemaPage, ShowsABrokenTextUnchanged)
 TEST(SchemaPage, ReadsTheEncodingThatTheFileDeclares)
 {
     const std::string lines = LinesOf("<?xml version=\"1.0\" encoding=\"windows-1251\"?><a>\xc0</a>");
-    EXPECT_NE(lines.find("\xd0\x90"), std::string::npos) << lines;
+    EXPECT_THAT(lines, testing::HasSubstr("\xd0\x90"));
 }
 
 } // namespace

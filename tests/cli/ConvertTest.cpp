@@ -4,6 +4,7 @@
 #include "ProgramRun.h"
 #include "SettingsRecord.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
@@ -47,7 +48,7 @@ protected:
         const ProgramRun run = RunProgram("vmk", arguments);
         EXPECT_EQ(run.exitCode, 2);
         EXPECT_EQ(run.output, "");
-        EXPECT_NE(run.errors.find(why), std::string::npos) << run.errors;
+        EXPECT_THAT(run.errors, testing::HasSubstr(why));
         EXPECT_EQ(run.errors.find('\n'), run.errors.size() - 1) << run.errors;
         EXPECT_EQ(read("old"), "old");
     }
@@ -62,8 +63,8 @@ TEST_F(Convert, DisplayWritesThePageToStandardOutputOrAFile)
     EXPECT_EQ(shown.exitCode, 0);
     EXPECT_EQ(shown.errors, "");
     EXPECT_TRUE(shown.output.starts_with("<HTML><meta content="));
-    EXPECT_NE(shown.output.find("<DIV style=\"MARGIN-LEFT: 10px\"><SPAN class=t>&lt;p&gt;</SPAN>a "),
-              std::string::npos);
+    EXPECT_THAT(shown.output,
+                testing::HasSubstr("<DIV style=\"MARGIN-LEFT: 10px\"><SPAN class=t>&lt;p&gt;</SPAN>a "));
     EXPECT_EQ(RunProgram("vmk", {"display", book, "--out", path("page.htm")}).exitCode, 0);
     EXPECT_EQ(read("page.htm"), shown.output);
 }
@@ -76,7 +77,7 @@ TEST_F(Convert, DisplayUsesASettingsRecordWithoutChangingIt)
     const std::string record = write("vellumark.ini", bytes);
     const ProgramRun run = RunProgram("vmk", {"display", write("book.fb2", Book), "--settings", record});
     EXPECT_EQ(run.exitCode, 0) << run.errors;
-    EXPECT_NE(run.output.find("MARGIN-LEFT: 60px"), std::string::npos);
+    EXPECT_THAT(run.output, testing::HasSubstr("MARGIN-LEFT: 60px"));
     EXPECT_EQ(read("vellumark.ini"), bytes);
 }
 
@@ -109,7 +110,7 @@ TEST_F(Convert, ConvertReadsInTheNamedEncoding)
                           "--encoding", "utf-8"})
                   .exitCode,
               0);
-    EXPECT_NE(read("out").find("<a>\xc3\xa9</a>"), std::string::npos);
+    EXPECT_THAT(read("out"), testing::HasSubstr("<a>\xc3\xa9</a>"));
 }
 
 TEST_F(Convert, ABrokenBookIsConvertedWithARemark)
@@ -118,7 +119,7 @@ TEST_F(Convert, ABrokenBookIsConvertedWithARemark)
     const ProgramRun run = RunProgram("vmk", {"convert", book, "--out", path("out")});
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_EQ(run.errors, "vmk: " + book + ": Namespace error. Tree view is skipped\n");
-    EXPECT_NE(read("out").find("<p>x</a>"), std::string::npos);
+    EXPECT_THAT(read("out"), testing::HasSubstr("<p>x</a>"));
 }
 
 TEST_F(Convert, BadInputIsRejectedInOneLine)
@@ -139,7 +140,7 @@ TEST_F(Convert, AFileThatCannotBeWrittenIsReported)
     const ProgramRun run
         = RunProgram("vmk", {"convert", write("book.fb2", Book), "--out", path("no/such/folder/out")});
     EXPECT_EQ(run.exitCode, 2);
-    EXPECT_NE(run.errors.find("cannot be written"), std::string::npos);
+    EXPECT_THAT(run.errors, testing::HasSubstr("cannot be written"));
 }
 
 TEST_F(Convert, AnEmptyBookIsRejected)
@@ -332,7 +333,7 @@ TEST_F(Convert, HostileBooksAreConvertedCompletelyOrShownWithoutATree)
 #ifndef __SANITIZE_ADDRESS__
         EXPECT_LT(run.seconds, 2.0);
 #endif
-        EXPECT_NE(read("out").find(part), std::string::npos) << part.substr(0, 100);
+        EXPECT_THAT(read("out"), testing::HasSubstr(part)) << part.substr(0, 100);
         return run.errors;
     };
     const std::string remark = "vmk: " + path("book.fb2") + ": Namespace error. Tree view is skipped\n";

@@ -7,6 +7,8 @@
 #include "SaveBook.h"
 #include "SettingsVariables.h"
 
+#include <gmock/gmock.h>
+
 #include <QDir>
 #include <QScrollBar>
 #include <QTreeWidget>
@@ -262,7 +264,7 @@ TEST_F(WholeBook, SavingAnUneditedBookTwiceWritesTheSameBytes)
     LoadAndWait(CurrentBook);
     form->RunCommand(Command::SaveFile);
     EXPECT_EQ(ReadFileText(CurrentBook), first);
-    EXPECT_NE(first.find("First words &amp; more."), std::string::npos);
+    EXPECT_THAT(first, testing::HasSubstr("First words &amp; more."));
 }
 
 TEST_F(WholeBook, SaveAsChangesTheNameOfTheBook)
@@ -321,7 +323,7 @@ TEST_F(WholeBook, ADamagedTreeIsSavedNevertheless)
     form->RunCommand(Command::SaveFile);
     EXPECT_EQ(Message(), u"Namespace error: tree on save skipped. File saved as: "_s + CurrentBook);
     EXPECT_EQ(soundNames.last(), u"NameSpaceErrorOnSave.wav"_s);
-    EXPECT_NE(ReadFileText(CurrentBook).find("<b>Third line."), std::string::npos);
+    EXPECT_THAT(ReadFileText(CurrentBook), testing::HasSubstr("<b>Third line."));
 }
 
 TEST_F(WholeBook, AFailedSaveIsReportedAndKeepsTheEdits)

@@ -1,6 +1,8 @@
 #include "FieldRules.h"
 #include "RulesFixture.h"
 
+#include <gmock/gmock.h>
+
 using namespace vmk;
 
 namespace {
@@ -114,11 +116,11 @@ TEST_F(Fields, ASelectedTextIsPutIntoAFieldCharacterByCharacter)
         select(0, 1, 0, 6);
         InsertField(document, kind);
         EXPECT_EQ(text(0), before);
-        EXPECT_NE(lines().find(kind == Field::Value           ? "<FONT class=ev>&lt;b"
-                                   : kind == Field::Attribute ? "<FONT class=en>&lt;b"
-                                   : kind == Field::Tag       ? "<SPAN class=et>&lt;b"
-                                                              : "<SPAN class=b>&lt;b"),
-                  std::string::npos);
+        EXPECT_THAT(lines(),
+                    testing::HasSubstr(kind == Field::Value           ? "<FONT class=ev>&lt;b"
+                                           : kind == Field::Attribute ? "<FONT class=en>&lt;b"
+                                           : kind == Field::Tag       ? "<SPAN class=et>&lt;b"
+                                                                      : "<SPAN class=b>&lt;b"));
         EXPECT_EQ(UndoSteps, 0);
         EXPECT_TRUE(BookUnchanged);
     }

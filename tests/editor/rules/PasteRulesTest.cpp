@@ -3,6 +3,8 @@
 #include "Desktop.h"
 #include "RulesFixture.h"
 
+#include <gmock/gmock.h>
+
 using namespace vmk;
 using namespace Qt::StringLiterals;
 
@@ -189,9 +191,8 @@ TEST_F(Pasting, ForeignTextsKeepEveryCharacterAndLine)
                 std::string page = allText();
                 EXPECT_EQ(page.rfind("first\n", 0), 0U) << foreign;
                 std::erase(page, '\n');
-                EXPECT_NE(page.find(std::string("second").substr(0, size_t(offset))), std::string::npos)
-                    << page;
-                EXPECT_NE(page.find(std::string("second").substr(size_t(offset))), std::string::npos) << page;
+                EXPECT_THAT(page, testing::HasSubstr(std::string("second").substr(0, size_t(offset))));
+                EXPECT_THAT(page, testing::HasSubstr(std::string("second").substr(size_t(offset))));
                 undo();
                 EXPECT_EQ(allText(), "first\nsecond\n") << foreign;
             }
@@ -403,7 +404,7 @@ TEST_F(Pasting, ATagCopiedAsTextIsPastedAsAnElement)
     caret(0, 5);
     PasteText(document, ClipboardText(), press());
     EXPECT_EQ(text(0), "<b>wowordrd</b>");
-    EXPECT_NE(lines().find("wo<B>word</B>rd"), std::string::npos) << lines();
+    EXPECT_THAT(lines(), testing::HasSubstr("wo<B>word</B>rd"));
 }
 
 TEST_F(Pasting, AsHtmlOutsideALineNothingIsPastedYetAnEditIsNoted)

@@ -48,7 +48,14 @@ TEST(StyleSheet, UnknownTextIsIgnored)
     Tag tag;
     tag.name = u"SPAN"_s;
     tag.className = u"t"_s;
-    EXPECT_NO_FATAL_FAILURE(static_cast<void>(sheet.styleOf(tag)));
+    EXPECT_EQ(sheet.styleOf(tag).color, std::nullopt) << "the rule is part of the unknown text";
+
+    sheet.parse(
+        u"@media x; span.t { color ; : red; font-size: ; mood: good; color:blue } b.t { color: red }");
+    EXPECT_EQ(sheet.styleOf(tag).color, std::nullopt) << "the selector is unknown";
+    sheet.parse(u"span.t { color ; : red; font-size: ; mood: good; color:blue }");
+    EXPECT_EQ(sheet.styleOf(tag).color, QColor(Qt::blue));
+    EXPECT_EQ(sheet.styleOf(tag).fontSize, std::nullopt);
 }
 
 class PageStyleTest : public testing::Test

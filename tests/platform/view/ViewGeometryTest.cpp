@@ -146,7 +146,7 @@ TEST_F(ViewGeometry, WrappingChangesWithTheWidthAndBack)
     view.resize(Width / 2, Height);
     measureAll();
     EXPECT_GT(view.scrollHeight(), wideHeight);
-    EXPECT_NE(tops(), wide);
+    EXPECT_GT(tops().back(), wide.back());
     view.resize(Width, Height);
     measureAll();
     EXPECT_EQ(view.scrollHeight(), wideHeight);
@@ -318,7 +318,7 @@ TEST_F(ViewGeometry, VisibleRowsDoNotMoveWhileHeightsAreMeasured)
     const QRect before = view.clientRects(first, first).front();
     ASSERT_FALSE(view.isMeasured());
     measureAll();
-    EXPECT_NE(view.scrollHeight(), estimated);
+    EXPECT_LT(view.scrollHeight(), estimated);
     EXPECT_EQ(view.positionAt({0, 1}), first);
     EXPECT_EQ(view.clientRects(first, first).front(), before);
     EXPECT_EQ(view.verticalScrollBar()->value(), view.scrollTop());
