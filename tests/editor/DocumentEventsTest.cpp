@@ -395,7 +395,7 @@ TEST_F(Events, LineAndColumnChangeWithTheWindowsWidth)
         words += "word" + std::to_string(i) + " ";
     OpenBook(text.insert(text.find("Third"), words));
     PutCaret(PlaceOf(u"word55"_s));
-    const auto lineAndColumn = [] {
+    const auto lineAndColumn = [this] {
         ShowCaretPosition();
         const QRegularExpressionMatch match = QRegularExpression(u"ln:(\\d+), col:(\\d+)"_s).match(Panel(2));
         return std::pair(match.captured(1).toInt(), match.captured(2).toInt());
