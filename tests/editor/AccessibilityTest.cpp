@@ -106,14 +106,14 @@ TEST_F(Accessibility, EveryMenuEntryHasAName)
 TEST_F(Accessibility, ThePanelsHaveANameAndTheirText)
 {
     OpenBook();
-    QStringList told;
+    QStringList texts;
     Walk(QAccessible::queryAccessibleInterface(form.get()), [&](QAccessibleInterface& interface) {
         if (interface.role() == QAccessible::StaticText)
-            told.append(interface.text(QAccessible::Name) + u'|'
+            texts.append(interface.text(QAccessible::Name) + u'|'
                         + qobject_cast<QLabel*>(interface.object())->text());
     });
-    EXPECT_TRUE(told.contains(u"message|document complete"_s)) << told.join(u';').toStdString();
-    EXPECT_FALSE(told.filter(u"file length|file len"_s).isEmpty()) << told.join(u';').toStdString();
+    EXPECT_TRUE(texts.contains(u"message|document complete"_s)) << texts.join(u';').toStdString();
+    EXPECT_FALSE(texts.filter(u"file length|file len"_s).isEmpty()) << texts.join(u';').toStdString();
 }
 
 TEST_F(Accessibility, TheTabKeyMovesThroughTheToolbarAndTheSchemaToTheBook)

@@ -66,8 +66,8 @@ QString Saved(const QString& text)
     const qsizetype declaration = text.indexOf("<?xml version"_L1);
     if (declaration < 0)
         return text;
-    const qsizetype behind = text.indexOf(u'<', declaration + 1);
-    return behind < 0 ? QString() : text.mid(behind);
+    const qsizetype after = text.indexOf(u'<', declaration + 1);
+    return after < 0 ? QString() : text.mid(after);
 }
 
 /// The lines under the selection as the plain oracle paints them: it may end a comment at a "<".

@@ -34,7 +34,7 @@ void CheckPasting(const QByteArray& bytes)
     range.pasteHTML(QString::fromUtf8(bytes));
     Check(vmk::reference::documentFault(document));
     while (document.undo()) { }
-    Check(document.savePage() == before ? std::string() : "undo gave another page");
+    Check(document.savePage() == before ? std::string() : "undo restored another page");
 }
 
 } // namespace

@@ -17,11 +17,11 @@ void Check(bool holds)
 
 void CheckMatches(const std::vector<vmk::RegExpMatch>& matches, const QString& text)
 {
-    qsizetype behind = 0;
+    qsizetype previousEnd = 0;
     for (const vmk::RegExpMatch& match : matches) {
-        Check(match.FirstIndex >= behind && match.FirstIndex + match.Length <= text.size());
+        Check(match.FirstIndex >= previousEnd && match.FirstIndex + match.Length <= text.size());
         Check(match.Value == text.mid(match.FirstIndex, match.Length));
-        behind = match.FirstIndex + match.Length;
+        previousEnd = match.FirstIndex + match.Length;
     }
 }
 

@@ -29,10 +29,10 @@ QString Unchanged(const Place& place)
     return place.lines.join(LineBreak);
 }
 
-QString Around(const Place& place, const QString& before, const QString& behind)
+QString Around(const Place& place, const QString& before, const QString& after)
 {
     const QString lineEnd = place.start().line < place.end().line ? QString(LineBreak) : QString();
-    return place.left + before + lineEnd + place.selected + lineEnd + behind + place.right;
+    return place.left + before + lineEnd + place.selected + lineEnd + after + place.right;
 }
 
 QString With(const Place& place, const QString& text)

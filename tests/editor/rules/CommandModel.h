@@ -42,7 +42,7 @@ struct Place
 /// With a text instead of the selection.
 [[nodiscard]] QString With(const Place& place, const QString& text);
 /// Between two tags; several lines stay separate lines.
-[[nodiscard]] QString Around(const Place& place, const QString& before, const QString& behind);
+[[nodiscard]] QString Around(const Place& place, const QString& before, const QString& after);
 [[nodiscard]] QString Deleted(const Place& place);
 [[nodiscard]] QString WithSpace(const Place& place);
 [[nodiscard]] QString ProperOf(const QString& text);

@@ -394,15 +394,15 @@ TEST_F(RangeText, LiveRangesGrowAndShrinkWithTheirText)
 {
     TextRange scope = lines(0, 1);
     TextRange before = range(0, 0, 1);
-    TextRange behind = range(2, 0, 5);
+    TextRange after = range(2, 0, 5);
     TextRange hit = range(1, 4, 5);
     hit.setText(QStringLiteral("long\r\ner"));
     EXPECT_EQ(text(scope), "one\r\na<b>long\r\ner");
     EXPECT_EQ(text(before), "o");
-    EXPECT_EQ(text(behind), "three");
+    EXPECT_EQ(text(after), "three");
     document.undo();
     EXPECT_EQ(text(scope), "one\r\na<b>c");
-    EXPECT_EQ(text(behind), "three");
+    EXPECT_EQ(text(after), "three");
 }
 
 TEST_F(RangeText, ARangeOutlivesItsDocument)

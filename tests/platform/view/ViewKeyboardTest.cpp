@@ -378,13 +378,13 @@ TEST_F(ViewKeyboard, ComposedTextIsShownBeforeItIsInTheDocument)
     show(ThreeLines);
     const QString before = text();
     caretTo(1, 6);
-    const int behind = view.clientRects({1, 7}, {1, 7}).front().left();
+    const int after = view.clientRects({1, 7}, {1, 7}).front().left();
     compose(view, u"nihao"_s, 2);
     EXPECT_EQ(text(), before);
     EXPECT_FALSE(document().canUndo());
     // The text after it moves, and the caret of the input method is inside the composed text.
     const int pushed = view.clientRects({1, 7}, {1, 7}).front().left();
-    EXPECT_GT(pushed, behind + 20);
+    EXPECT_GT(pushed, after + 20);
     QInputMethodQueryEvent query(Qt::ImCursorRectangle);
     QApplication::sendEvent(&view, &query);
     const QRect cursor = query.value(Qt::ImCursorRectangle).toRect();
