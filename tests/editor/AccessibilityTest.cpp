@@ -110,7 +110,7 @@ TEST_F(Accessibility, ThePanelsHaveANameAndTheirText)
     Walk(QAccessible::queryAccessibleInterface(form.get()), [&](QAccessibleInterface& interface) {
         if (interface.role() == QAccessible::StaticText)
             texts.append(interface.text(QAccessible::Name) + u'|'
-                        + qobject_cast<QLabel*>(interface.object())->text());
+                         + qobject_cast<QLabel*>(interface.object())->text());
     });
     EXPECT_TRUE(texts.contains(u"message|document complete"_s)) << texts.join(u';').toStdString();
     EXPECT_FALSE(texts.filter(u"file length|file len"_s).isEmpty()) << texts.join(u';').toStdString();
