@@ -153,9 +153,7 @@ TEST_F(Conversion, ABrokenBookOfACodePageIsShownInUtf8)
     const std::string text
         = lines("<?xml version=\"1.0\" encoding=\"windows-1251\"?><a>\xc6&#1078;&lt;<b></a>");
     EXPECT_TRUE(IsValidUtf8(text));
-    EXPECT_NE(text.find("\xd0\x96&amp;" + std::string(DisplayGuard) + "#1078;\xe2\x80\xb9"),
-              std::string::npos)
-        << text;
+    EXPECT_THAT(text, testing::HasSubstr("\xd0\x96&amp;" + std::string(DisplayGuard) + "#1078;\xe2\x80\xb9"));
 }
 
 TEST_F(Conversion, ABrokenBookIsShownWithoutMarginsAfterABox)

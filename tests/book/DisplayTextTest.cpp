@@ -155,7 +155,7 @@ TEST(TextOfDisplay, AgreesWithTheStepsOnEveryBook)
     ReadSettings(true);
 }
 
-TEST(TextOfDisplay, AQuoteLeftOpenInTheTextBringsNoMarkUpIntoIt)
+TEST(TextOfDisplay, AnOpenQuoteInTheTextAddsNoMarkUp)
 {
     ReadSettings(true);
     InLineTags = DefaultInLineTags();

@@ -173,10 +173,10 @@ TEST_F(Convert, UnicodeBooksAreReadWholeWithARemark)
         highFirst += {'\0', c};
     const std::string high = write("high.fb2", "\xfe\xff" + highFirst);
     EXPECT_EQ(converted(high, {}, said), Declaration + "\r\n<a>b</a>");
-    EXPECT_NE(said.find("characters misread"), std::string::npos) << said;
-    EXPECT_NE(converted(write("odd.fb2", utf16(u"\ufeff<a>b</a>") + "x"), {}, said).find("<a>b</a>"),
-              std::string::npos);
-    EXPECT_NE(said.find("lost: bytes that are no characters: 1"), std::string::npos) << said;
+    EXPECT_THAT(said, testing::HasSubstr("characters misread"));
+    EXPECT_THAT(converted(write("odd.fb2", utf16(u"\ufeff<a>b</a>") + "x"), {}, said),
+                testing::HasSubstr("<a>b</a>"));
+    EXPECT_THAT(said, testing::HasSubstr("lost: bytes that are no characters: 1"));
 }
 
 TEST_F(Convert, AFailedConversionKeepsTheExistingFile)

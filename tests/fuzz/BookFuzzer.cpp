@@ -29,7 +29,7 @@ void Check(const std::string& book, const QString& style, const QString& encodin
         return;
     const vmk::SaveLayout layout = vmk::SaveLayoutOfSettings();
     const vmk::BookFile file = vmk::DocumentToBook(document);
-    // Pictures are put back as they were, whatever they hold.
+    // Pictures are restored unchanged, whatever they contain.
     const bool tree
         = layout.style == vmk::LayoutStyle::TagsTree && !file.treeSkipped && layout.binaryPart.empty();
     if (tree && vmk::HasParseError(file.bytes, vmk::XmlEncoding::byDeclaration()))

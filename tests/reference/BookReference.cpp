@@ -373,8 +373,8 @@ std::string ShiftNodes(std::string text, size_t levels, int nodeShift)
 std::string TreeBranch(std::string text, const PageRequest& request)
 {
     text = PrepareTreeLines(text, "\r", request.inLineTags);
-    // A reference that the code page has a byte for is that byte, and then its character in UTF-8; any other
-    // stays a reference until there is a place for its character. Either way it ends as the character.
+    // A reference to a character of the code page becomes its byte, and then its character in UTF-8; any
+    // other stays a reference until the text can contain its character. Both end as the character.
     text = ParserPass(text, request.codePage, request.inLineTags, Form::Display);
     size_t levels = 0;
     for (std::string tabs = "\t"; text.find(tabs) != std::string::npos; tabs += '\t')
