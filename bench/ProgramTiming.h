@@ -21,8 +21,8 @@ struct Measure
     double peakBytes = 0;
 };
 
-/// Runs a program to its end with its output in a file. This process stays small, since the system counts
-/// its memory to the child's until the child has started its program.
+/// Runs a program to its end with its output in a file. This process must stay small: the system counts
+/// its memory as the child's until the child has started its program.
 inline Measure Run(const std::vector<std::string>& command, const std::string& outputFile)
 {
     std::vector<char*> arguments;
@@ -50,7 +50,7 @@ inline Measure Run(const std::vector<std::string>& command, const std::string& o
     return {time.count(), static_cast<double>(usage.ru_maxrss) * 1024};
 }
 
-/// The middle one of the times, the largest of the peaks.
+/// The median of the times, the largest of the peaks.
 inline Measure Middle(std::vector<Measure> measures)
 {
     std::ranges::sort(measures, {}, &Measure::seconds);

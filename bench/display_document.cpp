@@ -1,4 +1,4 @@
-// Growth of the display document's costs: the same work on pages of 1, 4, 16 and 64 MB side by side, and a
+// Growth of the costs of the display document: the same work on pages of 1, 4, 16 and 64 MB, and a
 // replace-all of 50 000 hits with its undo. Prints a table; the columns must grow with the size.
 
 #include "DisplayPage.h"
@@ -14,7 +14,7 @@ namespace {
 
 using namespace vmk;
 
-/// Processor time of a piece of work: unlike the clock's it does not change with what else is running.
+/// Processor time of a task, which does not depend on the load of the machine.
 double milliseconds(const std::function<void()>& work)
 {
     const std::clock_t begin = std::clock();
@@ -22,7 +22,7 @@ double milliseconds(const std::function<void()>& work)
     return 1000.0 * double(std::clock() - begin) / CLOCKS_PER_SEC;
 }
 
-/// What the heap holds, in MB.
+/// The size of the heap in MB.
 double heapMegabytes()
 {
     const struct mallinfo2 heap = mallinfo2();

@@ -1,6 +1,6 @@
-// Cost of the editing commands on pages of 1, 4 and 16 MB of book text: each command on a caret in the
-// middle, and those that take lines on the whole book selected, with their undo. The page is shown in a real
-// view. Prints processor milliseconds, a row a page, so that the growth shows; medians where a command runs
+// Costs of the editing commands on pages of 1, 4 and 16 MB of book text: each command at a caret in the
+// middle, and line commands on the complete book, with their undo. The page is shown in a real
+// view. Prints processor milliseconds, one row per page, to show the growth; medians for commands that run
 // often.
 
 #include "BookVariables.h"
@@ -55,7 +55,7 @@ void selectAll(DisplayDocument& document)
     document.setSelection({}, document.end());
 }
 
-/// The median of a command at a caret in the middle of the page, each run taken back again.
+/// The median of a command at a caret in the middle of the page; each run is undone.
 double onCaret(DisplayView& view, const Row& row)
 {
     DisplayDocument& document = view.document();
@@ -81,7 +81,7 @@ void measure(int megabytes, const std::vector<Row>& small, const std::vector<Row
     DisplayView view;
     view.resize(1000, 700);
     view.show();
-    // A book's page is about twice the book.
+    // The page of a book has about twice its size.
     view.setPage(reference::makeBookPage(qsizetype(2 * megabytes) << 20));
     view.setDesignMode(QStringLiteral("On"));
     QCoreApplication::processEvents();

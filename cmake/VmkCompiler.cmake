@@ -6,7 +6,7 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 
 find_program(VMK_CCACHE ccache)
 if(VMK_CCACHE)
-    # Precompiled headers are cached too only if time stamps and defines are not compared.
+    # ccache handles precompiled headers only if it does not compare time stamps and defines.
     set(VMK_LAUNCHER
         ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
         CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${VMK_CCACHE})
@@ -16,11 +16,11 @@ endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    # This version sees overlapping and endless copies in plain additions of std::string.
+    # GCC 12 reports false overlapping and unbounded copies for additions of std::string.
     add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict> $<$<COMPILE_LANGUAGE:CXX>:-Wno-stringop-overflow>
         $<$<COMPILE_LANGUAGE:CXX>:-Wno-array-bounds>)
 endif()
-# The linker of LLVM takes a fraction of the time of the default one, and there are many test programs.
+# The linker of LLVM is several times faster than the default one, and there are many test programs.
 find_program(VMK_LLD ld.lld)
 if(VMK_LLD)
     add_link_options(-fuse-ld=lld)

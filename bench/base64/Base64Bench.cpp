@@ -1,5 +1,5 @@
-// Base64 both ways against the `base64` program of the GNU core utilities: the same 30 MB, in one run, turn
-// by turn. The program reads a file and writes to nowhere; its start counts, as a caller would pay for it.
+// Compares Base64 in both directions with the `base64` program of the GNU core utilities: the same 30 MB, in
+// turns, in one run. The program reads a file and writes to /dev/null; its start counts, as for a caller.
 
 #include "Base64.h"
 
@@ -52,7 +52,7 @@ bool Write(const QString& path, const std::string& bytes)
         && file.write(bytes.data(), static_cast<qint64>(bytes.size())) == static_cast<qint64>(bytes.size());
 }
 
-/// Prints one direction's figures; false if anything failed or the ratio is too small.
+/// Prints the figures of one direction; false if anything failed or the ratio is too small.
 bool Compare(const char* name, const std::function<bool()>& own, const std::function<bool()>& program)
 {
     bool good = true;
@@ -93,7 +93,7 @@ int main()
         return 2;
     }
     std::printf("30 MB of random bytes, medians of %d rounds taken in turn\n", Rounds);
-    // The program does not break lines either.
+    // The program does not wrap lines either.
     const bool encoded = Compare(
         "encode", [&data, &text] { return vmk::Base64Encode(data).size() == text.size(); },
         [&dataFile] {

@@ -23,7 +23,7 @@ struct Times
     Measure xmllint;
 };
 
-/// The three programs in turns, so that all meet the same moods of the machine.
+/// Runs the three programs in turns, so that the load of the machine is the same for all.
 Times Compare(const std::string& folder, const std::string& size)
 {
     const std::string book = folder + "/book.fb2";

@@ -149,7 +149,7 @@ public:
     std::string write();
 
 private:
-    // Pieces of a line.
+    // Parts of a line.
     std::string word();
     std::string words(int low, int high);
     std::string sentence();
@@ -160,7 +160,7 @@ private:
     std::string idSometimes();
     std::string picture() { return "#picture" + std::to_string(chance.between(1, pictureCount)) + ".png"; }
 
-    // Whole lines.
+    // Complete lines.
     void put(std::string_view text) { book.append(static_cast<size_t>(indent), ' ').append(text) += '\n'; }
     void field(std::string_view name, std::string_view text);
     void block(std::string_view startTag, const std::function<void()>& content);
@@ -215,7 +215,7 @@ std::string BookWriter::word()
 
 std::string BookWriter::words(int low, int high)
 {
-    // One language a phrase.
+    // One language per phrase.
     const int share = std::exchange(cyrillicShare, chance.percent(cyrillicShare) ? 100 : 0);
     std::string text = word();
     for (int count = chance.between(low, high) - 1; count > 0; --count)
@@ -247,7 +247,7 @@ std::string BookWriter::link()
         + inLine(1, true) + "</a>";
 }
 
-/// A few words, marked in some way or not.
+/// A few words, with or without in-line elements.
 std::string BookWriter::inLine(int depth, bool insideLink)
 {
     const int kind = chance.between(1, 20);
@@ -449,7 +449,7 @@ void BookWriter::mainBody()
     });
 }
 
-/// A part of parts, or a chapter.
+/// A part that contains parts, or a chapter.
 void BookWriter::part(int depth)
 {
     if (depth >= 3 || chance.percent(30)) {
@@ -500,7 +500,7 @@ void BookWriter::textBlock()
         blockImage();
 }
 
-/// One of each kind, so that no book lacks any.
+/// One element of each kind, so that every book has all of them.
 void BookWriter::textBlocksOnce()
 {
     title();
@@ -524,7 +524,7 @@ void BookWriter::textBlocksOnce()
 void BookWriter::paragraph()
 {
     const std::string style = chance.percent(2) ? " style=\"own\"" : "";
-    // Most paragraphs are a line or two of talk, some are long.
+    // Most paragraphs are one or two lines of dialogue, some are long.
     const int sentences = chance.percent(60) ? chance.between(1, 3) : chance.between(3, 14);
     put("<p" + idSometimes() + style + langSometimes() + ">" + line(sentences) + "</p>");
 }
@@ -668,7 +668,7 @@ int CodePageOf(const std::string& encoding)
     return encoding == "utf-16" ? CodePageUtf16 : CodePageUtf8;
 }
 
-/// The text in a code page; what the page lacks as decimal references.
+/// The text in a code page; missing characters are decimal references.
 std::string ToCodePage(const std::string& utf8, int page)
 {
     std::string bytes;
@@ -709,7 +709,7 @@ bool IsBookEncoding(const std::string& encoding)
 
 std::string MakeBook(const BookPlan& plan)
 {
-    // Notes and pictures come behind the text that this bounds; Cyrillic text halves in a code page.
+    // Notes and pictures follow the text that this limits; Cyrillic text has half the size in a code page.
     const size_t pictures = plan.pictures ? plan.size / 8 : 0;
     const double growth = plan.encoding == "windows-1251" ? 1.7 : plan.encoding == "utf-16" ? 0.8 : 1.0;
     const auto textSize = static_cast<size_t>(static_cast<double>(plan.size - pictures) * growth * 0.95);

@@ -28,7 +28,7 @@ int main(int count, char** values)
     Run({programs + "/make_book", size}, book);
     const auto bookBytes = static_cast<double>(std::filesystem::file_size(book));
 
-    // In turns, so that both meet the same moods of the machine.
+    // In turns, so that the load of the machine is the same for both.
     std::vector<Measure> vmkRuns;
     std::vector<Measure> xmllintRuns;
     for (int run = 0; run < Runs; ++run) {

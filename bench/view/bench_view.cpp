@@ -1,13 +1,13 @@
-// What it costs to open a book's page in the display and to work in it.
+// Costs of opening the page of a book in the display and of editing it.
 //
 //   bench_view PAGE [--chromium PROGRAM]
 //
 // PAGE is a page as `vmk display` writes it. Prints: the time from file to first painted, editable screen,
-// beside headless Chromium's time for a screenshot of the same page less that of an empty one; memory above
-// an empty window; the time of a key (document and paint) at the start, in the middle and at the end, and
-// in a single line of a megabyte; the first paint after a jump; the longest idle slice; 50 000 replaces and
-// their undoing. Times of single events are told twice: by the clock on the wall, and by the processor's,
-// which does not count the work of other programs. Nothing is judged.
+// compared with the time of headless Chromium for a screenshot of the same page minus an empty one; memory
+// above an empty window; the time of a key (document and paint) at the start, in the middle and at the end,
+// and in a single line of a megabyte; the first paint after a jump; the longest idle slice; 50 000 replaces
+// and their undo. Times of single events are printed as wall time and as processor time, which does not count
+// other programs. There are no limits.
 
 #include "DisplayPage.h"
 #include "DisplayView.h"
@@ -41,7 +41,7 @@ QTextStream& out()
     return stream;
 }
 
-/// Milliseconds that something took.
+/// A duration in milliseconds.
 struct Duration
 {
     double wall = 0;
@@ -70,7 +70,7 @@ private:
     double processorStart = processorTime();
 };
 
-/// Tells how long each event took that the view's timers brought.
+/// Records how long each timer event of the view took.
 class TimedApplication : public QApplication
 {
 public:
@@ -233,7 +233,7 @@ void measureWork(TimedApplication& app, const QString& page)
     out() << "memory above an empty window: " << QString::number(residentMegabytes() - empty, 'f', 0)
           << " MB opened" << Qt::flush;
 
-    // Jumps first, while hardly a line is measured.
+    // Jumps first, while most lines are not measured yet.
     std::mt19937 random(1);
     std::vector<Duration> jumps;
     for (int i = 0; i < Jumps; ++i) {

@@ -1,11 +1,11 @@
-// Compares the window's validation, from the key F8 to the selection put and painted, with
+// Compares the validation of the window, from the key F8 to the painted selection, with
 // `xmllint --stream --noout --schema` on the same book and schema, in turns in one run. Two books: one
 // without an error, and one whose only error is at its end.
 //
 //   bench_validation [MEGABYTES]
 //
-// Wall time, and the processor's time beside it, which says what of a ratio the machine's other work is to
-// blame for. The first validation of the process stands apart: it compiles the schema.
+// Prints wall time and processor time, which shows how much of a ratio is caused by the load of the
+// machine. The first validation of the process is printed separately: it compiles the schema.
 
 #include "BookGenerator.h"
 #include "Desktop.h"
@@ -87,7 +87,7 @@ void OpenBook(Form1& form, const QString& path)
     if (!QTest::qWaitFor([&] { return form.StatusMsg->panelText(1) == "document complete"_L1; },
                          PatienceMilliseconds))
         Stop(u"the book is not complete: "_s + form.StatusMsg->panelText(1));
-    // What the display measures when it is idle is done by the time that a person presses a key.
+    // The display finishes its idle measurements before a user presses a key.
     if (!QTest::qWaitFor(
             [&] { return form.HTMLread->designMode() == "On"_L1 && form.HTMLread->isMeasured(); },
             PatienceMilliseconds))
@@ -95,7 +95,7 @@ void OpenBook(Form1& form, const QString& path)
     form.HTMLread->setFocus();
 }
 
-/// One validation from the key on; gives its time and tests its outcome.
+/// One validation from the key press; returns its time and checks its result.
 Measure PressF8(Form1& form, const QString& outcome)
 {
     DisplayDocument& document = form.HTMLread->document();
@@ -121,7 +121,7 @@ Measure RunXmllint(const QString& book, int outcome)
     });
 }
 
-/// Prints a row; true when the ratio is as wanted.
+/// Prints a row; true if the ratio meets the goal.
 bool Compare(Form1& form, const QString& book, bool valid)
 {
     OpenBook(form, book);
@@ -181,7 +181,7 @@ int main(int argc, char** argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
     FillWidgetSeams();
-    // Sounds come behind the outcome, and last as long as they last.
+    // Sounds play after the result, and their time does not count.
     const SeamGuard silence(SoundSeam(), [](const QString&) {});
     constexpr size_t Megabyte = 1'000'000;
     const size_t megabytes = argc > 1 ? std::strtoull(argv[1], nullptr, 10) : 15;

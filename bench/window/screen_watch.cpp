@@ -1,9 +1,9 @@
-// Tells when a place on the screen shows something:
+// Reports when an area of the screen shows text:
 //
 //   screen_watch LEFT TOP WIDTH HEIGHT
 //
-// Waits until the place has the colours of drawn text, looking every other millisecond, and prints the time
-// in milliseconds since 1970. Prints "ready" first, as soon as it looks. Ends with 1 after a minute in vain.
+// Checks every two milliseconds, waits until the area has the colours of rendered text, and prints the time
+// in milliseconds since 1970. Prints "ready" when it starts to check. Returns 1 after a minute without text.
 
 #include <QDateTime>
 #include <QDeadlineTimer>
@@ -20,7 +20,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// A place without text has a ground, and may have a frame.
+/// An area without text has a background, and can have a frame.
 bool ShowsText(QScreen& screen, const QRect& place)
 {
     constexpr qsizetype ColoursOfText = 5;

@@ -36,7 +36,7 @@ TEST(CommandText, ArgumentsAreJoinedByOneBlank)
     EXPECT_EQ(CommandText({u"book.fb2"_s, u"-V"_s}), u"book.fb2 -V"_s);
 }
 
-TEST(CommandText, AnArgumentWithBlanksNeedsNoQuotesOfItsOwn)
+TEST(CommandText, AnArgumentWithBlanksNeedsNoAddedQuotes)
 {
     EXPECT_EQ(ReadCommandText(CommandText({u"my book.fb2"_s, u"-L"_s})), Load(u"my book.fb2"_s));
     EXPECT_EQ(ReadCommandText(CommandText({u"my book.fb2"_s})), Load(u"my book.fb2"_s));
@@ -57,7 +57,7 @@ TEST(ReadCommandText, ABarePathIsLoaded)
     EXPECT_EQ(ReadCommandText(u"/books/a b.fb2"_s), Load(u"/books/a b.fb2"_s));
 }
 
-TEST(ReadCommandText, AQuotedPathLosesItsQuotes)
+TEST(ReadCommandText, AQuotedPathIsReturnedWithoutQuotes)
 {
     EXPECT_EQ(ReadCommandText(u"\"C:\\My Books\\a.fb2\""_s), Load(u"C:\\My Books\\a.fb2"_s));
     EXPECT_EQ(ReadCommandText(u"\"a -V\""_s), Load(u"a -V"_s));
@@ -65,13 +65,13 @@ TEST(ReadCommandText, AQuotedPathLosesItsQuotes)
     EXPECT_EQ(ReadCommandText(u"\""_s), Load(QString()));
 }
 
-TEST(ReadCommandText, AQuotedPathWithAnOptionBehindItKeepsItsQuotes)
+TEST(ReadCommandText, AQuotedPathBeforeAnOptionKeepsItsQuotes)
 {
     EXPECT_EQ(ReadCommandText(u"\"C:\\My Books\\a.fb2\" -L"_s), Load(u"\"C:\\My Books\\a.fb2\""_s));
     EXPECT_EQ(ReadCommandText(u"\"a.fb2\" -V"_s), Validate(u"\"a.fb2\""_s));
 }
 
-TEST(ReadCommandText, AnOptionStandsBehindThePath)
+TEST(ReadCommandText, AnOptionFollowsThePath)
 {
     EXPECT_EQ(ReadCommandText(u"book.fb2 -L"_s), Load(u"book.fb2"_s));
     EXPECT_EQ(ReadCommandText(u"book.fb2 -V"_s), Validate(u"book.fb2"_s));
@@ -84,7 +84,7 @@ TEST(ReadCommandText, OptionLettersAreUpperCase)
     EXPECT_EQ(ReadCommandText(u"book.fb2 -l"_s), Load(u"book.fb2 -l"_s));
 }
 
-TEST(ReadCommandText, OfAPathThatContainsAnOptionTheLastOneIsCut)
+TEST(ReadCommandText, OnlyTheLastOptionIsCutFromThePath)
 {
     EXPECT_EQ(ReadCommandText(u"a-V/b -V.fb2 -V"_s), Validate(u"a-V/b -V.fb2"_s));
     EXPECT_EQ(ReadCommandText(u"a-V/b.fb2 -L"_s), Load(u"a-V/b.fb2"_s));
@@ -103,17 +103,17 @@ TEST(ReadCommandText, TwoBlanksBeforeTheOptionLeaveOneAtThePathsEnd)
     EXPECT_EQ(ReadCommandText(u"book.fb2  -V"_s), Validate(u"book.fb2 "_s));
 }
 
-TEST(ReadCommandText, WithoutABlankBeforeTheOptionThePathLosesItsLastCharacter)
+TEST(ReadCommandText, WithoutABlankBeforeTheOptionTheLastCharacterOfThePathIsCut)
 {
     EXPECT_EQ(ReadCommandText(u"book.fb2-L"_s), Load(u"book.fb"_s));
 }
 
-TEST(ReadCommandText, BlanksBehindTheOptionDoNotCount)
+TEST(ReadCommandText, BlanksAfterTheOptionAreIgnored)
 {
     EXPECT_EQ(ReadCommandText(u"book.fb2 -V  "_s), Validate(u"book.fb2"_s));
 }
 
-TEST(ReadCommandText, ALetterPartedFromItsHyphenLeavesNoPath)
+TEST(ReadCommandText, ALetterSeparatedFromItsHyphenLeavesNoPath)
 {
     EXPECT_EQ(ReadCommandText(u"book.fb2 - L"_s), Load(QString()));
     EXPECT_EQ(ReadCommandText(u"a -L b - L"_s), Load(u"a"_s));

@@ -80,13 +80,13 @@ TEST_F(FileOperations, MakeFolderLeavesAnExistingFolder)
     EXPECT_EQ(Text(u"folder/kept"_s), "text");
 }
 
-TEST_F(FileOperations, MakeFolderMakesOneLevelOnly)
+TEST_F(FileOperations, MakeFolderCreatesOneLevelOnly)
 {
     EXPECT_FALSE(MakeFolder(Path(u"one/two"_s)));
     EXPECT_FALSE(FolderExists(Path(u"one"_s)));
 }
 
-TEST_F(FileOperations, MakeFolderFailsWhereAFileStands)
+TEST_F(FileOperations, MakeFolderFailsIfAFileExists)
 {
     Make(u"file"_s);
     EXPECT_FALSE(MakeFolder(Path(u"file"_s)));
@@ -95,7 +95,7 @@ TEST_F(FileOperations, MakeFolderFailsWhereAFileStands)
 
 // ---------------------------------------------------------------- reading and writing
 
-TEST_F(FileOperations, BytesComeBackAsWritten)
+TEST_F(FileOperations, BytesAreReadAsWritten)
 {
     std::string all;
     for (int i = 0; i < 70000; ++i)
@@ -120,7 +120,7 @@ TEST_F(FileOperations, AMissingFileReadsEmpty)
     EXPECT_EQ(Text(u"missing"_s), "");
 }
 
-TEST_F(FileOperations, ALengthOfMinusOneComesBackAsTheFilesLength)
+TEST_F(FileOperations, ALengthOfMinusOneReturnsTheFileLength)
 {
     Make(u"a"_s, "12345");
     std::string bytes;
@@ -204,7 +204,7 @@ TEST_F(FileOperations, AQuestionMarkInAPlainNameIsNoPattern)
     EXPECT_EQ(place.Names(), QStringList{u"whats"_s});
 }
 
-TEST_F(FileOperations, CopiesAFileAndMakesTheTargetsFolder)
+TEST_F(FileOperations, CopiesAFileAndCreatesTheTargetFolder)
 {
     Make(u"a"_s, "new");
     EXPECT_EQ(FileOperation(CopyFileMode, Path(u"a"_s), Path(u"folder/b"_s)), QString());
@@ -250,7 +250,7 @@ TEST_F(FileOperations, CopiesTheFilesOfAPatternIntoAFolder)
     EXPECT_FALSE(FileExists(Path(u"target/b"_s)));
 }
 
-TEST_F(FileOperations, MovingGivesOkAndOverwrites)
+TEST_F(FileOperations, MovingReturnsOkAndOverwrites)
 {
     Make(u"a"_s, "new");
     Make(u"b"_s, "old");
@@ -259,7 +259,7 @@ TEST_F(FileOperations, MovingGivesOkAndOverwrites)
     EXPECT_FALSE(FileExists(Path(u"a"_s)));
 }
 
-TEST_F(FileOperations, AFailedMoveGivesNothing)
+TEST_F(FileOperations, AFailedMoveReturnsNothing)
 {
     Make(u"b"_s, "kept");
     EXPECT_EQ(FileOperation(MoveFileMode, Path(u"a"_s), Path(u"b"_s)), QString());
@@ -300,7 +300,7 @@ TEST_F(FileOperations, DeletesAFolderWithAllItsContentButNotWhatLinksLeadTo)
     EXPECT_EQ(Text(u"outside"_s), "kept");
 }
 
-TEST_F(FileOperations, CopiesAFolderInPlaceOfAnExistingOne)
+TEST_F(FileOperations, CopyingAFolderReplacesAnExistingOne)
 {
     place.MakeFolders(u"a/inner"_s);
     Make(u"a/one"_s, "1");
@@ -345,7 +345,7 @@ TEST_F(FileOperations, CopyingAMissingFolderLeavesTheTarget)
 
 // ---------------------------------------------------------------- splitting paths
 
-TEST(PathModes, ExtensionIsTheTextBehindTheLastDot)
+TEST(PathModes, ExtensionIsTheTextAfterTheLastDot)
 {
     EXPECT_EQ(FileOperation(ExtensionMode, u"a.b.c"_s), u"c"_s);
     EXPECT_EQ(FileOperation(ExtensionMode, u"name"_s), u"name"_s);
@@ -359,7 +359,7 @@ TEST(PathModes, FolderIsTheTextUpToTheLastSeparator)
     EXPECT_EQ(FileOperation(FolderOfMode, u"a.fb2"_s), QString());
 }
 
-TEST(PathModes, NameIsTheTextBehindTheLastSeparator)
+TEST(PathModes, NameIsTheTextAfterTheLastSeparator)
 {
     EXPECT_EQ(FileOperation(NameMode, u"C:\\Books\\a.fb2"_s), u"a.fb2"_s);
     EXPECT_EQ(FileOperation(NameMode, u"/home/me/a.fb2"_s), u"a.fb2"_s);
@@ -367,7 +367,7 @@ TEST(PathModes, NameIsTheTextBehindTheLastSeparator)
     EXPECT_EQ(FileOperation(NameMode, u"/home/me/"_s), QString());
 }
 
-TEST(PathModes, BaseNameLosesItsLastExtensionOnly)
+TEST(PathModes, BaseNameOmitsTheLastExtensionOnly)
 {
     EXPECT_EQ(FileOperation(BaseNameMode, u"a.b.c"_s), u"a.b"_s);
     EXPECT_EQ(FileOperation(BaseNameMode, u"/x.y/name"_s), u"name"_s);

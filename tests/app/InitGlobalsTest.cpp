@@ -29,7 +29,7 @@ protected:
         return {place.Path(u"bin/vellumark"_s), place.Path(u"home/.local/share"_s)};
     }
 
-    /// What an installation lays down, in bin/ and share/.
+    /// Creates the files of an installation, in bin/ and share/.
     void Install() const
     {
         place.MakeFolders(u"share/vellumark/VMK Office/Schemas"_s);
@@ -54,7 +54,7 @@ protected:
 
 } // namespace
 
-TEST_F(InitGlobalsTest, APortableWorkspaceStandsBesideTheExecutable)
+TEST_F(InitGlobalsTest, APortableWorkspaceIsBesideTheExecutable)
 {
     InitGlobals(Program());
     EXPECT_EQ(AppPath, place.Path(u"bin"_s));
@@ -98,7 +98,7 @@ TEST_F(InitGlobalsTest, FoldersThatCannotBeMadeAreNotReported)
     EXPECT_FALSE(WriteFileText(IniFilePath, "x"));
 }
 
-TEST_F(InitGlobalsTest, AnInstalledProgramFillsAFolderOfTheUsersOwnAtFirstStart)
+TEST_F(InitGlobalsTest, AnInstalledProgramFillsTheUserFolderAtTheFirstStart)
 {
     Install();
     const PlainUser plain;
@@ -134,7 +134,7 @@ TEST_F(InitGlobalsTest, AnInstalledProgramUsesTheUsersFolderEvenWhenItsOwnCanBeW
     EXPECT_TRUE(place.Names(u"bin"_s).isEmpty());
 }
 
-TEST_F(InitGlobalsTest, TheDataThatCameWithTheProgramIsFoundWithoutMakingAnything)
+TEST_F(InitGlobalsTest, ShippedDataIsFoundWithoutCreatingAnything)
 {
     Install();
     EXPECT_EQ(
@@ -167,7 +167,7 @@ TEST_F(InitGlobalsTest, ScreenMeasuresComeFromTheDesktop)
 
 // ---------------------------------------------------------------- in-line tags
 
-TEST_F(InitGlobalsTest, InLineTagsArePartedByLineEndsAndBlanks)
+TEST_F(InitGlobalsTest, LineEndsAndBlanksSeparateInLineTags)
 {
     ReadTags("<a>\r\n  <b> <i>\r\n\r\n</a>");
     EXPECT_EQ(InLineTags, (QStringList{u"<a>"_s, u"<b>"_s, u"<i>"_s, u"</a>"_s}));
@@ -203,7 +203,7 @@ TEST_F(InitGlobalsTest, AMissingOrNearlyEmptyInLineTagsFileLeavesOneEmptyEntry)
 
 // ---------------------------------------------------------------- the workspace of this build
 
-TEST(Workspace, HoldsTheDefaultTagLists)
+TEST(Workspace, ContainsTheDefaultTagLists)
 {
     const QString office = QStringLiteral(VMK_BIN_DIR "/VMK Office");
     EXPECT_EQ(ReadFileText(office + u"/InLineTags.dat"_s),

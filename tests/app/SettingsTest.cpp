@@ -8,6 +8,7 @@
 
 #include <QRandomGenerator>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -22,7 +23,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The file of an untouched program whose workspace is /w, byte for byte.
+/// The settings file with all defaults and the workspace /w, byte for byte.
 constexpr std::string_view DefaultFile = "\x08\0original"
                                          "\x01\0"
                                          "\x08\0original"
@@ -92,7 +93,7 @@ protected:
         }};
 };
 
-/// Writes the settings with one text in the field `LastSaveFolder`, reads them back and gives the text.
+/// Writes the settings with a text in the field `LastSaveFolder`, reads them and returns the text.
 QString ThereAndBack(const QString& text)
 {
     LastSaveFolder = text;
@@ -118,7 +119,7 @@ TEST_F(SettingsTest, TheDefaultsAreWrittenByteForByte)
     EXPECT_EQ(File(), DefaultFile);
 }
 
-TEST_F(SettingsTest, EveryFieldComesBack)
+TEST_F(SettingsTest, EveryFieldIsRestored)
 {
     place.Make(u"schema.xsd"_s, "x");
     place.Make(u"book.fb2"_s, "x");
@@ -165,10 +166,10 @@ TEST_F(SettingsTest, APathIsStoredInTheSystemsCodePage)
 {
     const QString path = u"/книги"_s;
     EXPECT_EQ(ThereAndBack(path), path);
-    EXPECT_NE(File().find("\x06\0/\xea\xed\xe8\xe3\xe8"sv), std::string::npos);
+    EXPECT_THAT(File(), testing::HasSubstr("\x06\0/\xea\xed\xe8\xe3\xe8"sv));
 }
 
-TEST_F(SettingsTest, APathInACodePageComesBackChangedUnderAnother)
+TEST_F(SettingsTest, APathInACodePageIsReadDifferentlyUnderAnother)
 {
     ThereAndBack(u"/книги"_s);
     qputenv("VELLUMARK_CODEPAGE", "1252");
@@ -180,7 +181,7 @@ TEST_F(SettingsTest, APathBeyondTheCodePageIsStoredInUtf8AndReadUnderAnyPage)
 {
     const QString path = u"/книги/日本/😀/é"_s;
     EXPECT_EQ(ThereAndBack(path), path);
-    EXPECT_NE(File().find(path.toStdString()), std::string::npos);
+    EXPECT_THAT(File(), testing::HasSubstr(path.toStdString()));
     qputenv("VELLUMARK_CODEPAGE", "1250");
     ReadSettings(false);
     EXPECT_EQ(LastSaveFolder, path);
@@ -188,12 +189,12 @@ TEST_F(SettingsTest, APathBeyondTheCodePageIsStoredInUtf8AndReadUnderAnyPage)
 
 TEST_F(SettingsTest, ATextWhoseBytesWouldReadAsUtf8IsStoredInUtf8)
 {
-    // In code page 1251 these two letters are the UTF-8 form of another one.
+    // In code page 1251 these two letters are the UTF-8 bytes of another one.
     const QString text = u"Р°"_s;
     EXPECT_EQ(ThereAndBack(text), text);
 }
 
-TEST_F(SettingsTest, RandomTextsComeBackUnderEachCodePage)
+TEST_F(SettingsTest, RandomTextsAreRestoredUnderEachCodePage)
 {
     QRandomGenerator random(1);
     for (const char* page : {"1250", "1251", "1252"}) {
@@ -223,7 +224,7 @@ TEST_F(SettingsTest, ATextTooLongForItsLengthFieldIsCutBetweenCharacters)
 
 // ---------------------------------------------------------------- reading
 
-TEST_F(SettingsTest, WithoutAFileAllDefaultsHold)
+TEST_F(SettingsTest, WithoutAFileAllDefaultsApply)
 {
     NodeShift = 99;
     CleanUpFontSize = 99;
@@ -251,11 +252,11 @@ TEST_F(SettingsTest, DefaultsOnRequestLeaveTheFile)
     EXPECT_EQ(NodeShift, 99);
 }
 
-TEST_F(SettingsTest, ARecordCutAnywhereIsReportedOnceAndGivesDefaultsAndNoFile)
+TEST_F(SettingsTest, ATruncatedRecordIsReportedOnceDeletedAndReplacedByDefaults)
 {
     for (std::size_t size = 0; size < DefaultFile.size(); ++size) {
         std::string cut(DefaultFile.substr(0, size));
-        // A changed first field must not survive either.
+        // A changed first field must not be used either.
         if (size > 2)
             cut[2] = 'X';
         ASSERT_TRUE(WriteFileText(IniFilePath, cut));
@@ -271,7 +272,7 @@ TEST_F(SettingsTest, ARecordCutAnywhereIsReportedOnceAndGivesDefaultsAndNoFile)
         ASSERT_EQ(MainFormHeight, 7500);
         ASSERT_FALSE(FileExists(IniFilePath));
     }
-    // The damage is not remembered.
+    // The damage is not reported again.
     boxes.clear();
     ASSERT_TRUE(WriteFileText(IniFilePath, DefaultFile));
     ReadSettings(false);
@@ -290,7 +291,7 @@ TEST_F(SettingsTest, APositionThatIsNoNumberIsDamage)
     EXPECT_EQ(boxes.size(), 2);
 }
 
-TEST_F(SettingsTest, BytesBehindTheRecordAreIgnored)
+TEST_F(SettingsTest, BytesAfterTheRecordAreIgnored)
 {
     ASSERT_TRUE(WriteFileText(IniFilePath, std::string(DefaultFile) + "more"));
     ReadSettings(false);
@@ -298,7 +299,7 @@ TEST_F(SettingsTest, BytesBehindTheRecordAreIgnored)
     EXPECT_EQ(MainFormHeight, 7500);
 }
 
-TEST_F(SettingsTest, AFolderInPlaceOfTheFileIsReportedAndLeft)
+TEST_F(SettingsTest, AFolderInsteadOfTheFileIsReportedAndKept)
 {
     ASSERT_TRUE(MakeFolder(IniFilePath));
     ReadSettings(false);
@@ -308,7 +309,7 @@ TEST_F(SettingsTest, AFolderInPlaceOfTheFileIsReportedAndLeft)
     EXPECT_FALSE(WriteSettings({}));
 }
 
-TEST_F(SettingsTest, ASchemaThatIsGoneFallsBackToTheDefault)
+TEST_F(SettingsTest, AMissingSchemaIsReplacedByTheDefault)
 {
     place.Make(u"own.xsd"_s, "x");
     SchemaFile = place.Path(u"own.xsd"_s);
@@ -320,7 +321,7 @@ TEST_F(SettingsTest, ASchemaThatIsGoneFallsBackToTheDefault)
     EXPECT_EQ(SchemaFile, u"/w/Schemas/FictionBook.xsd"_s);
 }
 
-TEST_F(SettingsTest, ALastFileThatIsGoneBecomesEmpty)
+TEST_F(SettingsTest, AMissingLastFileBecomesEmpty)
 {
     place.Make(u"book.fb2"_s, "x");
     CurrentBook = place.Path(u"book.fb2"_s);
@@ -334,7 +335,7 @@ TEST_F(SettingsTest, ALastFileThatIsGoneBecomesEmpty)
 
 // ---------------------------------------------------------------- writing
 
-TEST_F(SettingsTest, ASessionWithoutABookLeavesNoLastFile)
+TEST_F(SettingsTest, ASessionWithoutABookStoresNoLastFile)
 {
     place.Make(u"book.fb2"_s, "x");
     LastFile = place.Path(u"book.fb2"_s);

@@ -38,7 +38,7 @@ struct Wave
 
     [[nodiscard]] double seconds() const { return static_cast<double>(samples.size()) / rate; }
 
-    /// Loudness (root mean square) of a stretch, in samples.
+    /// Loudness (root mean square) of a range of samples.
     [[nodiscard]] double loudness(size_t from, size_t count) const
     {
         double sum = 0;
@@ -47,7 +47,7 @@ struct Wave
         return std::sqrt(sum / static_cast<double>(count));
     }
 
-    /// The pitch of each 30 ms in Hz, told by its upward zero crossings; 0 where it is silent.
+    /// The pitch of each 30 ms in Hz, from its upward zero crossings; 0 for silence.
     [[nodiscard]] std::vector<double> pitches() const
     {
         std::vector<double> result;
@@ -62,7 +62,7 @@ struct Wave
     }
 };
 
-/// Reads a file whose header the first test has found in order.
+/// Reads a file whose header the first test has checked.
 Wave Read(const std::string& name)
 {
     const std::string bytes = Bytes(name);
@@ -111,7 +111,7 @@ TEST_P(SoundFiles, AreMonoSixteenBitWaveFiles)
     EXPECT_EQ(Number(bytes, 40, 4), bytes.size() - 44);
 }
 
-TEST_P(SoundFiles, AreShortBecauseTheProgramStandsStillMeanwhile)
+TEST_P(SoundFiles, AreShortBecauseTheProgramWaitsForThem)
 {
     const double seconds = Read(GetParam()).seconds();
     EXPECT_GT(seconds, 0.1);

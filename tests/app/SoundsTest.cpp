@@ -54,7 +54,7 @@ TEST_F(Sounds, WithSoundsOffAnErrorBeepsAndASuccessStaysSilent)
     EXPECT_EQ(heard, QStringList{u"beep"_s});
 }
 
-TEST_F(WaitForInputTest, LastsItsTimeAndKeepsTheInterfaceAlive)
+TEST_F(WaitForInputTest, TakesTheGivenTimeAndProcessesEvents)
 {
     int ticks = 0;
     QTimer timer;
@@ -67,7 +67,7 @@ TEST_F(WaitForInputTest, LastsItsTimeAndKeepsTheInterfaceAlive)
     EXPECT_GE(ticks, 2);
 }
 
-TEST_F(WaitForInputTest, EndsAtOnceWithoutTimeLeft)
+TEST_F(WaitForInputTest, ReturnsImmediatelyWithoutTimeLeft)
 {
     QElapsedTimer clock;
     clock.start();

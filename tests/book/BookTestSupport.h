@@ -21,7 +21,7 @@ QStringList ToList(const std::vector<std::string>& strings);
 std::vector<std::string> ToStrings(const QStringList& list);
 reference::DisplayValues ToReference(const DisplayValues& values);
 
-/// Random texts from the pieces that the conversions look at.
+/// Random texts made of fragments that are special to the conversions.
 class TextMaker
 {
 public:
@@ -30,11 +30,11 @@ public:
     {
     }
 
-    /// Anything, mostly not well-formed.
+    /// Any text, mostly not well-formed.
     std::string soup();
     /// A well-formed text, with a declaration in most cases.
     std::string book();
-    /// A page as a user's edits may leave it.
+    /// A page as it can be after a user's edits.
     std::string page();
     size_t below(size_t count) { return random() % count; }
 
@@ -47,7 +47,7 @@ private:
     std::mt19937 random;
 };
 
-/// The first place where two texts differ, with some text round it.
+/// The first difference of two texts, with some text around it.
 std::string Difference(const std::string& got, const std::string& expected);
 
 } // namespace vmk::test

@@ -82,7 +82,7 @@ std::string Text(xmlChar* owned)
     return text;
 }
 
-/// What the conversions may change: white space, and nothing else.
+/// Removes what the conversions may change: white space, and nothing else.
 std::string WithoutWhite(const std::string& text)
 {
     std::string kept;
@@ -92,7 +92,7 @@ std::string WithoutWhite(const std::string& text)
     return kept;
 }
 
-/// The document as one line for each element, attribute, comment and stretch of text, in order.
+/// The document as one line for each element, attribute, comment and run of text, in order.
 void Describe(const xmlNode* node, int depth, std::vector<std::string>& lines)
 {
     std::string text;
@@ -136,8 +136,8 @@ bool IsWellFormed(const std::string& bytes)
     return Parse(bytes) != nullptr;
 }
 
-/// The source as the editor takes it: named in its description, and with the brackets of a book of a code
-/// page that has references read as its bytes.
+/// The source as the editor reads it: with the program in its description, and with the brackets of a book in
+/// a code page with references read as bytes.
 std::string Expected(std::string book)
 {
     std::string binaries;
@@ -153,7 +153,7 @@ TEST_F(Corpus, PagesAgreeWithTheSteps)
     for (const CorpusBook& book : CorpusBooks()) {
         SCOPED_TRACE(book.name);
         const std::string got = page(book.bytes);
-        // Steps 1 to 6 are shared; the rest is the oracle's.
+        // Steps 1 to 6 are shared; the oracle does the others.
         std::string text = book.bytes;
         std::string binaries;
         ASSERT_TRUE(CutBinaryPart(text, binaries));
@@ -197,9 +197,8 @@ TEST_F(Corpus, EveryEncodingAndLayoutKeepsTheBook)
 
 TEST_F(Corpus, ASecondSaveChangesNothing)
 {
-    // Pictures indented by blanks lose the last of these only with the second save, and a line end in the
-    // midst of text takes the blank or the non-breaking space behind it along: the tidying of line ends works
-    // so.
+    // Pictures indented by blanks lose the last blank only in the second save, and a line end inside text
+    // removes the blank or the non-breaking space after it as well: this is how line ends are normalised. so.
     const std::vector<std::string> settleLater = {"features.fb2", "guide-cs-1250.fb2"};
     for (const CorpusBook& book : CorpusBooks()) {
         if (!IsWellFormed(book.bytes))
@@ -235,7 +234,7 @@ Shape ShapeOfPage(const std::string& page)
     return shape;
 }
 
-/// The same of libxml2's own indented form.
+/// The same of the indented form of libxml2.
 Shape ShapeByParser(const std::string& book)
 {
     const Tree tree{xmlReadMemory(book.data(), static_cast<int>(book.size()), nullptr, nullptr,
@@ -256,7 +255,7 @@ Shape ShapeByParser(const std::string& book)
     return shape;
 }
 
-TEST_F(Corpus, ThePageHasTheShapeOfTheParsersOwnIndentedForm)
+TEST_F(Corpus, ThePageHasTheIndentationOfTheParser)
 {
     for (const CorpusBook& book : CorpusBooks()) {
         if (!IsWellFormed(book.bytes))
@@ -267,7 +266,7 @@ TEST_F(Corpus, ThePageHasTheShapeOfTheParsersOwnIndentedForm)
         std::string binaries;
         ASSERT_TRUE(CutBinaryPart(source, binaries));
         UpdateDescription(source);
-        // Line ends between tags are layout to the one and text to the other.
+        // Line ends between tags are layout for one of them and text for the other.
         std::erase_if(source, [](char c) { return c == '\r' || c == '\n'; });
         Shape expected = ShapeByParser(source);
         // A paragraph of in-line elements with blanks between them stays on one line here.

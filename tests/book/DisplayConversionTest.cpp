@@ -16,6 +16,7 @@
 #include "SettingsVariables.h"
 #include "StartUpVariables.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
@@ -25,7 +26,7 @@ using namespace Qt::StringLiterals;
 namespace vmk::test {
 namespace {
 
-/// Conversions with the default settings; what the program says is gathered.
+/// Conversions with the default settings; records the messages of the program.
 class Conversion : public ::testing::Test
 {
 protected:
@@ -83,7 +84,7 @@ TEST_F(Conversion, GenuineMarksAreSavedAsEntities)
 
 TEST_F(Conversion, AGenuineMarkerIsSavedAsANonBreakingSpace)
 {
-    EXPECT_NE(saved(Declaration + "<a>x\x7fy</a>").bytes.find("x\xc2\xa0y"), std::string::npos);
+    EXPECT_THAT(saved(Declaration + "<a>x\x7fy</a>").bytes, testing::HasSubstr("x\xc2\xa0y"));
 }
 
 TEST_F(Conversion, ABookOfOneLineHasNoMargins)
@@ -95,8 +96,8 @@ TEST_F(Conversion, ABookOfOneLineHasNoMargins)
 TEST_F(Conversion, AttributesInTextArePaintedAndStay)
 {
     const std::string book = Declaration + "<a>see id=\"x\"</a>";
-    EXPECT_NE(lines(book).find("see<FONT class=n> id=</FONT><FONT class=v>\"x\"</FONT>"), std::string::npos);
-    EXPECT_NE(saved(book).bytes.find("<a>see id=\"x\"</a>"), std::string::npos);
+    EXPECT_THAT(lines(book), testing::HasSubstr("see<FONT class=n> id=</FONT><FONT class=v>\"x\"</FONT>"));
+    EXPECT_THAT(saved(book).bytes, testing::HasSubstr("<a>see id=\"x\"</a>"));
 }
 
 TEST_F(Conversion, NamespacesArePaintedWithoutTheirValues)
@@ -109,9 +110,8 @@ TEST_F(Conversion, NamespacesArePaintedWithoutTheirValues)
 
 TEST_F(Conversion, AttributesStayInTheirOrder)
 {
-    EXPECT_NE(saved("<a b=\"1\" xmlns:x=\"u\" x:c=\"2\" xmlns=\"v\"/>")
-                  .bytes.find("<a b=\"1\" xmlns:x=\"u\" x:c=\"2\" xmlns=\"v\"/>"),
-              std::string::npos);
+    EXPECT_THAT(saved("<a b=\"1\" xmlns:x=\"u\" x:c=\"2\" xmlns=\"v\"/>").bytes,
+                testing::HasSubstr("<a b=\"1\" xmlns:x=\"u\" x:c=\"2\" xmlns=\"v\"/>"));
 }
 
 TEST_F(Conversion, TagsInACommentStayInItsSpan)
@@ -125,10 +125,10 @@ TEST_F(Conversion, TagsInACommentStayInItsSpan)
 TEST_F(Conversion, ReferencesOfACodePageBookBecomeCharacters)
 {
     const std::string head = "<?xml version=\"1.0\" encoding=\"windows-1251\"?>";
-    // A letter and a reference to it, a reference to a character that the page lacks, and one in hex beside
-    // them.
+    // A letter and a reference to it, a reference to a character that is not in the code page, and one in
+    // hexadecimal.
     const std::string text = lines(head + "<a>\xc6&#1078;&#1488;&#x5d1;</a>");
-    EXPECT_NE(text.find("\xd0\x96\xd0\xb6\xd7\x90\xd7\x91"), std::string::npos) << text;
+    EXPECT_THAT(text, testing::HasSubstr("\xd0\x96\xd0\xb6\xd7\x90\xd7\x91"));
     EXPECT_EQ(text.find('?', text.find("&gt;")), std::string::npos);
     EXPECT_FALSE(BookHasCharRefs);
 }
@@ -136,15 +136,15 @@ TEST_F(Conversion, ReferencesOfACodePageBookBecomeCharacters)
 TEST_F(Conversion, ProtectedBracketsOfSuchABookAreReadInItsCodePage)
 {
     const std::string head = "<?xml version=\"1.0\" encoding=\"windows-1251\"?>";
-    EXPECT_NE(lines(head + "<a>&lt;&#1078;</a>").find("\xd0\xb2\xd0\x82\xe2\x84\x96"), std::string::npos);
-    EXPECT_EQ(saved(head + "<a>&lt;&#1078;</a>").bytes.find("&lt;"), std::string::npos);
-    EXPECT_NE(saved(head + "<a>&lt;\xe6</a>").bytes.find("<a>&lt;\xe6</a>"), std::string::npos)
+    EXPECT_THAT(lines(head + "<a>&lt;&#1078;</a>"), testing::HasSubstr("\xd0\xb2\xd0\x82\xe2\x84\x96"));
+    EXPECT_THAT(saved(head + "<a>&lt;&#1078;</a>").bytes, testing::Not(testing::HasSubstr("&lt;")));
+    EXPECT_THAT(saved(head + "<a>&lt;\xe6</a>").bytes, testing::HasSubstr("<a>&lt;\xe6</a>"))
         << "without references";
 }
 
 TEST_F(Conversion, ReferencesOfAUtf8BookAreResolvedByTheParserAlone)
 {
-    EXPECT_NE(lines(Declaration + "<a>\xd0\x96&#1078;</a>").find("\xd0\x96\xd0\xb6"), std::string::npos);
+    EXPECT_THAT(lines(Declaration + "<a>\xd0\x96&#1078;</a>"), testing::HasSubstr("\xd0\x96\xd0\xb6"));
 }
 
 TEST_F(Conversion, ABrokenBookOfACodePageIsShownInUtf8)
@@ -153,14 +153,12 @@ TEST_F(Conversion, ABrokenBookOfACodePageIsShownInUtf8)
     const std::string text
         = lines("<?xml version=\"1.0\" encoding=\"windows-1251\"?><a>\xc6&#1078;&lt;<b></a>");
     EXPECT_TRUE(IsValidUtf8(text));
-    EXPECT_NE(text.find("\xd0\x96&amp;" + std::string(DisplayGuard) + "#1078;\xe2\x80\xb9"),
-              std::string::npos)
-        << text;
+    EXPECT_THAT(text, testing::HasSubstr("\xd0\x96&amp;" + std::string(DisplayGuard) + "#1078;\xe2\x80\xb9"));
 }
 
 TEST_F(Conversion, ABrokenBookIsShownWithoutMarginsAfterABox)
 {
-    EXPECT_EQ(lines("<a>\t<p>x</p><b></a>").find("MARGIN"), std::string::npos);
+    EXPECT_THAT(lines("<a>\t<p>x</p><b></a>"), testing::Not(testing::HasSubstr("MARGIN")));
     EXPECT_EQ(boxes, QStringList(u"Namespace error. Tree view is skipped"_s));
     boxes.clear();
     NamespaceErrorWarning = 0;
@@ -170,10 +168,10 @@ TEST_F(Conversion, ABrokenBookIsShownWithoutMarginsAfterABox)
 
 TEST_F(Conversion, LineEndsThatPartATagAreNoLossOfTheBook)
 {
-    // Joined, the tag is no longer well-formed: the text is shown without a tree.
+    // The joined tag is not well-formed: the text is shown without a tree.
     const std::string text = lines("<a\nb=\"c\">text</a>");
-    EXPECT_NE(text.find("&lt;ab=\"c\"&gt;"), std::string::npos);
-    EXPECT_NE(text.find("text"), std::string::npos);
+    EXPECT_THAT(text, testing::HasSubstr("&lt;ab=\"c\"&gt;"));
+    EXPECT_THAT(text, testing::HasSubstr("text"));
 }
 
 TEST_F(Conversion, TabsInAParagraphAddNoLevel)
@@ -186,51 +184,48 @@ TEST_F(Conversion, TabsInAParagraphAddNoLevel)
 
 TEST_F(Conversion, AnEmptyParagraphIsALine)
 {
-    EXPECT_NE(
-        lines("<a><p/></a>").find("<DIV style=\"MARGIN-LEFT: 5px\"><SPAN class=t>&lt;p/&gt;</SPAN></DIV>"),
-        std::string::npos);
+    EXPECT_THAT(lines("<a><p/></a>"),
+                testing::HasSubstr("<DIV style=\"MARGIN-LEFT: 5px\"><SPAN class=t>&lt;p/&gt;</SPAN></DIV>"));
 }
 
 TEST_F(Conversion, ALineOfOneBlankDisappears)
 {
-    EXPECT_EQ(lines("<a>x<i/>&#10; &#10;</a>").find("<DIV> </DIV>"), std::string::npos);
+    EXPECT_THAT(lines("<a>x<i/>&#10; &#10;</a>"), testing::Not(testing::HasSubstr("<DIV> </DIV>")));
 }
 
-TEST_F(Conversion, TheBreakBehindAnInLineImageBelongsToTheText)
+TEST_F(Conversion, TheBreakAfterAnInLineImageBelongsToTheText)
 {
-    EXPECT_NE(lines("<a><p>x<image/>y</p></a>").find("&lt;image/&gt;</SPAN></DIV>\r<DIV>y"),
-              std::string::npos);
-    EXPECT_NE(saved(Declaration + "<a><p>x<image/>y</p></a>").bytes.find("<p>x<image/>\r\ny</p>"),
-              std::string::npos);
+    EXPECT_THAT(lines("<a><p>x<image/>y</p></a>"), testing::HasSubstr("&lt;image/&gt;</SPAN></DIV>\r<DIV>y"));
+    EXPECT_THAT(saved(Declaration + "<a><p>x<image/>y</p></a>").bytes,
+                testing::HasSubstr("<p>x<image/>\r\ny</p>"));
 }
 
 TEST_F(Conversion, BlanksBetweenInLineElementsStay)
 {
     const std::string paragraph = "<p><strong>a</strong> <emphasis>b</emphasis></p>";
-    EXPECT_NE(saved(Declaration + "<a>" + paragraph + "</a>").bytes.find(paragraph), std::string::npos);
-    EXPECT_NE(saved(Declaration + "<b> <p>x</p> <p>y</p> </b>")
-                  .bytes.find("<b>\r\n\t<p>x</p>\r\n\t<p>y</p>\r\n</b>"),
-              std::string::npos);
+    EXPECT_THAT(saved(Declaration + "<a>" + paragraph + "</a>").bytes, testing::HasSubstr(paragraph));
+    EXPECT_THAT(saved(Declaration + "<b> <p>x</p> <p>y</p> </b>").bytes,
+                testing::HasSubstr("<b>\r\n\t<p>x</p>\r\n\t<p>y</p>\r\n</b>"));
 }
 
-TEST_F(Conversion, AListOfOneEmptyEntryTakesAllBreaksOut)
+TEST_F(Conversion, AListOfOneEmptyEntryRemovesAllBreaks)
 {
     InLineTags = QStringList(QString());
-    EXPECT_NE(lines("<a><p>x<image/>y</p></a>").find("&lt;image/&gt;</SPAN>y"), std::string::npos);
-    EXPECT_NE(lines("<a><p>x</p></a>").find("MARGIN-LEFT: 5px"), std::string::npos)
-        << "a tree still comes out";
+    EXPECT_THAT(lines("<a><p>x<image/>y</p></a>"), testing::HasSubstr("&lt;image/&gt;</SPAN>y"));
+    EXPECT_THAT(lines("<a><p>x</p></a>"), testing::HasSubstr("MARGIN-LEFT: 5px"))
+        << "a tree is still produced";
 }
 
 TEST_F(Conversion, ACommentEndsAtItsFirstAngleBracket)
 {
-    EXPECT_NE(lines("<a>x<!-- a > b --></a>").find("<SPAN class=c>&lt;!-- a &gt;</SPAN> b --&gt;</SPAN>"),
-              std::string::npos);
+    EXPECT_THAT(lines("<a>x<!-- a > b --></a>"),
+                testing::HasSubstr("<SPAN class=c>&lt;!-- a &gt;</SPAN> b --&gt;</SPAN>"));
 }
 
-TEST_F(Conversion, ACommentOfSeveralLinesComesToStandOnOne)
+TEST_F(Conversion, ACommentOfSeveralLinesIsJoined)
 {
-    EXPECT_NE(lines("<a><p>x</p><!-- one\r\ntwo\nthree --></a>").find("&lt;!-- onetwothree --&gt;"),
-              std::string::npos);
+    EXPECT_THAT(lines("<a><p>x</p><!-- one\r\ntwo\nthree --></a>"),
+                testing::HasSubstr("&lt;!-- onetwothree --&gt;"));
 }
 
 TEST_F(Conversion, DeepNestingIsNoMatter)
@@ -240,21 +235,21 @@ TEST_F(Conversion, DeepNestingIsNoMatter)
         book += "<d>";
     for (int i = 0; i < 4000; ++i)
         book += "</d>";
-    EXPECT_NE(lines(book).find("MARGIN-LEFT: 19995px"), std::string::npos);
+    EXPECT_THAT(lines(book), testing::HasSubstr("MARGIN-LEFT: 19995px"));
 }
 
-TEST_F(Conversion, NbspIsShownByTheMarkerAndComesBack)
+TEST_F(Conversion, NbspIsShownByTheMarkerAndRestored)
 {
     const std::string book = Declaration + "<a>x\xc2\xa0y</a>";
-    EXPECT_NE(lines(book).find("x\x7fy"), std::string::npos);
-    EXPECT_NE(saved(book).bytes.find("x\xc2\xa0y"), std::string::npos);
+    EXPECT_THAT(lines(book), testing::HasSubstr("x\x7fy"));
+    EXPECT_THAT(saved(book).bytes, testing::HasSubstr("x\xc2\xa0y"));
     ShowNbsp = 0;
-    EXPECT_NE(lines(book).find("x\xc2\xa0y"), std::string::npos);
+    EXPECT_THAT(lines(book), testing::HasSubstr("x\xc2\xa0y"));
 }
 
 // ------------------------------------------------------------------ preparation
 
-TEST_F(Conversion, ABinaryPartWithoutAnEndIsRefused)
+TEST_F(Conversion, ABinaryPartWithoutAnEndIsRejected)
 {
     std::string book = "<a><!-- <binary --></a>";
     EXPECT_FALSE(ConvertBookToDisplay(book, false));
@@ -264,7 +259,7 @@ TEST_F(Conversion, ABinaryPartWithoutAnEndIsRefused)
     EXPECT_TRUE(statuses.contains(u"cannot open file: bad binary part"_s));
 }
 
-TEST_F(Conversion, ABinaryEndBeforeTheFirstBinaryIsRefused)
+TEST_F(Conversion, ABinaryEndBeforeTheFirstBinaryIsRejected)
 {
     std::string book = "<a></binary><binary>x</a>";
     EXPECT_FALSE(SplitBinaryPart(book, true));
@@ -272,7 +267,7 @@ TEST_F(Conversion, ABinaryEndBeforeTheFirstBinaryIsRefused)
     EXPECT_EQ(book, "<a></binary><binary>x</a>");
 }
 
-TEST_F(Conversion, ARefusedPreviewIsToldInItsOwnWindow)
+TEST_F(Conversion, ARejectedPreviewIsReportedInItsOwnWindow)
 {
     QTemporaryDir folder;
     SampleEmptyPageFile = folder.filePath(u"sample.htm"_s);
@@ -293,7 +288,7 @@ TEST_F(Conversion, ARefusedPreviewIsToldInItsOwnWindow)
         events,
         QStringList({u"Cannot open file: bad binary part"_s, u"ParseError.wav"_s, SampleEmptyPageFile}));
     EXPECT_EQ(boxes, QStringList(u"Cannot load file: bad binary part"_s));
-    EXPECT_TRUE(statuses.isEmpty()) << "the main window is not told";
+    EXPECT_TRUE(statuses.isEmpty()) << "the main window receives no status";
     SampleEmptyPageFile.clear();
 }
 
@@ -309,12 +304,12 @@ TEST_F(Conversion, APreviewLeavesPageAndPicturesOfTheOpenBookAlone)
     EXPECT_EQ(boxes, QStringList(u"Namespace error. Tree view is skipped"_s)) << "the setting counts";
     EXPECT_EQ(blanked, 0);
     EXPECT_EQ(BinaryPart, "<binary id=\"open\">AA==</binary>");
-    EXPECT_EQ(sample.find("sample"), std::string::npos);
+    EXPECT_THAT(sample, testing::Not(testing::HasSubstr("sample")));
     EmptyPageFile.clear();
     BinaryPart.clear();
 }
 
-TEST_F(Conversion, WhatStandsBehindTheBinariesGoes)
+TEST_F(Conversion, TextAfterTheBinariesIsRemoved)
 {
     std::string book
         = "<FictionBook><b/><binary id=\"1\">AA==</binary> <binary>B</binary> x <!-- c --></FictionBook>";
@@ -336,7 +331,7 @@ TEST(Description, NamesTheProgramOnce)
     EXPECT_EQ(text, named);
 }
 
-TEST(Description, KeepsLettersThatHoldTheByteOfANonBreakingSpace)
+TEST(Description, KeepsLettersThatContainTheByteOfANonBreakingSpace)
 {
     std::string text = "<program-used>\xd0\xa0\xd0\xb5\xd0\xb4</program-used>";
     UpdateDescription(text);
@@ -350,28 +345,28 @@ TEST(Extraction, TypedMarkUpIsMarkUp)
     EXPECT_EQ(TextOfPage("<DIV>&lt;b&gt;x &amp; y</DIV>", AngleMarks::Keep), "<b>x &amp; y");
 }
 
-TEST(Extraction, BlanksTypedTwiceComeOutAsTwo)
+TEST(Extraction, TwoTypedBlanksAreSavedAsTwo)
 {
     EXPECT_EQ(TextOfPage("<DIV>a &nbsp;b \r\nc\x7f</DIV>", AngleMarks::Keep), "a  b c\xc2\xa0");
 }
 
-TEST(Extraction, ANonBreakingSpaceShownAsSuchComesOutAsABlank)
+TEST(Extraction, ANonBreakingSpaceIsSavedAsABlank)
 {
-    // The display writes it so; the marker is what protects it.
+    // The display writes it so; only the marker is protected.
     EXPECT_EQ(TextOfPage("<DIV>a&nbsp;b</DIV>", AngleMarks::Keep), "a b");
 }
 
-TEST(Extraction, WhatStandsBeforeTheDeclarationIsDropped)
+TEST(Extraction, TextBeforeTheDeclarationIsRemoved)
 {
     EXPECT_EQ(TextOfPage("<DIV>typed</DIV>\r\n<DIV>&lt;?xml version=\"1.0\"?&gt;</DIV>", AngleMarks::Keep),
               "<?xml version=\"1.0\"?>");
 }
 
-TEST_F(Conversion, ADeclarationQuotedInACommentTakesNothingAway)
+TEST_F(Conversion, ADeclarationInACommentRemovesNothing)
 {
     const std::string book = "<a><p>keep</p><!-- <?xml version=\"1.0\"?> --></a>";
     for (const QString& style : OutputStyles)
-        EXPECT_NE(saved(book, style).bytes.find("<p>keep</p>"), std::string::npos) << style.toStdString();
+        EXPECT_THAT(saved(book, style).bytes, testing::HasSubstr("<p>keep</p>")) << style.toStdString();
     EXPECT_EQ(TextOfPage("&lt;a&gt;&lt;?xml version", AngleMarks::Keep), "<a><?xml version");
 }
 
@@ -404,7 +399,7 @@ TEST_F(Conversion, AnUnknownDeclarationIsReplacedByUtf8)
     EXPECT_TRUE(saved("<?xml version=\"1.0\" encoding=\"koi8-r\"?><a/>").bytes.starts_with(Declaration));
 }
 
-TEST_F(Conversion, CompactIsOneLineAndTheBinariesStandApart)
+TEST_F(Conversion, CompactIsOneLineAndTheBinariesAreSeparate)
 {
     const BookFile file = saved(
         Declaration + "<FictionBook><p>x</p><!-- c --><binary>AA==</binary></FictionBook>", u"compact"_s);
@@ -412,7 +407,7 @@ TEST_F(Conversion, CompactIsOneLineAndTheBinariesStandApart)
               Declaration + "<FictionBook> <p>x</p> <!-- c -->\r\n<binary>AA==</binary>\r\n</FictionBook>");
 }
 
-TEST_F(Conversion, ADamagedTreeIsSavedByLinesAndSaysSo)
+TEST_F(Conversion, ADamagedTreeIsSavedByLinesAndReported)
 {
     QTemporaryDir folder;
     const QString path = folder.filePath(u"book.fb2"_s);
@@ -452,14 +447,14 @@ TEST_F(Conversion, ABookWhoseEndIsDamagedKeepsItsBinaries)
     BinaryPart.clear();
 }
 
-TEST_F(Conversion, NamesOfBinariesBeyondAsciiFollowTheEncoding)
+TEST_F(Conversion, BinaryNamesOutsideAsciiHaveTheEncodingOfTheBook)
 {
     const std::string cyrillic = "<?xml version=\"1.0\" encoding=\"windows-1251\"?><FictionBook>";
     const std::string book = cyrillic + "<binary id=\"\xc6.png\">AA==</binary></FictionBook>";
-    EXPECT_NE(saved(book).bytes.find("id=\"\xc6.png\""), std::string::npos) << "as it is";
+    EXPECT_THAT(saved(book).bytes, testing::HasSubstr("id=\"\xc6.png\"")) << "as it is";
     const std::string utf8 = saved(book, u"tags tree"_s, u"utf-8"_s).bytes;
-    EXPECT_NE(utf8.find("id=\"\xd0\x96.png\""), std::string::npos) << utf8;
-    EXPECT_NE(saved(utf8, u"compact"_s, u"windows-1251"_s).bytes.find("id=\"\xc6.png\""), std::string::npos);
+    EXPECT_THAT(utf8, testing::HasSubstr("id=\"\xd0\x96.png\""));
+    EXPECT_THAT(saved(utf8, u"compact"_s, u"windows-1251"_s).bytes, testing::HasSubstr("id=\"\xc6.png\""));
     BinaryPart.clear();
 }
 
@@ -492,7 +487,7 @@ TEST_F(Conversion, IllegalSettingsOfTheOutputAreReset)
 TEST_F(Conversion, LettersThatEndInTheByteOfANonBreakingSpaceSurviveLineEnds)
 {
     const BookFile file = saved(Declaration + "<a>\xd0\xa0&#10;x</a>");
-    EXPECT_NE(file.bytes.find("\xd0\xa0"), std::string::npos);
+    EXPECT_THAT(file.bytes, testing::HasSubstr("\xd0\xa0"));
     EXPECT_TRUE(IsValidUtf8(file.bytes));
 }
 
@@ -510,7 +505,7 @@ TEST_F(Conversion, TheBlankPageIsWrittenAndShown)
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll(), "<HTML><BODY></BODY></HTML>");
 
-    // Without the status there is the page alone: nothing is told, nothing is heard.
+    // Without the status there is only the page: no message and no sound.
     shown.clear();
     statuses.clear();
     const SeamGuard sound(SoundSeam(), [&shown](const QString& name) { shown.append(name); });

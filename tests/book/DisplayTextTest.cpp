@@ -9,6 +9,7 @@
 #include "TestPaths.h"
 #include "TextRange.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -19,7 +20,7 @@ namespace {
 constexpr int RandomPages = 4000;
 constexpr int EditsOfAPage = 6;
 
-/// What the way over the saved page makes of a document must be what comes straight from its lines.
+/// The text extracted from the saved page must equal the text taken directly from the lines.
 void ExpectSameText(const DisplayDocument& document)
 {
     const std::string page = document.savePage().toStdString();
@@ -38,7 +39,7 @@ void ExpectSameText(const QByteArray& page)
     ExpectSameText(document);
 }
 
-/// Pieces that some step of the extraction looks at, and characters of every length in UTF-8.
+/// Fragments that are special to a step of the extraction, and characters of every UTF-8 length.
 QString TypedPiece(TextMaker& maker)
 {
     const QStringList pieces = {u" "_s,
@@ -128,7 +129,7 @@ TEST(TextOfDisplay, AgreesWithTheStepsThroughRandomEdits)
             ++compared;
         }
     }
-    // Both ways have been gone.
+    // Both paths were used.
     EXPECT_GT(straight, compared / 2);
     EXPECT_LT(straight, compared);
 }
@@ -154,13 +155,13 @@ TEST(TextOfDisplay, AgreesWithTheStepsOnEveryBook)
     ReadSettings(true);
 }
 
-TEST(TextOfDisplay, AQuoteLeftOpenInTheTextBringsNoMarkUpIntoIt)
+TEST(TextOfDisplay, AnOpenQuoteInTheTextAddsNoMarkUp)
 {
     ReadSettings(true);
     InLineTags = DefaultInLineTags();
     std::string page = "<a><p>write id=\"</p><p>x</p></a>";
     ASSERT_TRUE(ConvertBookToDisplay(page, false));
-    EXPECT_NE(page.find("<DIV style=\"</FONT>MARGIN-LEFT: 5px\">"), std::string::npos) << page;
+    EXPECT_THAT(page, testing::HasSubstr("<DIV style=\"</FONT>MARGIN-LEFT: 5px\">"));
     const std::string text = "<a>\r\n<p>write id=\"</p>\r\n<p>x</p>\r\n</a>\r\n";
     DisplayDocument document;
     document.loadPage(QByteArray::fromStdString(page));
@@ -169,7 +170,7 @@ TEST(TextOfDisplay, AQuoteLeftOpenInTheTextBringsNoMarkUpIntoIt)
     EXPECT_TRUE(TextOfDisplay(document, AngleMarks::Restore).ends_with(text.substr(3)));
 }
 
-TEST(TextOfDisplay, AgreesWithTheStepsOnPagesThatTheyReadOddly)
+TEST(TextOfDisplay, AgreesWithTheStepsOnUnusualPages)
 {
     for (const char* page : {"", "text", "<DIV>a</DIV>", "<HTML><HEAD></HEAD><BODY>\r\n</BODY></HTML>",
                              "<BODY title='a>b'><DIV>x</DIV>", "<HTML>a<b</HEAD><BODY><DIV>x</DIV>",

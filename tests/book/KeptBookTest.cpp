@@ -15,6 +15,7 @@
 #include "StartUpVariables.h"
 #include "TextFunctions.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <libxml/parser.h>
@@ -232,7 +233,7 @@ TEST_F(KeptBooks, AValueWithDoubleQuotesIsShownInSingleOnes)
 {
     EXPECT_EQ(content("<s name=\"The &quot;Star&quot; cycle\"/>"),
               "\r\n\t<s name=\"The &quot;Star&quot; cycle\"/>\r\n");
-    EXPECT_NE(shown.find("name='The \"Star\" cycle'"), std::string::npos) << shown;
+    EXPECT_THAT(shown, testing::HasSubstr("name='The \"Star\" cycle'"));
     keeps = false;
     EXPECT_EQ(content("<s name=\"The &quot;Star&quot; cycle\"/>", u"line ends"_s),
               "\r\n<s name='The \"Star\" cycle'/>\r\n");
@@ -242,7 +243,7 @@ TEST_F(KeptBooks, AValueWithBothKindsOfQuotesCanBeShownAndTyped)
 {
     const std::string both = "<s name=\"a &quot;b&quot; 'c' &amp;quot; &amp;amp;quot; &amp;\"/>";
     EXPECT_EQ(content(both), "\r\n\t" + both + "\r\n");
-    EXPECT_NE(shown.find("a &quot;b&quot; 'c' &amp;quot;"), std::string::npos) << shown;
+    EXPECT_THAT(shown, testing::HasSubstr("a &quot;b&quot; 'c' &amp;quot;"));
     DisplayDocument document;
     document.typeText(u"<s name=\"&quot;x&quot; &copy; & &#10;\">&quot;</s>"_s);
     EXPECT_EQ(TrimBlanks(ReplaceAll(TextOfDisplay(document, AngleMarks::Restore), "\r\n", "")),
@@ -260,7 +261,7 @@ TEST_F(KeptBooks, AmpersandsOutsideTextAndValuesAreNoReferences)
     const std::string inner = "<!-- a & b &copy; &amp; --><?p a & b?><p><![CDATA[ & &lt; ]]></p>";
     const std::string file = content(inner);
     for (const std::string part : {"<!-- a & b &copy; &amp; -->", "<?p a & b?>", "<![CDATA[ & &lt; ]]>"})
-        EXPECT_NE(file.find(part), std::string::npos) << file;
+        EXPECT_THAT(file, testing::HasSubstr(part));
 }
 
 TEST_F(KeptBooks, AReferenceToABracketIsAProtectedBracket)
@@ -302,14 +303,14 @@ TEST_F(KeptBooks, ALineEndThatPartsWordsIsABlank)
     EXPECT_EQ(content("<p>one\ntwo <i>x</i>\r\n,y\n</p>"), "\r\n\t<p>one two <i>x</i> ,y</p>\r\n");
     EXPECT_EQ(losses.lines.joinedWords, 2U);
     keeps = false;
-    EXPECT_NE(content("<p>one\ntwo</p>").find("onetwo"), std::string::npos);
+    EXPECT_THAT(content("<p>one\ntwo</p>"), testing::HasSubstr("onetwo"));
 }
 
 TEST_F(KeptBooks, NoLineEndIsPutIntoText)
 {
     for (const QString& style : OutputStyles) {
         const std::string file = content("<p>a <code>b</code>, c<image/>d</p>", style);
-        EXPECT_NE(file.find("<p>a <code>b</code>, c<image/>d</p>"), std::string::npos) << file;
+        EXPECT_THAT(file, testing::HasSubstr("<p>a <code>b</code>, c<image/>d</p>"));
     }
     EXPECT_GT(losses.lines.tornTexts, 0U);
 }
@@ -328,8 +329,8 @@ TEST_F(KeptBooks, QuotedPicturesAreNoPictures)
                                    + "<FictionBook><!-- <binary> </FictionBook> --><p>x</p>"
                                      "<binary id=\"i\">AA==</binary></FictionBook>");
     EXPECT_EQ(file.find("<binary id"), file.rfind("<binary id"));
-    EXPECT_NE(file.find("<!-- <binary> </FictionBook> -->"), std::string::npos);
-    EXPECT_NE(shown.find("<p>x</p>"), std::string::npos);
+    EXPECT_THAT(file, testing::HasSubstr("<!-- <binary> </FictionBook> -->"));
+    EXPECT_THAT(shown, testing::HasSubstr("<p>x</p>"));
 }
 
 TEST_F(KeptBooks, TheEncodingIsReadAsXmlSays)
@@ -348,14 +349,13 @@ TEST_F(KeptBooks, TheEncodingIsReadAsXmlSays)
 TEST_F(KeptBooks, CharactersThatTheEncodingLacksAreAnnounced)
 {
     const std::string book = Declaration + "<a>\xd0\x96\xc3\xa9\xc3\xa9\xe2\x98\x83</a>";
-    EXPECT_NE(saved(book, u"tags tree"_s, u"windows-1251"_s).find("\xd0\x96\xc3\xa9\xc3\xa9\xe2\x98\x83"),
-              std::string::npos);
+    EXPECT_THAT(saved(book, u"tags tree"_s, u"windows-1251"_s),
+                testing::HasSubstr("\xd0\x96\xc3\xa9\xc3\xa9\xe2\x98\x83"));
     EXPECT_EQ(missing, u"\u00e9 \u2603"_s);
     keeps = false;
-    EXPECT_NE(saved(book, u"tags tree"_s, u"windows-1251"_s)
-                  .find("\xc6"
-                        "ee?"),
-              std::string::npos);
+    EXPECT_THAT(saved(book, u"tags tree"_s, u"windows-1251"_s),
+                testing::HasSubstr("\xc6"
+                                   "ee?"));
 }
 
 TEST_F(KeptBooks, TheQuestionNamesEachLossWithItsCount)

@@ -2,6 +2,7 @@
 #include "SchemaPage.h"
 #include "Workplace.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace vmk {
@@ -31,7 +32,7 @@ TEST(SchemaCatalogue, ListsTheMainSchemaAndItsDirectImports)
     EXPECT_TRUE(rows[1].found);
 }
 
-TEST(SchemaCatalogue, JoinsALocationWithASubFolderAsItStands)
+TEST(SchemaCatalogue, JoinsALocationWithASubFolderUnchanged)
 {
     const Workplace place;
     place.Make(u"Main.xsd"_s, Imports);
@@ -44,14 +45,14 @@ TEST(SchemaCatalogue, JoinsALocationWithASubFolderAsItStands)
     EXPECT_FALSE(rows[2].created.isValid());
 }
 
-TEST(SchemaCatalogue, GivesOneRowForASchemaWithoutImports)
+TEST(SchemaCatalogue, ReturnsOneRowForASchemaWithoutImports)
 {
     const Workplace place;
     place.Make(u"Main.xsd"_s, "<xs:schema/>");
     EXPECT_EQ(ListSchemas(place.Path(u"Main.xsd"_s)).size(), 1u);
 }
 
-TEST(SchemaCatalogue, GivesOneRowForAMissingSchema)
+TEST(SchemaCatalogue, ReturnsOneRowForAMissingSchema)
 {
     const Workplace place;
     const std::vector<SchemaRow> rows = ListSchemas(place.Path(u"Main.xsd"_s));
@@ -60,7 +61,7 @@ TEST(SchemaCatalogue, GivesOneRowForAMissingSchema)
     EXPECT_FALSE(rows[0].created.isValid());
 }
 
-/// The page's lines without the frame around them.
+/// The lines of the page without the frame around them.
 std::string LinesOf(std::string_view xml)
 {
     const std::string page = SchemaPage(xml);
@@ -97,7 +98,7 @@ TEST(SchemaPage, ShowsCommentsLineByLine)
               "<DIV style=\"MARGIN-LEFT: 0px\"><SPAN class=t>&lt;/a&gt;</SPAN></DIV>\r\n");
 }
 
-TEST(SchemaPage, ShowsABrokenTextAsItStands)
+TEST(SchemaPage, ShowsABrokenTextUnchanged)
 {
     EXPECT_EQ(LinesOf("<a>\r\n<b></a>"), "<DIV>&lt;a&gt;</DIV>\r\n<DIV>&lt;b&gt;&lt;/a&gt;</DIV>\r\n");
 }
@@ -105,7 +106,7 @@ TEST(SchemaPage, ShowsABrokenTextAsItStands)
 TEST(SchemaPage, ReadsTheEncodingThatTheFileDeclares)
 {
     const std::string lines = LinesOf("<?xml version=\"1.0\" encoding=\"windows-1251\"?><a>\xc0</a>");
-    EXPECT_NE(lines.find("\xd0\x90"), std::string::npos) << lines;
+    EXPECT_THAT(lines, testing::HasSubstr("\xd0\x90"));
 }
 
 } // namespace

@@ -1,9 +1,10 @@
-// `vmk display` and `vmk convert` as the user meets them.
+// `vmk display` and `vmk convert` from the view of the user.
 
 #include "BookGenerator.h"
 #include "ProgramRun.h"
 #include "SettingsRecord.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
@@ -39,7 +40,7 @@ protected:
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
-    /// Expects one line on standard error, the exit code 2, and the file that stood there as it was.
+    /// Expects one line on standard error, the exit code 2, and an unchanged existing file.
     void expectRefusal(std::vector<std::string> arguments, const std::string& why)
     {
         write("old", "old");
@@ -47,7 +48,7 @@ protected:
         const ProgramRun run = RunProgram("vmk", arguments);
         EXPECT_EQ(run.exitCode, 2);
         EXPECT_EQ(run.output, "");
-        EXPECT_NE(run.errors.find(why), std::string::npos) << run.errors;
+        EXPECT_THAT(run.errors, testing::HasSubstr(why));
         EXPECT_EQ(run.errors.find('\n'), run.errors.size() - 1) << run.errors;
         EXPECT_EQ(read("old"), "old");
     }
@@ -62,13 +63,13 @@ TEST_F(Convert, DisplayWritesThePageToStandardOutputOrAFile)
     EXPECT_EQ(shown.exitCode, 0);
     EXPECT_EQ(shown.errors, "");
     EXPECT_TRUE(shown.output.starts_with("<HTML><meta content="));
-    EXPECT_NE(shown.output.find("<DIV style=\"MARGIN-LEFT: 10px\"><SPAN class=t>&lt;p&gt;</SPAN>a "),
-              std::string::npos);
+    EXPECT_THAT(shown.output,
+                testing::HasSubstr("<DIV style=\"MARGIN-LEFT: 10px\"><SPAN class=t>&lt;p&gt;</SPAN>a "));
     EXPECT_EQ(RunProgram("vmk", {"display", book, "--out", path("page.htm")}).exitCode, 0);
     EXPECT_EQ(read("page.htm"), shown.output);
 }
 
-TEST_F(Convert, DisplayTakesASettingsRecordAndLeavesItAlone)
+TEST_F(Convert, DisplayUsesASettingsRecordWithoutChangingIt)
 {
     SettingsRecord settings = EmptySettingsRecord();
     settings[14] = int16_t(30); // the pixels of a tree level
@@ -76,18 +77,18 @@ TEST_F(Convert, DisplayTakesASettingsRecordAndLeavesItAlone)
     const std::string record = write("vellumark.ini", bytes);
     const ProgramRun run = RunProgram("vmk", {"display", write("book.fb2", Book), "--settings", record});
     EXPECT_EQ(run.exitCode, 0) << run.errors;
-    EXPECT_NE(run.output.find("MARGIN-LEFT: 60px"), std::string::npos);
+    EXPECT_THAT(run.output, testing::HasSubstr("MARGIN-LEFT: 60px"));
     EXPECT_EQ(read("vellumark.ini"), bytes);
 }
 
-TEST_F(Convert, ADamagedSettingsRecordIsRefusedAndKept)
+TEST_F(Convert, ADamagedSettingsRecordIsRejectedAndKept)
 {
     const std::string record = write("vellumark.ini", "xy");
     expectRefusal({"display", write("book.fb2", Book), "--settings", record}, "not a settings record");
     EXPECT_EQ(read("vellumark.ini"), "xy");
 }
 
-TEST_F(Convert, ConvertSavesInPlaceInTheWantedForm)
+TEST_F(Convert, ConvertSavesInPlaceInTheGivenStyle)
 {
     const std::string book = write("book.fb2", Book);
     EXPECT_EQ(RunProgram("vmk", {"convert", book, "--out", book, "--encoding", "windows-1251"}).exitCode, 0);
@@ -109,7 +110,7 @@ TEST_F(Convert, ConvertReadsInTheNamedEncoding)
                           "--encoding", "utf-8"})
                   .exitCode,
               0);
-    EXPECT_NE(read("out").find("<a>\xc3\xa9</a>"), std::string::npos);
+    EXPECT_THAT(read("out"), testing::HasSubstr("<a>\xc3\xa9</a>"));
 }
 
 TEST_F(Convert, ABrokenBookIsConvertedWithARemark)
@@ -118,10 +119,10 @@ TEST_F(Convert, ABrokenBookIsConvertedWithARemark)
     const ProgramRun run = RunProgram("vmk", {"convert", book, "--out", path("out")});
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_EQ(run.errors, "vmk: " + book + ": Namespace error. Tree view is skipped\n");
-    EXPECT_NE(read("out").find("<p>x</a>"), std::string::npos);
+    EXPECT_THAT(read("out"), testing::HasSubstr("<p>x</a>"));
 }
 
-TEST_F(Convert, BadInputIsRefusedInOneLine)
+TEST_F(Convert, BadInputIsRejectedInOneLine)
 {
     const std::string book = write("book.fb2", Book);
     expectRefusal({"display", path("missing.fb2")}, "file not found");
@@ -134,15 +135,15 @@ TEST_F(Convert, BadInputIsRefusedInOneLine)
     expectRefusal({"display"}, "no book given");
 }
 
-TEST_F(Convert, AFileThatCannotBeWrittenIsTold)
+TEST_F(Convert, AFileThatCannotBeWrittenIsReported)
 {
     const ProgramRun run
         = RunProgram("vmk", {"convert", write("book.fb2", Book), "--out", path("no/such/folder/out")});
     EXPECT_EQ(run.exitCode, 2);
-    EXPECT_NE(run.errors.find("cannot be written"), std::string::npos);
+    EXPECT_THAT(run.errors, testing::HasSubstr("cannot be written"));
 }
 
-TEST_F(Convert, AnEmptyBookIsRefused)
+TEST_F(Convert, AnEmptyBookIsRejected)
 {
     expectRefusal({"convert", write("empty.fb2", "")}, "empty book - nothing to save");
     expectRefusal({"convert", write("blank.fb2", " \r\n\t ")}, "empty book - nothing to save");
@@ -172,13 +173,13 @@ TEST_F(Convert, UnicodeBooksAreReadWholeWithARemark)
         highFirst += {'\0', c};
     const std::string high = write("high.fb2", "\xfe\xff" + highFirst);
     EXPECT_EQ(converted(high, {}, said), Declaration + "\r\n<a>b</a>");
-    EXPECT_NE(said.find("characters misread"), std::string::npos) << said;
-    EXPECT_NE(converted(write("odd.fb2", utf16(u"\ufeff<a>b</a>") + "x"), {}, said).find("<a>b</a>"),
-              std::string::npos);
-    EXPECT_NE(said.find("lost: bytes that are no characters: 1"), std::string::npos) << said;
+    EXPECT_THAT(said, testing::HasSubstr("characters misread"));
+    EXPECT_THAT(converted(write("odd.fb2", utf16(u"\ufeff<a>b</a>") + "x"), {}, said),
+                testing::HasSubstr("<a>b</a>"));
+    EXPECT_THAT(said, testing::HasSubstr("lost: bytes that are no characters: 1"));
 }
 
-TEST_F(Convert, OneBadPathLeavesTheFileThatStoodThere)
+TEST_F(Convert, AFailedConversionKeepsTheExistingFile)
 {
     ASSERT_EQ(chmod(folder.path().toUtf8().constData(), 0755), 0);
     const std::string book = write("book.fb2", Book);
@@ -250,7 +251,7 @@ TEST_F(Convert, WithoutFurtherThreadsOneDoesTheWork)
               book + ": No errors (against namespace)\n" + book + ": No errors (against namespace)\n");
 }
 
-TEST_F(Convert, AFullDeviceIsTold)
+TEST_F(Convert, AFullDeviceIsReported)
 {
     const std::string book = write("book.fb2", Book);
     for (const std::string command : {"display", "convert"}) {
@@ -265,7 +266,7 @@ TEST_F(Convert, AFullDeviceIsTold)
     EXPECT_EQ(run.errors, "vmk: standard output: cannot be written\n");
 }
 
-TEST_F(Convert, AFileOverTheSizeLimitIsToldAndLeavesNothing)
+TEST_F(Convert, AFileOverTheSizeLimitIsReportedAndLeavesNoFile)
 {
     const std::string book = write("book.fb2", Declaration + "<a>" + std::string(300'000, 'x') + "</a>");
     write("out.fb2", "old");
@@ -279,7 +280,7 @@ TEST_F(Convert, AFileOverTheSizeLimitIsToldAndLeavesNothing)
         << "no temporary file stays";
 }
 
-TEST_F(Convert, WithItsStandardHandlesClosedItWritesItsFileAndNothingElse)
+TEST_F(Convert, WithoutStandardHandlesItWritesOnlyItsFile)
 {
     const std::string book = write("book.fb2", "<b><p>x</b>");
     ProgramSetting closed;
@@ -323,7 +324,7 @@ TEST_F(Convert, ByteOrderMarksAreReadAsTheRulesSay)
     EXPECT_EQ(converted("\xef\xbb\xbf<a>\xd0\x96</a>"), Declaration + "\r\n<a>\xd0\x96</a>");
 }
 
-TEST_F(Convert, HostileBooksAreConvertedWholeOrShownWithoutATree)
+TEST_F(Convert, HostileBooksAreConvertedCompletelyOrShownWithoutATree)
 {
     const auto whole = [this](const std::string& bytes, const std::string& part) {
         const std::string book = write("book.fb2", bytes);
@@ -332,7 +333,7 @@ TEST_F(Convert, HostileBooksAreConvertedWholeOrShownWithoutATree)
 #ifndef __SANITIZE_ADDRESS__
         EXPECT_LT(run.seconds, 2.0);
 #endif
-        EXPECT_NE(read("out").find(part), std::string::npos) << part.substr(0, 100);
+        EXPECT_THAT(read("out"), testing::HasSubstr(part)) << part.substr(0, 100);
         return run.errors;
     };
     const std::string remark = "vmk: " + path("book.fb2") + ": Namespace error. Tree view is skipped\n";
@@ -356,7 +357,7 @@ TEST_F(Convert, HostileBooksAreConvertedWholeOrShownWithoutATree)
     EXPECT_EQ(whole(many + "/>", " b99999=\"c\"/>"), remark);
 }
 
-TEST_F(Convert, ABookOfManyLevelsAndSizesTakesItsTimeAndNoMore)
+TEST_F(Convert, DeepBooksAreConvertedInLinearTime)
 {
     const std::string book = write("book.fb2", MakeBook({.size = 4'000'000}));
     const ProgramRun run = RunProgram("vmk", {"convert", book, "--out", path("out")});

@@ -14,7 +14,7 @@ namespace vmk {
 
 namespace {
 
-/// A file without a name, gone when closed.
+/// A file without a name, which is deleted when closed.
 class ScratchFile
 {
 public:

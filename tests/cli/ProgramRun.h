@@ -5,13 +5,13 @@
 
 namespace vmk {
 
-/// What a program did.
+/// The result of a program run.
 struct ProgramRun
 {
-    int exitCode = -1; ///< -1 when a signal ended it
+    int exitCode = -1; ///< -1 if a signal ended it
     std::string output;
     std::string errors;
-    double seconds = 0; ///< of the processor's time
+    double seconds = 0; ///< processor time
     long peakBytes = 0;
 };
 
@@ -19,8 +19,8 @@ struct ProgramRun
 struct ProgramSetting
 {
     std::string input; ///< for standard input
-    std::string outputFile; ///< where standard output goes instead of `ProgramRun::output`
-    int userId = -1; ///< as which user; -1 for this one
+    std::string outputFile; ///< target of standard output instead of `ProgramRun::output`
+    int userId = -1; ///< the user; -1 for the current one
     std::string locale = "C.UTF-8"; ///< for LC_ALL
     long largestFile = -1; ///< limit in bytes on each file that it writes; -1 for none
     long mostMemory = -1; ///< limit in bytes on its address space; -1 for none

@@ -1,10 +1,11 @@
-// `vmk validate` as the user meets it: result lines, exit codes, and a clear outcome for every bad input.
+// `vmk validate` from the view of the user: result lines, exit codes, and a clear result for every bad input.
 
 #include "BookGenerator.h"
 #include "Corpus.h"
 #include "ProgramRun.h"
 #include "TestPaths.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QJsonDocument>
@@ -56,7 +57,7 @@ protected:
         EXPECT_EQ(run.exitCode, 1);
         EXPECT_EQ(run.errors, "");
         EXPECT_EQ(run.output, book + ":" + placeAndReason + "\n");
-#ifndef __SANITIZE_ADDRESS__ // a sanitizer takes its time, keeps freed memory and shadows all of it
+#ifndef __SANITIZE_ADDRESS__ // sanitizers need more time and memory
         EXPECT_LT(run.seconds, 1.0);
         EXPECT_LT(run.peakBytes, 200'000'000);
 #endif
@@ -73,7 +74,7 @@ std::string Repeated(const std::string& text, size_t count)
     return result;
 }
 
-/// A whole valid book in which `section` is the only section's content.
+/// A complete valid book in which `section` is the content of the only section.
 std::string BookWith(const std::string& section)
 {
     return Start
@@ -107,7 +108,7 @@ TEST_F(Validate, ReportsTheFirstErrorWithoutTheNamespace)
               "( p, poem, subtitle, cite, empty-line, table, image ).\n");
 }
 
-TEST_F(Validate, AgainstNamespaceLooksAtWellFormednessAndPrefixesOnly)
+TEST_F(Validate, AgainstNamespaceChecksWellFormednessAndPrefixesOnly)
 {
     const std::string odd = write("odd.fb2", "<any/>");
     EXPECT_EQ(validate({"--against", "namespace", odd}).output, odd + ": No errors (against namespace)\n");
@@ -158,7 +159,7 @@ TEST_F(Validate, EveryMadeBookIsCleanInEveryEncoding)
     EXPECT_EQ(std::ranges::count(run.output, '\n'), static_cast<std::ptrdiff_t>(books.size()));
 }
 
-TEST_F(Validate, RealBooksGetTheFirstErrorThatAPersonWouldPointAt)
+TEST_F(Validate, RealBooksGetTheFirstErrorAtTheExpectedPosition)
 {
     const std::string corpus = VMK_CORPUS_DIR;
     if (test::CorpusBooks().empty())
@@ -170,16 +171,16 @@ TEST_F(Validate, RealBooksGetTheFirstErrorThatAPersonWouldPointAt)
             .substr(corpus.size() + 1);
     };
     const std::string error = ": Error against schema";
-    EXPECT_EQ(resultOf("example.fb2"), "example.fb2:10:27" + error); // behind the unknown genre
-    EXPECT_EQ(resultOf("features.fb2"), "features.fb2:48:7" + error); // the date that is none
+    EXPECT_EQ(resultOf("example.fb2"), "example.fb2:10:27" + error); // after the unknown genre
+    EXPECT_EQ(resultOf("features.fb2"), "features.fb2:48:7" + error); // the invalid date
     for (const char* name :
          {"faq-de.fb2", "faq-de-1252.fb2", "faq-ru.fb2", "faq-ru-1251.fb2", "guide-cs-1250.fb2"})
-        EXPECT_EQ(resultOf(name), name + ":2:156"s + error); // a title in the author's place
-    EXPECT_EQ(resultOf("help-ru.fb2"), "help-ru.fb2:2:129" + error); // an author in the genre's place
-    EXPECT_EQ(resultOf("manual-ru.fb2"), "manual-ru.fb2:6:4" + error); // a title in the genre's place
+        EXPECT_EQ(resultOf(name), name + ":2:156"s + error); // a title instead of the author
+    EXPECT_EQ(resultOf("help-ru.fb2"), "help-ru.fb2:2:129" + error); // an author instead of the genre
+    EXPECT_EQ(resultOf("manual-ru.fb2"), "manual-ru.fb2:6:4" + error); // a title instead of the genre
 }
 
-TEST_F(Validate, RealBooksThatAreNotWellFormedSayWhere)
+TEST_F(Validate, RealBooksThatAreNotWellFormedHaveAPosition)
 {
     const std::string corpus = VMK_CORPUS_DIR;
     if (test::CorpusBooks().empty())
@@ -187,11 +188,11 @@ TEST_F(Validate, RealBooksThatAreNotWellFormedSayWhere)
     for (const char* name : {"help-ru.fb2", "help-zh.fb2", "manual-ru.fb2"}) {
         const ProgramRun run = validate({"--against", "namespace", corpus + "/" + name});
         EXPECT_EQ(run.exitCode, 1) << name;
-        EXPECT_NE(run.output.find(": Error against namespace. "), std::string::npos) << run.output;
+        EXPECT_THAT(run.output, testing::HasSubstr(": Error against namespace. "));
     }
 }
 
-TEST_F(Validate, WritesOneJsonObjectABook)
+TEST_F(Validate, WritesOneJsonObjectPerBook)
 {
     const std::string bad = write("bad.fb2", "<a>\n\xD0\xB6</b>");
     const std::string clean = write("clean.fb2", BookWith("<p/>"));
@@ -236,7 +237,7 @@ TEST_F(Validate, ABadBookAmongSeveralHidesNoneOfThem)
     EXPECT_EQ(std::ranges::count(run.errors, '\n'), 2);
 }
 
-TEST_F(Validate, JsonTellsThePlaceInFourWays)
+TEST_F(Validate, JsonReportsThePositionInFourUnits)
 {
     const std::string bad = write("bad.fb2", "<a>\r\n\xD0\xB6\xF0\x9D\x84\x9E</b>");
     const ProgramRun run = validate({"--json", "--against", "namespace", bad});
@@ -318,7 +319,7 @@ TEST_F(Validate, ShowsHelpAndVersion)
     EXPECT_EQ(RunProgram("vmk", {"nonsense"}).exitCode, 2);
 }
 
-TEST_F(Validate, SaysNothingOfTheLocale)
+TEST_F(Validate, PrintsNoLocaleWarning)
 {
     ProgramSetting setting;
     setting.locale = "C";
@@ -349,7 +350,7 @@ TEST_F(Validate, AMissingFileIsAPlainLine)
     EXPECT_EQ(run.errors, "vmk: " + path("none.fb2") + ": file not found\n");
 }
 
-TEST_F(Validate, AFolderInPlaceOfAFileIsAPlainLine)
+TEST_F(Validate, AFolderInsteadOfAFileIsReportedInOneLine)
 {
     const ProgramRun run = validate({folder.path().toStdString()});
     EXPECT_EQ(run.exitCode, 2);
@@ -362,7 +363,7 @@ TEST_F(Validate, AnUnreadableFileIsAPlainLine)
     chmod(book.c_str(), 0);
     ProgramSetting setting;
     if (geteuid() == 0) {
-        // Root may read everything: an ordinary user tries, if it can reach the program at all.
+        // Root can read everything: an ordinary user tries instead, if that user can run the program.
         setting.userId = 65534;
         if (RunProgram("vmk", {"--version"}, setting).exitCode != 0)
             GTEST_SKIP() << "an ordinary user cannot reach the program";
@@ -465,7 +466,7 @@ TEST_F(Validate, AMissingOrBrokenSchemaIsAPlainLine)
     expectRefused(other, other + ": the schema is for the namespace \"\"");
 }
 
-TEST_F(Validate, ManyIdentifiersTakeNoSquareTime)
+TEST_F(Validate, ManyIdentifiersTakeNoQuadraticTime)
 {
     std::string section;
     for (int i = 0; i < 100'000; ++i)
@@ -475,7 +476,7 @@ TEST_F(Validate, ManyIdentifiersTakeNoSquareTime)
     EXPECT_LT(run.seconds, 2.0);
 }
 
-TEST_F(Validate, ALargePictureTakesNoSquareTime)
+TEST_F(Validate, ALargePictureTakesNoQuadraticTime)
 {
     std::string book = BookWith("<p/>");
     book.insert(book.rfind("</FictionBook>"),

@@ -1,4 +1,4 @@
-// The built program as a user starts it, on a display of its own.
+// The built program as a user starts it, on its own display.
 
 #include "Books.h"
 #include "FileOperations.h"
@@ -30,7 +30,7 @@ protected:
         desktop.emplace();
         ASSERT_TRUE(desktop->isUp());
 
-        // A portable folder: the program with what lies beside it.
+        // A portable folder: the program and the folders beside it.
         ASSERT_TRUE(QFile::copy(QLatin1StringView(VMK_BIN_DIR "/vellumark"), executable()));
         for (const QString& name : {u"sounds"_s, u"VMK Office"_s})
             FileOperation(CopyFolderMode, QLatin1StringView(VMK_BIN_DIR "/") + name, place.Path(name));
@@ -54,7 +54,7 @@ protected:
 
     [[nodiscard]] QString executable() const { return place.Path(u"vellumark"_s); }
 
-    /// Leaves a settings file as an earlier run would have, with one setting changed.
+    /// Writes a settings file as an earlier run would, with one changed setting.
     void keepSettings(int commandLineInfo) const
     {
         InitGlobals({.executable = executable(), .userDataFolder = place.Path(u"user"_s)});
@@ -74,7 +74,7 @@ protected:
 
     [[nodiscard]] bool runs() const { return program.state() == QProcess::Running; }
 
-    /// The program ends by itself, in order and without a word.
+    /// The program ends by itself, with exit code 0 and without output.
     void expectEnd()
     {
         if (program.state() != QProcess::NotRunning) {
@@ -111,11 +111,11 @@ TEST_F(Program, ACleanBookIsReportedUntilTheUserClosesTheForm)
     expectEnd();
 }
 
-TEST_F(Program, ATornBookIsOpenedBehindItsBoxWhichOutlivesTheReport)
+TEST_F(Program, ABookThatIsNotWellFormedIsOpenedBehindABoxThatOutlivesTheReport)
 {
     place.Make(u"torn.fb2"_s, "<FictionBook><body>");
     start({u"torn.fb2"_s, u"-V"_s});
-    // The window, still without a book, and the box before it.
+    // The window, still without a book, and the box in front of it.
     ASSERT_TRUE(XDesktop::WaitUntil([&] { return desktop->windows(u"^Vellumark$"_s).size() >= 2; }));
     EXPECT_TRUE(XDesktop::WaitUntil([&] { return desktop->windows(Report).isEmpty(); }));
     ASSERT_TRUE(desktop->press(desktop->windows(u"^Vellumark$"_s).last(), u"Return"_s));
@@ -123,7 +123,7 @@ TEST_F(Program, ATornBookIsOpenedBehindItsBoxWhichOutlivesTheReport)
     EXPECT_FALSE(program.waitForFinished(500)) << "the main window stays open";
 }
 
-TEST_F(Program, ABookWithAnErrorIsOpenedAndTheReportGoesWhenItIsComplete)
+TEST_F(Program, ABookWithAnErrorIsOpenedAndTheReportClosesWhenItIsComplete)
 {
     start({u"broken.fb2"_s, u"-V"_s});
     ASSERT_FALSE(desktop->waitForWindow(u"^ VMK: broken.fb2$"_s).isEmpty());
@@ -138,7 +138,7 @@ TEST_F(Program, ABarePathIsOpened)
     EXPECT_FALSE(desktop->waitForWindow(u"^ VMK: clean book.fb2$"_s).isEmpty());
 }
 
-TEST_F(Program, ValidatingAWrongExtensionEndsBehindItsBox)
+TEST_F(Program, ValidatingAWrongExtensionShowsABoxAndEnds)
 {
     start({u"notes.txt"_s, u"-V"_s});
     const QString box = desktop->waitForWindow(u"^VMK: notes.txt$"_s);
@@ -148,7 +148,7 @@ TEST_F(Program, ValidatingAWrongExtensionEndsBehindItsBox)
     expectEnd();
 }
 
-TEST_F(Program, ValidatingAMissingFileEndsBehindItsBox)
+TEST_F(Program, ValidatingAMissingFileShowsABoxAndEnds)
 {
     start({u"missing.fb2"_s, u"-V"_s});
     const QString box = desktop->waitForWindow(u"^VMK: missing.fb2$"_s);
@@ -157,7 +157,7 @@ TEST_F(Program, ValidatingAMissingFileEndsBehindItsBox)
     expectEnd();
 }
 
-TEST_F(Program, LoadingAWrongExtensionLeavesTheMainWindowBehindTheBox)
+TEST_F(Program, LoadingAWrongExtensionShowsABoxAndKeepsTheMainWindow)
 {
     start({u"notes.txt"_s, u"-L"_s});
     const QString box = desktop->waitForWindow(u"^VMK: notes.txt$"_s);
@@ -184,7 +184,7 @@ TEST_F(Program, TheFirstStartShowsTheWelcomePageAndLaterOnesDoNot)
     EXPECT_FALSE(FileExists(place.Path(u"VMK Office/Welcome.htm"_s)));
 }
 
-TEST_F(Program, APathInQuotesOfItsOwnWithAnOptionIsNotFoundInTheOpenWindow)
+TEST_F(Program, AQuotedPathWithAnOptionIsNotFoundInTheOpenWindow)
 {
     start({u"\"clean book.fb2\" -L"_s});
     ASSERT_FALSE(desktop->waitForWindow(MainWindow).isEmpty());

@@ -8,7 +8,7 @@ using namespace Qt::StringLiterals;
 namespace vmk {
 namespace {
 
-/// What a screen reader would say of an object, for the messages of failed checks.
+/// The text of a screen reader for an object, for the messages of failed checks.
 std::string Described(QAccessibleInterface& interface)
 {
     const QObject* object = interface.object();
@@ -17,7 +17,7 @@ std::string Described(QAccessibleInterface& interface)
     return type + (" " + name.toStdString()) + ", role " + std::to_string(interface.role());
 }
 
-/// What takes input or tells something, as against what only holds or frames it.
+/// True for objects with input or information, false for containers and frames.
 bool MustHaveName(QAccessible::Role role)
 {
     switch (role) {
@@ -38,7 +38,7 @@ bool MustHaveName(QAccessible::Role role)
 class Accessibility : public WindowTest
 {
 protected:
-    /// Calls `look` for an object and all that it holds and shows.
+    /// Calls `look` for an object and all its visible descendants.
     static void Walk(QAccessibleInterface* interface, const std::function<void(QAccessibleInterface&)>& look)
     {
         if (!interface || !interface->isValid() || interface->state().invisible)
@@ -69,7 +69,7 @@ protected:
     }
 };
 
-TEST_F(Accessibility, EveryControlTellsItsName)
+TEST_F(Accessibility, EveryControlHasAName)
 {
     OpenBook();
     int controls = 0;
@@ -83,7 +83,7 @@ TEST_F(Accessibility, EveryControlTellsItsName)
     EXPECT_GE(controls, 5 + form->TB->actions().size() + form->menuBar()->actions().size());
 }
 
-TEST_F(Accessibility, EveryMenuEntryTellsItsName)
+TEST_F(Accessibility, EveryMenuEntryHasAName)
 {
     Open();
     QList<QMenu*> menus = {form->MnRightClick};
@@ -103,20 +103,20 @@ TEST_F(Accessibility, EveryMenuEntryTellsItsName)
     }
 }
 
-TEST_F(Accessibility, ThePanelsTellWhatTheyAreAndWhatTheySay)
+TEST_F(Accessibility, ThePanelsHaveANameAndTheirText)
 {
     OpenBook();
-    QStringList told;
+    QStringList texts;
     Walk(QAccessible::queryAccessibleInterface(form.get()), [&](QAccessibleInterface& interface) {
         if (interface.role() == QAccessible::StaticText)
-            told.append(interface.text(QAccessible::Name) + u'|'
-                        + qobject_cast<QLabel*>(interface.object())->text());
+            texts.append(interface.text(QAccessible::Name) + u'|'
+                         + qobject_cast<QLabel*>(interface.object())->text());
     });
-    EXPECT_TRUE(told.contains(u"message|document complete"_s)) << told.join(u';').toStdString();
-    EXPECT_FALSE(told.filter(u"file length|file len"_s).isEmpty()) << told.join(u';').toStdString();
+    EXPECT_TRUE(texts.contains(u"message|document complete"_s)) << texts.join(u';').toStdString();
+    EXPECT_FALSE(texts.filter(u"file length|file len"_s).isEmpty()) << texts.join(u';').toStdString();
 }
 
-TEST_F(Accessibility, TheTabKeyGoesThroughTheToolbarAndTheSchemaToTheBook)
+TEST_F(Accessibility, TheTabKeyMovesThroughTheToolbarAndTheSchemaToTheBook)
 {
     OpenBook();
     form->activateWindow();
@@ -129,7 +129,7 @@ TEST_F(Accessibility, TheTabKeyGoesThroughTheToolbarAndTheSchemaToTheBook)
     EXPECT_EQ(TabOrder(), expected);
 }
 
-TEST_F(Accessibility, TheKeyboardLeavesTheBookAndComesBack)
+TEST_F(Accessibility, TheKeyboardMovesTheFocusOutOfTheBookAndBack)
 {
     OpenBook();
     ASSERT_TRUE(View().hasFocus());

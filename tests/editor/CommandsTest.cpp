@@ -4,7 +4,7 @@
 #include <functional>
 #include <vector>
 
-/// Every editing command by every way that leads to it: menu, context menu, toolbar, keys.
+/// Every editing command from every path to it: menu, context menu, toolbar, keys.
 namespace vmk {
 namespace {
 
@@ -29,7 +29,7 @@ protected:
         std::function<bool()> done;
     };
 
-    /// Goes each way once; the book is as it was in front of each.
+    /// Uses each path once; the book is restored before each.
     void check(const Way& way)
     {
         const auto reached = [&](const std::function<void()>& go, const QString& how) {
@@ -78,7 +78,7 @@ constexpr auto Shift = Qt::ShiftModifier;
 
 } // namespace
 
-TEST_F(Commands, DeletingAndTheClipboardAreReachedByEveryWay)
+TEST_F(Commands, DeleteAndClipboardCommandsWorkFromEveryPath)
 {
     OpenBook();
     const auto select = [this] { selectWord(); };
@@ -116,7 +116,7 @@ TEST_F(Commands, DeletingAndTheClipboardAreReachedByEveryWay)
          [this] { return LineText(line() + 1) == u"new"_s && LineText(line() + 2).startsWith(u"words"_s); }});
 }
 
-TEST_F(Commands, BlanksAndTagsAreReachedByEveryWay)
+TEST_F(Commands, BlankAndTagCommandsWorkFromEveryPath)
 {
     OpenBook();
     const auto select = [this] { selectWord(); };
@@ -194,7 +194,7 @@ TEST_F(Commands, FieldsAreReachedByTheHiddenEntriesOfBothMenus)
            html(u"<FONT class=ev>words</FONT>"_s)});
 }
 
-TEST_F(Commands, RepaintAndShiftsAreReachedByEveryWay)
+TEST_F(Commands, RepaintAndShiftCommandsWorkFromEveryPath)
 {
     OpenBook();
     const int before = margin();
@@ -222,14 +222,14 @@ TEST_F(Commands, RepaintAndShiftsAreReachedByEveryWay)
            [this, before] { return margin() == before - NodeShift; }});
 }
 
-TEST_F(Commands, ALineCopiedByDoubleClickIsPastedAsALineOfItsOwn)
+TEST_F(Commands, ALineCopiedByDoubleClickIsPastedAsASeparateLine)
 {
     OpenBook();
     const QString first = LineText(line());
     const Position end{line() + 1, int(LineText(line() + 1).size())};
     DoubleClick(PlaceOf(u"words"_s));
     Key(Qt::Key_C, Ctrl);
-    // At a line's end it goes below the line, at its start above it.
+    // At the end of a line it is inserted below the line, at its start above it.
     PutCaret(end);
     Key(Qt::Key_V, Ctrl);
     EXPECT_EQ(LineText(end.line + 1), first);
@@ -263,7 +263,7 @@ TEST_F(Commands, APageThatIsNoBookStaysAsItIs)
     EXPECT_EQ(Document().savePage(), page);
 }
 
-TEST_F(Commands, OneUndoTakesAShiftOrARepaintBackWithItsSelection)
+TEST_F(Commands, OneUndoRevertsAShiftOrARepaintWithItsSelection)
 {
     OpenBook();
     const QByteArray page = Document().savePage();
@@ -282,7 +282,7 @@ TEST_F(Commands, OneUndoTakesAShiftOrARepaintBackWithItsSelection)
 
 TEST_F(Commands, ALineHigherThanTheViewStaysWhereItIsUnderAShiftOrARepaint)
 {
-    // A narrower line breaks elsewhere, and so do the pieces that a long one is laid out in.
+    // A narrower line is broken at other positions, and so are the pieces of a long line.
     const std::pair<int, int> lines[] = {{550, 20}, {4'000, 200}};
     for (const auto& [count, tolerance] : lines) {
         std::string text = SmallBook;
@@ -326,7 +326,7 @@ protected:
         OpenBook(text);
     }
 
-    /// A right click on a tag; gives the entries that its menu offers.
+    /// Right-clicks a tag and returns the entries of its menu.
     QStringList click(const QString& tag)
     {
         const Position at = PlaceOf(tag);
@@ -354,7 +354,7 @@ TEST_F(TagMenu, OutsideATagAllFiveEntriesAreDisabled)
     EXPECT_EQ(click(u"<strong>"_s), QStringList());
 }
 
-TEST_F(TagMenu, ALinkIsFollowedToItsPlace)
+TEST_F(TagMenu, ALinkIsFollowedToItsTarget)
 {
     EXPECT_EQ(click(u"<a l:href"_s), QStringList{u"Ed_GoToLink"_s});
     form->Entry("Ed_GoToLink")->trigger();

@@ -1,4 +1,4 @@
-// Draws every picture of the toolbar in all its looks and sizes onto one sheet, for the eye:
+// Draws every toolbar picture in all states and sizes on one sheet, for a person:
 //     contactsheet sheet.png
 #include "ToolbarPictures.h"
 
@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// One palette's half of the sheet: a row for each size, the three looks side by side.
+/// The half of the sheet for one palette: a row for each size, the three states side by side.
 void DrawHalf(QPainter& painter, const QStringList& names, int top, const QColor& ground)
 {
     QPalette palette;

@@ -16,13 +16,13 @@
 #include <iterator>
 #include <random>
 
-/// Thousands of random keys, clicks and commands on a book in the real window. After each of them the page's
-/// text is the one that a plain reading of the command gives, and a page saved and loaded again has the same
-/// text; now and then the saved file is held against the page. In the end everything is undone to the first
+/// Thousands of random keys, clicks and commands on a book in the real window. After each of them the text of
+/// the page equals the result of a plain model of the command, and a saved and reloaded page has the same
+/// text; sometimes the saved file is compared with the page. At the end everything is undone to the first
 /// page and redone to the last.
 ///
 /// `VMK_MONKEY_STEPS`, `VMK_MONKEY_SEED` and `VMK_MONKEY_BOOK`, the path of a book, in the environment make
-/// it run longer and elsewhere.
+/// it run longer or with another book.
 namespace vmk {
 namespace {
 
@@ -33,14 +33,14 @@ using test::With;
 
 constexpr QStringView PairSign = u"\U0001d53b";
 
-/// What the text behind an action must be.
+/// The expected text after an action.
 struct Outcome
 {
     enum Known
     {
         Exactly,
-        ButForBlanks, ///< Whose part they are when lines are merged is HTML's business.
-        FromBefore, ///< It stood in the page at some time.
+        ButForBlanks, ///< When lines are merged, HTML decides which blanks are kept.
+        FromBefore, ///< An earlier text of the page.
     };
 
     QString text;
@@ -59,15 +59,15 @@ QString TextOfFile(const QString& path)
     return QString::fromStdString(std::string(std::istreambuf_iterator<char>(file), {}));
 }
 
-/// What of the page's text goes into a file: the declaration, and what stands in front of the element behind
-/// it, is written anew.
+/// The part of the page's text that is saved: the declaration, and what is before the element after it, are
+/// written again.
 QString Saved(const QString& text)
 {
     const qsizetype declaration = text.indexOf("<?xml version"_L1);
     if (declaration < 0)
         return text;
-    const qsizetype behind = text.indexOf(u'<', declaration + 1);
-    return behind < 0 ? QString() : text.mid(behind);
+    const qsizetype after = text.indexOf(u'<', declaration + 1);
+    return after < 0 ? QString() : text.mid(after);
 }
 
 /// The lines under the selection as the plain oracle paints them: it may end a comment at a "<".
@@ -90,13 +90,13 @@ QString Repainted(const Place& place)
 class Monkey : public WindowTest
 {
 protected:
-    /// Does something at random; says what must come of it.
+    /// Runs a random action and returns the expected result.
     using Action = std::function<Outcome(const Place&)>;
 
     void SetUp() override
     {
         OpenBook(Book());
-        // Of a book of one's own too the file is the page's text and nothing else.
+        // With another book, too, the file is exactly the text of the page.
         BinaryPart.clear();
         OutputEncoding = u"utf-8"_s;
         first = Document().savePage();
@@ -129,16 +129,16 @@ protected:
     void AddPastes();
     void AddCommands();
 
-    /// One action, checked.
+    /// Runs and checks one action.
     void Step();
     void CheckPage();
     void CheckFile();
     void CheckReload(std::string book);
     void Undo();
-    /// Keeps the page small, and there at all.
+    /// Keeps the page small, but not empty.
     void KeepSize();
 
-    // ---- ways of doing
+    // ---- actions
 
     void Add(const char* name, int weight, Action action)
     {
@@ -146,7 +146,7 @@ protected:
         weights.push_back(weight);
         actions.push_back(std::move(action));
     }
-    /// An action that leaves the text alone.
+    /// An action that does not change the text.
     void AddQuiet(const char* name, int weight, std::function<void()> run)
     {
         Add(name, weight, [run](const Place& place) {
@@ -154,7 +154,7 @@ protected:
             return Outcome{test::Unchanged(place)};
         });
     }
-    /// A key or a command whose text is known beforehand.
+    /// A key or a command with a known resulting text.
     void AddEdit(const char* name, int weight, std::function<void()> run,
                  std::function<QString(const Place&)> expected)
     {
@@ -163,7 +163,7 @@ protected:
             return Outcome{expected(place)};
         });
     }
-    /// One of two steps of undo, whose text between them may be seen again.
+    /// One of two undo steps; the text between them may occur again.
     void RunInTwoSteps(const std::function<void()>& run)
     {
         run();
@@ -180,7 +180,7 @@ protected:
         QTest::sendKeyEvent(QTest::Click, form->HTMLread, Qt::Key_unknown, sign, Qt::NoModifier);
     }
 
-    // ---- small change
+    // ---- helpers
 
     int Below(qsizetype count) { return int(random() % unsigned(std::max<qsizetype>(count, 1))); }
     template <typename List>
@@ -193,7 +193,7 @@ protected:
         const int line = Below(Document().lineCount());
         return {line, Below(LineText(line).size() + 1)};
     }
-    /// A caret, a piece of a line, a few whole lines, or anything.
+    /// A caret, part of a line, a few complete lines, or a random range.
     void SelectAnything()
     {
         const Position from = AnyPlace();
@@ -224,7 +224,7 @@ protected:
     qsizetype mostText = 0;
     /// Every text that the page has had.
     QSet<QByteArray> seen;
-    /// The lines on the clipboard, while it holds a piece of the page as HTML.
+    /// The lines on the clipboard while it contains part of the page as HTML.
     QStringList copied;
     std::mt19937 random;
 };
@@ -393,7 +393,7 @@ void Monkey::AddCommands()
     AddQuiet("field", 3, [this] {
         static constexpr std::array Fields{Command::InsertTextField, Command::InsertTagField,
                                            Command::InsertTagAttributeValueField};
-        // Whether a selection of line breaks shows anything is the layout's to say.
+        // The layout decides whether a selection of line breaks is visible.
         if (!test::PlaceOf(Document()).lineBreaksOnly())
             RunInTwoSteps([this] { form->RunCommand(OneOf(Fields)); });
     });
@@ -408,7 +408,7 @@ void Monkey::AddCommands()
     AddQuiet("save", 1, [this] { CheckFile(); });
 }
 
-/// What an undo takes back must be there again by as many steps of redo.
+/// The same number of redo steps must restore what an undo has reverted.
 void Monkey::Undo()
 {
     const QByteArray before = Document().savePage();
@@ -443,14 +443,14 @@ void Monkey::CheckPage()
     loaded.loadPage(Document().savePage());
     QString text = AllText();
     QString again = test::TextLines(loaded).join(LineBreak);
-    // In a page both are written alike.
+    // A page writes both in the same way.
     text.replace(QChar(QChar::Nbsp), u' ');
     again.replace(QChar(QChar::Nbsp), u' ');
     ASSERT_EQ(again, text);
 }
 
-/// A book that is loaded shows the text of its file. What of it the parser may write in another way, empty
-/// elements and quotes, is made alike.
+/// A loaded book shows the text of its file. Parts that the parser may write differently, empty elements
+/// and quotes, are normalised.
 void Monkey::CheckReload(std::string book)
 {
     static const QRegularExpression empty(u"<([^<>/]+?)([^<>]*)></\\1>"_s);
@@ -469,7 +469,7 @@ void Monkey::CheckReload(std::string book)
     ASSERT_EQ(alike(test::TextLines(loaded).join(LineBreak)), alike(file));
 }
 
-/// The file that is saved holds the page's text, whatever its state.
+/// The saved file contains the text of the page in every state.
 void Monkey::CheckFile()
 {
     if (IsBookEmpty())
@@ -533,10 +533,10 @@ TEST_F(Monkey, KeepsEveryCharacterAndUndoesItAll)
     }
     if (HasFatalFailure())
         return;
-    // The marker of a resize is gone before the pages are held against each other.
+    // The marker of a resize is removed before the pages are compared.
     ASSERT_TRUE(WaitFor([this] { return !form->TmpBookmarkTimer->isActive(); }));
     const QByteArray last = Document().savePage();
-    // The run may have ended behind an undo, with more to be done again than what is taken back here.
+    // The run may have ended after an undo, with more redo steps than are undone here.
     int undone = 0;
     for (; Document().undo(); ++undone) { }
     EXPECT_EQ(Document().savePage(), first);

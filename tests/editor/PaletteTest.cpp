@@ -17,8 +17,8 @@ using namespace Qt::StringLiterals;
 namespace vmk {
 namespace {
 
-/// What text must stand out by, as the guidelines for accessible content have it; pictures; and what cannot
-/// be chosen now but is to be seen.
+/// The required contrast of text, according to the guidelines for accessible content; of pictures; and of
+/// what is disabled but visible.
 constexpr double TextContrast = 4.5;
 constexpr double PictureContrast = 3.0;
 constexpr double DisabledContrast = 1.4;
@@ -39,7 +39,7 @@ double Contrast(QRgb one, QRgb other)
     return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
 }
 
-/// How much the pixel that stands out most does so from the colour that most of the place has.
+/// The highest contrast of a pixel to the most frequent colour of the area.
 double ContrastIn(const QImage& image)
 {
     QHash<QRgb, int> counts;
@@ -62,7 +62,7 @@ QPalette LightPalette()
     return style->standardPalette();
 }
 
-/// As dark desktops have it.
+/// The palette of a dark desktop.
 QPalette DarkPalette()
 {
     QPalette palette(QColor(0x35, 0x35, 0x35), QColor(0x2B, 0x2B, 0x2B));
@@ -164,14 +164,14 @@ TEST_P(Palettes, FieldsAndListsAreLegible)
     ExpectTextLegible(*form->ValidateOptL, "ValidateOptL");
 }
 
-TEST_P(Palettes, AMissingSchemaIsToldInLegibleRed)
+TEST_P(Palettes, AMissingSchemaIsReportedInLegibleRed)
 {
     UseDesktop();
     Open();
     SchemaFile = workplace.Path(u"none.xsd"_s);
     form->RefreshSchemaField();
     EXPECT_EQ(form->SchemaFileL->palette().color(QPalette::Text), QColor(255, 0, 0));
-    // Pure red is as far from any ground as it can be.
+    // Pure red has the highest possible contrast to any background.
     EXPECT_GE(ContrastIn(PictureOf(*form->SchemaFileL)), PictureContrast);
 }
 

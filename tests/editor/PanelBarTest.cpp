@@ -62,7 +62,7 @@ TEST_F(PanelBars, ShowsATextThatIsTooWideAsToolTip)
     EXPECT_TRUE(labels[0]->toolTip().isEmpty());
 }
 
-TEST_F(PanelBars, ANewTextTakesTheOpenTipOfTheOldOneAway)
+TEST_F(PanelBars, ANewTextHidesTheOpenToolTip)
 {
     bar.setPanelText(1, u"a message that is much wider than one hundred pixels can hold"_s);
     bar.grab();
@@ -77,12 +77,12 @@ TEST_F(PanelBars, ANewTextTakesTheOpenTipOfTheOldOneAway)
     EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
 }
 
-TEST_F(PanelBars, TellsScreenReadersWhatAPanelShows)
+TEST_F(PanelBars, ScreenReadersReadTheTextOfAPanel)
 {
     EXPECT_EQ(bar.findChildren<QLabel*>()[1]->accessibleName(), u"second"_s);
 }
 
-TEST_F(PanelBars, TakesDroppedFiles)
+TEST_F(PanelBars, AcceptsDroppedFiles)
 {
     const QSignalSpy dropped(&bar, &PanelBar::filesDropped);
     EXPECT_TRUE(DropUrls(bar, {QUrl::fromLocalFile(u"/tmp/a.fb2"_s), QUrl(u"http://example.org/"_s)}));

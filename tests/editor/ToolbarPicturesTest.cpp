@@ -39,7 +39,7 @@ QImage Picture(const QString& key, int size, QIcon::Mode mode)
         .convertToFormat(QImage::Format_ARGB32);
 }
 
-/// Pixels that stand out from a bar of the given colour by a quarter of the scale or more.
+/// Pixels that differ from a bar of the given colour by a quarter of the scale or more.
 int LegiblePixels(const QImage& picture, const QColor& bar)
 {
     int count = 0;
@@ -69,7 +69,7 @@ protected:
     QPalette before = QApplication::palette();
 };
 
-TEST_F(ToolbarPictures, EveryKeyHasOneOfItsOwn)
+TEST_F(ToolbarPictures, EveryKeyHasADifferentPicture)
 {
     QList<QImage> seen;
     for (const QString& key : Keys) {
@@ -96,7 +96,7 @@ TEST_F(ToolbarPictures, EveryKeyIsLegibleAtSixteenPixelsOnLightAndDarkBars)
     }
 }
 
-TEST_F(ToolbarPictures, TheThreeLooksDifferAndTheDisabledOneHasNoColour)
+TEST_F(ToolbarPictures, TheThreeStatesDifferAndTheDisabledOneHasNoColour)
 {
     for (const QString& key : Keys) {
         const QImage disabled = Picture(key, 24, QIcon::Disabled);
@@ -111,7 +111,7 @@ TEST_F(ToolbarPictures, TheThreeLooksDifferAndTheDisabledOneHasNoColour)
     }
 }
 
-TEST_F(ToolbarPictures, APictureIsDrawnAnewForHigherPixelDensity)
+TEST_F(ToolbarPictures, APictureIsRenderedForHigherPixelDensity)
 {
     EXPECT_EQ(ToolbarPicture(u"save"_s).pixmap(QSize(16, 16), 2.0).size(), QSize(32, 32));
 }

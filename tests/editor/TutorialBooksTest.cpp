@@ -3,7 +3,7 @@
 #include <QDir>
 #include <QRegularExpression>
 
-/// The tutorial books against the window that they teach: whoever follows them has used every command.
+/// Compares the tutorial books with the window: a reader who follows them has used every command.
 namespace vmk {
 namespace {
 
@@ -49,7 +49,7 @@ protected:
         return lines.join(u'\n');
     }
 
-    /// What a caption calls its command, without the keys that stand behind it in brackets.
+    /// The name of a command in a caption, without the keys in brackets after it.
     static QString NameIn(const char* caption)
     {
         return QString(QLatin1StringView(caption)).section(u'(', 0, 0).simplified();
@@ -89,7 +89,7 @@ protected:
             addEntries(menu.entries);
         addEntries(ContextMenu());
         for (const ToolbarButton& button : ToolbarDesign()) {
-            // The button's tip writes the word as it is written.
+            // The tool tip of the button has the same spelling.
             if (ProcedureOf(button.command) && button.command != Command::LoadNewSchema)
                 add(button.toolTip, nullptr);
         }
@@ -111,7 +111,7 @@ TEST_F(TutorialBooks, EveryCommandIsNamedInBothLanguagesWithItsKeys)
     }
 }
 
-TEST_F(TutorialBooks, NoKeyIsNamedThatDoesNothing)
+TEST_F(TutorialBooks, EveryNamedKeyHasACommand)
 {
     // Keys of the display and of the toolkit's menus that no entry names.
     QStringList known{u"Ctrl+Home"_s, u"F10"_s};

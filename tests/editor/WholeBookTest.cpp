@@ -7,11 +7,13 @@
 #include "SaveBook.h"
 #include "SettingsVariables.h"
 
+#include <gmock/gmock.h>
+
 #include <QDir>
 #include <QScrollBar>
 #include <QTreeWidget>
 
-/// The road of a book through the window: open, see, check, save.
+/// A book in the window: open, show, validate, save.
 namespace vmk {
 namespace {
 
@@ -24,13 +26,13 @@ std::string Replaced(std::string text, std::string_view sought, std::string_view
     return text.replace(found, sought.size(), replacement);
 }
 
-class BookRoad : public WindowTest
+class WholeBook : public WindowTest
 {
 };
 
 // ---------------------------------------------------------------- loading
 
-TEST_F(BookRoad, ALoadedBookIsCompleteAndEditable)
+TEST_F(WholeBook, ALoadedBookIsCompleteAndEditable)
 {
     OpenBook();
     EXPECT_EQ(View().designMode(), u"On"_s);
@@ -44,7 +46,7 @@ TEST_F(BookRoad, ALoadedBookIsCompleteAndEditable)
     EXPECT_GE(FindLine(u"<p>First words & more.</p>"_s), 0);
 }
 
-TEST_F(BookRoad, ThePanelShowsTheFilesLengthInGroups)
+TEST_F(WholeBook, ThePanelShowsTheFilesLengthInGroups)
 {
     OpenBook();
     EXPECT_EQ(Panel(3), u"file len:%1"_s.arg(std::size(SmallBook) - 1));
@@ -52,7 +54,7 @@ TEST_F(BookRoad, ThePanelShowsTheFilesLengthInGroups)
     EXPECT_EQ(Panel(3), u"file len:12 345"_s);
 }
 
-TEST_F(BookRoad, TwoLoadsAlternateTheTwoFileNames)
+TEST_F(WholeBook, TwoLoadsAlternateTheTwoFileNames)
 {
     OpenBook();
     EXPECT_EQ(FileNameOf(DisplayFile), u"Fb2SourceHtml.htm"_s);
@@ -62,7 +64,7 @@ TEST_F(BookRoad, TwoLoadsAlternateTheTwoFileNames)
     EXPECT_EQ(FileNameOf(DisplayFile), u"Fb2SourceHtml.htm"_s);
 }
 
-TEST_F(BookRoad, AMissingFileLeavesTheOldPage)
+TEST_F(WholeBook, AMissingFileKeepsTheOldPage)
 {
     OpenBook();
     soundNames.clear();
@@ -73,7 +75,7 @@ TEST_F(BookRoad, AMissingFileLeavesTheOldPage)
     EXPECT_GE(FindLine(u"First words"_s), 0);
 }
 
-TEST_F(BookRoad, AWrongExtensionIsRefused)
+TEST_F(WholeBook, AWrongExtensionIsRejected)
 {
     OpenBook();
     soundNames.clear();
@@ -84,7 +86,7 @@ TEST_F(BookRoad, AWrongExtensionIsRefused)
     EXPECT_EQ(CurrentBook, workplace.Path(u"book.fb2"_s));
 }
 
-TEST_F(BookRoad, ADamagedBinaryPartIsRefusedWithABlankPage)
+TEST_F(WholeBook, ADamagedBinaryPartIsRejectedWithABlankPage)
 {
     OpenBook();
     workplace.Make(u"bad.fb2"_s, "<FictionBook><binary id=\"a\"></FictionBook>");
@@ -96,9 +98,9 @@ TEST_F(BookRoad, ADamagedBinaryPartIsRefusedWithABlankPage)
     EXPECT_TRUE(IsBookEmpty());
 }
 
-TEST_F(BookRoad, TheBlankPageBehindADamagedBinaryPartCannotBeTypedInto)
+TEST_F(WholeBook, TheBlankPageAfterADamagedBinaryPartIsReadOnly)
 {
-    // Two loads before leave a page file under the name that the third one takes.
+    // Two earlier loads leave a page file with the name that the third one uses.
     OpenBook();
     LoadAndWait(MakeBook(SmallBook, u"second.fb2"_s));
     workplace.Make(u"bad.fb2"_s, "<FictionBook><binary id=\"a\"></FictionBook>");
@@ -110,7 +112,7 @@ TEST_F(BookRoad, TheBlankPageBehindADamagedBinaryPartCannotBeTypedInto)
     EXPECT_EQ(Message(), u"cannot load file: parse error"_s);
 }
 
-TEST_F(BookRoad, TheHourglassStandsWhileABookIsReadAndConverted)
+TEST_F(WholeBook, TheHourglassIsShownWhileABookIsReadAndConverted)
 {
     Open();
     const QString path = MakeBook(SmallBook);
@@ -120,7 +122,7 @@ TEST_F(BookRoad, TheHourglassStandsWhileABookIsReadAndConverted)
     EXPECT_EQ(seen, (QList{Pointer::Hourglass, Pointer::Default}));
 }
 
-TEST_F(BookRoad, AFileThatCannotBeReadLeavesTheOldPage)
+TEST_F(WholeBook, AnUnreadableFileKeepsTheOldPage)
 {
     OpenBook();
     const QString old = CurrentBook;
@@ -134,11 +136,11 @@ TEST_F(BookRoad, AFileThatCannotBeReadLeavesTheOldPage)
     EXPECT_GE(FindLine(u"First words"_s), 0);
 }
 
-TEST_F(BookRoad, APageThatCannotBeWrittenShowsNoOtherBookInItsPlace)
+TEST_F(WholeBook, APageThatCannotBeWrittenShowsNoOtherBook)
 {
     OpenBook();
     const QString old = CurrentBook;
-    // A folder with something in it can neither be replaced nor deleted.
+    // A folder that is not empty can neither be replaced nor deleted.
     ASSERT_TRUE(MakeFolder(TempFolder + u"/Fb2SourceHtml1.htm"_s));
     ASSERT_TRUE(WriteFileText(TempFolder + u"/Fb2SourceHtml1.htm/file"_s, "text"));
     const QString path = MakeBook(SmallBook, u"second.fb2"_s);
@@ -151,7 +153,7 @@ TEST_F(BookRoad, APageThatCannotBeWrittenShowsNoOtherBookInItsPlace)
     EXPECT_EQ(ReadFileText(old), SmallBook);
 }
 
-TEST_F(BookRoad, ABookThatIsNotWellFormedIsLoadedWithoutMargins)
+TEST_F(WholeBook, ABookThatIsNotWellFormedIsLoadedWithoutMargins)
 {
     Open();
     LoadAndWait(MakeBook(Replaced(SmallBook, "</strong>", "")));
@@ -161,7 +163,7 @@ TEST_F(BookRoad, ABookThatIsNotWellFormedIsLoadedWithoutMargins)
     EXPECT_EQ(page::item(Document(), line + 1).marginLeft(), 0);
 }
 
-TEST_F(BookRoad, TheOpenDialogStartsWithTheSampleBooks)
+TEST_F(WholeBook, TheOpenDialogStartsWithTheSampleBooks)
 {
     Open();
     dialogAnswer = MakeBook(SmallBook);
@@ -175,7 +177,7 @@ TEST_F(BookRoad, TheOpenDialogStartsWithTheSampleBooks)
     EXPECT_EQ(LastBookFolder, workplace.Folder() + u'/');
 }
 
-TEST_F(BookRoad, ACancelledDialogDoesNothing)
+TEST_F(WholeBook, ACancelledDialogDoesNothing)
 {
     OpenBook();
     const QString before = View().location();
@@ -188,7 +190,7 @@ TEST_F(BookRoad, ACancelledDialogDoesNothing)
     EXPECT_EQ(QDir::currentPath(), folder);
 }
 
-TEST_F(BookRoad, TheLastFileOpensFromTheMenu)
+TEST_F(WholeBook, TheLastFileOpensFromTheMenu)
 {
     Open();
     LastFile = MakeBook(SmallBook);
@@ -197,7 +199,7 @@ TEST_F(BookRoad, TheLastFileOpensFromTheMenu)
     EXPECT_EQ(CurrentBook, LastFile);
 }
 
-TEST_F(BookRoad, ABookDroppedOnTheDisplayLoadsAfterItsTimer)
+TEST_F(WholeBook, ABookDroppedOnTheDisplayLoadsAfterItsTimer)
 {
     OpenBook();
     const QString page = View().location();
@@ -209,7 +211,7 @@ TEST_F(BookRoad, ABookDroppedOnTheDisplayLoadsAfterItsTimer)
     EXPECT_GE(FindLine(u"Other words"_s), 0);
 }
 
-TEST_F(BookRoad, AnotherFileDroppedOnTheDisplayIsRefused)
+TEST_F(WholeBook, AnotherFileDroppedOnTheDisplayIsRejected)
 {
     OpenBook();
     soundNames.clear();
@@ -221,14 +223,14 @@ TEST_F(BookRoad, AnotherFileDroppedOnTheDisplayIsRefused)
     EXPECT_GE(FindLine(u"First words"_s), 0);
 }
 
-TEST_F(BookRoad, ALinkIsRefusedWithTheExtensionMessage)
+TEST_F(WholeBook, ALinkIsRejectedWithTheExtensionMessage)
 {
     OpenBook();
     EXPECT_FALSE(View().Navigate(u"http://example.org/"_s));
     EXPECT_EQ(Message(), u"file loading error: not allowed file extension"_s);
 }
 
-TEST_F(BookRoad, TheReportOfARefusalIsSkippedOnce)
+TEST_F(WholeBook, TheReportOfARejectionIsSkippedOnce)
 {
     OpenBook();
     SkipNavigationCheck = true;
@@ -237,7 +239,7 @@ TEST_F(BookRoad, TheReportOfARefusalIsSkippedOnce)
     EXPECT_FALSE(SkipNavigationCheck);
 }
 
-TEST_F(BookRoad, ABookDroppedOnWindowOrBarsLoads)
+TEST_F(WholeBook, ABookDroppedOnWindowOrBarsLoads)
 {
     Open();
     int number = 0;
@@ -252,7 +254,7 @@ TEST_F(BookRoad, ABookDroppedOnWindowOrBarsLoads)
 
 // ---------------------------------------------------------------- saving
 
-TEST_F(BookRoad, SavingAnUneditedBookTwiceGivesTheSameBytes)
+TEST_F(WholeBook, SavingAnUneditedBookTwiceWritesTheSameBytes)
 {
     OpenBook();
     form->RunCommand(Command::SaveFile);
@@ -262,10 +264,10 @@ TEST_F(BookRoad, SavingAnUneditedBookTwiceGivesTheSameBytes)
     LoadAndWait(CurrentBook);
     form->RunCommand(Command::SaveFile);
     EXPECT_EQ(ReadFileText(CurrentBook), first);
-    EXPECT_NE(first.find("First words &amp; more."), std::string::npos);
+    EXPECT_THAT(first, testing::HasSubstr("First words &amp; more."));
 }
 
-TEST_F(BookRoad, ASaveAsTakesTheNewNameOver)
+TEST_F(WholeBook, SaveAsChangesTheNameOfTheBook)
 {
     OpenBook();
     dialogAnswer = workplace.Path(u"copy.fb2"_s);
@@ -280,7 +282,7 @@ TEST_F(BookRoad, ASaveAsTakesTheNewNameOver)
     EXPECT_EQ(LastSaveFolder, workplace.Folder() + u'/');
 }
 
-TEST_F(BookRoad, ASaveAsReplacesAnotherBookOnlyWhenTheUserAgrees)
+TEST_F(WholeBook, SaveAsReplacesAnotherBookOnlyIfTheUserAgrees)
 {
     OpenBook();
     const QString book = CurrentBook;
@@ -300,7 +302,7 @@ TEST_F(BookRoad, ASaveAsReplacesAnotherBookOnlyWhenTheUserAgrees)
     EXPECT_TRUE(boxTexts.isEmpty()) << "the open book itself is saved without a question";
 }
 
-TEST_F(BookRoad, AnEmptyBookIsNotSavedReadOrValidated)
+TEST_F(WholeBook, AnEmptyBookIsNotSavedReadOrValidated)
 {
     Open();
     for (const Command command : {Command::SaveFile, Command::SaveFileAs, Command::SaveAndReload})
@@ -313,7 +315,7 @@ TEST_F(BookRoad, AnEmptyBookIsNotSavedReadOrValidated)
                            u"empty book - nothing to validate"_s}));
 }
 
-TEST_F(BookRoad, ADamagedTreeIsSavedAllTheSame)
+TEST_F(WholeBook, ADamagedTreeIsSavedNevertheless)
 {
     OpenBook();
     PutCaret(PlaceOf(u"Third"_s));
@@ -321,10 +323,10 @@ TEST_F(BookRoad, ADamagedTreeIsSavedAllTheSame)
     form->RunCommand(Command::SaveFile);
     EXPECT_EQ(Message(), u"Namespace error: tree on save skipped. File saved as: "_s + CurrentBook);
     EXPECT_EQ(soundNames.last(), u"NameSpaceErrorOnSave.wav"_s);
-    EXPECT_NE(ReadFileText(CurrentBook).find("<b>Third line."), std::string::npos);
+    EXPECT_THAT(ReadFileText(CurrentBook), testing::HasSubstr("<b>Third line."));
 }
 
-TEST_F(BookRoad, AFailedSaveIsToldAndTheBookStaysAsEdited)
+TEST_F(WholeBook, AFailedSaveIsReportedAndKeepsTheEdits)
 {
     OpenBook();
     PutCaret(PlaceOf(u"Third"_s));
@@ -336,7 +338,7 @@ TEST_F(BookRoad, AFailedSaveIsToldAndTheBookStaysAsEdited)
     EXPECT_GE(FindLine(u"xThird"_s), 0);
 }
 
-TEST_F(BookRoad, SaveAndReloadBringsTheTreeInLine)
+TEST_F(WholeBook, SaveAndReloadRestoresTheIndentation)
 {
     OpenBook();
     PutCaret(PlaceOf(u"<p>Third"_s));
@@ -348,7 +350,7 @@ TEST_F(BookRoad, SaveAndReloadBringsTheTreeInLine)
     EXPECT_EQ(LineText(FindLine(u"Third"_s) - 2), u"</section>"_s);
 }
 
-TEST_F(BookRoad, ACopyGoesToTheSystemsReader)
+TEST_F(WholeBook, ACopyIsOpenedWithTheDefaultReader)
 {
     OpenBook();
     form->RunCommand(Command::ReadInHaaliReader);
@@ -360,7 +362,7 @@ TEST_F(BookRoad, ACopyGoesToTheSystemsReader)
 
 // ---------------------------------------------------------------- validation
 
-TEST_F(BookRoad, AValidBookLeavesTheSelectionAlone)
+TEST_F(WholeBook, AValidBookKeepsTheSelection)
 {
     OpenBook();
     PutCaret(PlaceOf(u"Third"_s));
@@ -376,7 +378,7 @@ TEST_F(BookRoad, AValidBookLeavesTheSelectionAlone)
     EXPECT_EQ(Message(), u"No errors (against namespace)"_s);
 }
 
-TEST_F(BookRoad, TheCaretLandsInFrontOfATagThatTheSchemaRefuses)
+TEST_F(WholeBook, TheCaretMovesBeforeATagThatTheSchemaRejects)
 {
     OpenBook();
     PutCaret(PlaceOf(u"Third"_s));
@@ -391,7 +393,7 @@ TEST_F(BookRoad, TheCaretLandsInFrontOfATagThatTheSchemaRefuses)
     EXPECT_TRUE(Panel(2).startsWith(u"sh:"_s)) << Panel(2).toStdString();
 }
 
-TEST_F(BookRoad, TheCaretLandsRightBehindAmpersandsToo)
+TEST_F(WholeBook, TheCaretIsRightAfterAmpersandsToo)
 {
     OpenBook(Replaced(SmallBook, "Second", "a &amp; b &amp;&amp; &amp;lt; c"));
     PutCaret(PlaceOf(u"Third"_s));
@@ -400,7 +402,7 @@ TEST_F(BookRoad, TheCaretLandsRightBehindAmpersandsToo)
     EXPECT_EQ(Document().selection().focus, PlaceOf(u"<q/>"_s));
 }
 
-TEST_F(BookRoad, AnErrorOnTheFirstLineIsFound)
+TEST_F(WholeBook, AnErrorOnTheFirstLineIsFound)
 {
     OpenBook();
     PutCaret({0, int(LineText(0).size())});
@@ -410,7 +412,7 @@ TEST_F(BookRoad, AnErrorOnTheFirstLineIsFound)
     EXPECT_LE(Document().selection().focus.line, 1);
 }
 
-TEST_F(BookRoad, AgainstTheNamespaceOnlyWellFormednessCounts)
+TEST_F(WholeBook, AgainstTheNamespaceOnlyWellFormednessMatters)
 {
     OpenBook();
     form->ValidateOptL->setCurrentText(u"namespace!"_s);
@@ -423,7 +425,7 @@ TEST_F(BookRoad, AgainstTheNamespaceOnlyWellFormednessCounts)
     EXPECT_TRUE(Message().startsWith(u"Error against namespace. "_s));
 }
 
-TEST_F(BookRoad, AMissingSchemaLeavesWellFormednessToTest)
+TEST_F(WholeBook, WithAMissingSchemaOnlyWellFormednessIsChecked)
 {
     OpenBook();
     SchemaFile = workplace.Path(u"gone.xsd"_s);
@@ -431,7 +433,7 @@ TEST_F(BookRoad, AMissingSchemaLeavesWellFormednessToTest)
     EXPECT_EQ(Message(), u"No errors (against schema)"_s);
 }
 
-TEST_F(BookRoad, AWrongGenreIsSelectedAndTheListOfGenresOpens)
+TEST_F(WholeBook, AWrongGenreIsSelectedAndTheListOfGenresOpens)
 {
     OpenBook(Replaced(SmallBook, "prose_classic", "no_such &amp; genre"));
     form->RunCommand(Command::Validate);
@@ -443,13 +445,13 @@ TEST_F(BookRoad, AWrongGenreIsSelectedAndTheListOfGenresOpens)
     EXPECT_EQ(Panel(2), QString());
 }
 
-TEST_F(BookRoad, AWrongGenreIsSelectedWithoutTheListWhenItsFileIsMissing)
+TEST_F(WholeBook, AWrongGenreIsSelectedWithoutTheListWhenItsFileIsMissing)
 {
     OpenBook(Replaced(SmallBook, "prose_classic", "nothing"));
     workplace.MakeFolders(u"elsewhere"_s);
     for (const QString& name : QDir(SchemasFolder).entryList({u"*.xsd"_s}))
         FileOperation(CopyFileMode, SchemasFolder + u'/' + name, workplace.Path(u"elsewhere/"_s + name));
-    // The list under another name: the schema works, and there is nothing to show.
+    // The list has another name: the schema works, and there is no list to show.
     const QString genres = workplace.Path(u"elsewhere/FictionBookGenres.xsd"_s);
     FileOperation(MoveFileMode, genres, workplace.Path(u"elsewhere/G.xsd"_s));
     const QString main = workplace.Path(u"elsewhere/FictionBook.xsd"_s);
@@ -460,7 +462,7 @@ TEST_F(BookRoad, AWrongGenreIsSelectedWithoutTheListWhenItsFileIsMissing)
     EXPECT_TRUE(!SchemaViewerF::Existing() || !SchemaViewerF::Existing()->isVisible());
 }
 
-TEST_F(BookRoad, AFailedCommandLineRunValidatesOnceTheDisplayIsComplete)
+TEST_F(WholeBook, AFailedCommandLineRunValidatesOnceTheDisplayIsComplete)
 {
     ValidateAfterLoad = true;
     form->Load();
@@ -473,7 +475,7 @@ TEST_F(BookRoad, AFailedCommandLineRunValidatesOnceTheDisplayIsComplete)
 
 // ---------------------------------------------------------------- schemas
 
-TEST_F(BookRoad, TheSchemaListShowsFilesWithTheirState)
+TEST_F(WholeBook, TheSchemaListShowsFilesWithTheirState)
 {
     Open();
     form->Entry("uShowSchema")->trigger();
@@ -493,7 +495,7 @@ TEST_F(BookRoad, TheSchemaListShowsFilesWithTheirState)
     EXPECT_FALSE(list->horizontalScrollBar()->isVisible());
 }
 
-TEST_F(BookRoad, AClickOnASchemaShowsItAndClosingTheListClosesBoth)
+TEST_F(WholeBook, AClickOnASchemaShowsItAndClosingTheListClosesBoth)
 {
     Open();
     form->ShowSchemas();

@@ -18,7 +18,7 @@ QPointF Place(int position, qreal dx = 0, qreal dy = 0)
     return PlaceBeside(Form, Reference, Screen, position, dx, dy).value();
 }
 
-TEST(PlaceFormBeside, KnowsTwentyOnePositions)
+TEST(PlaceFormBeside, HasTwentyOnePositions)
 {
     const QPointF expected[] = {
         {500, 200}, {500, 300}, {300, 300}, {500, 260}, {300, 260}, // beside and below
@@ -55,7 +55,7 @@ TEST(PlaceFormBeside, MovesNothingForANumberAboveTwenty)
     EXPECT_EQ(form.pos(), before);
 }
 
-TEST(PlaceFormBeside, TakesOffsetsInTwips)
+TEST(PlaceFormBeside, OffsetsAreInTwips)
 {
     TwipsPerPixelX = TwipsPerPixelY = 15;
     QWidget form;

@@ -37,7 +37,7 @@
 
 namespace vmk {
 
-/// A book that the schema finds no fault with.
+/// A book that is valid against the schema.
 inline constexpr char SmallBook[]
     = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n"
       "<FictionBook xmlns=\"http://www.gribuser.ru/xml/fictionbook/2.0\""
@@ -49,7 +49,7 @@ inline constexpr char SmallBook[]
       "<body><section><p>First words &amp; more.</p><p>Second <strong>line</strong> here.</p>"
       "<p>Third line.</p></section></body></FictionBook>";
 
-/// The main window over a workspace of its own, with every way out of the program watched: boxes, dialogs,
+/// The main window with a separate workspace; every output of the program is recorded: boxes, dialogs,
 /// sounds, the beep, opened files, the end of the process.
 class WindowTest : public testing::Test
 {
@@ -94,19 +94,19 @@ protected:
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 
-    /// Lets the program go on until `condition` holds; false when it does not within a few seconds.
+    /// Processes events until `condition` is true; false if that takes longer than a few seconds.
     static bool WaitFor(const std::function<bool()>& condition) { return QTest::qWaitFor(condition, 10'000); }
 
     void Open()
     {
         form->Load();
         ASSERT_TRUE(WaitFor([this] { return View().location() == EmptyPageFile; }));
-        // Room for all of a small book, and nothing wrapped.
+        // Enough space for a small book without wrapped lines.
         if (roomy)
             form->PlaceForm(0, 0, 18'000, 13'500);
     }
 
-    /// Writes a book into the workspace; gives its path.
+    /// Writes a book into the workspace and returns its path.
     QString MakeBook(std::string_view text, const QString& name = QStringLiteral("book.fb2")) const
     {
         workplace.Make(name, text);
@@ -122,7 +122,7 @@ protected:
     QString Message() const { return form->StatusMsg->panelText(1); }
     QString Panel(int panel) const { return form->Status->panelText(panel); }
     QString LineText(int line) { return Document().line(line).text; }
-    /// The first line that holds `text`, -1 for none.
+    /// The first line that contains `text`, -1 for none.
     int FindLine(const QString& text)
     {
         for (int i = 0; i < Document().lineCount(); ++i) {
@@ -131,7 +131,7 @@ protected:
         }
         return -1;
     }
-    /// Puts the caret in front of the first occurrence of `text`.
+    /// Puts the caret before the first occurrence of `text`.
     Position PlaceOf(const QString& text)
     {
         const int line = FindLine(text);
@@ -167,7 +167,7 @@ protected:
     void DoubleClick(Position at)
     {
         QTest::mouseClick(View().viewport(), Qt::LeftButton, Qt::NoModifier, PointOf(at));
-        // The toolkit's second press; its release is what the display waits for.
+        // Qt sends the second press; the display waits for its release.
         QTest::mouseDClick(View().viewport(), Qt::LeftButton, Qt::NoModifier, PointOf(at));
         QTest::mouseRelease(View().viewport(), Qt::LeftButton, Qt::NoModifier, PointOf(at));
     }
@@ -175,7 +175,7 @@ protected:
     bool roomy = true;
     const Workplace workplace;
     QStringList boxTexts;
-    /// What a box that asks is answered.
+    /// The answer to a question box.
     bool boxAnswer = false;
     std::vector<FileDialogRequest> requests;
     QString dialogAnswer;

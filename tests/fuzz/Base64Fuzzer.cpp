@@ -1,4 +1,4 @@
-// Any text: the decoder agrees with the plain one, and what is encoded comes back.
+// Any text: the decoder agrees with the plain one, and encoded text decodes to the original.
 
 #include "Base64.h"
 #include "PlainBase64.h"

@@ -1,5 +1,5 @@
-// Any bytes may be opened as a book. The page must be made, be UTF-8 where the book allows it, and give back
-// a file; and what was saved as a tree must be well-formed.
+// Any bytes may be opened as a book. A page must be created, in UTF-8 if the book allows it, and saved as a
+// file; a file that was saved as a tree must be well-formed.
 
 #include "BookDocument.h"
 #include "BookToDisplay.h"
@@ -29,7 +29,7 @@ void Check(const std::string& book, const QString& style, const QString& encodin
         return;
     const vmk::SaveLayout layout = vmk::SaveLayoutOfSettings();
     const vmk::BookFile file = vmk::DocumentToBook(document);
-    // Pictures are put back as they were, whatever they hold.
+    // Pictures are restored unchanged, whatever they contain.
     const bool tree
         = layout.style == vmk::LayoutStyle::TagsTree && !file.treeSkipped && layout.binaryPart.empty();
     if (tree && vmk::HasParseError(file.bytes, vmk::XmlEncoding::byDeclaration()))
@@ -52,7 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
     }();
     if (!ready || size < 2)
         return 0;
-    // The first two bytes choose how the book is saved and read.
+    // The first two bytes select how the book is saved and read.
     const std::string book(reinterpret_cast<const char*>(data) + 2, size - 2);
     vmk::TagHighlighting = data[1] & 1;
     keepsText = (data[1] & 4) != 0;

@@ -1,5 +1,5 @@
-// Any bytes as HTML: as a page, and pasted at some place of a page. Nothing crashes or hangs, lines are well
-// formed, what was written reads back the same, also behind an edit, and undo gives the page back.
+// Any bytes as HTML: as a page, and pasted into a page. Nothing crashes or hangs, lines are well formed,
+// written HTML reads back unchanged, also after an edit, and undo restores the page.
 
 #include "HtmlCheck.h"
 
@@ -13,13 +13,13 @@ void Check(const std::string& fault)
 {
     if (fault.empty())
         return;
-    // The fault quotes the page, which may hold any character.
+    // The message quotes the page, which may contain any character.
     std::fwrite(fault.data(), 1, fault.size(), stderr);
     std::fputc('\n', stderr);
     std::abort();
 }
 
-/// Pastes the HTML over a range that its own first bytes choose, and takes that back.
+/// Pastes the HTML over a range that its first bytes select, and undoes that.
 void CheckPasting(const QByteArray& bytes)
 {
     vmk::DisplayDocument document;
@@ -34,7 +34,7 @@ void CheckPasting(const QByteArray& bytes)
     range.pasteHTML(QString::fromUtf8(bytes));
     Check(vmk::reference::documentFault(document));
     while (document.undo()) { }
-    Check(document.savePage() == before ? std::string() : "undo gave another page");
+    Check(document.savePage() == before ? std::string() : "undo restored another page");
 }
 
 } // namespace

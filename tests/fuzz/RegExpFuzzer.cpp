@@ -1,5 +1,5 @@
-// Any pattern on any text: the call ends soon, and its matches stand in the text one behind the other.
-// The input is the options in one byte, then pattern and text parted by a line feed.
+// Any pattern on any text: the call ends soon, and its matches are in the text, one after the other.
+// The input is one byte of options, then pattern and text separated by a line feed.
 
 #include "RegExp.h"
 
@@ -17,11 +17,11 @@ void Check(bool holds)
 
 void CheckMatches(const std::vector<vmk::RegExpMatch>& matches, const QString& text)
 {
-    qsizetype behind = 0;
+    qsizetype previousEnd = 0;
     for (const vmk::RegExpMatch& match : matches) {
-        Check(match.FirstIndex >= behind && match.FirstIndex + match.Length <= text.size());
+        Check(match.FirstIndex >= previousEnd && match.FirstIndex + match.Length <= text.size());
         Check(match.Value == text.mid(match.FirstIndex, match.Length));
-        behind = match.FirstIndex + match.Length;
+        previousEnd = match.FirstIndex + match.Length;
     }
 }
 
@@ -50,7 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
     if (!matches)
         return 0;
     CheckMatches(*matches, subject);
-    // A pattern that nearly ran away may do so the second time.
+    // A pattern close to the time limit may exceed it the second time.
     if (const auto same = expression.Replace(subject, u"$&"))
         Check(*same == subject);
     if (const auto count = expression.Count(subject))

@@ -1,4 +1,4 @@
-// Any bytes may stand in the settings file. What is read from it must come back the same when it is written
+// The settings file may contain any bytes. Settings that were read must be unchanged after they are written
 // and read again.
 
 #include "SettingsRecord.h"

@@ -1,5 +1,5 @@
-// Any bytes as a book's text: encodings are told and converted, tags picked out; fast ways agree with plain
-// ones.
+// Any bytes as the text of a book: encodings are detected and converted, tags extracted; fast code agrees
+// with plain code.
 
 #include "CodePages.h"
 #include "Encodings.h"

@@ -1,5 +1,5 @@
-// Any bytes as an XML text: no crash, no leak; every error at a place inside the text; events that nest; and
-// the same outcome with and without someone listening.
+// Any bytes as an XML text: no crash, no leak; every error position is inside the text; events are nested;
+// the result is the same with and without a listener.
 
 #include "XmlSaxReader.h"
 #include "XmlSchemaCache.h"
@@ -73,7 +73,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     if (size == 0)
         return 0;
-    // The first byte chooses the encoding, so that each is met with every text.
+    // The first byte selects the encoding, so that each is used with every text.
     const std::string_view text(reinterpret_cast<const char*>(data) + 1, size - 1);
     const XmlEncoding encoding = data[0] % 4 == 0 ? XmlEncoding::utf8()
         : data[0] % 4 == 1                        ? XmlEncoding::codePage(1251)

@@ -1,4 +1,4 @@
-# Builds a small tree with faults in FOLDER and looks for each of them in what CHECK says.
+# Creates a small tree with faults in FOLDER and searches the output of CHECK for each of them.
 file(REMOVE_RECURSE "${FOLDER}")
 file(WRITE "${FOLDER}/src/low/CMakeLists.txt" "vmk_layer_folder(vmk_platform\n    Low.cpp Low.h)\n")
 file(WRITE "${FOLDER}/src/low/Low.h" "")

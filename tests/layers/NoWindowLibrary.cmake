@@ -1,4 +1,4 @@
-# PROGRAM loads neither Qt's Gui nor its Widgets library; OTHER does, which shows that the look is sharp enough.
+# PROGRAM links neither the Gui nor the Widgets library of Qt; OTHER does, which proves that the check works.
 foreach(program ${PROGRAM} ${OTHER})
     execute_process(COMMAND ldd ${program} OUTPUT_VARIABLE libraries COMMAND_ERROR_IS_FATAL ANY)
     string(REGEX MATCHALL "libQt6(Gui|Widgets)[^ ]*" found "${libraries}")

@@ -1,4 +1,4 @@
-# Compiles a probe for each header with a layer's include path: OWN must be found, WRONG must not.
+# Compiles a probe for each header with the include path of a layer: OWN must be found, WRONG must not.
 
 # preprocess(TEXT ERRORS): what the compiler has to say about a file of LAYER with this text.
 function(preprocess text errors)

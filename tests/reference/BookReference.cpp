@@ -113,7 +113,7 @@ bool IsWhite(std::string_view text)
     return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
 }
 
-// Tabs and line ends alone are layout.
+// Only tabs and line ends are layout.
 bool HasBlank(std::string_view white)
 {
     return white.find(' ') != std::string_view::npos;
@@ -373,8 +373,8 @@ std::string ShiftNodes(std::string text, size_t levels, int nodeShift)
 std::string TreeBranch(std::string text, const PageRequest& request)
 {
     text = PrepareTreeLines(text, "\r", request.inLineTags);
-    // A reference that the code page has a byte for is that byte, and then its character in UTF-8; any other
-    // stays a reference until there is a place for its character. Either way it ends as the character.
+    // A reference to a character of the code page becomes its byte, and then its character in UTF-8; any
+    // other stays a reference until the text can contain its character. Both end as the character.
     text = ParserPass(text, request.codePage, request.inLineTags, Form::Display);
     size_t levels = 0;
     for (std::string tabs = "\t"; text.find(tabs) != std::string::npos; tabs += '\t')
@@ -402,8 +402,8 @@ std::string PlainBranch(std::string text, const PageRequest& request)
     return ReplaceAll(text, "\r", "</DIV>\r<DIV>");
 }
 
-// Without what stands before the declaration; one behind another tag is none, or a comment that quotes one
-// would take the book away.
+// Removes the text before the declaration. A declaration after another tag does not count; otherwise a
+// comment that contains one would remove the book.
 std::string FromDeclarationOn(const std::string& text)
 {
     const size_t at = text.find("<?xml version");
@@ -637,7 +637,7 @@ std::string FinishFile(std::string text, const SaveRequest& request, bool treeSk
     const bool tree = request.style == "tags tree" && !treeSkipped;
     const std::string binaries = (tree ? std::string() : end) + request.binaryPart + end;
     if (!request.binaryPart.empty() && text.find("</FictionBook>") == std::string::npos)
-        text += end + binaries; // nothing of a damaged book is lost
+        text += end + binaries; // no part of a damaged book is lost
     else if (!request.binaryPart.empty())
         text = ReplaceAll(text, "</FictionBook>", binaries + "</FictionBook>");
     text = ReplaceAll(text, " " + end, end);

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-/// The plain oracles of the book's conversions: every step on its own, one whole-string replace after the
-/// other, in the order in which the steps are told. Written for reading, not for speed.
+/// The plain oracles of the conversions: every step separately, one replacement in the complete string after
+/// the other, in the defined order. Written for readability, not for speed.
 namespace vmk::reference {
 
 struct DisplayValues
@@ -22,11 +22,11 @@ struct PageRequest
 {
     DisplayValues values;
     std::vector<std::string> inLineTags;
-    /// Written in place of the parser's declaration.
+    /// Written instead of the declaration of the parser.
     std::string xmlDeclaration;
     /// The text's code page while its references are not resolved; 65001 for UTF-8.
     int codePage = 65001;
-    /// The text takes the branch with a tree.
+    /// The text is converted with a tree.
     bool wellFormed = true;
     /// Writes the ampersands of a text that is not well-formed.
     std::function<std::string(const std::string&)> ampersands = [](const std::string& text) { return text; };
@@ -44,7 +44,7 @@ std::string ReplaceAll(std::string text, std::string_view sought, std::string_vi
 std::string CollapseRepeats(std::string text, std::string_view unit);
 std::string TrimBlanks(std::string_view text);
 /// Replaces every match of `start`, `[^>]*` and ">" by `before`, what `[^>]*` and `kept` matched, and
-/// `after`. `kept` is the end of `start` that stays.
+/// `after`. `kept` is the end of `start` that is kept.
 std::string ReplaceUpToAngle(const std::string& text, std::string_view start, std::string_view before,
                              std::string_view kept, std::string_view after, bool ignoreCase);
 
@@ -60,7 +60,7 @@ std::string ParserPass(const std::string& text, int codePage, const std::vector<
                        Form form);
 bool HasParseError(const std::string& text, int codePage);
 
-/// From the text with its description brought up to date (`&lt;` and `&gt;` protected) to the whole page.
+/// From the text with its updated description (`&lt;` and `&gt;` protected) to the complete page.
 std::string Page(std::string text, const PageRequest& request);
 /// Steps 1 to 10 of the conversion back, for validation (U+00A0 for the marker).
 std::string ExtractText(std::string page);
@@ -68,16 +68,16 @@ std::string ExtractText(std::string page);
 struct SaveRequest
 {
     std::string style;
-    /// Written at the head of the file.
+    /// Written at the start of the file.
     std::string declaration;
     std::vector<std::string> inLineTags;
     std::string binaryPart;
     /// The non-breaking space in the encoding of the file.
     std::string nbsp;
 };
-/// The file's text in UTF-8 before the encoding; sets `treeSkipped` when the parser refused it.
+/// The text of the file in UTF-8 before the encoding; sets `treeSkipped` if the parser rejected it.
 std::string SaveText(std::string page, const SaveRequest& request, bool& treeSkipped);
-/// The binary part and the tidy line ends, on the encoded text.
+/// Adds the binary part and normalises line ends, in the encoded text.
 std::string FinishFile(std::string text, const SaveRequest& request, bool treeSkipped);
 
 std::string UpdateDescription(std::string text, std::string_view nbsp);

@@ -38,7 +38,7 @@ bool HasMargin(const std::string& text)
     return std::regex_search(text, std::regex("MARGIN-LEFT:", IgnoringCase));
 }
 
-// The trimmed text behind "MARGIN-LEFT:" up to `px"`; empty if it is not a number.
+// The trimmed text after "MARGIN-LEFT:" up to `px"`; empty if it is not a number.
 std::string MarginText(const std::string& tag)
 {
     std::smatch match;
@@ -115,7 +115,7 @@ std::string StripPainting(std::string html)
     return ReplaceAll(html, "</B>", "");
 }
 
-/// No bracket has closed the last comment of a text.
+/// True if no bracket closes the last comment of a text.
 static bool IsOpen(const std::string& text)
 {
     const std::size_t comment = text.rfind('\x03');
@@ -124,11 +124,11 @@ static bool IsOpen(const std::string& text)
 }
 
 /// Paints text between real tags.
-/// @param open whether a comment is open in front of it; then, behind it.
+/// @param open whether a comment is open before the text; set to whether one is open after it.
 static std::string PaintText(std::string text, const PaintRequest& request, bool& open)
 {
     text = ReplaceAll(text, "&lt;!--", "\x03!--");
-    // A comment from before is put in front for the while.
+    // An open comment is temporarily inserted before the text.
     if (open)
         text.insert(0, 1, '\x03');
     for (std::size_t at = text.find("--&lt;"); at != std::string::npos; at = text.find("--&lt;", at + 1)) {
@@ -154,7 +154,7 @@ static std::string PaintText(std::string text, const PaintRequest& request, bool
 
 std::string PaintLines(std::string html, const PaintRequest& request)
 {
-    // Blocks, and tags with quoted values, are no text: what stands between them is painted by itself.
+    // Blocks, and tags with quoted values, are not text: the text between them is painted separately.
     static const std::regex solid("</?DIV[^>]*>|<[^>]*[\"&][^>]*>");
     std::string painted;
     bool open = false;

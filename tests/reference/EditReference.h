@@ -3,18 +3,18 @@
 #include <optional>
 #include <string>
 
-/// The plain oracles of shifting and repainting: the lines' HTML in, the lines' HTML out, one whole-string
-/// replace after the other. Written for reading, not for speed.
+/// The plain oracles of shifting and repainting: HTML of the lines in, HTML of the lines out, one replacement
+/// in the complete string after the other. Written for readability, not for speed.
 namespace vmk::reference {
 
 /// All lines one step to the right.
 std::string ShiftRight(std::string html, int nodeShift);
 
-/// All lines that can go one step to the left; nothing when the command leaves the document alone.
-/// @param oneLine the selection lies in a single line.
+/// All lines that can move one step to the left; nothing if the command does not change the document.
+/// @param oneLine whether the selection is in a single line.
 std::optional<std::string> ShiftLeft(std::string html, int nodeShift, bool oneLine);
 
-/// Takes all painting out.
+/// Removes all painting.
 std::string StripPainting(std::string html);
 
 struct PaintRequest

@@ -8,7 +8,7 @@
 
 #include <string>
 
-/// What must hold for any HTML, shared by the property tests and the fuzzer.
+/// Properties of any HTML, shared by the property tests and the fuzzer.
 namespace vmk::reference {
 
 /// Empty when a line is well formed: marks ascending, within the text, nested and closed; no line ends.
@@ -35,7 +35,7 @@ inline std::string lineFault(const Line& line)
     return {};
 }
 
-/// A line with its tags as they are written, so that lines of two documents can be compared.
+/// A line with its tags as written, so that lines of two documents can be compared.
 inline QString lineInWords(const TagTable& tags, const Line& line)
 {
     QString words = tags[line.block].startTag() + u'|' + line.text;
@@ -117,8 +117,8 @@ inline std::string pageFault(const QByteArray& html)
     return {};
 }
 
-/// Empty when each element of a page, put in its own place as HTML, leaves the page as it was.
-/// @param mostElements so many are tried, from the page's beginning on.
+/// Empty when replacing each element of a page by its own HTML does not change the page.
+/// @param mostElements number of elements to try, from the start of the page.
 inline std::string elementFault(const QByteArray& html, int mostElements)
 {
     DisplayDocument document;

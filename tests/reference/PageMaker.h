@@ -4,10 +4,10 @@
 
 #include <cstdint>
 
-/// Pages in the display's format, made up: for tests and benchmarks that need many lines or many bytes.
+/// Generated pages in the format of the display, for tests and benchmarks that need many lines or bytes.
 namespace vmk::reference {
 
-/// A small random number generator, the same everywhere.
+/// A small random number generator with the same numbers on every system.
 class Dice
 {
 public:
@@ -29,8 +29,8 @@ private:
     std::uint64_t state;
 };
 
-/// A book's page of about `bytes` bytes: declaration, sections with titles, paragraphs of running text with
-/// emphasis here and there, links with painted attributes, margins by depth. Latin and Cyrillic words.
+/// The page of a book of about `bytes` bytes: declaration, sections with titles, paragraphs of text with
+/// some emphasis, links with painted attributes, margins by depth. Latin and Cyrillic words.
 inline QByteArray makeBookPage(qsizetype bytes, std::uint64_t seed = 1)
 {
     constexpr const char* Words[] = {"and",

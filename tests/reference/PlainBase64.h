@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-/// Base64 one character at a time, into a result allocated beforehand and cut from its end.
+/// Base64 one character at a time, into a preallocated result that is truncated at the end.
 namespace vmk::reference {
 
 inline constexpr char Base64Alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";

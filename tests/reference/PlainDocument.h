@@ -6,11 +6,11 @@
 #include <algorithm>
 #include <vector>
 
-/// The display document told plainly: one flat list of tokens, copied whole for each undo step. Slow, and
-/// obvious; the real one must agree with it after every operation.
+/// A plain display document: one flat list of tokens, copied completely for each undo step. Slow and
+/// simple; the real one must agree with it after every operation.
 namespace vmk::reference {
 
-/// A character, the start of a line with its block's start tag (the line break in front of it, but for the
+/// A character, the start of a line with the start tag of its block (the line break before it, except for the
 /// first line), or an in-line start or end tag.
 struct Token
 {
@@ -44,12 +44,12 @@ struct Span
     int to = 0;
 };
 
-/// Places are numbers of characters and line breaks in front of them.
+/// Positions are numbers of preceding characters and line breaks.
 class PlainDocument
 {
 public:
     Tokens tokens{tagToken(Token::LineStart, {})};
-    std::vector<Span> ranges; ///< Live ranges, carried along.
+    std::vector<Span> ranges; ///< Live ranges, updated by every edit.
     int anchor = 0;
     int focus = 0;
 
@@ -81,7 +81,7 @@ public:
                 result += escaped(token.character);
                 break;
             case Token::LineStart:
-                // A line end would count as white space beside text that is in no block.
+                // Beside text outside blocks a line end would count as white space.
                 if (!result.isEmpty() && !block.isEmpty() && !token.tag.isEmpty())
                     result += endTag(block) + QStringLiteral("\r\n") + startTag(token.tag);
                 else
@@ -99,8 +99,8 @@ public:
         return result + endTag(block);
     }
 
-    /// Replaces text by lines of tokens (each without its `LineStart`, the blocks apart), as the document's
-    /// rules say. @return the place behind the content.
+    /// Replaces text by lines of tokens (each without its `LineStart`, with separate blocks) by the rules of
+    /// the document. @return the position after the content.
     int replace(int from, int to, const std::vector<Tokens>& content, const std::vector<QString>& blocks,
                 bool removeEmptied)
     {
@@ -110,7 +110,7 @@ public:
     }
 
     /// Pastes lines of which the first and last may be text outside any block (block ""). In one line blocks
-    /// stand alone; over several lines the ends join what is left of the first and the last.
+    /// are separate; with several lines the ends are joined to the rest of the first and the last.
     int paste(int from, int to, std::vector<Tokens> content, std::vector<QString> blocks);
 
     int replaceText(int from, int to, const QString& text)
@@ -125,9 +125,9 @@ public:
         return replace(from, to, content, std::vector<QString>(content.size()), false);
     }
 
-    /// Takes text out; several whole lines go with their line breaks.
+    /// Removes text; several complete lines are removed with their line breaks.
     int erase(int from, int to);
-    /// Replaces whole lines.
+    /// Replaces complete lines.
     void replaceLines(int first, int count, const Tokens& lines);
     void wrap(int from, int to, const QString& tag);
 
@@ -136,7 +136,7 @@ public:
         return int(std::count_if(tokens.begin(), tokens.end(),
                                  [](const Token& token) { return token.kind == Token::LineStart; }));
     }
-    /// The index of the token that begins a line; of the end behind the last.
+    /// The index of the token that begins a line; the end for the line after the last.
     [[nodiscard]] std::size_t lineToken(int line) const
     {
         std::size_t i = 0;
@@ -158,7 +158,7 @@ public:
     };
     std::vector<Edit> edits; ///< All edits since the list was last emptied.
 
-    /// Moves all places by an edit.
+    /// Moves all positions by an edit.
     void movePlaces(int from, int oldEnd, int newEnd, bool inFront = false)
     {
         edits.push_back({from, oldEnd, newEnd, inFront});
@@ -170,7 +170,7 @@ public:
         focus = moved(focus, from, oldEnd, newEnd, inFront);
     }
 
-    /// Where nothing follows, a place may have been left behind the end.
+    /// At the end of the text, moves positions that are after the end.
     void fitPlaces()
     {
         const auto fit = [end = length()](int place) { return std::min(place, end); };
@@ -209,13 +209,13 @@ private:
         return tag.isEmpty() ? QString() : QStringLiteral("</") + tag.section(u' ', 0, 0) + u'>';
     }
 
-    /// How many counted tokens stand in front of one, less the first line's start.
+    /// The number of counted tokens before one, without the start of the first line.
     [[nodiscard]] int placeOf(std::size_t index) const
     {
         return int(std::count_if(tokens.begin(), tokens.begin() + std::ptrdiff_t(index), counts)) - 1;
     }
-    /// Behind the counted token that ends at a place, and in front of all tags there.
-    [[nodiscard]] std::size_t tokenBehind(int place) const
+    /// After the counted token that ends at a position, and before all tags there.
+    [[nodiscard]] std::size_t tokenAfter(int place) const
     {
         std::size_t i = 0;
         for (int seen = -1;; ++i) {
@@ -223,10 +223,10 @@ private:
                 return i + 1;
         }
     }
-    /// Where typed text goes.
+    /// The index at which typed text is inserted.
     [[nodiscard]] std::size_t insertionToken(int place) const
     {
-        const std::size_t begin = tokenBehind(place);
+        const std::size_t begin = tokenAfter(place);
         std::size_t end = begin;
         while (end < tokens.size() && !counts(tokens[end]))
             ++end;
@@ -253,6 +253,37 @@ private:
         return std::any_of(tokens.begin() + std::ptrdiff_t(from), tokens.begin() + std::ptrdiff_t(to),
                            counts);
     }
+    /// The part of the tokens that an edit replaces, and the in-line elements around it.
+    struct Cut
+    {
+        std::size_t begin = 0; ///< index of the first removed token
+        std::size_t end = 0; ///< index after the last removed token
+        std::vector<std::size_t> openBefore; ///< start tags of the elements that are open at `begin`
+        std::vector<std::size_t> openAfter; ///< the same at `end`
+        std::size_t shared = 0; ///< number of elements that are open at both
+        std::size_t ending = 0; ///< number of end tags from `end` on
+    };
+    /// @param removeEmptied whether elements without remaining text are not shared.
+    [[nodiscard]] Cut cutAt(int from, int to, bool removeEmptied) const;
+    /// The block of the first line after the edit.
+    [[nodiscard]] QString firstBlockOf(int from, int to, const Cut& cut, bool deletes) const;
+    /// Closes the elements before the cut, except the outer `around`; those without text are added to
+    /// `dropped`.
+    void closeBefore(const Cut& cut, std::size_t around, Tokens& result,
+                     std::vector<std::size_t>& dropped) const;
+    /// The start of the line of a token.
+    [[nodiscard]] std::size_t startOfLine(std::size_t index) const
+    {
+        while (tokens[index].kind != Token::LineStart)
+            --index;
+        return index;
+    }
+    /// The block of the line of a token; text outside blocks gets a DIV.
+    [[nodiscard]] QString blockOf(std::size_t index) const
+    {
+        const QString& block = tokens[startOfLine(index)].tag;
+        return block.isEmpty() ? QStringLiteral("DIV") : block;
+    }
     [[nodiscard]] static QString withoutId(const QString& block)
     {
         QString result = block;
@@ -260,78 +291,83 @@ private:
     }
 };
 
-inline int PlainDocument::build(int from, int to, const std::vector<Tokens>& content,
-                                const std::vector<QString>& blocks, bool removeEmptied)
+inline PlainDocument::Cut PlainDocument::cutAt(int from, int to, bool removeEmptied) const
 {
-    const bool deletes = content.size() == 1 && content[0].empty();
-    const bool crossesLines = lineOf(from) != lineOf(to);
-    // The tokens that go, and where they stand.
-    const std::size_t a = from == to ? insertionToken(from) : [&] {
-        std::size_t i = tokenBehind(from);
+    Cut cut;
+    // The removed tokens.
+    cut.begin = from == to ? insertionToken(from) : [&] {
+        std::size_t i = tokenAfter(from);
         while (!counts(tokens[i]))
             ++i;
         return i;
     }();
-    const std::size_t b = from == to ? a : tokenBehind(to);
-    const std::vector<std::size_t> openBefore = openAt(a);
-    const std::vector<std::size_t> openBehind = openAt(b);
-    std::size_t shared = 0;
-    while (shared < std::min(openBefore.size(), openBehind.size())
-           && openBefore[shared] == openBehind[shared])
-        ++shared;
-    std::size_t ending = 0;
-    while (b + ending < tokens.size() && tokens[b + ending].kind == Token::Close)
-        ++ending;
-    if (deletes && removeEmptied) {
-        while (shared > 0 && openBehind.size() - ending < shared
-               && !hasTextBetween(openBefore[shared - 1], a))
-            --shared;
+    cut.end = from == to ? cut.begin : tokenAfter(to);
+    cut.openBefore = openAt(cut.begin);
+    cut.openAfter = openAt(cut.end);
+    while (cut.shared < std::min(cut.openBefore.size(), cut.openAfter.size())
+           && cut.openBefore[cut.shared] == cut.openAfter[cut.shared])
+        ++cut.shared;
+    while (cut.end + cut.ending < tokens.size() && tokens[cut.end + cut.ending].kind == Token::Close)
+        ++cut.ending;
+    if (removeEmptied) {
+        while (cut.shared > 0 && cut.openAfter.size() - cut.ending < cut.shared
+               && !hasTextBetween(cut.openBefore[cut.shared - 1], cut.begin))
+            --cut.shared;
     }
+    return cut;
+}
 
-    const auto startOfLine = [this](std::size_t index) {
-        while (tokens[index].kind != Token::LineStart)
-            --index;
-        return index;
-    };
-    QString block = tokens[startOfLine(a - 1)].tag;
-    if (block.isEmpty())
-        block = QStringLiteral("DIV");
-    QString firstBlock = block;
-    if (crossesLines && deletes && from == lineStart(lineOf(from))) {
-        firstBlock = withoutId(tokens[startOfLine(b - 1)].tag);
-        if (block.contains(QStringLiteral(" id=")))
-            firstBlock += QStringLiteral(" id=FirstDiv");
+inline QString PlainDocument::firstBlockOf(int from, int to, const Cut& cut, bool deletes) const
+{
+    const QString block = blockOf(cut.begin - 1);
+    if (lineOf(from) == lineOf(to) || !deletes || from != lineStart(lineOf(from)))
+        return block;
+    // The line that moves up keeps its own block, and the first line its identifier.
+    const bool hasId = block.contains(QStringLiteral(" id="));
+    return withoutId(tokens[startOfLine(cut.end - 1)].tag)
+        + (hasId ? QStringLiteral(" id=FirstDiv") : QString());
+}
+
+inline void PlainDocument::closeBefore(const Cut& cut, std::size_t around, Tokens& result,
+                                       std::vector<std::size_t>& dropped) const
+{
+    for (std::size_t k = cut.openBefore.size(); k > around; --k) {
+        if (hasTextBetween(cut.openBefore[k - 1], cut.begin))
+            result.push_back(tagToken(Token::Close, tokens[cut.openBefore[k - 1]].tag));
+        else
+            dropped.push_back(cut.openBefore[k - 1]);
     }
+}
 
-    Tokens result(tokens.begin(), tokens.begin() + std::ptrdiff_t(a));
-    result[startOfLine(a - 1)].tag = firstBlock;
+inline int PlainDocument::build(int from, int to, const std::vector<Tokens>& content,
+                                const std::vector<QString>& blocks, bool removeEmptied)
+{
+    const bool deletes = content.size() == 1 && content[0].empty();
+    const Cut cut = cutAt(from, to, deletes && removeEmptied);
+    const QString block = blockOf(cut.begin - 1);
+
+    Tokens result(tokens.begin(), tokens.begin() + std::ptrdiff_t(cut.begin));
+    result[startOfLine(cut.begin - 1)].tag = firstBlockOf(from, to, cut, deletes);
     std::vector<std::size_t> dropped;
     for (std::size_t i = 0; i < content.size(); ++i) {
-        const bool isFirst = i == 0;
-        const bool isLast = i + 1 == content.size();
-        const std::size_t around = content.size() > 1 && content[i].empty() ? 0 : shared;
-        if (isFirst) {
-            for (std::size_t k = openBefore.size(); k > around; --k) {
-                if (hasTextBetween(openBefore[k - 1], a))
-                    result.push_back(tagToken(Token::Close, tokens[openBefore[k - 1]].tag));
-                else
-                    dropped.push_back(openBefore[k - 1]);
-            }
+        const std::size_t around = content.size() > 1 && content[i].empty() ? 0 : cut.shared;
+        if (i == 0) {
+            closeBefore(cut, around, result, dropped);
         } else {
             result.push_back(tagToken(Token::LineStart, blocks[i].isEmpty() ? withoutId(block) : blocks[i]));
             for (std::size_t k = 0; k < around; ++k)
-                result.push_back(tokens[openBefore[k]]);
+                result.push_back(tokens[cut.openBefore[k]]);
         }
         result.insert(result.end(), content[i].begin(), content[i].end());
-        if (!isLast) {
+        if (i + 1 < content.size()) {
             for (std::size_t k = around; k > 0; --k)
-                result.push_back(tagToken(Token::Close, tokens[openBefore[k - 1]].tag));
+                result.push_back(tagToken(Token::Close, tokens[cut.openBefore[k - 1]].tag));
             continue;
         }
-        const std::size_t ended = std::min(ending, openBehind.size() - around);
-        for (std::size_t k = around; k < openBehind.size() - ended; ++k)
-            result.push_back(tokens[openBehind[k]]);
-        result.insert(result.end(), tokens.begin() + std::ptrdiff_t(b + ended), tokens.end());
+        const std::size_t ended = std::min(cut.ending, cut.openAfter.size() - around);
+        for (std::size_t k = around; k < cut.openAfter.size() - ended; ++k)
+            result.push_back(tokens[cut.openAfter[k]]);
+        result.insert(result.end(), tokens.begin() + std::ptrdiff_t(cut.end + ended), tokens.end());
     }
     std::sort(dropped.rbegin(), dropped.rend());
     for (const std::size_t index : dropped)
@@ -415,7 +451,7 @@ inline void PlainDocument::replaceLines(int first, int count, const Tokens& line
 
 inline void PlainDocument::wrap(int from, int to, const QString& tag)
 {
-    // Piece by piece between line breaks; and within a line between tags, unless those are nested in it.
+    // Separately between line breaks; and within a line between tags, unless they are nested in it.
     int lineFrom = from;
     while (lineFrom < to) {
         int lineTo = lineFrom;
@@ -423,10 +459,10 @@ inline void PlainDocument::wrap(int from, int to, const QString& tag)
         while (lineTo < to && all[lineTo] != u'\n')
             ++lineTo;
         if (lineTo > lineFrom) {
-            std::size_t a = tokenBehind(lineFrom);
+            std::size_t a = tokenAfter(lineFrom);
             while (!counts(tokens[a]))
                 ++a;
-            const std::size_t b = tokenBehind(lineTo);
+            const std::size_t b = tokenAfter(lineTo);
             int depth = 0;
             int lowest = 0;
             for (std::size_t i = a; i < b; ++i) {

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 
-/// The helpers on byte strings as their descriptions read, with no thought of speed.
+/// The helpers on byte strings in their plainest form, without regard to speed.
 namespace vmk::reference {
 
 inline char Small(char c)

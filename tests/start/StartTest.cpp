@@ -34,7 +34,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The program in a folder of its own, with everything that it does to the outside written down in order.
+/// The program in a separate folder; everything that it does to its environment is recorded in order.
 class Start : public testing::Test
 {
 protected:
@@ -52,7 +52,7 @@ protected:
     }
     ~Start() override { CommLineInfoF::Unload(); }
 
-    /// Closes the modal report form as soon as it stands, and writes down what it shows.
+    /// Closes the modal report form as soon as it is shown, and records its texts.
     void closeReportWhenItStands()
     {
         auto* const timer = new QTimer(qApp);
@@ -92,7 +92,7 @@ private:
     SeamGuard<bool(const QString&, bool)> load{
         LoadBookSeam(), [this](const QString& path, bool opening) {
             log(u"load "_s + path + (opening ? u" opening"_s : QString()));
-            EXPECT_FALSE(ValidateAfterLoad) << "the flag is set behind the call";
+            EXPECT_FALSE(ValidateAfterLoad) << "the flag is set after the call";
             return true;
         }};
     SeamGuard<void()> end{EndProcessSeam(), [this] { log(u"end"_s); }};
@@ -108,7 +108,7 @@ TEST_F(Start, LoadingOpensTheWindowAndHandsTheBookOver)
                            u"load "_s + place.Path(u"broken.fb2"_s) + u" opening"_s}));
 }
 
-TEST_F(Start, LoadingARefusedExtensionShowsTheBoxAndLeavesTheWindowOpen)
+TEST_F(Start, LoadingARejectedExtensionShowsTheBoxAndKeepsTheWindowOpen)
 {
     EXPECT_TRUE(LoadFromCommandLine(place.Path(u"notes.txt"_s), false));
     EXPECT_EQ(events,
@@ -116,7 +116,7 @@ TEST_F(Start, LoadingARefusedExtensionShowsTheBoxAndLeavesTheWindowOpen)
                            u"box stop: file loading error: not allowed file extension [VMK: notes.txt]"_s}));
 }
 
-TEST_F(Start, LoadingAMissingFileSaysSoInTheOpenWindow)
+TEST_F(Start, LoadingAMissingFileIsReportedInTheOpenWindow)
 {
     EXPECT_TRUE(LoadFromCommandLine(place.Path(u"missing.fb2"_s), false));
     EXPECT_EQ(events,
@@ -130,7 +130,7 @@ TEST_F(Start, LoadingAPathInQuotesWithAnOptionFindsNoFile)
     EXPECT_EQ(events.value(1), u"status file not found"_s);
 }
 
-TEST_F(Start, LoadingQuietlyOpensTheWindowBehindTheCheck)
+TEST_F(Start, QuietLoadingOpensTheWindowAfterTheCheck)
 {
     EXPECT_TRUE(LoadFromCommandLine(place.Path(u"clean.fb2"_s), true));
     EXPECT_EQ(events,
@@ -150,7 +150,7 @@ TEST_F(Start, LoadingAMissingFileQuietlyEndsTheProcess)
                            u"status file not found"_s, u"sound FileLoadError.wav"_s}));
 }
 
-TEST_F(Start, ValidatingAMissingFileEndsTheProcessBehindABox)
+TEST_F(Start, ValidatingAMissingFileShowsABoxAndEndsTheProcess)
 {
     EXPECT_FALSE(ValidateFromCommandLine(place.Path(u"missing.fb2"_s)));
     EXPECT_EQ(events, (QStringList{u"box stop: file not found [VMK: missing.fb2]"_s, u"end"_s}));
@@ -164,7 +164,7 @@ TEST_F(Start, ValidatingAWrongExtensionShowsABoxAndEndsTheProcessWithoutAWindow)
                            u"end"_s}));
 }
 
-TEST_F(Start, ValidatingACleanFileWithoutAReportEndsTheProcessWithNoWindowLeft)
+TEST_F(Start, ValidatingACleanFileWithoutAReportEndsTheProcess)
 {
     CommandLineInfo = 0;
     EXPECT_FALSE(ValidateFromCommandLine(place.Path(u"clean.fb2"_s)));
@@ -182,7 +182,7 @@ TEST_F(Start, ValidatingACleanFileReportsTheModeAndTheName)
                            u"modal report: No errors (against schema)\nclean.fb2"_s, u"end"_s}));
 }
 
-TEST_F(Start, ValidatingByTheNamespaceAcceptsWhatTheSchemaRefuses)
+TEST_F(Start, ValidatingAgainstTheNamespaceAcceptsSchemaErrors)
 {
     ValidateOption = u"namespace!"_s;
     closeReportWhenItStands();
@@ -204,11 +204,11 @@ TEST_F(Start, ValidatingAFileWithErrorsOpensTheBookUnderTheReport)
     EXPECT_TRUE(form->windowFlags() & Qt::WindowStaysOnTopHint);
 }
 
-// ---------------------------------------------------------------- the whole way
+// ---------------------------------------------------------------- the complete sequence
 
 namespace {
 
-/// The test program's own settings file and welcome page, gone before and behind each test.
+/// Removes the settings file and the welcome page of the test program before and after each test.
 class WholeStart : public Start
 {
 protected:
@@ -231,7 +231,7 @@ TEST_F(WholeStart, WithoutASettingsFileTheProgramStartsForTheFirstTime)
     EXPECT_EQ(events, QStringList{u"window; report: no report"_s});
     EXPECT_TRUE(FirstStart);
     EXPECT_EQ(ValidateOption, u"schema"_s) << "the settings are read";
-    EXPECT_TRUE(FolderExists(TempFolder)) << "the workspace stands";
+    EXPECT_TRUE(FolderExists(TempFolder)) << "the workspace exists";
 }
 
 TEST_F(WholeStart, ANewFolderOfCleanUpTablesGetsTheSampleTables)
@@ -254,7 +254,7 @@ TEST_F(WholeStart, WithASettingsFileItIsNotTheFirstTime)
     EXPECT_FALSE(FirstStart);
 }
 
-TEST_F(WholeStart, AFailedValidationAsksForAValidationOfTheLoadedBook)
+TEST_F(WholeStart, AFailedValidationRequestsAValidationOfTheLoadedBook)
 {
     EXPECT_TRUE(RunStart(place.Path(u"broken.fb2"_s) + u" -V"_s));
     EXPECT_TRUE(ValidateAfterLoad);
@@ -286,7 +286,7 @@ TEST_F(WholeStart, TwoBlanksBeforeTheOptionFindNoFile)
 
 // ---------------------------------------------------------------- the checks
 
-TEST_F(Start, ABookFileIsToldByTheBeginningOfItsExtension)
+TEST_F(Start, TheStartOfTheExtensionIdentifiesABookFile)
 {
     for (const auto& name : {u"a.fb2"_s, u"a.fb"_s, u"a.fbz"_s, u"a.FB2"_s, u"a.b.Fb3"_s}) {
         EXPECT_TRUE(CheckBookFile(name, BookRefusal::StatusBar)) << name.toStdString();
@@ -345,7 +345,7 @@ TEST_F(Start, TheParserIsTriedOnASmallText)
     }));
 }
 
-TEST_F(Start, AQuietValidationTellsWhetherThereIsAnError)
+TEST_F(Start, AQuietValidationReturnsWhetherThereIsAnError)
 {
     EXPECT_FALSE(ValidateFileQuietly(place.Path(u"clean.fb2"_s)));
     EXPECT_EQ(FbNamespace, u"http://www.gribuser.ru/xml/fictionbook/2.0"_s);
@@ -353,7 +353,7 @@ TEST_F(Start, AQuietValidationTellsWhetherThereIsAnError)
     EXPECT_TRUE(events.isEmpty());
 }
 
-TEST_F(Start, AQuietValidationTakesItsModeInAnyCase)
+TEST_F(Start, AQuietValidationAcceptsItsModeInAnyCase)
 {
     ValidateOption = u"SCHEMA"_s;
     EXPECT_TRUE(ValidateFileQuietly(place.Path(u"broken.fb2"_s)));
@@ -363,7 +363,7 @@ TEST_F(Start, AQuietValidationTakesItsModeInAnyCase)
     EXPECT_TRUE(ValidateFileQuietly(place.Path(u"open.fb2"_s)));
 }
 
-TEST_F(Start, AQuietValidationPassesOverASchemaThatCannotBeRead)
+TEST_F(Start, AQuietValidationIgnoresAnUnreadableSchema)
 {
     SchemaFile = place.Path(u"missing.xsd"_s);
     EXPECT_FALSE(ValidateFileQuietly(place.Path(u"broken.fb2"_s)));
@@ -407,7 +407,7 @@ TEST(ReportForm, IsNeverSmallerThanItsLeastSize)
     EXPECT_FLOAT_EQ(place.labelTop, (1300 - 405 - 100) / 2.0F);
 }
 
-TEST_F(Start, TheReportFormTakesTheSizeOfItsText)
+TEST_F(Start, TheReportFormHasTheSizeOfItsText)
 {
     CommLineInfoF& form = CommLineInfoF::Instance();
     EXPECT_EQ(form.windowTitle(), u" Fiction Book validation result"_s);
@@ -473,7 +473,7 @@ TEST_F(Start, TheWelcomePageIsExactlyThisOne)
         "ДРЕМЛЕТ!!!</FONT></H2></BODY></HTML>");
 }
 
-TEST_F(Start, AnEmptyPageTellsItsWindowAndReplacesTheFile)
+TEST_F(Start, AnEmptyPageNotifiesItsWindowAndReplacesTheFile)
 {
     const SeamGuard navigate(NavigateSeam(), [this](const QString& path, bool preview) {
         EXPECT_FALSE(preview);
@@ -500,7 +500,7 @@ TEST_F(Start, AnEmptyPageTellsItsWindowAndReplacesTheFile)
                            u"page VMKEmpty.htm"_s}));
     EXPECT_EQ(ReadFileText(EmptyPageFile), "<HTML><BODY></BODY></HTML>");
 
-    // Without a caption of its own the window keeps the one that it has.
+    // Without a new caption the window keeps the current one.
     events.clear();
     ShowEmptyPage({.status = u"ready"_s});
     EXPECT_FALSE(events.contains(u"caption "_s));

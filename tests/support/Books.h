@@ -5,7 +5,7 @@
 
 namespace vmk {
 
-/// A small valid book whose only section holds `content`.
+/// A small valid book whose only section contains `content`.
 inline std::string SmallBook(std::string_view content = "<p>Text</p>")
 {
     return R"(<?xml version="1.0" encoding="UTF-8"?>
@@ -18,7 +18,7 @@ inline std::string SmallBook(std::string_view content = "<p>Text</p>")
         + std::string(content) + "</section></body></FictionBook>\n";
 }
 
-/// Well-formed, but with an element that the schema does not know.
+/// Well-formed, but with an element that is not in the schema.
 inline std::string BookWithSchemaError()
 {
     return SmallBook("<p>Text</p><chapter/>");

@@ -8,7 +8,7 @@
 
 namespace vmk {
 
-/// Drags URLs onto a place in a widget and lets go; true when the widget took both drag and drop, as a copy.
+/// Drops URLs at a position of a widget; true if the widget accepts both drag and drop, as a copy.
 inline bool DropUrls(QWidget& widget, const QList<QUrl>& urls, QPoint place)
 {
     QMimeData data;
@@ -24,7 +24,7 @@ inline bool DropUrls(QWidget& widget, const QList<QUrl>& urls, QPoint place)
     return drop.isAccepted() && drop.dropAction() == Qt::CopyAction;
 }
 
-/// The same onto the middle of a widget.
+/// The same in the centre of a widget.
 inline bool DropUrls(QWidget& widget, const QList<QUrl>& urls)
 {
     return DropUrls(widget, urls, widget.rect().center());

@@ -4,8 +4,8 @@
 
 namespace vmk {
 
-/// Time that this process has spent running since the object was made: how busy the machine is otherwise does
-/// not count.
+/// Processor time of this process since the object was created; it does not depend on the load of the
+/// machine.
 class ProcessorTime
 {
 public:

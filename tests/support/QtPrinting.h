@@ -4,7 +4,7 @@
 
 #include <ostream>
 
-/// Texts of failed checks, readable.
+/// Prints texts readably in failed checks.
 inline void PrintTo(const QString& text, std::ostream* out)
 {
     *out << '"' << text.toStdString() << '"';

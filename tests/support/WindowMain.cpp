@@ -9,11 +9,11 @@
 int main(int argc, char* argv[])
 {
     testing::InitGoogleTest(&argc, argv);
-    // The names of the tests can be asked for where there is no display at all.
+    // The tests can be listed without a display.
     if (GTEST_FLAG_GET(list_tests))
         return RUN_ALL_TESTS();
     const QApplication application(argc, argv);
-    // A test opens and closes windows; the last one closed ends nothing.
+    // A test opens and closes windows; closing the last one does not end the program.
     QApplication::setQuitOnLastWindowClosed(false);
     vmk::FillWidgetSeams();
     return RUN_ALL_TESTS();

@@ -16,10 +16,10 @@
 
 namespace vmk {
 
-/// The user that tests become where they must meet refusals: a superuser meets none.
+/// The user for tests of missing permissions; a superuser always has them.
 inline constexpr uid_t PlainUserId = 65534;
 
-/// Acts as a plain user for its scope; does nothing for a process that is one.
+/// Changes to a plain user for its scope; does nothing if the process is not a superuser's.
 class PlainUser
 {
 public:
@@ -40,7 +40,7 @@ private:
     bool changed;
 };
 
-/// A folder of a test's own, gone afterwards; it belongs to the plain user.
+/// A folder for one test, which is removed afterwards; it belongs to the plain user.
 class Workplace
 {
 public:
@@ -56,7 +56,7 @@ public:
             .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
     }
 
-    /// Makes a file by the toolkit's own means, not by those under test.
+    /// Creates a file with Qt, not with the code under test.
     void Make(const QString& name, std::string_view text) const
     {
         QFile file(Path(name));
@@ -66,7 +66,7 @@ public:
 
     void MakeFolders(const QString& name) const { ASSERT_TRUE(QDir(Folder()).mkpath(name)); }
 
-    /// All of it, so that a plain user may change what a superuser has made.
+    /// Changes the owner of all files, so that a plain user can change what a superuser has created.
     void GiveToPlainUser() const
     {
         if (::geteuid() == 0)

@@ -15,11 +15,11 @@
 
 namespace vmk {
 
-/// A virtual X display of a test's own, gone afterwards, and the user's hands on it.
+/// A virtual X display for one test, with functions for the user's actions. It ends with the object.
 class XDesktop
 {
 public:
-    /// Whether the programs that it takes are installed.
+    /// True if the required programs are installed.
     [[nodiscard]] static bool IsPossible()
     {
         return !QStandardPaths::findExecutable(QStringLiteral("Xvfb")).isEmpty()
@@ -28,8 +28,8 @@ public:
 
     XDesktop()
     {
-        // It picks a free display and writes its number as soon as it can be reached. One that starts anew
-        // whenever its last client leaves would lose the next.
+        // The server chooses a free number and writes it when it is ready. Without -noreset it would restart
+        // after its last client and lose the next one.
         server.setChildProcessModifier(GoWithTheTest);
         server.start(QStringLiteral("Xvfb"),
                      {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
@@ -68,7 +68,7 @@ public:
         return found.split(u'\n', Qt::SkipEmptyParts);
     }
 
-    /// Waits for such a window; its identifier, or empty if none came.
+    /// Waits for such a window; returns its identifier, or an empty text if none appears.
     [[nodiscard]] QString waitForWindow(const QString& captionPattern) const
     {
         QString found;
@@ -76,10 +76,10 @@ public:
         return found;
     }
 
-    /// Types a key, named as X names it, into a window; false if the window does not take the keys in time.
+    /// Sends a key, by its X name, to a window; false if the window does not accept the focus in time.
     [[nodiscard]] bool press(const QString& window, const QString& key) const
     {
-        // One that has only just appeared may refuse.
+        // A new window may refuse the focus at first.
         const bool taken = WaitUntil([&] {
             hand({QStringLiteral("windowfocus"), window});
             return hand({QStringLiteral("getwindowfocus")}).trimmed() == window.toLatin1();
@@ -89,10 +89,10 @@ public:
         return taken;
     }
 
-    /// For a process that is about to start: it does not outlive the test, even one that crashes.
+    /// Called in a new process: it ends with the test, even if the test crashes.
     static void GoWithTheTest() { ::prctl(PR_SET_PDEATHSIG, SIGTERM); }
 
-    /// False if the condition did not come true in time.
+    /// False if the condition does not become true in time.
     static bool WaitUntil(const std::function<bool()>& condition)
     {
         QElapsedTimer timer;
@@ -108,13 +108,13 @@ public:
     static constexpr int PatienceMilliseconds = 60000;
 
 private:
-    /// What the user's hand finds or does.
+    /// Runs xdotool and returns its output.
     QByteArray hand(const QStringList& arguments) const
     {
         QProcess tool;
         tool.setProcessEnvironment(environment());
         tool.start(QStringLiteral("xdotool"), arguments);
-        // A window that goes while the tool looks at it can leave the tool waiting for ever.
+        // xdotool can block forever if a window closes meanwhile.
         constexpr int ToolPatienceMilliseconds = 20000;
         if (!tool.waitForFinished(ToolPatienceMilliseconds)) {
             tool.kill();

@@ -29,7 +29,7 @@ std::string Swapped(std::string bytes)
 
 constexpr char BookHead[] = "<?xml version=\"1.0\" encoding=\"Windows-1252\"?>\r\n<FictionBook>";
 
-/// Puts the shared variables that a test changes back.
+/// Restores the shared variables that a test changes.
 class SharedState : public testing::Test
 {
 protected:
@@ -57,7 +57,7 @@ using DetectPreviewEncodingTest = SharedState;
 
 } // namespace
 
-TEST(EncodingCodePage, KnowsFiveNamesExactly)
+TEST(EncodingCodePage, AcceptsExactlyFiveNames)
 {
     EXPECT_EQ(EncodingCodePage("windows-1250"), 1250);
     EXPECT_EQ(EncodingCodePage("windows-1251"), 1251);
@@ -82,7 +82,7 @@ TEST(IsUnicodeText, SeesTheMarkAndTheStatistics)
     EXPECT_FALSE(IsUnicodeText("a"));
 }
 
-TEST(IsUnicodeText, NeverTakesOrdinaryTextForUtf16)
+TEST(IsUnicodeText, IsFalseForOrdinaryText)
 {
     const QString texts[] = {u"Bush hid the facts"_s, u"this api can break"_s,
                              u"Был ясный день,\r\n\tи часы"_s, u"a\tb\tc\td\te\tf"_s, u"\r\n\r\n\r\n\r\n"_s};
@@ -101,7 +101,7 @@ TEST(IsUnicodeText, NeverTakesOrdinaryTextForUtf16)
     }
 }
 
-TEST(IsUnicodeText, TellsTheBooksOfTheCorpusInEveryEncoding)
+TEST(IsUnicodeText, IsRightForRealBooksInEveryEncoding)
 {
     if (test::CorpusBooks().empty())
         GTEST_SKIP() << test::NoCorpus;
@@ -167,7 +167,7 @@ TEST(FindBookEncoding, UnknownNameReadsAsCyrillicAndSavesAsUtf8)
     EXPECT_EQ(OutputEncodingInfo(found.file.name).name, "utf-8");
 }
 
-TEST(FindBookEncoding, ByteOrderMarkOfUtf8StaysInFront)
+TEST(FindBookEncoding, TheByteOrderMarkOfUtf8IsKept)
 {
     std::string text = "\xef\xbb\xbf<?xml version=\"1.0\" encoding=\"utf-8\"?><a/>";
     const DetectedEncoding found = FindBookEncoding(text, "original");
@@ -231,7 +231,7 @@ TEST_F(ConvertBookToUtf8Test, ConvertsFromTheWorkCodePage)
     EXPECT_EQ(text, "abc");
 }
 
-TEST_F(ConvertBookToUtf8Test, LeavesUtf8AsItStandsWhateverItHolds)
+TEST_F(ConvertBookToUtf8Test, DoesNotChangeUtf8)
 {
     WorkCodePage = 65001;
     BookHasCharRefs = true;
@@ -313,7 +313,7 @@ TEST(CodePageConversions, CodePageZeroIsTheSystems)
     qunsetenv("VELLUMARK_CODEPAGE");
 }
 
-TEST(OutputEncodingInfo, KnowsFourNamesInAnyCase)
+TEST(OutputEncodingInfo, AcceptsFourNamesInAnyCase)
 {
     EXPECT_EQ(OutputEncodingInfo("Windows-1251"),
               (SavedEncoding{"windows-1251", "<?xml version=\"1.0\" encoding=\"windows-1251\"?>", 1251}));

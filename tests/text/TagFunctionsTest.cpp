@@ -14,7 +14,7 @@ constexpr ExtractOptions Balanced{.balance = true};
 
 } // namespace
 
-TEST(ExtractBetween, TellsThePlaceOfTheElement)
+TEST(ExtractBetween, ReturnsThePositionOfTheElement)
 {
     const Extraction found = ExtractBetween("x<a>text</a>y", "<a>", "</a>");
     EXPECT_EQ(found.startPos, 1U);
@@ -23,14 +23,14 @@ TEST(ExtractBetween, TellsThePlaceOfTheElement)
     EXPECT_EQ(found.plain, "") << "only on demand";
 }
 
-TEST(ExtractBetween, LooksFromThePositionGiven)
+TEST(ExtractBetween, SearchesFromTheGivenPosition)
 {
     const std::string text = "<a>1</a><a>2</a>";
     const Extraction first = ExtractBetween(text, "<a>", "</a>");
     const Extraction second = ExtractBetween(text, "<a>", "</a>", first.endPos);
     EXPECT_EQ(second.found, "<a>2</a>");
     EXPECT_EQ(ExtractBetween(text, "<a>", "</a>", second.endPos).startPos, None);
-    EXPECT_EQ(ExtractBetween(text, "<a>", "</a>", 100).startPos, None) << "behind the text";
+    EXPECT_EQ(ExtractBetween(text, "<a>", "</a>", 100).startPos, None) << "after the text";
 }
 
 TEST(ExtractBetween, WithoutBalanceTheFirstEndTagEnds)
@@ -39,7 +39,7 @@ TEST(ExtractBetween, WithoutBalanceTheFirstEndTagEnds)
               "<section><section></section>");
 }
 
-TEST(ExtractBetween, WithBalanceTheOuterElementIsFoundWhole)
+TEST(ExtractBetween, WithBalanceTheCompleteOuterElementIsFound)
 {
     const std::string nested = "<section><section></section></section>";
     EXPECT_EQ(ExtractBetween(nested + "</section>", "<section>", "</section>", 0, Balanced).found, nested);
@@ -49,7 +49,7 @@ TEST(ExtractBetween, WithBalanceTheOuterElementIsFoundWhole)
               "<section></section>");
 }
 
-TEST(ExtractBetween, MissingTagsGiveNothing)
+TEST(ExtractBetween, MissingTagsReturnNothing)
 {
     const Extraction noStart = ExtractBetween("text</a>", "<a>", "</a>");
     EXPECT_EQ(noStart.startPos, None);
@@ -59,10 +59,10 @@ TEST(ExtractBetween, MissingTagsGiveNothing)
     EXPECT_EQ(noEnd.endPos, None);
     EXPECT_EQ(noEnd.found, "");
     EXPECT_EQ(ExtractBetween("<a><a></a>", "<a>", "</a>", 0, Balanced).found, "") << "never balanced";
-    EXPECT_EQ(ExtractBetween("</a><a>", "<a>", "</a>").found, "") << "the end tag stands before";
+    EXPECT_EQ(ExtractBetween("</a><a>", "<a>", "</a>").found, "") << "the end tag precedes";
 }
 
-TEST(ExtractBetween, IgnoresCaseWhenAsked)
+TEST(ExtractBetween, IgnoresCaseWithTheFlag)
 {
     EXPECT_EQ(ExtractBetween("<A>x</A>", "<a>", "</a>").startPos, None);
     EXPECT_EQ(
@@ -81,7 +81,7 @@ TEST(ExtractBetween, PlainTextHasBlanksForTags)
         << "from any < to the next >";
 }
 
-TEST(ExtractBetween, PlainTextLosesNonBreakingSpacesAndNoOtherBytes)
+TEST(ExtractBetween, PlainTextOmitsNonBreakingSpacesAndNoOtherBytes)
 {
     const ExtractOptions plain{.makePlain = true, .tidy = true};
     EXPECT_EQ(ExtractBetween("<a>\xd0\xa0\xd1\x83\xd1\x81\xc2\xa0x</a>", "<a>", "</a>", 0, plain).plain,
@@ -120,7 +120,7 @@ TEST(GetXmlAttribute, ReadsUnquotedValues)
 {
     EXPECT_EQ(GetXmlAttribute("<IMG id=x align=left>", "id", true), "x");
     EXPECT_EQ(GetXmlAttribute("<IMG id=x align=left>", "align", true), "left");
-    EXPECT_EQ(GetXmlAttribute("<IMG id=x", "id", true), "") << "neither a blank nor > behind";
+    EXPECT_EQ(GetXmlAttribute("<IMG id=x", "id", true), "") << "neither a blank nor > follows";
     EXPECT_EQ(GetXmlAttribute("<IMG l:id=x>", "id", true), "") << "no blank before the name";
 }
 
@@ -131,7 +131,7 @@ TEST(GetXmlAttribute, ReadsStyles)
     EXPECT_EQ(GetXmlAttribute("<DIV style='COLOR: red'>", "COLOR", true), "red");
     EXPECT_EQ(GetXmlAttribute("<DIV style=COLOR: red>", "COLOR", true), "red");
     EXPECT_EQ(GetXmlAttribute("<DIV style=\"A: red\" alt=\";\">", "A", true), "red alt=")
-        << "a semicolon comes first, wherever it stands";
+        << "a semicolon has priority at any position";
     EXPECT_EQ(GetXmlAttribute("COLOR: red", "COLOR", true), "");
 }
 
@@ -141,13 +141,13 @@ TEST(GetXmlAttribute, ComparesNamesByTheCaseRule)
     EXPECT_EQ(GetXmlAttribute("<a ID=\"1\">", "id", false), "1");
 }
 
-TEST(GetXmlAttribute, FindsANameAsTheTailOfALongerOne)
+TEST(GetXmlAttribute, FindsANameAtTheEndOfALongerOne)
 {
     EXPECT_EQ(GetXmlAttribute("<image l:href=\"#cover.jpg\"/>", "href", true), "cover.jpg");
-    EXPECT_EQ(GetXmlAttribute("<a hid=\"1\" id=\"2\">", "id", true), "1") << "only the first place counts";
+    EXPECT_EQ(GetXmlAttribute("<a hid=\"1\" id=\"2\">", "id", true), "1") << "only the first position counts";
 }
 
-TEST(GetXmlAttribute, HrefGivesWhatFollowsTheLastHash)
+TEST(GetXmlAttribute, HrefReturnsTheTextAfterTheLastHash)
 {
     EXPECT_EQ(GetXmlAttribute("<image href=\"#cover.jpg\"/>", "href", true), "cover.jpg");
     EXPECT_EQ(GetXmlAttribute("<image l:href=\"a#b#c\"/>", "l:href", true), "c");
@@ -163,7 +163,7 @@ TEST(GetXmlAttribute, FileUrlsBecomePaths)
     EXPECT_EQ(GetXmlAttribute("<img src=\"pics/a.jpg\">", "src", true), "pics/a.jpg");
 }
 
-TEST(GetXmlAttribute, SizesComeWithoutTheirUnit)
+TEST(GetXmlAttribute, SizesAreReturnedWithoutUnit)
 {
     EXPECT_EQ(GetXmlAttribute("<img width=\"100px\">", "width", true), "100");
     EXPECT_EQ(GetXmlAttribute("<img style=\"HEIGHT: 20 PX;\">", "HEIGHT", true), "20");

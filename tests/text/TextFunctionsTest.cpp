@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Texts of few different characters, so that repeats, overlaps and runs are frequent.
+/// Texts of a few different characters, so that repetitions, overlaps and runs are frequent.
 std::string RandomText(std::mt19937& random, std::string_view alphabet, size_t longest)
 {
     std::string text(random() % (longest + 1), ' ');
@@ -29,7 +29,7 @@ QString Wide(const std::string& text)
 
 } // namespace
 
-TEST(ReplaceAll, GoesLeftToRightAndDoesNotRescan)
+TEST(ReplaceAll, WorksFromLeftToRightAndDoesNotRescan)
 {
     EXPECT_EQ(ReplaceAll("aaa", "aa", "a"), "aa");
     EXPECT_EQ(ReplaceAll("aaa", "a", "aa"), "aaaaaa");
@@ -39,7 +39,7 @@ TEST(ReplaceAll, GoesLeftToRightAndDoesNotRescan)
     EXPECT_EQ(ReplaceAll(u"Жук жук"_s, u"ж", u"ё"), u"Жук ёук");
 }
 
-TEST(ReplaceAll, IsExactUnlessAskedToIgnoreCase)
+TEST(ReplaceAll, IsCaseSensitiveByDefault)
 {
     EXPECT_EQ(ReplaceAll("Aa", "a", "x"), "Ax");
     EXPECT_EQ(ReplaceAll("Aa", "a", "x", true), "xx");
@@ -62,7 +62,7 @@ TEST(ReplaceAll, AgreesWithThePlainVersion)
     }
 }
 
-TEST(FindText, StartsWhereItIsTold)
+TEST(FindText, StartsAtTheGivenPosition)
 {
     EXPECT_EQ(FindText("<?XML <?xml", "<?xml"), 6U);
     EXPECT_EQ(FindText("<?XML <?xml", "<?xml", 0, true), 0U);
@@ -81,14 +81,14 @@ TEST(CollapseRepeats, LeavesSingleBlanksAndNoEmptyLines)
     EXPECT_EQ(CollapseRepeats(u"a   b"_s, u" "), u"a b");
 }
 
-TEST(CollapseRepeats, WithASeparatorTakesItAway)
+TEST(CollapseRepeats, RemovesTheSeparator)
 {
     EXPECT_EQ(CollapseRepeats("\r\n \r\n \r\nx", "\r\n", " "), "\r\nx");
     EXPECT_EQ(CollapseRepeats("a b", "", " "), "ab");
     EXPECT_EQ(CollapseRepeats("ab", "", ""), "ab");
 }
 
-TEST(CollapseRepeats, IgnoringCasePutsTheUnitAsGiven)
+TEST(CollapseRepeats, IgnoringCaseInsertsTheUnitAsGiven)
 {
     EXPECT_EQ(CollapseRepeats("bAaAb", "a", "", true), "bab");
     EXPECT_EQ(CollapseRepeats("bAb", "a", "", true), "bAb") << "a single one stays as it is";
@@ -111,7 +111,7 @@ TEST(CollapseRepeats, AgreesWithThePlainVersion)
     }
 }
 
-TEST(CollapseRepeats, MillionsOfBlanksTakeOnePass)
+TEST(CollapseRepeats, MillionsOfBlanksNeedOnePass)
 {
     std::string text(20'000'000, ' ');
     const ProcessorTime time;
@@ -137,7 +137,7 @@ TEST(CountOccurrences, CountsWhatDoesNotOverlap)
     }
 }
 
-TEST(IsBlank, CountsNbspEntitiesOnlyWhenAsked)
+TEST(IsBlank, CountsNbspEntitiesOnlyWithTheFlag)
 {
     EXPECT_FALSE(IsBlank("&nbsp;", false));
     EXPECT_TRUE(IsBlank("&nbsp; \t\r\n\xa0", true));
@@ -150,7 +150,7 @@ TEST(IsBlank, CountsNbspEntitiesOnlyWhenAsked)
 TEST(IsBlank, AgreesWithThePlainVersion)
 {
     EXPECT_TRUE(IsBlank("&nb sp;", true)) << "the blanks go first";
-    EXPECT_FALSE(IsBlank("&n&nbsp;bsp;", true)) << "what comes together by deleting is not looked at again";
+    EXPECT_FALSE(IsBlank("&n&nbsp;bsp;", true)) << "text joined by deleting is not searched again";
     const std::string pieces[] = {"&nbsp;", "&", "n", "bsp;", " ", "\xa0", "\t", "&nb"};
     std::mt19937 random(6);
     for (int round = 0; round < 50000; ++round) {
@@ -215,7 +215,7 @@ TEST(RandomBelow, RoundsToTheNearest)
     EXPECT_EQ(RandomBelow(10), 10) << "the bound itself can come";
 }
 
-TEST(GroupDigits, PutsABlankBeforeEachThreeDigits)
+TEST(GroupDigits, InsertsABlankBeforeEachThreeDigits)
 {
     EXPECT_EQ(GroupDigits(999), u"999");
     EXPECT_EQ(GroupDigits(1000), u"1 000");
@@ -226,7 +226,7 @@ TEST(GroupDigits, PutsABlankBeforeEachThreeDigits)
     EXPECT_EQ(GroupDigits(INT64_MIN), u"-9 223 372 036 854 775 808");
 }
 
-TEST(TitleCase, MakesFirstLettersCapitalAndTheRestSmall)
+TEST(TitleCase, CapitalisesFirstLettersAndLowersTheRest)
 {
     EXPECT_EQ(TitleCase(u"LEV tolstoy"), u"Lev Tolstoy");
     EXPECT_EQ(TitleCase(u"лЕВ  ТОЛСТОЙ "), u"Лев Толстой");
@@ -245,7 +245,7 @@ TEST(FindInArray, FallsBackForUnknownValues)
     EXPECT_EQ(value, u"tags tree");
 }
 
-TEST(TrimBlanks, TakesBlanksAlone)
+TEST(TrimBlanks, RemovesBlanksOnly)
 {
     EXPECT_EQ(TrimBlanks("  a b "), "a b");
     EXPECT_EQ(TrimBlanks("\ta\t"), "\ta\t");

@@ -23,7 +23,7 @@ std::string RandomBytes(std::mt19937& random, size_t size)
 
 } // namespace
 
-TEST(Base64, EmptyGivesEmpty)
+TEST(Base64, EmptyInputReturnsEmptyOutput)
 {
     EXPECT_EQ(Base64Encode(""), "");
     EXPECT_EQ(Base64Decode(""), "");
@@ -57,7 +57,7 @@ TEST(Base64, LineEndsAndBlanksFailTheDecoding)
     EXPECT_EQ(Base64Decode("TWFu\t"), std::nullopt);
 }
 
-TEST(Base64, EveryForeignByteFailsWhereverItStands)
+TEST(Base64, EveryForeignByteFailsAtEveryPosition)
 {
     const std::string alphabet = std::string(reference::Base64Alphabet) + "=";
     for (const size_t size : {1, 3, 4, 64, 203}) {
@@ -79,12 +79,12 @@ TEST(Base64, SpareCharactersAtTheEndAreDropped)
     EXPECT_EQ(Base64Decode("TWF"), "");
 }
 
-TEST(Base64, PaddingAtTheFirstTwoPlacesStandsForZeroBits)
+TEST(Base64, PaddingAtTheFirstTwoPositionsMeansZeroBits)
 {
     EXPECT_EQ(Base64Decode("=WFu"), reference::Base64Decode("=WFu"));
     EXPECT_EQ(Base64Decode("T=Fu"), reference::Base64Decode("T=Fu"));
     EXPECT_EQ(Base64Decode("===="), std::string(1, '\0'));
-    EXPECT_EQ(Base64Decode("TQ=A"), reference::Base64Decode("TQ=A")) << "padding at the third place alone";
+    EXPECT_EQ(Base64Decode("TQ=A"), reference::Base64Decode("TQ=A")) << "padding only at the third position";
     EXPECT_EQ(Base64Decode("TQ=A")->size(), 2U);
 }
 
@@ -135,7 +135,7 @@ TEST(Base64, LongTextsCrossTheInnerBlocks)
 
 TEST(Base64, VectorLoopsDoOnlyWhatTheySay)
 {
-    // Whatever the machine has, the loops touch no group beyond those they report, but for their slack.
+    // On every processor, the loops touch no group beyond those that they report, except for their margin.
     std::mt19937 random(5);
     for (size_t groups = 0; groups < 40; ++groups) {
         const std::string data = RandomBytes(random, 3 * groups);

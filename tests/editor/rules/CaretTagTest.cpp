@@ -20,7 +20,7 @@ protected:
 
 } // namespace
 
-TEST_F(Tags, TheTagIsFoundFromAnyPlaceInside)
+TEST_F(Tags, TheTagIsFoundFromAnyPositionInside)
 {
     show("<DIV>text &lt;a l:href=\"#n1\" id=\"x\"&gt;link&lt;/a&gt;</DIV>");
     for (int offset = 6; offset < 28; ++offset) {
@@ -46,7 +46,7 @@ TEST_F(Tags, OutsideATagThereIsNone)
     }
 }
 
-TEST_F(Tags, MoreThanFiftyCharactersToTheLeftAreNotSeen)
+TEST_F(Tags, ATagMoreThanFiftyCharactersToTheLeftIsNotFound)
 {
     const QByteArray name(60, 'x');
     show("<DIV>&lt;" + name + "&gt;</DIV>");
@@ -75,7 +75,7 @@ TEST_F(Tags, ABookmarkIsFoundAndSelected)
     EXPECT_EQ(selected(), "id=\"n1\"");
 }
 
-TEST_F(Tags, AnIdThatStandsTwiceIsToldAlsoWhenItStandsInText)
+TEST_F(Tags, ADuplicateIdIsReportedAlsoInText)
 {
     show("<DIV>&lt;p id=\"a\"&gt;</DIV>\r<DIV>&lt;p id=\"b\"&gt; and id=\"b\" in text</DIV>");
     CheckId(document, ParseTagAttributes(u"<p id=\"a\">"_s));
@@ -102,20 +102,20 @@ TEST_F(Tags, WithSoundsOffALinkWithoutTargetBeepsAndADoubleIdDoesNot)
     EXPECT_EQ(beeps, 1);
 }
 
-TEST_F(Tags, AnIdThatIsGoneFromTheBookIsOk)
+TEST_F(Tags, AnIdThatWasRemovedFromTheBookIsOk)
 {
     show("<DIV>text</DIV>");
     CheckId(document, ParseTagAttributes(u"<p id=\"gone\">"_s));
     EXPECT_EQ(status, u"id is OK: id=\"gone\""_s);
 }
 
-TEST_F(Tags, AnImageIsKnownByTheBeginningOfItsResourcesId)
+TEST_F(Tags, AnImageIsIdentifiedByTheStartOfItsResourceId)
 {
     const CaretTag image = ParseTagAttributes(u"<IMAGE l:href=\"#pic\"/>"_s);
     const TagEntries known = EntriesFor(image, "<binary ID=\"PIC.png\">");
     EXPECT_EQ(known, (TagEntries{.showImage = true, .removeImageResource = true}));
     EXPECT_EQ(EntriesFor(image, "<binary id=\"other.png\">"), TagEntries{.addImageResource = true});
-    // An anchor is no image, a tag with an id alone only that.
+    // An anchor is not an image; a tag with only an id is only that.
     EXPECT_EQ(EntriesFor(ParseTagAttributes(u"<annotation l:href=\"#x\" id=\"y\">"_s), {}),
               (TagEntries{.goToLink = true, .checkId = true}));
     EXPECT_EQ(EntriesFor(ParseTagAttributes(u"<p style=\"x\">"_s), {}), TagEntries());

@@ -29,10 +29,10 @@ QString Unchanged(const Place& place)
     return place.lines.join(LineBreak);
 }
 
-QString Around(const Place& place, const QString& before, const QString& behind)
+QString Around(const Place& place, const QString& before, const QString& after)
 {
     const QString lineEnd = place.start().line < place.end().line ? QString(LineBreak) : QString();
-    return place.left + before + lineEnd + place.selected + lineEnd + behind + place.right;
+    return place.left + before + lineEnd + place.selected + lineEnd + after + place.right;
 }
 
 QString With(const Place& place, const QString& text)
@@ -44,7 +44,7 @@ QString Deleted(const Place& place)
 {
     if (!place.wholeLines())
         return With(place, {});
-    // Several whole lines go as lines, with one of the line breaks around them.
+    // Several complete lines are removed as lines, with one of the line breaks around them.
     return place.right.isEmpty() ? place.left.chopped(place.left.isEmpty() ? 0 : 1)
                                  : place.left + place.right.mid(1);
 }
@@ -71,7 +71,7 @@ QString WithLines(const Place& place, const QStringList& pasted, bool asHtml)
     const int line = place.start().line;
     const QString& text = place.lines[line];
     const QString left = text.left(place.start().offset);
-    // A selection that goes on in another line leaves nothing to the right.
+    // A selection that continues in another line leaves no text to the right.
     const QString right = place.end().line == line ? text.mid(place.end().offset) : QString();
     const auto blank = [](QString part) { return part.remove(u' ').isEmpty(); };
 

@@ -5,15 +5,15 @@
 #include <QString>
 #include <QStringList>
 
-/// What each editing command makes of the page's text, in a plain reading: text in, text out.
+/// A plain model of each editing command on the text of the page: text in, text out.
 namespace vmk::test {
 
 /// Between the lines of a text; it counts as one character.
 inline constexpr char16_t LineBreak = u'\n';
-/// The visible mark of a non-breaking space.
+/// The visible marker of a non-breaking space.
 inline constexpr char16_t Marker = u'\x7f';
 
-/// The page's text in front of a command, cut up at the selection.
+/// The text of the page before a command, divided at the selection.
 struct Place
 {
     QStringList lines;
@@ -39,14 +39,14 @@ struct Place
 [[nodiscard]] Place PlaceOf(const DisplayDocument& document);
 
 [[nodiscard]] QString Unchanged(const Place& place);
-/// With a text in the selection's place.
+/// With a text instead of the selection.
 [[nodiscard]] QString With(const Place& place, const QString& text);
-/// Between two tags; several lines stay lines of their own between them.
-[[nodiscard]] QString Around(const Place& place, const QString& before, const QString& behind);
+/// Between two tags; several lines stay separate lines.
+[[nodiscard]] QString Around(const Place& place, const QString& before, const QString& after);
 [[nodiscard]] QString Deleted(const Place& place);
 [[nodiscard]] QString WithSpace(const Place& place);
 [[nodiscard]] QString ProperOf(const QString& text);
-/// Lines pasted by the rule of the caret's line.
+/// Lines pasted by the rule for the line of the caret.
 [[nodiscard]] QString WithLines(const Place& place, const QStringList& pasted, bool asHtml);
 
 } // namespace vmk::test

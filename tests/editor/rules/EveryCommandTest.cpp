@@ -18,8 +18,8 @@
 #include <utility>
 #include <vector>
 
-/// Every editing command on random selections: the text afterwards is the one that a plain reading of the
-/// command gives, undo by the counted steps brings page and selection back, redo does it again.
+/// Every editing command on random selections: the resulting text equals that of a plain model of the
+/// command, undo by the counted steps restores page and selection, redo repeats the command.
 using namespace vmk;
 using namespace vmk::test;
 using namespace Qt::StringLiterals;
@@ -116,7 +116,7 @@ protected:
 
     [[nodiscard]] Snapshot snapshot() const { return {document.savePage(), document.selection()}; }
 
-    /// Runs the command at the selection, takes it back and does it again.
+    /// Runs the command at the selection, undoes and redoes it.
     void check()
     {
         const CommandCase& command = GetParam();
@@ -124,7 +124,7 @@ protected:
         const QPoint press(range.offsetLeft(), range.offsetTop());
         const Place place = PlaceOf(document);
         const bool isField = command.unnotedAtCaret > 0;
-        // Whether such a selection shows anything is the layout's to say; it has a test of its own.
+        // The layout decides whether such a selection is visible; a separate test covers it.
         if (isField && place.lineBreaksOnly())
             return;
         const Snapshot before = snapshot();
@@ -132,7 +132,7 @@ protected:
         command.run(document, press);
         const Snapshot after = snapshot();
 
-        // Outside a line, and for a field beside a painted piece, nothing is made.
+        // Outside a line, and for a field beside a painted run, nothing is inserted.
         const bool stepped = document.canUndo();
         ASSERT_TRUE(stepped || after.page == before.page);
         const bool mayMakeNothing = document.line(0).block == NoTag || isField;
@@ -147,7 +147,7 @@ protected:
         takeBack(counted);
         ASSERT_TRUE(document.savePage() == before.page);
         ASSERT_EQ(document.selection(), before.selection);
-        // Not a step more than counted was there to be taken back.
+        // There were no more undo steps than counted.
         ASSERT_FALSE(document.canUndo());
         for (int step = 0; step < counted; ++step)
             document.redo();
@@ -167,7 +167,7 @@ protected:
         check();
     }
 
-    /// The ends of the page, all of it, and random places: carets, pieces of a line, several lines.
+    /// The ends of the page, the complete page, and random ranges: carets, parts of a line, several lines.
     void checkPage(int rounds)
     {
         checkAt({}, {});
@@ -213,7 +213,7 @@ std::string NameOfCase(const testing::TestParamInfo<CommandCase>& info)
 
 INSTANTIATE_TEST_SUITE_P(Rules, EveryCommand, testing::ValuesIn(Commands), NameOfCase);
 
-TEST_P(EveryCommand, IsTakenBackAndDoneAgainInRealBooks)
+TEST_P(EveryCommand, IsUndoneAndRedoneInRealBooks)
 {
     if (test::CorpusBooks().empty())
         GTEST_SKIP() << test::NoCorpus;
@@ -231,7 +231,7 @@ TEST_P(EveryCommand, IsTakenBackAndDoneAgainInRealBooks)
     }
 }
 
-TEST_P(EveryCommand, IsTakenBackAndDoneAgainInPagesOfOddLines)
+TEST_P(EveryCommand, IsUndoneAndRedoneInUnusualPages)
 {
     const char* const pages[] = {
         "",

@@ -1,6 +1,8 @@
 #include "FieldRules.h"
 #include "RulesFixture.h"
 
+#include <gmock/gmock.h>
+
 using namespace vmk;
 
 namespace {
@@ -11,7 +13,7 @@ class Fields : public Rules
 
 } // namespace
 
-TEST_F(Fields, BoldAtACaretPutsAnEmptyPairOfTags)
+TEST_F(Fields, BoldAtACaretInsertsAnEmptyPairOfTags)
 {
     show("<DIV>ab</DIV>");
     caret(0, 1);
@@ -24,7 +26,7 @@ TEST_F(Fields, BoldAtACaretPutsAnEmptyPairOfTags)
     EXPECT_EQ(lines(), "<DIV>ab</DIV>");
 }
 
-TEST_F(Fields, EachKindPutsItsOwnTagsAndTwiceNests)
+TEST_F(Fields, EachKindInsertsItsTagsAndNestsTheSecondTime)
 {
     const std::pair<InlineTag, const char*> kinds[] = {{InlineTag::Bold, "<strong>x</strong>"},
                                                        {InlineTag::Italic, "<emphasis>x</emphasis>"},
@@ -70,7 +72,7 @@ TEST_F(Fields, CaseChangesKeepTheTextSelected)
     EXPECT_FALSE(BookUnchanged);
 }
 
-TEST_F(Fields, ProperCaseTakesBlanksAloneAsWordEnds)
+TEST_F(Fields, ProperCaseTreatsOnlyBlanksAsWordEnds)
 {
     show("<DIV>one two</DIV>\r<DIV>THREE four</DIV>");
     select(0, 0, 1, 10);
@@ -106,7 +108,7 @@ TEST_F(Fields, AFieldIsMadeOnlyAwayFromPaintedPieces)
     EXPECT_EQ(UndoSteps, 0);
 }
 
-TEST_F(Fields, ASelectedTextGoesIntoAFieldCharacterByCharacter)
+TEST_F(Fields, ASelectedTextIsPutIntoAFieldCharacterByCharacter)
 {
     for (const Field kind : {Field::Text, Field::Tag, Field::Attribute, Field::Value}) {
         show("<DIV>a&lt;b &amp;amp; c&gt;d</DIV>");
@@ -114,11 +116,11 @@ TEST_F(Fields, ASelectedTextGoesIntoAFieldCharacterByCharacter)
         select(0, 1, 0, 6);
         InsertField(document, kind);
         EXPECT_EQ(text(0), before);
-        EXPECT_NE(lines().find(kind == Field::Value           ? "<FONT class=ev>&lt;b"
-                                   : kind == Field::Attribute ? "<FONT class=en>&lt;b"
-                                   : kind == Field::Tag       ? "<SPAN class=et>&lt;b"
-                                                              : "<SPAN class=b>&lt;b"),
-                  std::string::npos);
+        EXPECT_THAT(lines(),
+                    testing::HasSubstr(kind == Field::Value           ? "<FONT class=ev>&lt;b"
+                                           : kind == Field::Attribute ? "<FONT class=en>&lt;b"
+                                           : kind == Field::Tag       ? "<SPAN class=et>&lt;b"
+                                                                      : "<SPAN class=b>&lt;b"));
         EXPECT_EQ(UndoSteps, 0);
         EXPECT_TRUE(BookUnchanged);
     }
@@ -135,7 +137,7 @@ TEST_F(Fields, ASelectionOverLinesGetsAFieldInEachOfThem)
               "<DIV><SPAN class=et>tw</SPAN>o</DIV>");
 }
 
-TEST_F(Fields, ASelectionOfEmptyLinesLosesNone)
+TEST_F(Fields, ASelectionOfEmptyLinesKeepsThem)
 {
     for (const Field kind : {Field::Text, Field::Tag, Field::Attribute, Field::Value}) {
         show("<DIV>a</DIV>\r<DIV></DIV>\r<DIV></DIV>\r<DIV></DIV>\r<DIV>b</DIV>");
@@ -157,7 +159,7 @@ TEST_F(Fields, AValueFieldClosesWithTheEndOfAnotherElementAndLeavesTheRestUnpain
     EXPECT_EQ(lines(), "<DIV>one <FONT class=ev>two</FONT> three</DIV>");
 }
 
-TEST_F(Fields, AnAttributeFieldAtACaretHoldsABlankAndOthersNothing)
+TEST_F(Fields, AnAttributeFieldAtACaretContainsABlankAndOthersNothing)
 {
     const std::pair<Field, const char*> kinds[] = {{Field::Tag, "<DIV>a<SPAN class=et></SPAN>b</DIV>"},
                                                    {Field::Attribute, "<DIV>a<FONT class=en> </FONT>b</DIV>"},
@@ -173,7 +175,7 @@ TEST_F(Fields, AnAttributeFieldAtACaretHoldsABlankAndOthersNothing)
     }
 }
 
-TEST_F(Fields, BoldAroundLinesPutsTheTagsOutsideThem)
+TEST_F(Fields, BoldAroundLinesInsertsTheTagsOutsideThem)
 {
     show("<DIV>one</DIV>\r<DIV style=\"MARGIN-LEFT: 5px\">two</DIV>");
     select(0, 0, 1, 3);
@@ -184,7 +186,7 @@ TEST_F(Fields, BoldAroundLinesPutsTheTagsOutsideThem)
     EXPECT_EQ(all, "<strong>|one|two|</strong>|");
 }
 
-TEST_F(Fields, AChangedTagStandsUnpaintedUntilItIsRepainted)
+TEST_F(Fields, AChangedTagIsUnpaintedUntilItIsRepainted)
 {
     show("<DIV>a <SPAN class=t>&lt;p&gt;</SPAN>b</DIV>");
     select(0, 1, 0, 6);

@@ -6,7 +6,7 @@
 
 namespace vmk {
 
-/// A layout without fonts: each character a cell, each line of the document one row, nothing wrapped. The
+/// A layout without fonts: each character is a cell, each line of the document one row without wrapping. The
 /// left margin of a line counts in pixels.
 class GridLayout final : public LayoutQuery
 {

@@ -20,7 +20,7 @@ class Shifting : public Rules
 
 } // namespace
 
-TEST_F(Shifting, RightShiftOfALineWithoutStyleGivesItOneStep)
+TEST_F(Shifting, RightShiftOfALineWithoutStyleAddsOneStep)
 {
     show("<DIV>word</DIV>");
     caret(0, 2);
@@ -60,7 +60,7 @@ TEST_F(Shifting, LeftShiftDownToZeroLeavesTheMarginInTheTag)
     EXPECT_EQ(UndoSteps, 2);
 }
 
-TEST_F(Shifting, ThreeSelectedLinesMoveAndStaySelectedWhole)
+TEST_F(Shifting, ThreeSelectedLinesMoveAndStaySelected)
 {
     show(ThreeLines);
     select(0, 1, 2, 2);
@@ -72,7 +72,7 @@ TEST_F(Shifting, ThreeSelectedLinesMoveAndStaySelectedWhole)
     EXPECT_EQ(selected(), "one\r\ntwo\r\nthree");
 }
 
-TEST_F(Shifting, LinesTooFarLeftStayPutWhileOthersMove)
+TEST_F(Shifting, LinesAtTheLeftEdgeStayWhileOthersMove)
 {
     show(ThreeLines);
     select(0, 0, 2, 5);
@@ -90,7 +90,7 @@ TEST_F(Shifting, TwoLinesWithTheSameStartTagAreEachShiftedOnce)
     EXPECT_EQ(lines(), "<DIV style=\"MARGIN-LEFT: 10px\">a</DIV>\n<DIV style=\"MARGIN-LEFT: 10px\">b</DIV>");
 }
 
-TEST_F(Shifting, OneUndoCommandTakesAWholeShiftBackAndRedoDoesItAgain)
+TEST_F(Shifting, OneUndoCommandRevertsAShiftAndRedoRepeatsIt)
 {
     for (const bool all : {false, true}) {
         show(ThreeLines);
@@ -132,7 +132,7 @@ TEST_F(Shifting, OutsideALineNothingHappens)
     EXPECT_FALSE(document.canUndo());
 }
 
-TEST_F(Shifting, TheFirstTheLastAndTheOnlyLineKeepTheirPlaces)
+TEST_F(Shifting, TheFirstTheLastAndTheOnlyLineKeepTheirPositions)
 {
     for (const int line : {0, 2}) {
         show(ThreeLines);
@@ -175,23 +175,23 @@ TEST_F(Shifting, AgreesWithTheOracleOnRandomLines)
     }
 }
 
-TEST_F(Shifting, TheCaretIsLookedForTwoPixelsToTheRightOfItsOldPlace)
+TEST_F(Shifting, TheCaretIsSearchedTwoPixelsToTheRightOfItsOldPosition)
 {
     NodeShift = GridLayout::CellWidth;
     show("<DIV>word word</DIV>");
     caret(0, 4);
     RightShift(document);
-    // The text has moved a cell to the right under the old place.
+    // The text at the old position has moved right by a cell.
     EXPECT_EQ(document.selection(), (Selection{{0, 3}, {0, 3}}));
 }
 
-TEST_F(Shifting, TheCaretIsSetBackByACharacterBehindALeftShift)
+TEST_F(Shifting, TheCaretMovesBackByACharacterAfterALeftShift)
 {
     NodeShift = GridLayout::CellWidth;
     show("<DIV style=\"MARGIN-LEFT: 10px\">word word</DIV>");
     caret(0, 4);
     LeftShift(document);
-    // A cell to the left under the old place, and one character back.
+    // The text has moved left by a cell, and the caret moves back by one character.
     EXPECT_EQ(document.selection(), (Selection{{0, 4}, {0, 4}}));
 }
 

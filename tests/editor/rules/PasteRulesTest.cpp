@@ -3,6 +3,8 @@
 #include "Desktop.h"
 #include "RulesFixture.h"
 
+#include <gmock/gmock.h>
+
 using namespace vmk;
 using namespace Qt::StringLiterals;
 
@@ -13,7 +15,7 @@ constexpr char TwoLines[] = "<DIV id=FirstDiv>first</DIV>\r<DIV style=\"MARGIN-L
 class Pasting : public Rules
 {
 protected:
-    /// The place of the caret, as a press of the mouse there would have left it.
+    /// Sets the caret as a mouse press at that position would.
     QPoint press()
     {
         const TextRange range = page::createRange(document);
@@ -42,7 +44,7 @@ TEST_F(Pasting, AnEmptyOrBlankClipboardDoesNothing)
     EXPECT_FALSE(document.canUndo());
 }
 
-TEST_F(Pasting, TextWithoutLinesGoesInAtTheCaretAndLeavesTheFlagAlone)
+TEST_F(Pasting, TextWithoutLinesIsInsertedAtTheCaretAndKeepsTheFlag)
 {
     show("<DIV><SPAN class=t>&lt;pp&gt;</SPAN></DIV>");
     caret(0, 2);
@@ -64,7 +66,7 @@ TEST_F(Pasting, TwoBlanksBecomeOneAsTextAndStayAsHtml)
     EXPECT_EQ(text(1), "one  two");
 }
 
-TEST_F(Pasting, AWholeLineAtTheEndOfALineGoesBelowIt)
+TEST_F(Pasting, ACompleteLineAtTheEndOfALineIsInsertedBelow)
 {
     show(TwoLines);
     caret(0, 5);
@@ -76,7 +78,7 @@ TEST_F(Pasting, AWholeLineAtTheEndOfALineGoesBelowIt)
     EXPECT_EQ(allText(), "first\nsecond\n");
 }
 
-TEST_F(Pasting, AWholeLineAtTheStartOfALineGoesAboveIt)
+TEST_F(Pasting, ACompleteLineAtTheStartOfALineIsInsertedAbove)
 {
     show(TwoLines);
     caret(1, 0);
@@ -86,7 +88,7 @@ TEST_F(Pasting, AWholeLineAtTheStartOfALineGoesAboveIt)
               "<DIV id=FirstDiv>first</DIV>\n<DIV>new</DIV>\n<DIV style=\"MARGIN-LEFT: 5px\">second</DIV>");
 }
 
-TEST_F(Pasting, WholeLinesInsideALineBecomePartOfItAsText)
+TEST_F(Pasting, CompleteLinesInsideALineBecomeItsText)
 {
     show(TwoLines);
     caret(1, 3);
@@ -111,7 +113,7 @@ TEST_F(Pasting, PasteAsHtmlInsideALineBreaksItInTwo)
     EXPECT_EQ(allText(), "first\nsecond\n");
 }
 
-TEST_F(Pasting, PasteAsHtmlWithoutLinesTakesTheLinesOwnTag)
+TEST_F(Pasting, PasteAsHtmlWithoutLinesUsesTheTagOfTheLine)
 {
     show(TwoLines);
     caret(1, 6);
@@ -165,7 +167,7 @@ TEST_F(Pasting, OutsideALineNothingIsPastedYetAnEditIsNoted)
     EXPECT_EQ(allText(), "\n");
 }
 
-TEST_F(Pasting, ForeignTextsLoseNoCharacterAndNoLine)
+TEST_F(Pasting, ForeignTextsKeepEveryCharacterAndLine)
 {
     const char* const texts[] = {
         "plain\r\nwith line ends\r\n",
@@ -189,9 +191,8 @@ TEST_F(Pasting, ForeignTextsLoseNoCharacterAndNoLine)
                 std::string page = allText();
                 EXPECT_EQ(page.rfind("first\n", 0), 0U) << foreign;
                 std::erase(page, '\n');
-                EXPECT_NE(page.find(std::string("second").substr(0, size_t(offset))), std::string::npos)
-                    << page;
-                EXPECT_NE(page.find(std::string("second").substr(size_t(offset))), std::string::npos) << page;
+                EXPECT_THAT(page, testing::HasSubstr(std::string("second").substr(0, size_t(offset))));
+                EXPECT_THAT(page, testing::HasSubstr(std::string("second").substr(size_t(offset))));
                 undo();
                 EXPECT_EQ(allText(), "first\nsecond\n") << foreign;
             }
@@ -212,7 +213,7 @@ TEST_F(Pasting, CopyThenPasteInTheSameLineKeepsThePainting)
               "<SPAN class=t>&lt;/p&gt;</SPAN></DIV>");
 }
 
-TEST_F(Pasting, CopyAsTextGivesTheTagInPlainAngleBrackets)
+TEST_F(Pasting, CopyAsTextWritesTheTagInPlainAngleBrackets)
 {
     show("<DIV><SPAN class=t>&lt;p&gt;</SPAN>a &amp; b</DIV>");
     select(0, 0, 0, 8);
@@ -221,7 +222,7 @@ TEST_F(Pasting, CopyAsTextGivesTheTagInPlainAngleBrackets)
     EXPECT_EQ(UndoSteps, 0);
 }
 
-TEST_F(Pasting, CutTakesTheSelectionOutAndACaretCutsNothing)
+TEST_F(Pasting, CutRemovesTheSelectionAndDoesNothingAtACaret)
 {
     show(TwoLines);
     select(0, 2, 1, 3);
@@ -299,7 +300,7 @@ TEST_F(Pasting, HtmlOfAnOfficeProgramKeepsItsWordsInLines)
     EXPECT_EQ(allText(), "first\nFirst words\nSecond\nsecond\n");
 }
 
-TEST_F(Pasting, PlainTextWithLineEndsGoesIntoTheLineWithBlanksForThem)
+TEST_F(Pasting, LineEndsOfPastedPlainTextBecomeBlanks)
 {
     show(TwoLines);
     caret(1, 3);
@@ -321,7 +322,7 @@ TEST_F(Pasting, ACopiedTagIsPastedWithItsPainting)
               "<SPAN class=t>&lt;image<FONT class=n> l:href=</FONT>/&gt;</SPAN></DIV>");
 }
 
-TEST_F(Pasting, ACopiedWholeLineIsPastedAsALineAtTheEndAndAtTheStartOfAnother)
+TEST_F(Pasting, ACopiedLineIsPastedAsALineAtTheEndAndTheStartOfAnother)
 {
     for (const int offset : {6, 0}) {
         show("<DIV>a<SPAN class=t>&lt;b&gt;</SPAN></DIV>\r<DIV style=\"MARGIN-LEFT: 5px\">second</DIV>");
@@ -333,13 +334,13 @@ TEST_F(Pasting, ACopiedWholeLineIsPastedAsALineAtTheEndAndAtTheStartOfAnother)
         const std::string other = "<DIV style=\"MARGIN-LEFT: 5px\">second</DIV>";
         EXPECT_EQ(lines(), copy + '\n' + (offset > 0 ? other + '\n' + copy : copy + '\n' + other));
     }
-    // Inside a line it becomes a part of it.
+    // Inside a line it becomes part of the line.
     caret(0, 1);
     PasteText(document, ClipboardText(), press());
     EXPECT_EQ(text(0), "aa<b><b>");
 }
 
-TEST_F(Pasting, LinesCopiedUpToTheBeginningOfTheNextBringNoEmptyLine)
+TEST_F(Pasting, LinesCopiedUpToTheStartOfTheNextAddNoEmptyLine)
 {
     show(TwoLines);
     select(0, 0, 1, 0);
@@ -351,7 +352,7 @@ TEST_F(Pasting, LinesCopiedUpToTheBeginningOfTheNextBringNoEmptyLine)
     EXPECT_EQ(allText(), "second\nfirst\n");
 }
 
-TEST_F(Pasting, OfAPaintedTagCopiedInPartTheTextAloneIsTaken)
+TEST_F(Pasting, APartlyCopiedPaintedTagIsPastedAsText)
 {
     show("<DIV><SPAN class=t>&lt;p&gt;</SPAN>word<SPAN class=t>&lt;/p&gt;</SPAN>x</DIV>");
     select(0, 0, 0, 2);
@@ -360,7 +361,7 @@ TEST_F(Pasting, OfAPaintedTagCopiedInPartTheTextAloneIsTaken)
     select(0, 1, 0, 3);
     CopySelection(document, false);
     EXPECT_EQ(ClipboardText(), u"p&gt;"_s);
-    // Both ends stand beside a painted piece, but they are two pieces.
+    // Both ends are beside a painted run, but these are two runs.
     select(0, 0, 0, 11);
     CopySelection(document, false);
     EXPECT_EQ(ClipboardText(), u"<SPAN class=t>&lt;p&gt;</SPAN>word<SPAN class=t>&lt;/p&gt;</SPAN>"_s);
@@ -380,7 +381,7 @@ TEST_F(Pasting, APasteInsideAPaintedTagLeavesBothSidesPainted)
               "<DIV><SPAN class=t>p&gt;</SPAN></DIV>");
 }
 
-TEST_F(Pasting, TheFirstLineTakesAPasteLikeAnyOther)
+TEST_F(Pasting, PastingIntoTheFirstLineWorksAsElsewhere)
 {
     for (const bool asHtml : {false, true}) {
         show(TwoLines);
@@ -394,7 +395,7 @@ TEST_F(Pasting, TheFirstLineTakesAPasteLikeAnyOther)
     }
 }
 
-TEST_F(Pasting, ATagCopiedAsTextComesBackAsAnElementAndIsNoMarkUpAnyMore)
+TEST_F(Pasting, ATagCopiedAsTextIsPastedAsAnElement)
 {
     show("<DIV><SPAN class=t>&lt;b&gt;</SPAN>word<SPAN class=t>&lt;/b&gt;</SPAN></DIV>");
     select(0, 0, 0, 11);
@@ -403,7 +404,7 @@ TEST_F(Pasting, ATagCopiedAsTextComesBackAsAnElementAndIsNoMarkUpAnyMore)
     caret(0, 5);
     PasteText(document, ClipboardText(), press());
     EXPECT_EQ(text(0), "<b>wowordrd</b>");
-    EXPECT_NE(lines().find("wo<B>word</B>rd"), std::string::npos) << lines();
+    EXPECT_THAT(lines(), testing::HasSubstr("wo<B>word</B>rd"));
 }
 
 TEST_F(Pasting, AsHtmlOutsideALineNothingIsPastedYetAnEditIsNoted)
@@ -427,7 +428,7 @@ TEST_F(Pasting, OnlyBlanksMakeAClipboardEmpty)
     EXPECT_EQ(UndoSteps, 1);
 }
 
-TEST_F(Pasting, TheCaretIsCountedFromTheLastPressOfTheMouse)
+TEST_F(Pasting, TheCaretIsCountedFromTheLastMousePress)
 {
     show("<DIV>some text</DIV>\r<DIV>word</DIV>");
     caret(1, 4);
@@ -438,7 +439,7 @@ TEST_F(Pasting, TheCaretIsCountedFromTheLastPressOfTheMouse)
     EXPECT_EQ(caretPlace(), (Position{0, 2 + 3}));
 }
 
-TEST_F(Pasting, CopyAndCutLeaveTheRestOfTheStateAlone)
+TEST_F(Pasting, CopyAndCutDoNotChangeOtherState)
 {
     show(TwoLines);
     select(0, 0, 0, 5);

@@ -44,7 +44,7 @@ TEST(PositionList, HoldsFortyEntriesAndForgetsTheOldest)
     EXPECT_EQ(list.entries[40], 41);
 }
 
-TEST(PositionList, FullGivesTheLaterEntriesTheValueOfTheLast)
+TEST(PositionList, WhenFullTheLaterEntriesGetTheValueOfTheLast)
 {
     PositionList list;
     list.reset(1);

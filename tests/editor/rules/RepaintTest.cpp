@@ -13,7 +13,7 @@ namespace {
 class Repainting : public Rules
 {
 protected:
-    /// The plain oracle's answer to the lines given.
+    /// The result of the plain oracle for the given lines.
     static std::string expected(const std::string& html)
     {
         reference::PaintRequest request;
@@ -54,7 +54,7 @@ TEST_F(Repainting, OneUndoCommandRestoresTheUnpaintedLineAndTheCaretStaysInIt)
     }
 }
 
-TEST_F(Repainting, DamagedTagsLoseTheirColour)
+TEST_F(Repainting, DamagedTagsAreNotColoured)
 {
     show("<DIV><SPAN class=t>p<FONT class=n> id=</FONT></SPAN>text<B>x</B></DIV>");
     caret(0, 0);
@@ -82,7 +82,7 @@ TEST_F(Repainting, WithoutHighlightingTagsAreBoldOnlyAmongLighterText)
     EXPECT_EQ(lines(), "<DIV>&lt;p&gt;text</DIV>");
 }
 
-TEST_F(Repainting, FromAStringNothingInTheDocumentMoves)
+TEST_F(Repainting, RepaintingAStringDoesNotChangeTheDocument)
 {
     show("<DIV>&lt;p&gt;</DIV>");
     const std::string before = lines();
@@ -93,12 +93,12 @@ TEST_F(Repainting, FromAStringNothingInTheDocumentMoves)
     EXPECT_FALSE(document.canUndo());
 }
 
-TEST_F(Repainting, TheSignBehindTwoDashesEndsAComment)
+TEST_F(Repainting, ABracketAfterTwoDashesEndsAComment)
 {
     EXPECT_EQ(RePaintHtml(u"&lt;!-- a --&lt;b"_s), u"<SPAN class=c>&lt;!-- a --&gt;</SPAN>b"_s);
 }
 
-TEST_F(Repainting, ATagRightBehindDashesOfTheTextStaysATag)
+TEST_F(Repainting, ATagAfterDashesInTheTextStaysATag)
 {
     EXPECT_EQ(RePaintHtml(u"so--&lt;/p&gt;"_s), u"so--<SPAN class=t>&lt;/p&gt;</SPAN>"_s);
     EXPECT_EQ(RePaintHtml(u"&lt;!-- a --&gt;--&lt;p&gt;"_s),
@@ -116,7 +116,7 @@ TEST_F(Repainting, AQuoteThatIsNotClosedReachesNoOtherLine)
                   + ">next\"</DIV>");
 }
 
-TEST_F(Repainting, BracketsAndQuotesWithinRealTagsAreLeftAlone)
+TEST_F(Repainting, BracketsAndQuotesInRealTagsAreKept)
 {
     const std::string page = "<DIV title=\"&lt;a id=&quot;\">b <I title=\"&lt;!-- &gt;\">c</I> id=\"</DIV>";
     show(page.c_str());

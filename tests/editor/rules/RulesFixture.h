@@ -14,7 +14,7 @@
 
 namespace vmk {
 
-/// A small page under the rules of editing, with the settings at their defaults.
+/// A small page for the editing rules, with the default settings.
 class Rules : public ::testing::Test
 {
 protected:
@@ -27,7 +27,7 @@ protected:
         DisplayFontWeight = QStringLiteral("normal");
     }
 
-    /// Shows these lines, given as they stand in a page's body.
+    /// Shows these lines, which have the form of a page's body.
     void show(const char* lines)
     {
         document.loadPage(QByteArray("<HTML><BODY>\r\n") + lines + "</BODY></HTML>");
@@ -50,7 +50,7 @@ protected:
     [[nodiscard]] std::string text(int line) const { return document.line(line).text.toStdString(); }
     [[nodiscard]] std::string selected() { return page::createRange(document).text().toStdString(); }
     [[nodiscard]] Position caretPlace() const { return document.selection().focus; }
-    /// Takes back what one undo command takes back.
+    /// Does what one undo command does.
     void undo()
     {
         for (int step = 0; step < std::max(UndoSteps, 1); ++step)

@@ -24,7 +24,7 @@ TEST_F(Typing, SpaceBesideABlankChangesNothing)
     EXPECT_TRUE(BookUnchanged);
 }
 
-TEST_F(Typing, SpaceBetweenLettersPutsABlankAndMovesBehindIt)
+TEST_F(Typing, SpaceBetweenLettersInsertsABlankAndMovesAfterIt)
 {
     show("<DIV>onetwo</DIV>");
     caret(0, 3);

@@ -18,7 +18,7 @@ namespace {
 
 constexpr int Pages[] = {1250, 1251, 1252};
 
-/// The C library's converter, which knows nothing of ours.
+/// The converter of the C library, which is independent of ours.
 class Iconv
 {
 public:
@@ -144,7 +144,7 @@ TEST(CodePages, EveryCharacterAsIconvWritesIt)
             const std::string written = EncodeText(text, page);
             ASSERT_EQ(written.size(), static_cast<size_t>(text.size())) << "one byte a code unit";
             const auto expected = fromUtf8.convert(text.toStdString());
-            // iconv drops the invisible tag characters: an answer without a byte is none.
+            // iconv drops the invisible tag characters: an empty result is no result.
             if (expected && !expected->empty()) {
                 ++exact;
                 EXPECT_EQ(written, *expected) << page << ' ' << std::hex << uint32_t{c};
@@ -168,7 +168,7 @@ TEST(CodePages, SubstitutesAreNeverMarkUp)
     }
 }
 
-TEST(CodePages, CharactersWithoutAPlaceGetTheNearest)
+TEST(CodePages, MissingCharactersAreReplacedBySimilarOnes)
 {
     const auto in = [](int page, const QString& text) { return EncodeText(text, page); };
     EXPECT_EQ(in(1251, u"café naïve Ångström"_s), "cafe naive Angstrom");
@@ -184,10 +184,10 @@ TEST(CodePages, CharactersWithoutAPlaceGetTheNearest)
     EXPECT_EQ(in(1252, u"Ａｂ１"_s), "Ab1") << "full width";
     EXPECT_EQ(in(1252, u"№ Ω ⁵"_s), "N O 5");
     EXPECT_EQ(in(1251, u"ѐ"_s), "\xe5");
-    EXPECT_EQ(in(1252, u"© ® ™ €"_s), "\xa9 \xae \x99 \x80") << "these have a place in each page";
+    EXPECT_EQ(in(1252, u"© ® ™ €"_s), "\xa9 \xae \x99 \x80") << "these exist in each page";
 }
 
-TEST(CodePages, TheRestBecomesQuestionMarks)
+TEST(CodePages, CharactersWithoutASimilarOneBecomeQuestionMarks)
 {
     EXPECT_EQ(EncodeText(u"Жук 書"_s, 1252), "??? ?");
     EXPECT_EQ(EncodeText(u"≠ ＜ ﬁ ¼"_s, 1251), "? ? ? ?") << "nothing that would say something else";
@@ -196,7 +196,7 @@ TEST(CodePages, TheRestBecomesQuestionMarks)
     EXPECT_EQ(EncodeText(QString(QChar(0xfffd)), 1251), "?");
 }
 
-TEST(CodePages, MalformedUtf8GivesOneReplacementForEachByte)
+TEST(CodePages, MalformedUtf8BecomesOneReplacementPerByte)
 {
     const QString bad(QChar::ReplacementCharacter);
     EXPECT_EQ(DecodeBytes("a\xff"
@@ -219,7 +219,7 @@ TEST(CodePages, ByteOrderMarkStaysInTheText)
     EXPECT_EQ(DecodeBytes(std::string_view("\xff\xfe<\0", 4), CodePageUtf16), u"\ufeff<"_s);
 }
 
-TEST(CodePages, Utf16LowByteFirstWithoutAnOddByte)
+TEST(CodePages, Utf16LittleEndianWithoutATrailingOddByte)
 {
     const std::string bytes("\x16\x04"
                             "a\0z",
@@ -251,7 +251,7 @@ TEST(CodePages, DirectRoutesAgreeWithTheRouteOverText)
     }
 }
 
-TEST(CodePages, TheValidBeginningEndsBehindTheLastWholeCharacter)
+TEST(CodePages, TheValidPrefixEndsAfterTheLastCompleteCharacter)
 {
     const std::string characters[] = {"a", "\xd0\x96", "\xe2\x82\xac", "\xf0\x9f\x98\x80"};
     std::mt19937 random(3);
@@ -277,7 +277,7 @@ TEST(CodePages, TheValidBeginningEndsBehindTheLastWholeCharacter)
 
 TEST(CodePages, EverySequenceOfFourBytesIsJudgedAsTheToolkitDoes)
 {
-    // One byte of each kind that the rules tell apart.
+    // One byte of each kind that the rules distinguish.
     const std::string kinds("\x00\x41\x7f\x80\x8f\x90\x9f\xa0\xbf\xc0\xc1\xc2\xdf\xe0\xe1\xec\xed\xee\xef"
                             "\xf0\xf1\xf3\xf4\xf5\xff",
                             25);

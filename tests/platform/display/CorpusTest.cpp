@@ -1,4 +1,4 @@
-// Real books in the display: each page loads line by line, and what the display writes holds the same text.
+// Real books in the display: each page loads line by line, and the saved page contains the same text.
 
 #include "Corpus.h"
 #include "BookToDisplay.h"
@@ -26,12 +26,12 @@ std::string pageOf(std::string book)
     return ConvertBookToDisplay(book, false) ? book : std::string();
 }
 
-/// The lines of a page's text with the white space that a browser shows: all kinds of it in a row are one
-/// blank, and none stands at a line's ends.
+/// The lines of a page's text with white space as in a browser: each run becomes one blank, and lines do
+/// not begin or end with white space.
 std::vector<std::string> shownLines(const std::string& page)
 {
     QString text = QString::fromStdString(TextOfPage(page, AngleMarks::Keep));
-    // A book that is not well-formed may hold references, which the display shows as their characters.
+    // A book that is not well-formed can contain references, which the display shows as their characters.
     text = ResolveReferences(text);
     text.replace(QRegularExpression(QStringLiteral("[ \\t\\x{A0}]+")), QStringLiteral(" "));
     std::vector<std::string> lines;
@@ -42,7 +42,7 @@ std::vector<std::string> shownLines(const std::string& page)
     return lines;
 }
 
-/// What stands around the first place where two texts differ; empty when they are equal.
+/// The surroundings of the first difference of two texts; empty if they are equal.
 std::string firstDifference(const std::string& a, const std::string& b)
 {
     const auto [inA, inB] = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
@@ -55,7 +55,7 @@ std::string firstDifference(const std::string& a, const std::string& b)
 
 } // namespace
 
-TEST(Corpus, EachBooksTextComesThroughTheDisplay)
+TEST(Corpus, TheTextOfEachBookIsUnchangedInTheDisplay)
 {
     if (test::CorpusBooks().empty())
         GTEST_SKIP() << test::NoCorpus;

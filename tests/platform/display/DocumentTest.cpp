@@ -64,7 +64,7 @@ constexpr char Second[] = "<DIV style=\"MARGIN-LEFT: 5px\">a<SPAN class=t>&lt;b&
 
 // ---------------------------------------------------------------- keys
 
-TEST_F(DocumentKeys, TypingGoesIntoTheSpanInFrontOfTheCaret)
+TEST_F(DocumentKeys, TypedTextJoinsTheSpanBeforeTheCaret)
 {
     caret(1, 4);
     document.typeText(QStringLiteral("x"));
@@ -73,7 +73,7 @@ TEST_F(DocumentKeys, TypingGoesIntoTheSpanInFrontOfTheCaret)
     EXPECT_EQ(document.selection().focus, (Position{1, 5}));
 }
 
-TEST_F(DocumentKeys, TypingAtALinesStartGoesIntoItsFirstElement)
+TEST_F(DocumentKeys, TypedTextAtTheLineStartJoinsTheFirstElement)
 {
     load("<DIV><SPAN class=t>&lt;p&gt;</SPAN></DIV>");
     caret(0, 0);
@@ -81,7 +81,7 @@ TEST_F(DocumentKeys, TypingAtALinesStartGoesIntoItsFirstElement)
     EXPECT_EQ(linesOf(document), "<DIV><SPAN class=t>x&lt;p&gt;</SPAN></DIV>");
 }
 
-TEST_F(DocumentKeys, TypingGoesIntoAnEmptyElementButNeverIntoAnAnchor)
+TEST_F(DocumentKeys, TypedTextJoinsAnEmptyElementButNeverAnAnchor)
 {
     load("<DIV>a<SPAN class=et></SPAN>b<A id=x></A>c</DIV>");
     caret(0, 1);
@@ -91,7 +91,7 @@ TEST_F(DocumentKeys, TypingGoesIntoAnEmptyElementButNeverIntoAnAnchor)
     EXPECT_EQ(linesOf(document), "<DIV>a<SPAN class=et>1</SPAN>b2<A id=x></A>c</DIV>");
 }
 
-TEST_F(DocumentKeys, EnterMakesALineWithTheSameBlockAndTheIdentifierStays)
+TEST_F(DocumentKeys, EnterAddsALineWithTheSameBlockButWithoutTheIdentifier)
 {
     caret(0, 1);
     document.insertLineBreak();
@@ -104,7 +104,7 @@ TEST_F(DocumentKeys, EnterMakesALineWithTheSameBlockAndTheIdentifierStays)
     EXPECT_EQ(document.selection().focus, (Position{3, 0}));
 }
 
-TEST_F(DocumentKeys, BackspaceAtALinesStartJoinsItToTheLineBefore)
+TEST_F(DocumentKeys, BackspaceAtTheLineStartJoinsTheLineToThePreviousOne)
 {
     caret(1, 0);
     document.deleteBackward();
@@ -113,7 +113,7 @@ TEST_F(DocumentKeys, BackspaceAtALinesStartJoinsItToTheLineBefore)
     EXPECT_EQ(document.selection().focus, (Position{0, 3}));
 }
 
-TEST_F(DocumentKeys, ALineThatMovesUpIntoAnEmptyOneKeepsItsMarginAndTheFirstItsIdentifier)
+TEST_F(DocumentKeys, ALineJoinedToAnEmptyOneKeepsItsMarginAndTheFirstIdentifier)
 {
     load("<DIV id=FirstDiv></DIV><DIV style=\"MARGIN-LEFT: 5px\">a</DIV>");
     caret(0, 0);
@@ -121,7 +121,7 @@ TEST_F(DocumentKeys, ALineThatMovesUpIntoAnEmptyOneKeepsItsMarginAndTheFirstItsI
     EXPECT_EQ(linesOf(document), "<DIV style=\"MARGIN-LEFT: 5px\" id=FirstDiv>a</DIV>");
 }
 
-TEST_F(DocumentKeys, SurrogatePairsAreTypedAndDeletedWhole)
+TEST_F(DocumentKeys, SurrogatePairsAreTypedAndDeletedAsOneCharacter)
 {
     const QString smile = QString::fromUcs4(U"\U0001F600", 1);
     caret(0, 3);
@@ -138,7 +138,7 @@ TEST_F(DocumentKeys, SurrogatePairsAreTypedAndDeletedWhole)
     EXPECT_EQ(document.selection().focus, (Position{0, 3}));
 }
 
-TEST_F(DocumentKeys, NothingIsDeletedBeyondTheEnds)
+TEST_F(DocumentKeys, DeletingBeyondTheEndsDoesNothing)
 {
     caret(0, 0);
     document.deleteBackward();
@@ -148,7 +148,7 @@ TEST_F(DocumentKeys, NothingIsDeletedBeyondTheEnds)
     EXPECT_FALSE(document.canUndo());
 }
 
-TEST_F(DocumentKeys, DeletingTheTextOfAnElementTakesTheElement)
+TEST_F(DocumentKeys, DeletingTheTextOfAnElementRemovesTheElement)
 {
     document.setSelection({1, 1}, {1, 4});
     document.deleteSelection();
@@ -156,7 +156,7 @@ TEST_F(DocumentKeys, DeletingTheTextOfAnElementTakesTheElement)
               QStringLiteral("<DIV style=\"MARGIN-LEFT: 5px\">ac</DIV>"));
 }
 
-TEST_F(DocumentKeys, SeveralWholeLinesGoAsLines)
+TEST_F(DocumentKeys, SeveralCompleteLinesAreDeletedAsLines)
 {
     document.setSelection({1, 5}, {0, 0});
     document.deleteSelection();
@@ -164,7 +164,7 @@ TEST_F(DocumentKeys, SeveralWholeLinesGoAsLines)
     EXPECT_EQ(document.selection().focus, Position());
 }
 
-TEST_F(DocumentKeys, AfterDeletingAllOneCanTypeOn)
+TEST_F(DocumentKeys, TypingWorksAfterDeletingEverything)
 {
     document.setSelection({}, document.end());
     document.deleteSelection();
@@ -177,7 +177,7 @@ TEST_F(DocumentKeys, AfterDeletingAllOneCanTypeOn)
 
 // ---------------------------------------------------------------- undo
 
-TEST_F(DocumentUndo, ARunOfTypingIsOneStep)
+TEST_F(DocumentUndo, ConsecutiveTypingIsOneStep)
 {
     caret(0, 3);
     document.typeText(QStringLiteral("a"));
@@ -191,7 +191,7 @@ TEST_F(DocumentUndo, ARunOfTypingIsOneStep)
     EXPECT_EQ(document.selection().focus, (Position{0, 5}));
 }
 
-TEST_F(DocumentUndo, AMovedCaretOrAnotherOperationEndsTheRun)
+TEST_F(DocumentUndo, ACaretMoveOrAnotherOperationEndsTheTypingStep)
 {
     caret(0, 3);
     document.typeText(QStringLiteral("a"));
@@ -209,7 +209,7 @@ TEST_F(DocumentUndo, AMovedCaretOrAnotherOperationEndsTheRun)
     EXPECT_EQ(linesOf(document), Three);
 }
 
-TEST_F(DocumentUndo, TheSelectionInFrontOfAnEditComesBack)
+TEST_F(DocumentUndo, TheSelectionBeforeAnEditIsRestored)
 {
     document.setSelection({1, 2}, {0, 1});
     document.typeText(QStringLiteral("x"));
@@ -219,7 +219,7 @@ TEST_F(DocumentUndo, TheSelectionInFrontOfAnEditComesBack)
     EXPECT_EQ(document.selection().focus, (Position{0, 1}));
 }
 
-TEST_F(DocumentUndo, ANewEditForgetsWhatCouldBeRedone)
+TEST_F(DocumentUndo, ANewEditClearsTheRedoSteps)
 {
     caret(0, 0);
     document.typeText(QStringLiteral("a"));
@@ -228,7 +228,7 @@ TEST_F(DocumentUndo, ANewEditForgetsWhatCouldBeRedone)
     EXPECT_FALSE(document.redo());
 }
 
-TEST_F(DocumentUndo, UndoneLinesAreTheVeryOldOnes)
+TEST_F(DocumentUndo, UndoRestoresTheOriginalLineObjects)
 {
     const LinePtr old = document.linePtr(1);
     range(1, 0, 3).pasteHTML(QStringLiteral("<DIV>x</DIV>"));
@@ -246,7 +246,7 @@ QByteArray veryLongLine()
     return "<DIV id=x>" + text + "</DIV>";
 }
 
-/// One edit of a random sort near the selection; one step of undo, if any.
+/// One random edit near the selection: at most one undo step.
 void editSomewhere(DisplayDocument& document, reference::Dice& dice)
 {
     const auto characters = int(document.characterIndex(document.end()));
@@ -286,7 +286,7 @@ void editSomewhere(DisplayDocument& document, reference::Dice& dice)
     }
 }
 
-TEST_F(DocumentUndo, VeryLongLinesComeBackThroughEverySortOfEdit)
+TEST_F(DocumentUndo, VeryLongLinesAreRestoredAfterEveryKindOfEdit)
 {
     document.loadPage("<DIV>first</DIV>" + veryLongLine() + veryLongLine());
     reference::Dice dice(17);
@@ -312,7 +312,7 @@ TEST_F(DocumentUndo, VeryLongLinesComeBackThroughEverySortOfEdit)
     EXPECT_TRUE(redone == pages);
 }
 
-TEST_F(DocumentUndo, AStepInAVeryLongLineKeepsOnlyWhatItChanged)
+TEST_F(DocumentUndo, AStepInAVeryLongLineStoresOnlyTheChange)
 {
     constexpr qsizetype Length = 1 << 20;
     constexpr int Steps = 500;
@@ -325,13 +325,13 @@ TEST_F(DocumentUndo, AStepInAVeryLongLineKeepsOnlyWhatItChanged)
     caret(0, Length / 2);
     for (int i = 0; i < Steps; ++i)
         document.deleteBackward();
-    // The line as it is and as it was in front of the last step, and little else.
+    // The line before and after the last step, and little else.
     EXPECT_LT(heapBytes() - before, 4 * Length * sizeof(QChar));
     while (document.undo()) { }
     EXPECT_EQ(document.line(0).text.size(), Length);
 }
 
-TEST_F(DocumentUndo, LoadingAPageStartsAfresh)
+TEST_F(DocumentUndo, LoadingAPageClearsTheHistory)
 {
     TextRange live = range(1, 1, 2);
     document.typeText(QStringLiteral("a"));
@@ -356,7 +356,7 @@ TEST_F(RangeText, EachKindOfLineEndBreaksTheLineWithItsBlock)
     EXPECT_EQ(page::item(document, 5).outerHTML(), QStringLiteral("<DIV style=\"MARGIN-LEFT: 5px\">4</DIV>"));
 }
 
-TEST_F(RangeText, SettingTextLeavesTheRangeBehindItSoThatMovingBackSelectsIt)
+TEST_F(RangeText, SettingTextMovesTheRangeAfterItSoThatMovingBackSelectsIt)
 {
     TextRange range(document, {0, 1}, {1, 1});
     range.setText(QStringLiteral("x\r\nyz"));
@@ -365,19 +365,19 @@ TEST_F(RangeText, SettingTextLeavesTheRangeBehindItSoThatMovingBackSelectsIt)
     EXPECT_EQ(text(range), "x\r\nyz");
 }
 
-TEST_F(RangeText, TheElementAroundTheWholeTextStaysAroundTheNewOne)
+TEST_F(RangeText, TheElementAroundTheReplacedTextEnclosesTheNewText)
 {
     range(1, 1, 4).setText(QStringLiteral("<i>"));
     EXPECT_EQ(range(1, 0, 5).htmlText(), QStringLiteral("a<SPAN class=t>&lt;i&gt;</SPAN>c"));
 }
 
-TEST_F(RangeText, TextAcrossElementsLosesThem)
+TEST_F(RangeText, ReplacingTextAcrossElementsRemovesThem)
 {
     range(1, 0, 4).setText(QStringLiteral("A<B>"));
     EXPECT_EQ(range(1, 0, 5).htmlText(), QStringLiteral("A&lt;B&gt;c"));
 }
 
-TEST_F(RangeText, AnEmptiedFieldWaitsForText)
+TEST_F(RangeText, AnEmptiedElementAcceptsText)
 {
     TextRange field = range(0, 1, 1);
     field.pasteHTML(QStringLiteral("<SPAN class=et>&nbsp;</SPAN>"));
@@ -394,15 +394,15 @@ TEST_F(RangeText, LiveRangesGrowAndShrinkWithTheirText)
 {
     TextRange scope = lines(0, 1);
     TextRange before = range(0, 0, 1);
-    TextRange behind = range(2, 0, 5);
+    TextRange after = range(2, 0, 5);
     TextRange hit = range(1, 4, 5);
     hit.setText(QStringLiteral("long\r\ner"));
     EXPECT_EQ(text(scope), "one\r\na<b>long\r\ner");
     EXPECT_EQ(text(before), "o");
-    EXPECT_EQ(text(behind), "three");
+    EXPECT_EQ(text(after), "three");
     document.undo();
     EXPECT_EQ(text(scope), "one\r\na<b>c");
-    EXPECT_EQ(text(behind), "three");
+    EXPECT_EQ(text(after), "three");
 }
 
 TEST_F(RangeText, ARangeOutlivesItsDocument)
@@ -426,7 +426,7 @@ TEST_F(RangeHtml, OfSeveralLinesEachInItsBlock)
             "<DIV id=FirstDiv>ne</DIV>\r\n<DIV style=\"MARGIN-LEFT: 5px\">a<SPAN class=t>&lt;</SPAN></DIV>"));
 }
 
-TEST_F(RangeHtml, ElementsCutAtAnEndAreClosedAndThoseAroundAllAreLeftOut)
+TEST_F(RangeHtml, PartlyCoveredElementsAreClosedAndEnclosingOnesOmitted)
 {
     EXPECT_EQ(range(1, 0, 2).htmlText(), QStringLiteral("a<SPAN class=t>&lt;</SPAN>"));
     EXPECT_EQ(range(1, 3, 5).htmlText(), QStringLiteral("<SPAN class=t>&gt;</SPAN>c"));
@@ -456,7 +456,7 @@ TEST_F(RangeHtml, TextWithoutBlocksIsPastedIntoTheCurrentSpan)
     EXPECT_EQ(place.start(), (Position{1, 6}));
 }
 
-TEST_F(RangeHtml, BlocksPastedIntoALineStandAlone)
+TEST_F(RangeHtml, BlocksPastedIntoALineBecomeSeparateLines)
 {
     range(0, 1, 2).pasteHTML(QStringLiteral("<DIV>x</DIV>"));
     EXPECT_EQ(linesOf(document).substr(0, 60),
@@ -468,13 +468,13 @@ TEST_F(RangeHtml, BlocksPastedIntoALineStandAlone)
     EXPECT_EQ(linesOf(document), "<P>x</P>|<P>y</P>");
 }
 
-TEST_F(RangeHtml, TheRangesOwnHtmlPutInItsPlaceChangesNothing)
+TEST_F(RangeHtml, ReplacingARangeByItsOwnHtmlChangesNothing)
 {
     for (int from = 0; from < 15; ++from) {
         for (int to = from + 1; to <= 15; ++to) {
             TextRange range(document, document.positionAt(from), document.positionAt(to));
             range.pasteHTML(range.htmlText());
-            // An element that the range's end cuts is two now; that is all.
+            // Only an element across the end of the range is split in two.
             QString html = QString::fromStdString(linesOf(document));
             html.remove(QStringLiteral("</SPAN><SPAN class=t>"));
             ASSERT_EQ(html.toStdString(), Three) << from << " to " << to;
@@ -531,7 +531,7 @@ TEST_F(RangeMovement, ALineBreakIsOneCharacter)
     EXPECT_EQ(caret.start(), (Position{0, 2}));
 }
 
-TEST_F(RangeMovement, AnEndThatPassesTheOtherTakesItAlong)
+TEST_F(RangeMovement, AnEndMovedPastTheOtherMovesItToo)
 {
     TextRange moving = range(2, 1, 3);
     EXPECT_EQ(moving.moveStart(u"character", 3), 3);
@@ -541,7 +541,7 @@ TEST_F(RangeMovement, AnEndThatPassesTheOtherTakesItAlong)
     EXPECT_EQ(moving.start(), (Position{2, 2}));
 }
 
-TEST_F(RangeMovement, MovesStopAtTheDocumentsEndsAndSayHowFarTheyWent)
+TEST_F(RangeMovement, MovesStopAtTheDocumentEndsAndReturnTheDistance)
 {
     TextRange caret = range(1, 2, 2);
     EXPECT_EQ(caret.move(u"character", -1000000000), -6);
@@ -559,7 +559,7 @@ TEST_F(RangeMovement, AMoveNeverEndsInsideASurrogatePair)
     EXPECT_EQ(caret.start(), (Position{0, 1}));
 }
 
-TEST_F(RangeMovement, ByWordsWithTheBlanksBehindThem)
+TEST_F(RangeMovement, ByWordsWithTheBlanksAfterThem)
 {
     load("<DIV></DIV><DIV>x</DIV>");
     range(0, 0, 0).setText(QStringLiteral("one  two, three"));
@@ -656,7 +656,7 @@ TEST_F(RangeMovement, UnitsAndEndPointsHaveTheirNamesInAnyCase)
     EXPECT_EQ(EndPointsName(u"StartToEnd").ends, EndPoints::StartToEnd);
 }
 
-TEST_F(RangeMovement, SelectingMakesTheSelectionAndItsType)
+TEST_F(RangeMovement, SelectingSetsTheSelectionAndItsType)
 {
     EXPECT_EQ(page::type(document), QStringLiteral("None"));
     range(1, 1, 3).select();
@@ -706,7 +706,7 @@ TEST_F(RangeSearch, AcrossMarksAndLineBreaks)
     }
 }
 
-TEST_F(RangeSearch, WholeWordsAndCaseByFlag)
+TEST_F(RangeSearch, FlagsSelectWholeWordsAndCase)
 {
     load("<DIV>concat Cat cat_ \xd0\x9a\xd0\x9e\xd0\xa2 cat</DIV>");
     TextRange search = page::createTextRange(document);
@@ -766,7 +766,7 @@ TEST_F(Elements, MarginAndIdentifierAreSetInTheStartTag)
     EXPECT_EQ(linesOf(document), Three);
 }
 
-TEST_F(Elements, AnEmptyOuterHtmlTakesTheLineOutAndTheNextHasItsPlace)
+TEST_F(Elements, AnEmptyOuterHtmlRemovesTheLineAndTheNextMovesUp)
 {
     DisplayElement second = page::item(document, 2);
     second.setOuterHTML(QString());
@@ -775,7 +775,7 @@ TEST_F(Elements, AnEmptyOuterHtmlTakesTheLineOutAndTheNextHasItsPlace)
     EXPECT_EQ(linesOf(document), "<DIV id=FirstDiv>one</DIV>|<DIV>x</DIV>|<DIV>y</DIV>|<DIV>three</DIV>");
 }
 
-TEST_F(Elements, WhatReplacesTheLastLineGoesToTheEnd)
+TEST_F(Elements, TheReplacementOfTheLastLineIsAtTheEnd)
 {
     DisplayElement last = page::item(document, 3);
     last.setOuterHTML(QString());
@@ -794,7 +794,7 @@ TEST_F(Elements, WhatReplacesAllLinesLeavesNoEmptyOne)
     EXPECT_EQ(linesOf(document), "<DIV id=FirstDiv>new</DIV>");
 }
 
-TEST_F(Elements, AreFoundByNameOrIdentifierAlsoInLines)
+TEST_F(Elements, InlineElementsAreFoundByNameOrIdentifierToo)
 {
     range(1, 2, 2).pasteHTML(QStringLiteral("<A id=()*^^^%^*></A>"));
     range(2, 0, 0).pasteHTML(QStringLiteral("<A name=\"()*^^^%^*\">T</A>"));
@@ -809,7 +809,7 @@ TEST_F(Elements, AreFoundByNameOrIdentifierAlsoInLines)
     EXPECT_TRUE(page::getElementsByName(document, QStringLiteral("firstdiv")).empty());
 }
 
-TEST_F(Elements, HtmlGoesBesideAnInlineElement)
+TEST_F(Elements, HtmlIsInsertedBesideAnInlineElement)
 {
     range(1, 2, 2).pasteHTML(QStringLiteral("<A id=x></A>"));
     page::getElementsByName(document, QStringLiteral("x"))[0].insertAdjacentHTML(Adjacent::AfterEnd,
@@ -874,7 +874,7 @@ TEST_F(SharedOperations, TheCaretInsideATag)
     EXPECT_FALSE(CaretInsideTag(document));
 }
 
-TEST_F(SharedOperations, ATagIsLookedForUpToFiftyOneCharactersAway)
+TEST_F(SharedOperations, ATagIsSearchedUpToFiftyOneCharactersAway)
 {
     range(1, 2, 3).setText(QString(50, u'x'));
     caret(1, 52);
@@ -904,7 +904,7 @@ public:
 
 } // namespace
 
-TEST_F(Document, TellsItsListenerWhichLinesChanged)
+TEST_F(Document, NotifiesItsListenerOfTheChangedLines)
 {
     Recorder recorder;
     document.setListener(&recorder);

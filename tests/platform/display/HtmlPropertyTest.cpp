@@ -1,4 +1,4 @@
-// What holds for HTML of every kind: what was written reads back the same, and text is never lost.
+// Properties of all HTML: written HTML reads back unchanged, and text is never lost.
 
 #include "DisplayPage.h"
 #include "HtmlCheck.h"
@@ -16,78 +16,80 @@ namespace {
 
 using reference::Dice;
 
-/// HTML such as nobody would write: tags of all sorts in any order, stray signs, and text between them.
+/// What `randomHtml` combines.
+constexpr const char* Pieces[] = {"<DIV>",
+                                  "</DIV>",
+                                  "<div id=FirstDiv style='margin-left: 5px'>",
+                                  "<P>",
+                                  "</p>",
+                                  "<BR>",
+                                  "<br/>",
+                                  "<HR>",
+                                  "<H2 align=center>",
+                                  "</H2>",
+                                  "<SPAN class=t>",
+                                  "</SPAN>",
+                                  "<FONT class=\"n\">",
+                                  "</font>",
+                                  "<B>",
+                                  "</B>",
+                                  "<I>",
+                                  "</i>",
+                                  "<A id=()*^^^%^*>",
+                                  "</A>",
+                                  "<IMG src=a.png>",
+                                  "<UL>",
+                                  "<LI>",
+                                  "</UL>",
+                                  "<TABLE><TR><TD>",
+                                  "</TABLE>",
+                                  "<PRE>",
+                                  "</PRE>",
+                                  "<!-- c -->",
+                                  "<!--",
+                                  "-->",
+                                  "<SCRIPT>",
+                                  "</SCRIPT>",
+                                  "<HEAD>",
+                                  "</HEAD>",
+                                  "<BODY text=\"a>b\">",
+                                  "</BODY>",
+                                  "<a href=\"x",
+                                  "<x y='",
+                                  "\">",
+                                  "'",
+                                  "&",
+                                  "&lt;",
+                                  "&gt;",
+                                  "&amp;",
+                                  "&nbsp;",
+                                  "&#10;",
+                                  "&#x1F600;",
+                                  "&bogus;",
+                                  "<",
+                                  ">",
+                                  "</",
+                                  "<!",
+                                  "<?x",
+                                  "\r\n",
+                                  "  ",
+                                  "\t",
+                                  " ",
+                                  "a",
+                                  "\xd1\x8f",
+                                  "\xf0\x9f\x98\x80",
+                                  "\xc2\xa0",
+                                  "\x7f",
+                                  "\xff",
+                                  "\xed\xa0\x80",
+                                  "word",
+                                  "=",
+                                  "\"",
+                                  "/"};
+
+/// Random HTML: all kinds of tags in any order, stray characters, and text between them.
 QByteArray randomHtml(Dice& dice)
 {
-    constexpr const char* Pieces[] = {"<DIV>",
-                                      "</DIV>",
-                                      "<div id=FirstDiv style='margin-left: 5px'>",
-                                      "<P>",
-                                      "</p>",
-                                      "<BR>",
-                                      "<br/>",
-                                      "<HR>",
-                                      "<H2 align=center>",
-                                      "</H2>",
-                                      "<SPAN class=t>",
-                                      "</SPAN>",
-                                      "<FONT class=\"n\">",
-                                      "</font>",
-                                      "<B>",
-                                      "</B>",
-                                      "<I>",
-                                      "</i>",
-                                      "<A id=()*^^^%^*>",
-                                      "</A>",
-                                      "<IMG src=a.png>",
-                                      "<UL>",
-                                      "<LI>",
-                                      "</UL>",
-                                      "<TABLE><TR><TD>",
-                                      "</TABLE>",
-                                      "<PRE>",
-                                      "</PRE>",
-                                      "<!-- c -->",
-                                      "<!--",
-                                      "-->",
-                                      "<SCRIPT>",
-                                      "</SCRIPT>",
-                                      "<HEAD>",
-                                      "</HEAD>",
-                                      "<BODY text=\"a>b\">",
-                                      "</BODY>",
-                                      "<a href=\"x",
-                                      "<x y='",
-                                      "\">",
-                                      "'",
-                                      "&",
-                                      "&lt;",
-                                      "&gt;",
-                                      "&amp;",
-                                      "&nbsp;",
-                                      "&#10;",
-                                      "&#x1F600;",
-                                      "&bogus;",
-                                      "<",
-                                      ">",
-                                      "</",
-                                      "<!",
-                                      "<?x",
-                                      "\r\n",
-                                      "  ",
-                                      "\t",
-                                      " ",
-                                      "a",
-                                      "\xd1\x8f",
-                                      "\xf0\x9f\x98\x80",
-                                      "\xc2\xa0",
-                                      "\x7f",
-                                      "\xff",
-                                      "\xed\xa0\x80",
-                                      "word",
-                                      "=",
-                                      "\"",
-                                      "/"};
     QByteArray html;
     for (int i = dice.roll(40); i >= 0; --i) {
         html += Pieces[dice.roll(int(std::size(Pieces)))];
@@ -99,7 +101,7 @@ QByteArray randomHtml(Dice& dice)
 
 } // namespace
 
-TEST(HtmlProperty, WhatWasWrittenReadsBackAsTheSameLines)
+TEST(HtmlProperty, WrittenHtmlReadsBackAsTheSameLines)
 {
     constexpr int Rounds = 20000;
     Dice dice(7);
@@ -110,7 +112,7 @@ TEST(HtmlProperty, WhatWasWrittenReadsBackAsTheSameLines)
     }
 }
 
-TEST(HtmlProperty, AnElementsOwnHtmlPutInItsPlaceChangesNothing)
+TEST(HtmlProperty, ReplacingAnElementByItsOwnHtmlChangesNothing)
 {
     constexpr int Rounds = 3000;
     Dice dice(23);
@@ -120,7 +122,7 @@ TEST(HtmlProperty, AnElementsOwnHtmlPutInItsPlaceChangesNothing)
     }
 }
 
-TEST(HtmlProperty, TextBetweenTagsComesThroughWhole)
+TEST(HtmlProperty, TextBetweenTagsIsKeptCompletely)
 {
     constexpr int Rounds = 5000;
     constexpr const char* Tags[] = {"<DIV>",          "</DIV>",  "<P>",  "<BR>",  "<B>",     "</B>",
@@ -146,7 +148,7 @@ TEST(HtmlProperty, TextBetweenTagsComesThroughWhole)
     }
 }
 
-TEST(HtmlProperty, ABookPageReadsBackWithItsBytes)
+TEST(HtmlProperty, ABookPageIsSavedWithTheSameBytes)
 {
     DisplayDocument document;
     document.loadPage(reference::makeBookPage(1 << 20));
@@ -157,7 +159,7 @@ TEST(HtmlProperty, ABookPageReadsBackWithItsBytes)
     EXPECT_EQ(again.savePage(), saved);
 }
 
-TEST(HtmlProperty, HostileNestingCostsNoMoreThanItsSize)
+TEST(HtmlProperty, DeepNestingCostsLinearTime)
 {
     const auto linesIn = [](const QByteArray& html) {
         DisplayDocument document;

@@ -1,5 +1,5 @@
-// Inputs that a page's author, or an enemy, may think of: what was made of them is written so that it reads
-// back as the same document, and their text is all there.
+// Unusual and hostile pages: the document is written in a form that reads back as the same document, and
+// no text is lost.
 
 #include "DisplayPage.h"
 #include "HtmlCheck.h"
@@ -7,6 +7,7 @@
 #include "HtmlReader.h"
 #include "HtmlWriter.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -17,7 +18,7 @@ namespace vmk {
 
 namespace {
 
-/// The text of a page that was checked to read back as itself, `|` between its lines.
+/// The text of a page, with `|` between its lines; checks that the page reads back unchanged.
 std::string textOf(const QByteArray& html)
 {
     EXPECT_EQ(reference::pageFault(html), std::string()) << html.toStdString();
@@ -40,7 +41,7 @@ std::string firstLineOf(const QByteArray& html)
 
 } // namespace
 
-TEST(HtmlRoundTrip, ATagWhoseAttributesBeginWithASlashLosesOnlyItsIdentifierWhenItsBlockGoesOn)
+TEST(HtmlRoundTrip, ASecondLineOfABlockOmitsOnlyTheIdentifierOfATagThatBeginsWithASlash)
 {
     DisplayDocument document;
     document.loadPage("<DIV/ id=FirstDiv>a<BR>b</DIV>");
@@ -50,7 +51,7 @@ TEST(HtmlRoundTrip, ATagWhoseAttributesBeginWithASlashLosesOnlyItsIdentifierWhen
     EXPECT_EQ(textOf("<DIV/ id=FirstDiv>a<BR>b</DIV>"), "a|b");
 }
 
-TEST(HtmlRoundTrip, AnElementLeftOpenAtTheEndOfThePageBeginsNoLineOfItsOwn)
+TEST(HtmlRoundTrip, AnOpenElementAtTheEndOfThePageAddsNoLine)
 {
     EXPECT_EQ(firstLineOf("<DIV>a<V x=y>"), "<DIV>a<V x=y></V></DIV>");
     EXPECT_EQ(textOf("<DIV>a<V x=y>"), "a");
@@ -65,7 +66,7 @@ TEST(HtmlRoundTrip, QuotesOfBothKindsInValues)
     EXPECT_EQ(firstLineOf("<DIV title=a\"b'c>d</DIV>"), "<DIV title=a\"b'c>d</DIV>");
     EXPECT_EQ(firstLineOf("<DIV \"a\" 'b'>c</DIV>"), "<DIV \"a\" 'b'>c</DIV>");
     EXPECT_EQ(firstLineOf("<DIV a=\"b\"c='d'e=f>g</DIV>"), "<DIV a=\"b\"c='d'e=f>g</DIV>");
-    // A quote ends at the next one of its kind, whatever stands between.
+    // A quote ends at the next one of the same kind.
     EXPECT_EQ(textOf("<DIV a=\"b'>c</DIV><DIV d='e\">f</DIV>"), "f");
 }
 
@@ -94,7 +95,7 @@ TEST(HtmlRoundTrip, LineEndsWithinTagsAreBlanks)
     EXPECT_EQ(firstLineOf("<\nDIV>a"), "<DIV>&lt; DIV&gt;a</DIV>");
 }
 
-TEST(HtmlRoundTrip, EveryControlCharacterMayStandInNamesValuesAndText)
+TEST(HtmlRoundTrip, ControlCharactersAreAllowedInNamesValuesAndText)
 {
     for (int c = 0; c <= 0xA0; ++c) {
         const QByteArray sign = QString(QChar(c)).toUtf8();
@@ -106,11 +107,11 @@ TEST(HtmlRoundTrip, EveryControlCharacterMayStandInNamesValuesAndText)
               "<X y=" + sign + "z>text</X>", "<X y=\"" + sign + "\">text</X>", "<X y='" + sign + "'>text</X>",
               "<X y" + sign + ">text</X>", "<DIV" + sign + ">text<BR>text</DIV>",
               "<DIV align=" + sign + "><P>text</P></DIV>", "<DIV" + sign + "id=a" + sign + ">text<BR>text"})
-            EXPECT_NE(textOf(html).find("text"), std::string::npos) << c << html.toStdString();
+            EXPECT_THAT(textOf(html), testing::HasSubstr("text")) << c << html.toStdString();
     }
 }
 
-TEST(HtmlRoundTrip, ANulIsACharacterLikeOthers)
+TEST(HtmlRoundTrip, ANulIsAnOrdinaryCharacter)
 {
     const QByteArray html("<DIV t\0=\0>a\0b</DIV>", 19);
     EXPECT_EQ(textOf(html), std::string("a\0b", 3));
@@ -126,21 +127,21 @@ TEST(HtmlRoundTrip, SlashesInTags)
     EXPECT_EQ(firstLineOf("<DIV/id=a/>b"), "<DIV /id=a/>b</DIV>");
 }
 
-TEST(HtmlRoundTrip, ValuesThatAreMissing)
+TEST(HtmlRoundTrip, MissingValues)
 {
     EXPECT_EQ(firstLineOf("<DIV title=>a</DIV>"), "<DIV title=\"\">a</DIV>");
     EXPECT_EQ(firstLineOf("<DIV title= >a</DIV>"), "<DIV title=\"\">a</DIV>");
     EXPECT_EQ(firstLineOf("<DIV title= />a</DIV>"), "<DIV title=\"\">a</DIV>");
     EXPECT_EQ(firstLineOf("<DIV =>a</DIV>"), "<DIV =>a</DIV>");
     EXPECT_EQ(firstLineOf("<A href=b?c=>d</A>"), "<DIV><A href=b?c=>d</A></DIV>");
-    // What is set behind such an attribute does not become its value.
+    // An attribute that is set after such an attribute does not become its value.
     TagTable tags;
     const TagId tag = tags.withAttribute(tags.intern(u"DIV", u"title="), u"style", u"a:b"_s);
     EXPECT_EQ(tags[tag].style, u"a:b");
     EXPECT_EQ(tags[tag].value(u"title"), u"");
 }
 
-TEST(HtmlRoundTrip, AnAttributeGivenTwiceCountsOnceAndGoesAsAWhole)
+TEST(HtmlRoundTrip, ADuplicateAttributeCountsOnceAndIsRemovedCompletely)
 {
     TagTable tags;
     const TagId twice = tags.intern(u"DIV", u"id=a class=t ID='b'");
@@ -150,7 +151,7 @@ TEST(HtmlRoundTrip, AnAttributeGivenTwiceCountsOnceAndGoesAsAWhole)
     EXPECT_EQ(textOf("<DIV align=center align=left><P>a</P><P align=>b</P></DIV>"), "a|b");
 }
 
-TEST(HtmlRoundTrip, TagsWithoutAnEndAreText)
+TEST(HtmlRoundTrip, UnclosedTagsAreText)
 {
     EXPECT_EQ(textOf("a<"), "a<");
     EXPECT_EQ(textOf("a</"), "a</");
@@ -176,7 +177,7 @@ TEST(HtmlRoundTrip, CommentsOfEveryForm)
     EXPECT_EQ(textOf("a--><!--b-->"), "a-->");
 }
 
-TEST(HtmlRoundTrip, ReferencesHalfWrittenAreText)
+TEST(HtmlRoundTrip, IncompleteReferencesAreText)
 {
     for (const char* text : {"&", "&;", "&#", "&#;", "&#x", "&#x;", "&lt", "&amp", "&nbsp", "&bogus;",
                              "&amp;amp", "&&lt;", "&#xg;", "&LT;", "&l t;"}) {
@@ -193,7 +194,7 @@ TEST(HtmlRoundTrip, ReferencesHalfWrittenAreText)
     EXPECT_EQ(textOf("<DIV>a&#13;&#10;&#9;&#32;b</DIV>"), "a b");
 }
 
-TEST(HtmlRoundTrip, WrongUtf8IsText)
+TEST(HtmlRoundTrip, InvalidUtf8IsText)
 {
     for (const char* bytes : {"\x80", "\xff", "\xc2", "\xc0\x80", "\xe2\x82", "\xed\xa0\x80", "\xf0\x9f\x98",
                               "\xf4\x90\x80\x80", "\xf8\x88\x80\x80\x80"}) {
@@ -202,11 +203,11 @@ TEST(HtmlRoundTrip, WrongUtf8IsText)
               QByteArray("<DIV a=") + bytes + ">text</DIV>",
               QByteArray("<DIV a=\"") + bytes + "\">text</DIV>",
               QByteArray("<HTML><TITLE>") + bytes + "</TITLE><BODY>text"})
-            EXPECT_NE(textOf(html).find("text"), std::string::npos) << html.toStdString();
+            EXPECT_THAT(textOf(html), testing::HasSubstr("text")) << html.toStdString();
     }
 }
 
-TEST(HtmlRoundTrip, LoneSurrogatesInAFragmentStay)
+TEST(HtmlRoundTrip, LoneSurrogatesInAFragmentAreKept)
 {
     constexpr char16_t High = 0xD83D;
     constexpr char16_t Low = 0xDE00;
@@ -222,7 +223,7 @@ TEST(HtmlRoundTrip, LoneSurrogatesInAFragmentStay)
               u'a' + QString(QChar(High)) + u'b');
 }
 
-TEST(HtmlRoundTrip, ElementsThatOverlap)
+TEST(HtmlRoundTrip, OverlappingElements)
 {
     EXPECT_EQ(textOf("<DIV><B>a<I>b</B>c</I>d</DIV>"), "abcd");
     EXPECT_EQ(textOf("<B><DIV>a<I></B>b</DIV>c</I>"), "ab|c");
@@ -233,7 +234,7 @@ TEST(HtmlRoundTrip, ElementsThatOverlap)
     EXPECT_EQ(textOf("<B><BR><HR><BR></B>"), "|||");
 }
 
-TEST(HtmlRoundTrip, NestingAsDeepAsItLikes)
+TEST(HtmlRoundTrip, DeepNesting)
 {
     for (const int depth : {24, 25, 255, 256, 257, 3000}) {
         const QByteArray open = QByteArray("<B>").repeated(depth);
@@ -248,7 +249,7 @@ TEST(HtmlRoundTrip, NestingAsDeepAsItLikes)
     }
 }
 
-TEST(HtmlRoundTrip, EditsNestNoDeeperThanAPageIsRead)
+TEST(HtmlRoundTrip, EditsHaveTheSameNestingLimitAsPages)
 {
     DisplayDocument document;
     document.loadPage("<DIV>a</DIV>");
@@ -261,7 +262,7 @@ TEST(HtmlRoundTrip, EditsNestNoDeeperThanAPageIsRead)
     EXPECT_TRUE(document.line(0).marks.empty());
 }
 
-TEST(HtmlRoundTrip, TextOfARuleStandsInALineOfItsOwnKind)
+TEST(HtmlRoundTrip, TextOfARuleIsWrittenAsABlock)
 {
     DisplayDocument document;
     document.loadPage("<DIV>a</DIV><HR><DIV>b</DIV>");
@@ -273,7 +274,7 @@ TEST(HtmlRoundTrip, TextOfARuleStandsInALineOfItsOwnKind)
     EXPECT_EQ(document.tags()[document.line(1).block].name, u"HR");
 }
 
-TEST(HtmlRoundTrip, AQuoteLeftOpenInTheHeadIsClosedThere)
+TEST(HtmlRoundTrip, AnOpenQuoteInTheHeadIsClosedThere)
 {
     const QByteArray html
         = "<HTML><META a=\"><BODY text=black><DIV align='b c'><P>text</P></DIV></BODY></HTML>";
@@ -284,7 +285,7 @@ TEST(HtmlRoundTrip, AQuoteLeftOpenInTheHeadIsClosedThere)
     EXPECT_EQ(document.tags()[document.bodyTag()].startTag(), u"<BODY text=black>");
 }
 
-TEST(HtmlRoundTrip, AnEndTagThatOnlyBeginsLikeAnotherDoesNotEndIt)
+TEST(HtmlRoundTrip, AnEndTagWithALongerNameClosesNothing)
 {
     EXPECT_EQ(textOf("<STYLE><BODY><STYLEX>text"), "text");
     EXPECT_EQ(textOf("<SCRIPT>a</SCRIPTS>b</SCRIPT >c"), "c");
@@ -292,7 +293,7 @@ TEST(HtmlRoundTrip, AnEndTagThatOnlyBeginsLikeAnotherDoesNotEndIt)
     EXPECT_EQ(textOf("a<SCRIPT>b</SCRIPT"), "ab</SCRIPT");
 }
 
-TEST(HtmlRoundTrip, NamesKnowCapitalsOfPlainLettersOnly)
+TEST(HtmlRoundTrip, OnlyAsciiLettersInNamesAreCapitalised)
 {
     EXPECT_EQ(textOf("<T\xc4\xb1TLE>text</T\xc4\xb1TLE>"), "text");
     EXPECT_EQ(firstLineOf("<xm\xc3\xbcl>a</xm\xc3\xbcl>"), "<DIV><XM\xc3\xbcL>a</XM\xc3\xbcL></DIV>");

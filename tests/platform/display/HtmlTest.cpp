@@ -10,7 +10,7 @@ namespace vmk {
 
 namespace {
 
-/// The lines of a page as HTML, one after the other, for comparing.
+/// The lines of a page as HTML, for comparisons.
 std::string linesOf(const DisplayDocument& document)
 {
     QString html;
@@ -29,7 +29,7 @@ std::string loaded(const char* page)
     return linesOf(document);
 }
 
-/// A piece of HTML as lines; text outside blocks in square brackets.
+/// A fragment of HTML as lines; text outside blocks is in square brackets.
 std::string fragment(const QString& html)
 {
     TagTable tags;
@@ -57,7 +57,7 @@ constexpr char BookPage[]
 
 } // namespace
 
-TEST(HtmlIn, TakesABookPageLineByLine)
+TEST(HtmlIn, ReadsABookPageLineByLine)
 {
     DisplayDocument document;
     document.loadPage(BookPage);
@@ -96,7 +96,7 @@ TEST(HtmlOut, SavedPageLoadsAsTheSameDocument)
     EXPECT_EQ(again.savePage(), document.savePage());
 }
 
-TEST(HtmlOut, BlanksThatABrowserWouldSwallowAreProtectedInPages)
+TEST(HtmlOut, BlanksThatABrowserWouldDropAreProtectedInPages)
 {
     DisplayDocument document;
     document.loadPage("<DIV>ab</DIV>");
@@ -111,7 +111,7 @@ TEST(HtmlIn, WhiteSpaceOfAPageCollapses)
     EXPECT_EQ(loaded("<DIV> <B> a</B></DIV>"), "<DIV><B>a</B></DIV>");
 }
 
-TEST(HtmlIn, BlanksOfAFragmentStayUnlessTheyHoldALineEnd)
+TEST(HtmlIn, BlanksOfAFragmentAreKeptUnlessTheyContainALineEnd)
 {
     EXPECT_EQ(fragment(QStringLiteral("a  b ")), "[a  b ]+");
     EXPECT_EQ(fragment(QStringLiteral(" ")), "[ ]+");
@@ -119,7 +119,7 @@ TEST(HtmlIn, BlanksOfAFragmentStayUnlessTheyHoldALineEnd)
     EXPECT_EQ(fragment(QStringLiteral("<DIV> a</DIV>\r\n<DIV>  </DIV>")), "<DIV> a</DIV><DIV>  </DIV>");
 }
 
-TEST(HtmlIn, BlocksBeginLines)
+TEST(HtmlIn, EachBlockBeginsALine)
 {
     EXPECT_EQ(
         loaded("a<P>b<P>c</P>d<BR>e<H2>f</H2><HR><UL><LI>g<LI>h</UL>"),
@@ -134,7 +134,7 @@ TEST(HtmlIn, EmptyBlocksAreLinesButContainersAreNot)
     EXPECT_EQ(loaded("<UL></UL><DIV>a</DIV>"), "<DIV>a</DIV>");
 }
 
-TEST(HtmlIn, NestedBlocksAreFlatButKeepTheirAlignment)
+TEST(HtmlIn, NestedBlocksAreFlattenedAndKeepTheirAlignment)
 {
     EXPECT_EQ(loaded("<DIV align=center><H2>Title</H2><FONT color=red>a</FONT><BR>b</DIV>"),
               "<H2 align=center>Title</H2>|<DIV align=center><FONT color=red>a</FONT></DIV>|"
@@ -155,14 +155,14 @@ TEST(HtmlIn, InlineElementsAreClosedInEachLine)
     EXPECT_EQ(loaded("<DIV><FONT class=ev>a</SPAN>b</DIV>"), "<DIV><FONT class=ev>ab</FONT></DIV>");
 }
 
-TEST(HtmlIn, EmptyInlineElementsStay)
+TEST(HtmlIn, EmptyInlineElementsAreKept)
 {
     EXPECT_EQ(loaded("<DIV>a<A id=()*^^^%^*></A>b</DIV>"), "<DIV>a<A id=()*^^^%^*></A>b</DIV>");
     EXPECT_EQ(fragment(QStringLiteral("<SPAN class=et></SPAN>")), "[<SPAN class=et></SPAN>]+");
     EXPECT_EQ(loaded("<DIV>a<IMG src=x>b</DIV>"), "<DIV>a<IMG src=x>b</DIV>");
 }
 
-TEST(HtmlIn, WhatShowsNothingIsDropped)
+TEST(HtmlIn, InvisibleElementsAreDropped)
 {
     EXPECT_EQ(loaded("<!DOCTYPE html><HTML><HEAD><TITLE>t</TITLE></HEAD><BODY>a<!-- b --><SCRIPT>c</SCRIPT>"
                      "<STYLE>d</STYLE>e</BODY></HTML>"),

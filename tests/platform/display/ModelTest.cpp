@@ -24,7 +24,7 @@ const QStringList Blocks{QStringLiteral("DIV"), QStringLiteral("DIV style=\"MARG
 const QStringList InlineTags{QStringLiteral("SPAN class=t"), QStringLiteral("FONT class=n"),
                              QStringLiteral("B"), QStringLiteral("A id=x")};
 
-/// Lines for both documents: as tokens with the blocks apart, and as HTML.
+/// Lines for both documents: as tokens with separate blocks, and as HTML.
 struct Fragment
 {
     std::vector<Tokens> lines;
@@ -83,7 +83,7 @@ private:
         bool typing = false;
     };
 
-    // What both documents do.
+    // Operations of both documents.
     void typeText();
     void pressKey();
     void setText();
@@ -109,7 +109,7 @@ private:
         plain.edits.clear();
         change();
         if (joins) {
-            // Typed on: the run's one edit grows.
+            // Continued typing extends the edit of the typing step.
             steps.back().edits.back().newEnd = plain.edits.back().newEnd;
         } else {
             step.edits = plain.edits;
@@ -411,7 +411,7 @@ bool Episode::redo()
 
 void Episode::step()
 {
-    // Much text makes the comparison slow and the operations no more telling.
+    // Long text makes the comparison slow without testing more.
     constexpr int MostText = 300;
     if (plain.length() > MostText) {
         document.setSelection({}, document.end());

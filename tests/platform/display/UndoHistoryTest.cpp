@@ -133,7 +133,7 @@ TEST(UndoHistory, ARunOfTypingIsOneChangeUntilItEnds)
     EXPECT_FALSE(history.mayJoinTyping()) << "nothing is typed into a step that is undone";
 }
 
-TEST(UndoHistory, TypingThatGoesOnElsewhereStaysAChangeOfItsOwn)
+TEST(UndoHistory, TypingAtAnotherPositionIsASeparateChange)
 {
     UndoHistory history;
     Type(history, u"ab"_s, u'c');

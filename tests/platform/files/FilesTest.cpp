@@ -48,7 +48,7 @@ protected:
     Workplace place;
 };
 
-/// What a child process exits with after doing `work`; -1 if it was killed.
+/// The exit code of a child process that runs `work`; -1 if it was killed.
 int RunInChild(const std::function<int()>& work)
 {
     const pid_t child = ::fork();
@@ -59,7 +59,7 @@ int RunInChild(const std::function<int()>& work)
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-/// No file of this process may grow beyond the limit: writes fail as on a full disk.
+/// Limits the size of files written by this process: writes fail as on a full disk.
 void LimitFileSize(rlim_t bytes)
 {
     std::signal(SIGXFSZ, SIG_IGN);
@@ -71,7 +71,7 @@ void LimitFileSize(rlim_t bytes)
 
 // ---------------------------------------------------------------- reading
 
-TEST_F(Files, ReadingTellsWhyItFailed)
+TEST_F(Files, AFailedReadReportsTheReason)
 {
     place.MakeFolders(u"folder"_s);
     Make(u"file"_s);
@@ -85,7 +85,7 @@ TEST_F(Files, ReadingTellsWhyItFailed)
     EXPECT_EQ(Outcome(u"closed"_s), ReadOutcome::Unreadable);
 }
 
-TEST_F(Files, EachFailureHasItsWords)
+TEST_F(Files, EachFailureHasItsMessage)
 {
     EXPECT_EQ(ReadFailureText({ReadOutcome::Ok, "a", QString()}), QString());
     EXPECT_EQ(ReadFailureText(ReadContent(Path(u"missing"_s))), u"file not found"_s);
@@ -97,7 +97,7 @@ TEST_F(Files, EachFailureHasItsWords)
     EXPECT_EQ(ReadFailureText(ReadContent(Path(u"closed"_s))), u"cannot be read: Permission denied"_s);
 }
 
-TEST_F(Files, APathThatHoldsANulLeadsNowhere)
+TEST_F(Files, APathWithANulIsNotFound)
 {
     Make(u"a"_s);
     const QString name = Path(u"a"_s) + QChar(0) + u"b"_s;
@@ -123,7 +123,7 @@ TEST_F(Files, AFileOfUnknownLengthIsReadToItsEnd)
     ::close(ends[0]);
 }
 
-TEST_F(Files, AFileOverTheLimitIsRefused)
+TEST_F(Files, AFileOverTheLimitIsRejected)
 {
     Make(u"huge"_s);
     ASSERT_EQ(::truncate(SystemPath(u"huge"_s).constData(), static_cast<off_t>(MaxFileBytes) + 1), 0);
@@ -177,7 +177,7 @@ TEST_F(Files, AFolderThatIsClosedToWritingFailsAndKeepsTheFile)
     EXPECT_EQ(place.Names(u"closed"_s), QStringList{u"a"_s});
 }
 
-TEST_F(Files, AFolderInPlaceOfAFileIsLeft)
+TEST_F(Files, AFolderInsteadOfAFileIsNotReplaced)
 {
     place.MakeFolders(u"folder"_s);
     Make(u"folder/kept"_s);
@@ -199,7 +199,7 @@ TEST_F(Files, ALinkIsWrittenThrough)
     EXPECT_TRUE(QFileInfo(Path(u"there/second"_s)).isSymLink());
 }
 
-TEST_F(Files, ALinkThatLeadsNowhereMakesItsFile)
+TEST_F(Files, ADanglingLinkCreatesItsTarget)
 {
     Link("later", u"link"_s);
     EXPECT_EQ(KindOfFile(Path(u"link"_s)), FileKind::None);
@@ -231,12 +231,12 @@ TEST_F(Files, ADeviceIsWrittenAndStaysADevice)
     EXPECT_FALSE(ReplaceContent(u"/dev/full"_s, "new"));
 }
 
-TEST_F(Files, AFullDiskLeavesTheOldFileWholeAndIsReported)
+TEST_F(Files, AFullDiskKeepsTheOldFileAndIsReported)
 {
     const std::string old(100'000, 'o');
     const std::string fresh(1'000'000, 'n');
     Make(u"book"_s, old);
-    // Room for nothing, for a part, and for all but the last byte.
+    // Space for nothing, for a part, and for all bytes except the last one.
     for (const rlim_t room : {rlim_t(0), rlim_t(300'000), rlim_t(999'999)}) {
         const int failed = RunInChild([&] {
             LimitFileSize(room);
@@ -250,7 +250,7 @@ TEST_F(Files, AFullDiskLeavesTheOldFileWholeAndIsReported)
     EXPECT_EQ(Text(u"book"_s), fresh);
 }
 
-TEST_F(Files, AFullFileSystemLeavesTheOldFileWholeAndIsReported)
+TEST_F(Files, AFullFileSystemKeepsTheOldFileAndIsReported)
 {
     place.MakeFolders(u"small"_s);
     if (::mount("none", SystemPath(u"small"_s).constData(), "tmpfs", 0, "size=1m") != 0)
@@ -265,12 +265,12 @@ TEST_F(Files, AFullFileSystemLeavesTheOldFileWholeAndIsReported)
     EXPECT_EQ(::umount(SystemPath(u"small"_s).constData()), 0);
 }
 
-TEST_F(Files, AKilledWriterLeavesAWholeFile)
+TEST_F(Files, AKilledWriterLeavesACompleteFile)
 {
     const std::string one(2'000'000, '1');
     const std::string two(2'000'001, '2');
     Make(u"book"_s, one);
-    // What was cut off stays beside the book under a name of its own: then a kill has hit a write.
+    // A temporary file beside the book shows that a kill interrupted a write.
     constexpr int LeastRounds = 20;
     constexpr int MostRounds = 1000;
     const auto hasHit = [this] { return place.Names().size() > 1; };
@@ -293,7 +293,7 @@ TEST_F(Files, AKilledWriterLeavesAWholeFile)
     EXPECT_TRUE(hasHit());
 }
 
-TEST_F(Files, TwoWritersAtOnceLeaveTheWholeContentOfOne)
+TEST_F(Files, TwoConcurrentWritersLeaveTheCompleteContentOfOne)
 {
     const std::string one(300'000, '1');
     const std::string two(400'000, '2');

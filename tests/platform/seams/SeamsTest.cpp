@@ -9,7 +9,7 @@
 using namespace vmk;
 using namespace Qt::StringLiterals;
 
-TEST(Seams, AGuardFillsASeamForItsScopeOnly)
+TEST(Seams, AGuardReplacesASeamInItsScopeOnly)
 {
     SetClipboardText(u"own"_s);
     {
@@ -23,7 +23,7 @@ TEST(Seams, AGuardFillsASeamForItsScopeOnly)
     EXPECT_EQ(ClipboardText(), u"own"_s);
 }
 
-TEST(Seams, AnOwnerPutsBackWhatWasThereBeforeIt)
+TEST(Seams, AnOwnerRestoresTheEarlierSeams)
 {
     const SeamGuard outer(ClipboardTextSeam(), [] { return u"outer"_s; });
     {
@@ -41,7 +41,7 @@ TEST(Seams, AnOwnerPutsBackWhatWasThereBeforeIt)
     EXPECT_EQ(ClipboardText(), u"outer"_s);
 }
 
-TEST(Seams, EachBoxTellsItsKindTextAndTitle)
+TEST(Seams, EachBoxReportsItsKindTextAndTitle)
 {
     QStringList seen;
     const SeamGuard guard(BoxSeam(), [&](BoxKind kind, const QString& text, const QString& title) {

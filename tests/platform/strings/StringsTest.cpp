@@ -50,7 +50,7 @@ TEST(CommonEnds, HaveAFrontForEachText)
     EXPECT_EQ(CommonBack(a, 0, b, 1), 1);
 }
 
-TEST(CommonEnds, CompareAsTheyAreTold)
+TEST(CommonEnds, UseTheGivenComparison)
 {
     const auto ignoringCase = [](QChar a, QChar b) { return a.toLower() == b.toLower(); };
     EXPECT_EQ(CommonFront(QStringView(u"ABx"), QStringView(u"aby"), ignoringCase), 2);

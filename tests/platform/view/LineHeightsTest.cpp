@@ -17,7 +17,7 @@ LineExtent extent(unsigned height, unsigned rows = 1, bool measured = false)
     return made;
 }
 
-/// The plain version: a vector walked from its front.
+/// The plain version: a vector that is searched from its start.
 struct PlainHeights
 {
     std::vector<LineExtent> lines;
@@ -73,7 +73,7 @@ void expectAlike(const LineHeights& heights, const PlainHeights& plain, std::mt1
     }
 }
 
-TEST(LineHeights, EmptyListAnswersWithNothing)
+TEST(LineHeights, AnEmptyListReturnsZeros)
 {
     const LineHeights heights;
     EXPECT_EQ(heights.lineCount(), 0);
@@ -83,7 +83,7 @@ TEST(LineHeights, EmptyListAnswersWithNothing)
     EXPECT_EQ(heights.nextUnmeasured(0), -1);
 }
 
-TEST(LineHeights, PointsBeyondThePageGiveItsEnds)
+TEST(LineHeights, PointsBeyondThePageReturnItsEnds)
 {
     LineHeights heights;
     heights.assign(std::vector{extent(10), extent(20), extent(30)});

@@ -1,4 +1,4 @@
-// How much of a page is laid out for what: what bounds the time of a paint and of an idle slice.
+// How much of a page is laid out for a paint and for an idle slice, which limits their time.
 
 #include "PageLayout.h"
 
@@ -34,7 +34,7 @@ protected:
         page.reset(PageWidth, DotsPerInch);
     }
     [[nodiscard]] int unmeasured() const { return page.heights().unmeasuredLines(); }
-    /// One idle turn of no more work than it has to do.
+    /// One idle slice with the minimum amount of work.
     bool shortestTurn() { return page.measureFor(std::chrono::microseconds(0), 0); }
 
     DisplayDocument document;
@@ -62,7 +62,7 @@ TEST_F(PageLayoutTest, AJumpIntoALongLineLaysOutOnlyItsPiecesThere)
     load("<DIV>" + words(1000000) + "</DIV>");
     const int64_t estimated = page.height();
     page.prepare(double(estimated) / 2, double(estimated) / 2 + WindowHeight);
-    // The line is far from being measured: one idle turn after the other does its pieces.
+    // The line is not measured yet: the idle slices lay out its pieces one after the other.
     int turns = 1;
     while (shortestTurn())
         ++turns;
@@ -86,7 +86,7 @@ TEST_F(PageLayoutTest, ALineForWhichTheTimeWillNotDoWaitsForTheNextTurn)
     for (int i = 0; i < 60; ++i)
         lines += "<DIV>" + words(LineLayout::LongLine - 100) + "</DIV>";
     load(lines);
-    // The pace is known after some lines; then no turn begins a second line in half of a line's time.
+    // After some lines the speed is known; then no slice begins a second line with half a line's time left.
     const auto timeOf = [this] {
         const auto begin = std::chrono::steady_clock::now();
         shortestTurn();

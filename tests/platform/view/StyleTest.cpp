@@ -13,7 +13,7 @@ namespace {
 
 constexpr double PointsToPixels = 96.0 / 72;
 
-TEST(StyleSheet, LengthsComeInPixels)
+TEST(StyleSheet, LengthsAreConvertedToPixels)
 {
     EXPECT_DOUBLE_EQ(ParseLength(u"2px")->value, 2);
     EXPECT_DOUBLE_EQ(ParseLength(u"12pt")->value, 12 * PointsToPixels);
@@ -41,14 +41,21 @@ TEST(StyleSheet, ReadsTheShorthandFontOfATable)
     EXPECT_EQ(style.weight, QFont::Bold);
 }
 
-TEST(StyleSheet, UnknownTextIsPassedOver)
+TEST(StyleSheet, UnknownTextIsIgnored)
 {
     StyleSheet sheet;
     sheet.parse(u"@import x; } { span.t { color ; : red; font-size: ; color:blue");
     Tag tag;
     tag.name = u"SPAN"_s;
     tag.className = u"t"_s;
-    EXPECT_NO_FATAL_FAILURE(static_cast<void>(sheet.styleOf(tag)));
+    EXPECT_EQ(sheet.styleOf(tag).color, std::nullopt) << "the rule is part of the unknown text";
+
+    sheet.parse(
+        u"@media x; span.t { color ; : red; font-size: ; mood: good; color:blue } b.t { color: red }");
+    EXPECT_EQ(sheet.styleOf(tag).color, std::nullopt) << "the selector is unknown";
+    sheet.parse(u"span.t { color ; : red; font-size: ; mood: good; color:blue }");
+    EXPECT_EQ(sheet.styleOf(tag).color, QColor(Qt::blue));
+    EXPECT_EQ(sheet.styleOf(tag).fontSize, std::nullopt);
 }
 
 class PageStyleTest : public testing::Test
@@ -99,7 +106,7 @@ TEST_F(PageStyleTest, ClassesOfTheHeadColourTagsNamesAndValues)
     EXPECT_EQ(tag.color, QColor(128, 0, 0));
     EXPECT_EQ(tag.weight, QFont::Bold);
     EXPECT_EQ(tag.families, QStringList{u"DejaVu Sans"_s});
-    // Names and values keep the tag's font and change its colour.
+    // Names and values have the font of the tag and another colour.
     EXPECT_EQ(lookAt(1, 3).color, QColor(255, 0, 0));
     EXPECT_EQ(lookAt(1, 3).weight, QFont::Bold);
     EXPECT_EQ(lookAt(1, 7).color, QColor(0, 0, 255));

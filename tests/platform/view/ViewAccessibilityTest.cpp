@@ -1,4 +1,4 @@
-// The display as a screen reader sees it.
+// The display from the view of a screen reader.
 
 #include "AccessibleDisplay.h"
 #include "ViewFixture.h"
@@ -35,7 +35,7 @@ TEST_F(ViewAccessibility, TextIsOneStringWithLineFeeds)
     EXPECT_EQ(interface->text(QAccessible::Value), u"<p>text\nsecond line"_s);
 }
 
-TEST_F(ViewAccessibility, CaretAndSelectionAreToldAndSet)
+TEST_F(ViewAccessibility, CaretAndSelectionAreReportedAndSet)
 {
     QAccessibleTextInterface* text = interface->textInterface();
     caretTo(1, 3);
@@ -64,7 +64,7 @@ TEST_F(ViewAccessibility, CharacterRectanglesAndPointsAgree)
     EXPECT_EQ(text->offsetAtPoint({-5000, -5000}), -1);
 }
 
-TEST_F(ViewAccessibility, AttributesTellTheLookOfARun)
+TEST_F(ViewAccessibility, AttributesDescribeTheStyleOfARun)
 {
     QAccessibleTextInterface* text = interface->textInterface();
     int start = -1;
@@ -93,7 +93,7 @@ TEST_F(ViewAccessibility, TextCanBeEdited)
     EXPECT_EQ(text(), u"<v>textmy second line"_s);
 }
 
-TEST_F(ViewAccessibility, AnEditIsToldByTheCharactersThatChanged)
+TEST_F(ViewAccessibility, AnEditReportsTheChangedCharacters)
 {
     const auto linesOf = [this] {
         std::vector<LinePtr> lines;
@@ -116,7 +116,7 @@ TEST_F(ViewAccessibility, AnEditIsToldByTheCharactersThatChanged)
     EXPECT_EQ(changeBy([this] { type("y"); }), "8 -sec +y");
 }
 
-TEST_F(ViewAccessibility, AReadOnlyPageIsToldAsSuch)
+TEST_F(ViewAccessibility, AReadOnlyPageIsReported)
 {
     EXPECT_TRUE(interface->state().editable);
     view.setDesignMode(u"Off"_s);

@@ -11,13 +11,13 @@
 
 namespace vmk {
 
-/// A display in a window of its own, with an editable page in a known font.
+/// A display in a separate window, with an editable page in a known font.
 class ViewTest : public testing::Test
 {
 protected:
     static constexpr int Width = 500;
     static constexpr int Height = 400;
-    /// Milliseconds; only a failure takes that long.
+    /// Milliseconds; only a failure takes this long.
     static constexpr int Patience = 20'000;
 
     void show(const QByteArray& lines, QSize size = {Width, Height})
@@ -61,7 +61,7 @@ protected:
         return lines.join(u'|');
     }
 
-    /// Every place of the document in order.
+    /// Every position of the document in order.
     [[nodiscard]] std::vector<Position> places()
     {
         std::vector<Position> all;

@@ -26,7 +26,7 @@ class ViewKeyboard : public ViewTest
 
 // ---------------------------------------------------------------- the caret
 
-TEST_F(ViewKeyboard, ArrowKeysVisitEveryPlaceOnceEachWay)
+TEST_F(ViewKeyboard, ArrowKeysVisitEveryPositionOnceInEachDirection)
 {
     show(ThreeLines + LongParagraph);
     caretTo(0, 0);
@@ -72,7 +72,7 @@ TEST_F(ViewKeyboard, UpAndDownKeepTheirColumnOverShortRows)
     EXPECT_EQ(caret(), (Position{0, 10}));
 }
 
-TEST_F(ViewKeyboard, UpAndDownGoThroughEveryRowOfAParagraph)
+TEST_F(ViewKeyboard, UpAndDownVisitEveryRowOfAParagraph)
 {
     show(LongParagraph);
     caretTo(0, 4);
@@ -93,7 +93,7 @@ TEST_F(ViewKeyboard, UpAndDownGoThroughEveryRowOfAParagraph)
     EXPECT_EQ(caret(), (Position{0, 4}));
 }
 
-TEST_F(ViewKeyboard, HomeAndEndGoToTheEndsOfTheRow)
+TEST_F(ViewKeyboard, HomeAndEndMoveToTheEndsOfTheRow)
 {
     show(LongParagraph);
     caretTo(0, 60);
@@ -129,7 +129,7 @@ TEST_F(ViewKeyboard, PageKeysMoveByAScreenAndReachTheEnds)
     EXPECT_EQ(view.rowNumber(caret()), 1);
 }
 
-TEST_F(ViewKeyboard, WordsAreSteppedOverWithCtrl)
+TEST_F(ViewKeyboard, CtrlMovesByWords)
 {
     show("<DIV>one, two three</DIV><DIV>four</DIV>");
     caretTo(0, 0);
@@ -163,7 +163,7 @@ TEST_F(ViewKeyboard, ShiftExtendsTheSelection)
 
 // ---------------------------------------------------------------- editing
 
-TEST_F(ViewKeyboard, TypedTextGoesIntoTheSpanAtTheCaret)
+TEST_F(ViewKeyboard, TypedTextJoinsTheSpanAtTheCaret)
 {
     show(ThreeLines);
     caretTo(0, 2);
@@ -173,7 +173,7 @@ TEST_F(ViewKeyboard, TypedTextGoesIntoTheSpanAtTheCaret)
     EXPECT_EQ(view.runAt({0, 6}).look.color, QColor(0, 0, 0));
 }
 
-TEST_F(ViewKeyboard, TypedTextTakesTheSelectionsPlace)
+TEST_F(ViewKeyboard, TypedTextReplacesTheSelection)
 {
     show(ThreeLines);
     select({0, 3}, {1, 7});
@@ -194,7 +194,7 @@ TEST_F(ViewKeyboard, EnterSplitsTheLineAndBackspaceJoinsIt)
     EXPECT_EQ(caret(), (Position{1, 6}));
 }
 
-TEST_F(ViewKeyboard, DeleteTakesTheNextCharacterOrLineBreak)
+TEST_F(ViewKeyboard, DeleteRemovesTheNextCharacterOrLineBreak)
 {
     show(ThreeLines);
     caretTo(1, 10);
@@ -208,7 +208,7 @@ TEST_F(ViewKeyboard, DeleteTakesTheNextCharacterOrLineBreak)
     EXPECT_EQ(line(1), u"second "_s);
 }
 
-TEST_F(ViewKeyboard, UndoAndRedoGoBackAndForth)
+TEST_F(ViewKeyboard, UndoAndRedoRestoreEachState)
 {
     show(ThreeLines);
     const QString before = text();
@@ -226,7 +226,7 @@ TEST_F(ViewKeyboard, UndoAndRedoGoBackAndForth)
     EXPECT_EQ(text(), after);
 }
 
-TEST_F(ViewKeyboard, TypingAtTheEndOfALongPageBringsTheCaretIntoView)
+TEST_F(ViewKeyboard, TypingAtTheEndOfALongPageScrollsTheCaretIntoView)
 {
     show(LongParagraph.repeated(100));
     document().setSelection(document().end(), document().end());
@@ -236,7 +236,7 @@ TEST_F(ViewKeyboard, TypingAtTheEndOfALongPageBringsTheCaretIntoView)
     EXPECT_TRUE(line(99).endsWith(u"!"_s));
 }
 
-TEST_F(ViewKeyboard, AllTextCanBeDeletedAndTypedAnew)
+TEST_F(ViewKeyboard, AllTextCanBeDeletedAndTypedAgain)
 {
     show(ThreeLines);
     key(Qt::Key_A, Qt::ControlModifier);
@@ -261,12 +261,12 @@ TEST_F(ViewKeyboard, KeysWithAltAndControlCharactersTypeNothing)
 
 // ---------------------------------------------------------------- events
 
-TEST_F(ViewKeyboard, AKeysEventTellsItsCodeAndModifiers)
+TEST_F(ViewKeyboard, AKeyEventHasItsCodeAndModifiers)
 {
     show(ThreeLines);
     std::vector<DisplayEvent> seen;
     view.events.onkeydown = [&](DisplayEvent& event) {
-        // The modifiers' own keys come as events too.
+        // The modifier keys raise events too.
         if (event.keyCode > 18)
             seen.push_back(event);
     };
@@ -296,7 +296,7 @@ TEST_F(ViewKeyboard, ACancelledKeyDoesNothing)
     EXPECT_EQ(caret(), (Position{1, 3}));
 }
 
-TEST_F(ViewKeyboard, KeysComeBeforeShortcutsButMenusKeepTheirLetters)
+TEST_F(ViewKeyboard, KeyEventsPrecedeShortcutsButMenusKeepTheirLetters)
 {
     show(ThreeLines);
     const auto taken = [this](int key, Qt::KeyboardModifiers modifiers) {
@@ -329,7 +329,7 @@ TEST_F(ViewKeyboard, AReadOnlyPageScrollsByKeyAndCannotBeChanged)
     EXPECT_EQ(view.scrollTop(), view.scrollHeight() - view.clientHeight());
     key(Qt::Key_Home);
     EXPECT_EQ(view.scrollTop(), 0);
-    // It can be copied from.
+    // Copying works.
     QString copied;
     const SeamGuard guard(SetClipboardTextSeam(), [&](const QString& given) { copied = given; });
     key(Qt::Key_A, Qt::ControlModifier);
@@ -339,7 +339,7 @@ TEST_F(ViewKeyboard, AReadOnlyPageScrollsByKeyAndCannotBeChanged)
 
 // ---------------------------------------------------------------- clipboard
 
-TEST_F(ViewKeyboard, CutCopyAndPasteGoThroughTheClipboard)
+TEST_F(ViewKeyboard, CutCopyAndPasteUseTheClipboard)
 {
     show(ThreeLines);
     QString clipboard;
@@ -378,13 +378,13 @@ TEST_F(ViewKeyboard, ComposedTextIsShownBeforeItIsInTheDocument)
     show(ThreeLines);
     const QString before = text();
     caretTo(1, 6);
-    const int behind = view.clientRects({1, 7}, {1, 7}).front().left();
+    const int after = view.clientRects({1, 7}, {1, 7}).front().left();
     compose(view, u"nihao"_s, 2);
     EXPECT_EQ(text(), before);
     EXPECT_FALSE(document().canUndo());
-    // What follows is pushed aside, and the input method's caret stands within the text.
+    // The text after it moves, and the caret of the input method is inside the composed text.
     const int pushed = view.clientRects({1, 7}, {1, 7}).front().left();
-    EXPECT_GT(pushed, behind + 20);
+    EXPECT_GT(pushed, after + 20);
     QInputMethodQueryEvent query(Qt::ImCursorRectangle);
     QApplication::sendEvent(&view, &query);
     const QRect cursor = query.value(Qt::ImCursorRectangle).toRect();
@@ -396,7 +396,7 @@ TEST_F(ViewKeyboard, ComposedTextIsShownBeforeItIsInTheDocument)
     EXPECT_EQ(caret(), (Position{1, 8}));
 }
 
-TEST_F(ViewKeyboard, ACancelledCompositionLeavesNothing)
+TEST_F(ViewKeyboard, ACancelledCompositionChangesNothing)
 {
     show(ThreeLines);
     const QString before = text();
@@ -408,7 +408,7 @@ TEST_F(ViewKeyboard, ACancelledCompositionLeavesNothing)
     EXPECT_EQ(view.clientRects({1, 7}, {1, 7}).front(), rect);
 }
 
-TEST_F(ViewKeyboard, CompositionTakesTheSelectionsPlace)
+TEST_F(ViewKeyboard, AComposedTextReplacesTheSelection)
 {
     show(ThreeLines);
     select({1, 0}, {1, 6});
@@ -417,7 +417,7 @@ TEST_F(ViewKeyboard, CompositionTakesTheSelectionsPlace)
     EXPECT_EQ(line(1), u"か line"_s);
 }
 
-TEST_F(ViewKeyboard, ADeadKeyTypesNothingUntilItsLetterComes)
+TEST_F(ViewKeyboard, ADeadKeyTypesNothingUntilItsLetterFollows)
 {
     show(ThreeLines);
     caretTo(2, 5);
@@ -429,7 +429,7 @@ TEST_F(ViewKeyboard, ADeadKeyTypesNothingUntilItsLetterComes)
     EXPECT_EQ(line(2), u"thirdé"_s);
 }
 
-TEST_F(ViewKeyboard, AnInputMethodIsToldTheTextAroundTheCaret)
+TEST_F(ViewKeyboard, AnInputMethodCanQueryTheTextAroundTheCaret)
 {
     show(ThreeLines);
     select({1, 2}, {1, 6});
@@ -440,7 +440,7 @@ TEST_F(ViewKeyboard, AnInputMethodIsToldTheTextAroundTheCaret)
     EXPECT_EQ(query.value(Qt::ImCursorPosition).toInt(), 6);
     EXPECT_EQ(query.value(Qt::ImAnchorPosition).toInt(), 2);
     EXPECT_EQ(query.value(Qt::ImCurrentSelection).toString(), u"cond"_s);
-    // It may replace what stands around the caret.
+    // It may replace the text around the caret.
     QInputMethodEvent event;
     event.setCommitString(u"S"_s, -6, 1);
     QApplication::sendEvent(&view, &event);

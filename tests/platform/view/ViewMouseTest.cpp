@@ -60,7 +60,7 @@ TEST_F(ViewMouse, ADragSelects)
     drag(pointOf({1, 6}));
     release(pointOf({1, 6}));
     EXPECT_EQ(document().selection(), (Selection{{0, 4}, {1, 6}}));
-    // Moves without a button change nothing.
+    // Moves without a pressed button change nothing.
     drag(pointOf({2, 2}));
     EXPECT_EQ(document().selection(), (Selection{{0, 4}, {1, 6}}));
 }
@@ -75,7 +75,7 @@ TEST_F(ViewMouse, AShiftClickExtends)
     EXPECT_EQ(document().selection(), (Selection{{1, 3}, {0, 1}}));
 }
 
-TEST_F(ViewMouse, ADoubleClickChoosesTheWordBeforeItsHandlerRuns)
+TEST_F(ViewMouse, ADoubleClickSelectsTheWordBeforeItsHandlerRuns)
 {
     show(Lines);
     QStringList order;
@@ -97,7 +97,7 @@ TEST_F(ViewMouse, ADoubleClickChoosesTheWordBeforeItsHandlerRuns)
     EXPECT_EQ(document().selection(), (Selection{{0, 0}, {0, 14}}));
 }
 
-TEST_F(ViewMouse, ADragAfterADoubleClickGoesByWords)
+TEST_F(ViewMouse, ADragAfterADoubleClickSelectsByWords)
 {
     show(Lines);
     click(pointOf({1, 9}));
@@ -109,7 +109,7 @@ TEST_F(ViewMouse, ADragAfterADoubleClickGoesByWords)
     release(pointOf({0, 6}));
 }
 
-TEST_F(ViewMouse, EventsTellButtonAndPoint)
+TEST_F(ViewMouse, EventsHaveButtonAndPoint)
 {
     show(Lines);
     std::vector<DisplayEvent> seen;
@@ -126,7 +126,7 @@ TEST_F(ViewMouse, EventsTellButtonAndPoint)
     EXPECT_EQ(seen[1].button, 2);
 }
 
-TEST_F(ViewMouse, ACancelledPressLeavesTheCaret)
+TEST_F(ViewMouse, ACancelledPressDoesNotMoveTheCaret)
 {
     show(Lines);
     caretTo(2, 1);
@@ -159,7 +159,7 @@ TEST_F(ViewMouse, TheContextMenusEventIsRaised)
     EXPECT_EQ(menus, 1);
 }
 
-TEST_F(ViewMouse, ADragFromTheSelectionSelectsAnewAndDragsNothing)
+TEST_F(ViewMouse, ADragFromTheSelectionStartsANewSelection)
 {
     show(Lines);
     select({0, 0}, {1, 5});
@@ -227,7 +227,7 @@ protected:
         file.write(bytes);
         return path;
     }
-    /// Gives what the source is told that has been done with its data.
+    /// Returns the action that the drag source is informed of.
     Qt::DropAction drop(const QMimeData& data)
     {
         const Qt::DropActions offered = Qt::CopyAction | Qt::MoveAction;
@@ -262,7 +262,7 @@ TEST_F(ViewNavigation, APageCompletesFromTheEventLoopReadOnly)
     EXPECT_EQ(view.location(), path);
     type("x");
     EXPECT_EQ(text(), u"from a file"_s);
-    // Making it editable is told again, behind the call.
+    // Making it editable raises the event again, after the call.
     view.setDesignMode(u"On"_s);
     EXPECT_EQ(order.size(), 3);
     ASSERT_TRUE(QTest::qWaitFor([&] { return order.size() == 4; }, Patience));
@@ -282,7 +282,7 @@ TEST_F(ViewNavigation, AForbiddenNavigationLeavesThePage)
     EXPECT_TRUE(view.isEditable());
 }
 
-TEST_F(ViewNavigation, ADroppedFileIsANavigationAndDroppedTextIsNothing)
+TEST_F(ViewNavigation, ADroppedFileIsANavigationAndDroppedTextIsIgnored)
 {
     show(Lines);
     const QString before = text();

@@ -40,7 +40,7 @@ TEST(VirtualKeys, LettersAndDigitsAreTheirCapitals)
     EXPECT_EQ(codeOf(Qt::Key_5, Qt::KeypadModifier), 101);
 }
 
-TEST(VirtualKeys, AKeyOfAnotherScriptGoesByItsPlace)
+TEST(VirtualKeys, AKeyOfAnotherScriptHasTheCodeOfItsPosition)
 {
     // The key C types a Cyrillic "с"; its scan code is 54.
     EXPECT_EQ(codeOf(0x421, Qt::ControlModifier, 54), 'C');

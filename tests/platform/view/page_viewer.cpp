@@ -1,9 +1,9 @@
-// Opens a page file in the display, for people who want to look at one, and for scripted keys and mouse.
+// Opens a page file in the display, for a person, or for a script with real keys and mouse.
 //
 //   page_viewer PAGE [--size WxH] [--shot FILE] [--dump FILE] [--read-only]
 //
-// --shot leaves a picture of the window as soon as it is painted, and ends.
-// --dump writes the page's text, one line each, when the window is closed. Ctrl+Q closes it.
+// --shot saves a picture of the window as soon as it is painted, and ends.
+// --dump writes the lines of the page's text when the window is closed. Ctrl+Q closes it.
 
 #include "DisplayView.h"
 #include "VirtualKeys.h"

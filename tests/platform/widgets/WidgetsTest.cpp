@@ -31,7 +31,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Does something to the next modal window of a kind, as a user would, as soon as it stands.
+/// Acts on the next modal window of a type as a user would, as soon as it is shown.
 template <typename Dialog>
 void WithNextDialog(std::function<void(Dialog&)> act)
 {
@@ -48,7 +48,7 @@ QByteArray ProgramSound(const char* name)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// The toolkit's own dialogs, the same on every desktop, so that a test can act in them.
+/// Uses the dialogs of Qt, which are the same on every desktop, so that a test can operate them.
 class Dialogs : public testing::Test
 {
 protected:
@@ -77,7 +77,7 @@ TEST(MessageBoxes, EachKindHasItsIconAndButtons)
     EXPECT_EQ(iconAndButtons([] { EXPECT_FALSE(YesNoBox(u"t"_s)); }), std::pair(B::Question, B::Yes | B::No));
 }
 
-TEST(MessageBoxes, TextIsPlainAndItsLinesArePartedByEitherLineEnd)
+TEST(MessageBoxes, TextIsPlainAndEitherLineEndSeparatesLines)
 {
     QString text;
     QString title;
@@ -100,7 +100,7 @@ TEST(MessageBoxes, TheAnswerIsTheButtonPressed)
     }
 }
 
-TEST(FileFilters, DescriptionsKeepTheirPatternsAndGetThemIfTheyLackThem)
+TEST(FileFilters, DescriptionsContainTheirPatternsExactlyOnce)
 {
     EXPECT_EQ(NameFilters(u"Fiction Book Files (*.fb2)|*.fb2|"_s),
               QStringList{u"Fiction Book Files (*.fb2)"_s});
@@ -110,7 +110,7 @@ TEST(FileFilters, DescriptionsKeepTheirPatternsAndGetThemIfTheyLackThem)
     EXPECT_EQ(NameFilters(u"no pattern"_s), QStringList());
 }
 
-TEST_F(Dialogs, AFileDialogStartsInTheFolderAskedForAndLeavesTheCurrentOne)
+TEST_F(Dialogs, AFileDialogStartsInTheGivenFolderAndKeepsTheCurrentOne)
 {
     const Workplace place;
     place.Make(u"a.fb2"_s, "x");
@@ -132,7 +132,7 @@ TEST_F(Dialogs, AFileDialogStartsInTheFolderAskedForAndLeavesTheCurrentOne)
     EXPECT_EQ(QDir::currentPath(), before);
 }
 
-TEST_F(Dialogs, ACancelledFileDialogGivesNothing)
+TEST_F(Dialogs, ACancelledFileDialogReturnsNothing)
 {
     WithNextDialog<QFileDialog>([](QFileDialog& dialog) { dialog.reject(); });
     EXPECT_EQ(AskFiles({.kind = FileDialogRequest::OpenSeveral,
@@ -159,7 +159,7 @@ TEST_F(Dialogs, ASaveDialogOffersTheNameAndDoesNotAskAboutReplacing)
     EXPECT_EQ(QFileInfo(path).fileName(), u"old.fb2"_s);
 }
 
-TEST_F(Dialogs, ASaveDialogGivesANameWithoutExtensionTheOneOfItsFilter)
+TEST_F(Dialogs, ASaveDialogAddsTheExtensionOfItsFilter)
 {
     const Workplace place;
     const auto saved = [&](const QString& filter) {
@@ -179,7 +179,7 @@ TEST_F(Dialogs, ASaveDialogGivesANameWithoutExtensionTheOneOfItsFilter)
     EXPECT_EQ(saved(u"Pictures|*.png;*.jpg"_s), u"new"_s);
 }
 
-TEST_F(Dialogs, ABoxInTheMiddleOfLongWorkHasTheUsualPointer)
+TEST_F(Dialogs, ABoxDuringLongWorkHasTheDefaultPointer)
 {
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     WithNextDialog<QMessageBox>([](QMessageBox& box) {
@@ -193,7 +193,7 @@ TEST_F(Dialogs, ABoxInTheMiddleOfLongWorkHasTheUsualPointer)
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 }
 
-TEST_F(Dialogs, ABoxStandsBeforeTheMainWindowWhateverFormIsActive)
+TEST_F(Dialogs, ABoxIsInFrontOfTheMainWindowWhateverFormIsActive)
 {
     QMainWindow mainWindow;
     mainWindow.show();
@@ -213,7 +213,7 @@ TEST_F(Dialogs, ABoxStandsBeforeTheMainWindowWhateverFormIsActive)
     EXPECT_EQ(DialogOwner(), &form);
 }
 
-TEST_F(Dialogs, AFontDialogStartsWithTheFontGivenAndReturnsTheOneChosen)
+TEST_F(Dialogs, AFontDialogStartsWithTheGivenFontAndReturnsTheSelectedOne)
 {
     const FontChoice current{.name = u"DejaVu Sans"_s, .size = 13, .bold = true, .italic = false};
     WithNextDialog<QFontDialog>([](QFontDialog& dialog) {
@@ -226,7 +226,7 @@ TEST_F(Dialogs, AFontDialogStartsWithTheFontGivenAndReturnsTheOneChosen)
     EXPECT_EQ(AskFont(current), std::nullopt);
 }
 
-TEST_F(Dialogs, AColorDialogSpeaksInHexDigits)
+TEST_F(Dialogs, AColorDialogUsesHexDigits)
 {
     WithNextDialog<QColorDialog>([](QColorDialog& dialog) {
         EXPECT_EQ(dialog.currentColor(), QColor(165, 42, 42));
@@ -238,7 +238,7 @@ TEST_F(Dialogs, AColorDialogSpeaksInHexDigits)
     EXPECT_EQ(AskColor(u"no colour"_s), std::nullopt);
 }
 
-TEST(Sound, EverySoundOfTheProgramIsUnderstood)
+TEST(Sound, EverySoundOfTheProgramIsDecoded)
 {
     for (const char* name : {"DocComplete.wav", "FileLoadError.wav", "FileSaved.wav",
                              "NameSpaceErrorOnSave.wav", "NoParseError.wav", "ParseError.wav", "bul'.wav"}) {
@@ -251,7 +251,7 @@ TEST(Sound, EverySoundOfTheProgramIsUnderstood)
     }
 }
 
-TEST(Sound, AFileCutAnywhereIsReadAsFarAsItGoesOrRefused)
+TEST(Sound, ATruncatedFileIsReadUpToItsEndOrRejected)
 {
     const QByteArray whole = ProgramSound("bul'.wav").first(200);
     for (qsizetype size = 0; size <= whole.size(); ++size) {
@@ -263,7 +263,7 @@ TEST(Sound, AFileCutAnywhereIsReadAsFarAsItGoesOrRefused)
     }
 }
 
-TEST(Sound, WhatIsNoUncompressedWaveIsRefused)
+TEST(Sound, OtherFilesThanUncompressedWavesAreRejected)
 {
     QByteArray compressed = ProgramSound("bul'.wav");
     compressed[20] = 2;
@@ -276,13 +276,13 @@ TEST(Sound, WhatIsNoUncompressedWaveIsRefused)
 
 namespace {
 
-// Plays of nothing that a busy machine, too, gets through before as many sounds would have ended.
+// So many failed plays end before one real sound would, even on a busy machine.
 constexpr int ManyPlays = 20;
 constexpr int ShortestSound = 300; // milliseconds
 
 } // namespace
 
-TEST(Sound, AMissingOrBrokenFileIsPassedOverAtOnce)
+TEST(Sound, AMissingOrBrokenFileIsSkippedImmediately)
 {
     const Workplace place;
     place.Make(u"broken.wav"_s, "RIFF....WAVE");
@@ -295,7 +295,7 @@ TEST(Sound, AMissingOrBrokenFileIsPassedOverAtOnce)
     EXPECT_LT(timer.elapsed(), ManyPlays * ShortestSound / 2);
 }
 
-TEST(Sound, AMachineWithoutADeviceStaysSilentAndGoesOnAtOnce)
+TEST(Sound, WithoutADevicePlayingReturnsImmediately)
 {
     if (!QMediaDevices::defaultAudioOutput().isNull())
         GTEST_SKIP() << "this machine has a sound device";
@@ -306,7 +306,7 @@ TEST(Sound, AMachineWithoutADeviceStaysSilentAndGoesOnAtOnce)
     EXPECT_LT(timer.elapsed(), ManyPlays * ShortestSound / 2);
 }
 
-TEST(Sound, TheProgramStandsStillUntilTheSoundHasEnded)
+TEST(Sound, TheProgramWaitsUntilTheSoundHasEnded)
 {
     if (QMediaDevices::defaultAudioOutput().isNull())
         GTEST_SKIP() << "this machine has no sound device";
@@ -323,7 +323,7 @@ TEST(Sound, TheProgramStandsStillUntilTheSoundHasEnded)
 
 namespace {
 
-/// Catches what would go to the system.
+/// Receives the URLs that would be opened by the system.
 class UrlCatcher : public QObject
 {
     Q_OBJECT
@@ -347,7 +347,7 @@ private:
 
 } // namespace
 
-TEST(Opening, AFileGoesOutAsALocalUrlAndAnAddressAsItStands)
+TEST(Opening, AFileIsOpenedAsALocalUrlAndAnAddressUnchanged)
 {
     const Workplace place;
     place.Make(u"a picture #1.png"_s, "x");
@@ -360,13 +360,13 @@ TEST(Opening, AFileGoesOutAsALocalUrlAndAnAddressAsItStands)
     EXPECT_EQ(web.taken, QUrl(u"https://example.org/a?b=c#d"_s));
 }
 
-TEST(Clipboard, HoldsPlainText)
+TEST(Clipboard, ContainsPlainText)
 {
     SetClipboardText(u"текст & <b>"_s);
     EXPECT_EQ(ClipboardText(), u"текст & <b>"_s);
 }
 
-TEST(MousePointer, OneCallPutsTheDefaultBack)
+TEST(MousePointer, OneCallRestoresTheDefault)
 {
     SetPointer(Pointer::Default);
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);

@@ -1,4 +1,4 @@
-// Where errors are told, in every encoding and with every line end: a "‸" in the text marks the place.
+// Positions of errors in every encoding and with every line end: a "‸" in the text marks the position.
 
 #include "XmlDocument.h"
 #include "XmlSaxReader.h"
@@ -61,7 +61,7 @@ std::string Replaced(std::string text, std::string_view what, std::string_view b
     return text;
 }
 
-/// The place behind `before`, counted on its own in UTF-16.
+/// The position after `before`, counted independently in UTF-16.
 XmlPosition PlaceBehind(const std::string& before, const Form& form)
 {
     const QString text = QString::fromStdString(before);
@@ -136,7 +136,7 @@ protected:
 
 } // namespace
 
-TEST(XmlPosition, OfAWrongEndTagIsBehindItsSlash)
+TEST(XmlPosition, OfAWrongEndTagIsAfterItsSlash)
 {
     ExpectErrorAtMarker("<a>я\n<b>ж</‸a>");
     ExpectErrorAtMarker("<a>я\n<b>ж</‸c></a>");
@@ -161,7 +161,7 @@ TEST(XmlPosition, OfABadTagIsWhereTheParserStopped)
     ExpectErrorAtMarker("<a>\nж<b‸");
 }
 
-TEST(XmlPosition, OfBadCharactersIsInFrontOfThem)
+TEST(XmlPosition, OfBadCharactersIsBeforeThem)
 {
     ExpectErrorAtMarker("<a>ж\nж‸\x01</a>");
     ExpectErrorAtMarker("<a>ж\nж‸]]>ж</a>");
@@ -172,7 +172,7 @@ TEST(XmlPosition, OfAnUnclosedElementIsTheEndOfTheText)
     ExpectErrorAtMarker("<a>ж\n<b>ж\n‸");
 }
 
-TEST(XmlPosition, OfTextBehindTheRootIsItsBeginning)
+TEST(XmlPosition, OfTextAfterTheRootIsItsStart)
 {
     ExpectErrorAtMarker("<a>ж</a>\n‸ж");
     ExpectErrorAtMarker("<a>ж</a>\n‸<b/>");
@@ -197,7 +197,7 @@ TEST(XmlPosition, IsExactFarIntoALongText)
     ExpectErrorAtMarker(text + "ж</‸b></a>");
 }
 
-TEST(XmlPosition, IsExactInALongLineAndBehindLongText)
+TEST(XmlPosition, IsExactInALongLineAndAfterLongText)
 {
     std::string text = "<a>";
     for (int word = 0; word < 20'000; ++word)
@@ -253,7 +253,7 @@ TEST(XmlPosition, InATextOfCharactersCountsItsUnits)
     EXPECT_EQ(document.parseError().linepos, 8);
 }
 
-TEST_F(XmlSchemaPosition, OfAnElementOutOfPlaceIsItsStartTag)
+TEST_F(XmlSchemaPosition, OfAnUnexpectedElementIsItsStartTag)
 {
     expectErrorAtMarker("‸<x/>");
     expectErrorAtMarker("<part><line>ж</line>\n‸<kind>один</kind></part>");
@@ -267,7 +267,7 @@ TEST_F(XmlSchemaPosition, OfAWrongAttributeIsTheStartTag)
     expectErrorAtMarker("‸<part id='1'><line/></part>");
 }
 
-TEST_F(XmlSchemaPosition, OfAMissingChildIsBehindTheSlashOfTheEndTag)
+TEST_F(XmlSchemaPosition, OfAMissingChildIsAfterTheSlashOfTheEndTag)
 {
     expectErrorAtMarker("<part>\n <!-- ж --></‸part>");
 }
@@ -277,7 +277,7 @@ TEST_F(XmlSchemaPosition, OfAMissingChildOfAnEmptyTagIsTheTag)
     expectErrorAtMarker("‸<part\n id='a'/>");
 }
 
-TEST_F(XmlSchemaPosition, OfAWrongValueIsBehindTheSlashOfTheEndTag)
+TEST_F(XmlSchemaPosition, OfAWrongValueIsAfterTheSlashOfTheEndTag)
 {
     expectErrorAtMarker("<kind>три</‸kind>");
     expectErrorAtMarker("<kind>три</‸kind\n >");

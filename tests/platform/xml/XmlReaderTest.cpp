@@ -9,7 +9,7 @@ using namespace vmk;
 
 namespace {
 
-/// Writes the events down, one a line.
+/// Records the events, one per line.
 class Recorder : public XmlSaxHandler
 {
 public:
@@ -49,7 +49,7 @@ std::string Events(std::string_view text, XmlEncoding encoding = XmlEncoding::ut
 
 } // namespace
 
-TEST(XmlReader, TellsEveryKindOfEventInOrder)
+TEST(XmlReader, ReportsEveryKindOfEventInOrder)
 {
     EXPECT_EQ(
         Events("<?xml version=\"1.0\"?>\n<!-- before --><!DOCTYPE a [<!-- in --><!ELEMENT a ANY>]><?go now?>"
@@ -67,7 +67,7 @@ TEST(XmlReader, TellsEveryKindOfEventInOrder)
         "end: a\n");
 }
 
-TEST(XmlReader, PutsWhatEntitiesStandForInTheirPlace)
+TEST(XmlReader, ReplacesEntitiesByTheirContent)
 {
     EXPECT_EQ(Events("<!DOCTYPE a [<!ENTITY e 'x<b>y</b>'>]><a t='&e2;'/>"),
               "error: Entity 'e2' not defined");
@@ -77,7 +77,7 @@ TEST(XmlReader, PutsWhatEntitiesStandForInTheirPlace)
               "3\nend: a\n");
 }
 
-TEST(XmlReader, ReadsACodePageWhateverTheDeclarationSays)
+TEST(XmlReader, ReadsTheGivenCodePageAndIgnoresTheDeclaration)
 {
     EXPECT_EQ(
         Events("<?xml version=\"1.0\" encoding=\"UTF-8\"?><a>\xc0\xdf</a>", XmlEncoding::codePage(1251)),
