@@ -33,7 +33,7 @@ double MillisecondsSince(Clock::time_point start)
 }
 
 /// A window that shows nothing.
-class NoWindow : public SpellCheckWindow
+class NoWindow final : public SpellCheckWindow
 {
 public:
     void showReport(const QString&) override { }

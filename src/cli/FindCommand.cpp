@@ -9,6 +9,7 @@
 #include "Settings.h"
 #include "SettingsVariables.h"
 #include "StartUpVariables.h"
+#include "TextFunctions.h"
 #include "TreeLines.h"
 
 #include <QJsonDocument>
@@ -103,8 +104,15 @@ bool ReadInto(DisplayDocument& document, const QString& book)
     static std::mutex guard;
     const std::lock_guard lock(guard);
     FileContent content = ReadBookContent(book);
-    if (content.outcome == ReadOutcome::Ok)
-        return OpenBook(book, std::move(content.bytes), document, BookReading::Kept);
+    if (content.outcome == ReadOutcome::Ok) {
+        std::optional<std::string> page = PageOfBook(book, std::move(content.bytes), BookReading::Kept);
+        if (!page)
+            return false;
+        // Guards have no meaning for a book that is not saved, and would be between the characters to find.
+        *page = ReplaceAll(ReplaceAll(*std::move(page), DisplayGuard, ""), DisplayGuardEscape, "");
+        document.loadPage(QByteArray::fromStdString(*page));
+        return true;
+    }
     PrintErrorLine(u"vmk: "_s + ShownName(book) + u": "_s + ReadFailureText(content));
     return false;
 }

@@ -116,7 +116,9 @@ public:
     int replaceText(int from, int to, const QString& text)
     {
         std::vector<Tokens> content(1);
-        for (const QChar c : text) {
+        const QString lines
+            = QString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
+        for (const QChar c : lines) {
             if (c == u'\n')
                 content.emplace_back();
             else

@@ -133,7 +133,7 @@ TEST_F(HistoryFiles, AMillionEntriesAreRead)
     LoadHistory(history);
     EXPECT_EQ(history.entries.size(), 1'000'000);
     AddToHistoryList(history.entries, u"new"_s);
-    EXPECT_EQ(history.entries.size(), 2);
+    EXPECT_EQ(history.entries.size(), MostHistoryEntries);
 }
 
 TEST_F(HistoryFiles, AFileThatCannotBeReadIsNotWrittenOver)
