@@ -1,6 +1,7 @@
 #include "BookCheck.h"
 #include "Command.h"
 #include "CommandLine.h"
+#include "DisplayCharacters.h"
 #include "FindReplaceFunctions.h"
 #include "FindReplaceRegExpFuncs.h"
 #include "OrderedJobs.h"

@@ -57,7 +57,11 @@ inline int findText(const PlainDocument& document, QString sought, int from, boo
 /// Marks the characters in front of a place. A mark over no text at all is a step too.
 inline void markLast(PlainDocument& document, int place, int length)
 {
-    document.wrap(std::max(0, place - length), place, MarkTag);
+    int from = std::max(0, place - length);
+    const QString text = document.text();
+    if (from > 0 && from < text.size() && text[from].isLowSurrogate() && text[from - 1].isHighSurrogate())
+        --from;
+    document.wrap(from, place, MarkTag);
 }
 
 /// @return the steps of undo
