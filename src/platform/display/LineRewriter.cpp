@@ -84,7 +84,10 @@ void LineRewriter::replace(int from, int to, const QString& text)
 
 void LineRewriter::wrapLast(int count, TagId tag)
 {
-    const int from = length() - count;
+    int from = length() - count;
+    // No mark begins inside a surrogate pair.
+    if (from > 0 && made.text[from].isLowSurrogate() && made.text[from - 1].isHighSurrogate())
+        --from;
     const auto byPlace = [](const Mark& mark, int pos) { return mark.pos < pos; };
     std::vector<Mark>& marks = made.marks;
     // Only the last marks are looked at, not the line's.

@@ -56,7 +56,9 @@ void ReplaceRun::mark(int length, QStringView color)
     flush();
     TextRange marked = present;
     marked.moveStart(u"character", -length);
-    marked.execCommand(u"BackColor", false, color.toString());
+    // A mark over no text is a step too, so that an undo command reverts this run and no other edit.
+    if (!marked.execCommand(u"BackColor", false, color.toString()))
+        document.splice(0, 0, {}, {{0, 0}, {0, 0}, {0, 0}});
 }
 
 void ReplaceRun::moveTo(Position place)
