@@ -245,9 +245,6 @@ protected:
     /// Triggers an entry and checks its effect.
     void Walk(QAction& entry, Command command, const std::string& name)
     {
-        // The context menu enables it only on an image whose resource is in the book; this book has none.
-        if (command == Command::RemoveImageResource)
-            return;
         Prepare(command);
         const QStringList seen = SeenState();
         const QByteArray page = Document().savePage();
