@@ -26,7 +26,7 @@ constexpr QChar GreaterMask(2);
 
 /// A row whose result would be longer than this, in UTF-16 units, and than `LargestGrowth` times the text
 /// that it began with is not applied: a few rows could otherwise fill any memory.
-constexpr qsizetype AlwaysAllowed = 16 * 1024 * 1024;
+constexpr qsizetype AlwaysAllowed = qsizetype(16) * 1024 * 1024;
 constexpr qsizetype LargestGrowth = 8;
 
 qsizetype LargestResult(qsizetype size)
@@ -155,7 +155,7 @@ QString ChrPiece(const QString& piece)
     const int code = number.first(digits).toShort(&isNumber);
     if (!isNumber || code < 1 || code > LargestByte)
         return piece;
-    return QString(QChar(CharacterOfByte(static_cast<unsigned char>(code), CodePageSystem)));
+    return {QChar(CharacterOfByte(static_cast<unsigned char>(code), CodePageSystem))};
 }
 
 } // namespace

@@ -36,10 +36,10 @@ QString CharacterOfCode(int32_t code)
         return {};
     // Bytes of the code page in this range only: this asymmetry is intended.
     if (code >= FirstByteCode && code <= LastByteCode)
-        return QString(QChar(CharacterOfByte(static_cast<unsigned char>(code), CodePageSystem)));
+        return {QChar(CharacterOfByte(static_cast<unsigned char>(code), CodePageSystem))};
     if (code > 0xFFFF)
         return QString::fromUcs4(reinterpret_cast<const char32_t*>(&code), 1);
-    return QString(QChar(char16_t(code)));
+    return {QChar(char16_t(code))};
 }
 
 /// What one `uni(...)` stands for.

@@ -17,6 +17,7 @@
 #include <QFrame>
 #include <QLabel>
 #include <QMenu>
+#include <QTimer>
 #include <QToolButton>
 
 /// The find window's input fields, their menus, and the histories that drop down from them.
