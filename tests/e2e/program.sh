@@ -28,10 +28,20 @@ has_length() {
     [ "${count:-0}" -gt 4 ]
 }
 
+# is_loaded: whether a book is shown; answers the question about losses with Yes. The question has the caption that the
+# main window has without a book.
+is_loaded() {
+    local questions
+    is_shown 'VMK: ' && return
+    mapfile -t questions < <(windows '^Vellumark$')
+    [ ${#questions[@]} -lt 2 ] || { xdotool windowfocus "${questions[-1]}"; xdotool key alt+y; }
+    return 1
+}
+
 # wait_for_document: waits until the book is complete, and focuses its window.
 wait_for_document() {
     local window
-    window=$(wait_for_window 'VMK: ') && wait_until 120 has_length && focus_window "$window" && settle "$program"
+    wait_until 60 is_loaded && window=$(wait_for_window 'VMK: ') && wait_until 120 has_length && focus_window "$window" && settle "$program"
 }
 
 # Without a window manager Alt+F4 has no effect; the last entry of the menu ends the program too.
