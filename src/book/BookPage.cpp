@@ -130,7 +130,7 @@ std::optional<XmlTreeText> KeptTreeOfBook(const std::string& text, const PageReq
     XmlDocument document;
     document.validateOnParse = false;
     const bool laidOut = document.loadXML(lines, request.encoding, &serializer);
-    // A text is shown as a tree only if it is well-formed itself: joining its lines must not mend it.
+    // A text is shown as a tree only if it is well-formed itself: joining its lines must not repair it.
     if (!laidOut || (!sameFault && broken.get()))
         return std::nullopt;
     moved = serializer.keptElements();
