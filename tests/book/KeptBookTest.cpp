@@ -315,6 +315,13 @@ TEST_F(KeptBooks, NoLineEndIsPutIntoText)
     EXPECT_GT(losses.lines.tornTexts, 0U);
 }
 
+TEST_F(KeptBooks, ASectionWithInLineChildrenIsStillATree)
+{
+    const std::string file = content("<section><a>b</a> <a>c</a><p>d</p><p>e</p></section>");
+    EXPECT_THAT(shown, testing::Not(testing::HasSubstr("<p>d</p><p>e</p>")));
+    EXPECT_THAT(file, testing::Not(testing::HasSubstr("<a>b</a><a>c</a>"))) << "white space separates the two";
+}
+
 TEST_F(KeptBooks, WhatFollowsThePicturesStaysInItsPlace)
 {
     const std::string end = "<binary id=\"i\">AA==</binary><!-- after -->\r\n</FictionBook>\r\n<!-- end -->";

@@ -17,20 +17,7 @@ generator=${3:-}
 open_display
 mkdir "$folder/in"
 failures=0
-box_expected=
 fail() { echo "FAILED: $1"; failures=$((failures + 1)); }
-
-# The message box about the missing tree is in front of the window, which still has its first caption and accepts
-# no keys.
-answer_box() {
-    local window
-    wait_until 60 has_box || { fail "no message box reports the missing tree"; return; }
-    for window in $(windows '^Vellumark$'); do
-        has_box || return
-        focus_window "$window" && xdotool key Return && settle "$program"
-    done
-}
-has_box() { [ "$(windows '^Vellumark$' | wc -l)" -ge 2 ]; }
 
 keys() { xdotool key --delay 30 "$@"; }
 
@@ -46,7 +33,6 @@ edit_copy() {
     rm -f "$portable"/*.ini
     # The portable folder has no sounds, so that nothing waits for them.
     launch "$book"
-    [ -z "$box_expected" ] || answer_box
     wait_for_document || fail "$(basename "$1"): the document did not become complete"
     # Real books violate the schema; here they only have to be well-formed. The last button of the toolbar opens the
     # list.
@@ -102,6 +88,15 @@ sys.exit(0 if saved.count(b' zebra') == 1 and saved.replace(b' zebra', b'') == e
 PY
 }
 
+# A page without a tree shows the line ends of the file, which are then saved instead of blanks.
+differs_only_in_white_space() {
+    python3 - "$1" "$2" <<'PY'
+import sys
+expected, saved = (open(path, 'rb').read().split() for path in sys.argv[1:])
+sys.exit(0 if saved == expected else 1)
+PY
+}
+
 check_edits() {
     local name source
     name=$(basename "$1")
@@ -135,10 +130,9 @@ text = open(sys.argv[1], 'rb').read()
 open(sys.argv[2], 'wb').write(text.replace(b'Last words.</p>', b'Last words.</p'))
 PY
     "$bin/vmk" convert "$folder/whole.fb2" --out "$folder/expected.fb2"
-    box_expected=yes
     edit_copy "$folder/in/broken.fb2" fix_and_save
-    box_expected=
-    if cmp -s "$folder/expected.fb2" "$book"; then
+    [ ${#boxes[@]} -eq 2 ] || fail "${#boxes[@]} boxes, not a question about losses and a message about the missing tree"
+    if differs_only_in_white_space "$folder/expected.fb2" "$book"; then
         echo "ok: a book that is not well-formed"
     else
         fail "a book that is not well-formed was not fixed"

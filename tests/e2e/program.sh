@@ -19,6 +19,7 @@ open_display() {
 launch() {
     start "$portable/vellumark" "$1" 2>"$folder/errors"
     program=$started
+    boxes=()
 }
 
 # The panel with the file length is filled when the document is complete; before, it has one plain colour.
@@ -28,13 +29,19 @@ has_length() {
     [ "${count:-0}" -gt 4 ]
 }
 
-# is_loaded: whether a book is shown; answers the question about losses with Yes. The question has the caption that the
-# main window has without a book.
+# is_loaded: whether a book is shown; accepts the default of each box that comes first: the question about losses, the
+# message about a missing tree. The boxes have the caption that the main window has without a book. "boxes" has them.
+# shellcheck disable=SC2034 # used by the scripts
+declare -A boxes
 is_loaded() {
-    local questions
+    local found
     is_shown 'VMK: ' && return
-    mapfile -t questions < <(windows '^Vellumark$')
-    [ ${#questions[@]} -lt 2 ] || { xdotool windowfocus "${questions[-1]}"; xdotool key alt+y; }
+    mapfile -t found < <(windows '^Vellumark$')
+    if [ ${#found[@]} -ge 2 ]; then
+        # shellcheck disable=SC2034
+        boxes[${found[-1]}]=answered
+        xdotool windowfocus "${found[-1]}" key Return
+    fi
     return 1
 }
 

@@ -219,7 +219,9 @@ void XmlSerializer::settleWhite(Element& parent, Next next)
     writtenWhite = 0;
     if (white.empty())
         return;
-    const bool betweenInLine = parent.afterInLine && next == Next::InLineElement;
+    // An element that only should contain other elements remains a tree, whatever is between two of them.
+    const bool mayBeText = textNames.empty() || parent.isText;
+    const bool betweenInLine = mayBeText && parent.afterInLine && next == Next::InLineElement;
     const bool isText = HasBlank(white) && (parent.inLine || betweenInLine);
     if (isText)
         makeMixed(parent);

@@ -68,7 +68,8 @@ public:
                            size_t expectedSize = 0, XmlForm form = XmlForm::Xml);
 
     /// In elements with these names, two adjacent elements remain on one line, unless no child has content: a
-    /// line end between them would be a blank of the text.
+    /// line end between them would be a blank of the text. In other elements, white space between in-line
+    /// elements is layout.
     void keepTextOf(std::vector<std::string> names) { textNames = std::move(names); }
     /// The number of elements that `keepTextOf` has kept on one line.
     [[nodiscard]] size_t keptElements() const { return kept; }
