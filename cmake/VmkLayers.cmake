@@ -13,10 +13,6 @@
 
 # vmk_layer_folder(LAYER files...): adds this folder's files to LAYER and puts the folder on its include path.
 function(vmk_layer_folder layer)
-    # The name that the lowest two layers had together.
-    if(layer STREQUAL "vmk_base")
-        set(layer vmk_platform)
-    endif()
     target_include_directories(${layer} PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}")
     set(files)
     foreach(file IN LISTS ARGN)

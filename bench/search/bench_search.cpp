@@ -13,11 +13,12 @@
 #include "FileOperations.h"
 #include "FindReplaceWbF.h"
 #include "Form1.h"
-#include "Globals.h"
 #include "InitGlobals.h"
 #include "PanelBar.h"
 #include "SearchField.h"
 #include "Settings.h"
+#include "SettingsVariables.h"
+#include "StartUpVariables.h"
 #include "WidgetSeams.h"
 
 #include <QApplication>

@@ -298,7 +298,7 @@ void measureReplacing()
     view.viewport()->repaint();
     int found = 0;
     const double replaced = milliseconds([&] {
-        vmk::TextRange range = vmk::createTextRange(view.document());
+        vmk::TextRange range = vmk::page::createTextRange(view.document());
         range.collapse();
         while (range.findText(u"hit"_s)) {
             range.setText(u"match"_s);

@@ -10,7 +10,7 @@ namespace vmk {
 
 namespace {
 
-void TellMainWindow(const QString& caption, const QString& status)
+void NotifyMainWindow(const QString& caption, const QString& status)
 {
     constexpr int StatusPanels = 5;
     SetPointer(Pointer::Default);
@@ -27,7 +27,7 @@ void ShowEmptyPage(const EmptyPageOptions& options)
 {
     if (!options.skipStatus) {
         if (!options.preview)
-            TellMainWindow(options.caption, options.status);
+            NotifyMainWindow(options.caption, options.status);
         else if (!options.caption.isEmpty())
             CaptionSeam()(options.caption, true);
         if (!options.sound.isEmpty())

@@ -390,7 +390,7 @@ std::string LineAssembler::run(const InLineTagSet& inLineTags)
     for (size_t angle = inLineTags.hasEmptyEntry() ? std::string_view::npos : text.find('>');
          angle != std::string_view::npos; angle = text.find('>', from)) {
         const size_t next = angle + 1;
-        const bool breaks = LineEndsBehind(text, from, next, inLineTags);
+        const bool breaks = LineEndsAfter(text, from, next, inLineTags);
         from = next;
         if (!breaks)
             continue;

@@ -58,7 +58,7 @@ public:
     }
 
     [[nodiscard]] std::string run();
-    [[nodiscard]] bool breaksBehind(std::string_view piece, size_t next) const;
+    [[nodiscard]] bool breaksAfter(std::string_view piece, size_t next) const;
 
 private:
     [[nodiscard]] std::string_view tagAt(size_t position) const;
@@ -76,7 +76,7 @@ std::string LineBreaker::run()
         const std::string_view piece = text.substr(from, angle + 1 - from);
         from = angle + 1;
         result += piece;
-        if (breaksBehind(piece, from))
+        if (breaksAfter(piece, from))
             result += lineEnd;
     }
     result.append(text, from);
@@ -85,7 +85,7 @@ std::string LineBreaker::run()
 
 /// Whether a line ends after `piece`, which extends from the last ">" to this one; `next` is the position
 /// after it.
-bool LineBreaker::breaksBehind(std::string_view piece, size_t next) const
+bool LineBreaker::breaksAfter(std::string_view piece, size_t next) const
 {
     bool endTag = false;
     size_t tagStart = std::string_view::npos;
@@ -186,9 +186,9 @@ std::string TreeLines(std::string text, std::string_view lineEnd, const InLineTa
     return LineBreaker(text, lineEnd, inLineTags).run();
 }
 
-bool LineEndsBehind(std::string_view joined, size_t from, size_t next, const InLineTagSet& inLineTags)
+bool LineEndsAfter(std::string_view joined, size_t from, size_t next, const InLineTagSet& inLineTags)
 {
-    return LineBreaker(joined, {}, inLineTags).breaksBehind(joined.substr(from, next - from), next);
+    return LineBreaker(joined, {}, inLineTags).breaksAfter(joined.substr(from, next - from), next);
 }
 
 bool LinesAreBetweenTags(std::string_view text)

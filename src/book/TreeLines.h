@@ -49,8 +49,8 @@ private:
 
 /// Returns whether `TreeLines` ends a line at `next` of a joined text, directly after a ">"; `from` is the
 /// position after the previous ">". Requires a list without an empty entry.
-[[nodiscard]] bool LineEndsBehind(std::string_view joined, size_t from, size_t next,
-                                  const InLineTagSet& inLineTags);
+[[nodiscard]] bool LineEndsAfter(std::string_view joined, size_t from, size_t next,
+                                 const InLineTagSet& inLineTags);
 
 /// Returns true if the text begins with a tag and each line end is in white space between a ">" and a "<" or
 /// at the end. For such a text, `TreeLines` never turns a text that is not well-formed into one that is. For

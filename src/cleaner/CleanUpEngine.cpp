@@ -37,7 +37,7 @@ qsizetype LargestResult(qsizetype size)
 /// The range that the scope names.
 TextRange RangeOfScope(DisplayDocument& document, const QString& scope)
 {
-    TextRange range = createRange(document);
+    TextRange range = page::createRange(document);
     if (scope == "from cursor up"_L1) {
         range.collapse(false);
         range.moveStart(TextUnit::Textedit, -1);

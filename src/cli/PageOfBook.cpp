@@ -46,8 +46,8 @@ bool WithRemarks(const QString& book, BookReading reading, Conversion convert)
 }
 
 /// What is said about characters that the encoding lacks. Without losses the book is then saved in UTF-8.
-bool TellMissingCharacters(const QString& book, BookReading reading, const MissingCharacters& missing,
-                           const QString& encoding)
+bool ReportMissingCharacters(const QString& book, BookReading reading, const MissingCharacters& missing,
+                             const QString& encoding)
 {
     const bool keep = reading == BookReading::Kept;
     PrintErrorLine(u"vmk: "_s + ShownName(book) + (keep ? u": kept"_s : u": lost"_s) + u": characters that "_s
@@ -86,7 +86,7 @@ BookFile FileOfDocument(const QString& book, const DisplayDocument& document, Bo
 {
     const SeamGuard missing(MissingCharactersSeam(),
                             [&](const MissingCharacters& found, const QString& encoding) {
-                                return TellMissingCharacters(book, reading, found, encoding);
+                                return ReportMissingCharacters(book, reading, found, encoding);
                             });
     return DocumentToBook(document);
 }

@@ -90,7 +90,7 @@ struct MenuEntry
     /// The accelerator, in the format of `QKeySequence`. A shortcut named in a caption is only text.
     const char* accelerator = nullptr;
     bool hidden = false;
-    bool separatorBehind = false;
+    bool separatorAfter = false;
     /// Created disabled; the code that opens the menu enables the entry when it applies.
     bool disabled = false;
 };

@@ -12,7 +12,6 @@
 #include "DisplayText.h"
 #include "DisplayView.h"
 #include "DroppedFiles.h"
-#include "EditorFunctions.h"
 #include "EditorState.h"
 #include "EmptyPage.h"
 #include "FbFunctions.h"
@@ -25,6 +24,8 @@
 #include "ProcessEnd.h"
 #include "SaveBook.h"
 #include "SchemasF.h"
+#include "ScrollPositions.h"
+#include "SelectionFunctions.h"
 #include "Settings.h"
 #include "SettingsF.h"
 #include "SettingsVariables.h"
@@ -193,7 +194,7 @@ void Form1::fillMenu(QMenu& menu, std::span<const MenuEntry> rows)
             entry->setShortcut(QKeySequence(QLatin1StringView(row.accelerator)));
         connect(entry, &QAction::triggered, this, [this, command = row.command] { RunCommand(command); });
         entries.insert(entry->objectName(), entry);
-        if (row.separatorBehind) {
+        if (row.separatorAfter) {
             // Only the group of fields is hidden with its separator; the others separate visible entries.
             const bool alone = row.command != Command::InsertTagAttributeValueField;
             menu.addSeparator()->setVisible(alone);

@@ -386,7 +386,8 @@ TEST_F(CleanUp, AgreesWithThePlainStepsOnRandomPages)
         }
         show(html.toUtf8().constData());
         const TextRange all(document, {0, 0}, document.end());
-        const QString painted = document.lineCount() > 1 ? all.htmlText() : item(document, 1).outerHTML();
+        const QString painted
+            = document.lineCount() > 1 ? all.htmlText() : page::item(document, 1).outerHTML();
         const QString expected = RePaintHtml(reference::PlainCleanUp(painted, plainRows), Paint);
         run(rows);
         // A damaged tag of a line is text here, and hides some text in the plain steps.

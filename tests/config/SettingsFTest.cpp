@@ -462,7 +462,7 @@ TEST_F(SettingsFTest, TheLookOfTheTagsReachesThePage)
     EXPECT_EQ(View().runAt(tag).look.weight, int(QFont::Normal));
     EXPECT_EQ(View().runAt({tag.line, tag.offset + 9}).look.color, QColor(4, 5, 6));
     EXPECT_EQ(View().runAt({tag.line, tag.offset + 12}).look.color, QColor(7, 8, 9));
-    EXPECT_EQ(item(Document(), tag.line + 1).marginLeft(), 2 * 11);
+    EXPECT_EQ(page::item(Document(), tag.line + 1).marginLeft(), 2 * 11);
     EXPECT_EQ(NodeShift, 11);
 }
 

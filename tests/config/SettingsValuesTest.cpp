@@ -1,12 +1,15 @@
 #include "SettingsValues.h"
 
 #include "BookPage.h"
+#include "BookVariables.h"
 #include "DisplayValuesOfSettings.h"
-#include "Globals.h"
 #include "InitGlobals.h"
+#include "NonBreakingSpace.h"
 #include "PreviewPage.h"
 #include "QtPrinting.h"
 #include "Settings.h"
+#include "SettingsVariables.h"
+#include "StartUpVariables.h"
 #include "TestPaths.h"
 #include "Workplace.h"
 

@@ -111,7 +111,7 @@ TEST_F(Program, ACleanBookIsReportedUntilTheUserClosesTheForm)
     expectEnd();
 }
 
-TEST_F(Program, ABookThatIsNotWellFormedIsOpenedBehindABoxThatOutlivesTheReport)
+TEST_F(Program, TheBoxOfABookThatIsNotWellFormedRemainsAfterTheReport)
 {
     place.Make(u"torn.fb2"_s, "<FictionBook><body>");
     start({u"torn.fb2"_s, u"-V"_s});

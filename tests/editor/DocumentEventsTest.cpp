@@ -1,6 +1,8 @@
 #include "WindowTest.h"
 
-#include "EditorFunctions.h"
+#include "CaretStatus.h"
+#include "ScrollPositions.h"
+#include "SelectionFunctions.h"
 #include "SettingsVariables.h"
 #include "VirtualKeys.h"
 

@@ -1,9 +1,9 @@
 #include "BookToDisplay.h"
 #include "CommandModel.h"
 #include "EditReference.h"
-#include "EditorFunctions.h"
 #include "MainWindowSeams.h"
 #include "SaveBook.h"
+#include "SelectionFunctions.h"
 #include "SettingsVariables.h"
 #include "WindowTest.h"
 

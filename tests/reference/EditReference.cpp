@@ -135,10 +135,10 @@ static std::string PaintText(std::string text, const PaintRequest& request, bool
         if (IsOpen(text.substr(0, at + 2)))
             text.replace(at, 6, "--\x04");
     }
-    const bool openBehind = IsOpen(text);
+    const bool openAfter = IsOpen(text);
     if (open)
         text.erase(0, 1);
-    open = openBehind;
+    open = openAfter;
 
     if (request.tagHighlighting) {
         text = ReplaceAll(text, "&lt;", "<SPAN class=t>&lt;");

@@ -385,7 +385,7 @@ inline int PlainDocument::build(int from, int to, const std::vector<Tokens>& con
 inline int PlainDocument::paste(int from, int to, std::vector<Tokens> content, std::vector<QString> blocks)
 {
     const bool inOneLine = lineOf(from) == lineOf(to);
-    const bool standsAlone = !blocks.front().isEmpty() && inOneLine;
+    const bool isSeparateWord = !blocks.front().isEmpty() && inOneLine;
     const bool endsAlone = !blocks.back().isEmpty() && inOneLine;
     if (!inOneLine) {
         const int end = replace(from, to, content, blocks, false);
@@ -393,7 +393,7 @@ inline int PlainDocument::paste(int from, int to, std::vector<Tokens> content, s
             tokens[lineToken(lineOf(from))].tag = blocks.front();
         return end;
     }
-    if (standsAlone) {
+    if (isSeparateWord) {
         content.insert(content.begin(), Tokens());
         blocks.insert(blocks.begin(), QString());
     }
@@ -411,7 +411,7 @@ inline int PlainDocument::paste(int from, int to, std::vector<Tokens> content, s
         tokens.erase(tokens.begin() + std::ptrdiff_t(lineToken(last)));
         --end;
     }
-    if (standsAlone && lineCount() > 1 && isEmptyLine(first) && lineOf(end) > first) {
+    if (isSeparateWord && lineCount() > 1 && isEmptyLine(first) && lineOf(end) > first) {
         tokens.erase(tokens.begin() + std::ptrdiff_t(lineToken(first)));
         --end;
         if (endsAlone && !restIsEmpty)

@@ -11,7 +11,7 @@ inline char Small(char c)
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
 }
 
-inline bool StandsAt(const std::string& text, size_t at, const std::string& sought, bool ignoreCase)
+inline bool IsAt(const std::string& text, size_t at, const std::string& sought, bool ignoreCase)
 {
     if (at + sought.size() > text.size())
         return false;
@@ -31,7 +31,7 @@ inline std::string ReplaceAll(const std::string& text, const std::string& sought
         return text;
     std::string result;
     for (size_t at = 0; at < text.size();) {
-        if (StandsAt(text, at, sought, ignoreCase)) {
+        if (IsAt(text, at, sought, ignoreCase)) {
             result += replacement;
             at += sought.size();
         } else {

@@ -53,7 +53,7 @@ protected:
     ~Start() override { CommLineInfoF::Unload(); }
 
     /// Closes the modal report form as soon as it is shown, and records its texts.
-    void closeReportWhenItStands()
+    void closeReportWhenShown()
     {
         auto* const timer = new QTimer(qApp);
         QObject::connect(timer, &QTimer::timeout, qApp, [this, timer] {
@@ -175,7 +175,7 @@ TEST_F(Start, ValidatingACleanFileWithoutAReportEndsTheProcess)
 
 TEST_F(Start, ValidatingACleanFileReportsTheModeAndTheName)
 {
-    closeReportWhenItStands();
+    closeReportWhenShown();
     EXPECT_FALSE(ValidateFromCommandLine(place.Path(u"clean.fb2"_s)));
     EXPECT_EQ(events,
               (QStringList{u"sound NoParseError.wav"_s,
@@ -185,7 +185,7 @@ TEST_F(Start, ValidatingACleanFileReportsTheModeAndTheName)
 TEST_F(Start, ValidatingAgainstTheNamespaceAcceptsSchemaErrors)
 {
     ValidateOption = u"namespace!"_s;
-    closeReportWhenItStands();
+    closeReportWhenShown();
     EXPECT_FALSE(ValidateFromCommandLine(place.Path(u"broken.fb2"_s)));
     EXPECT_EQ(events.value(1), u"modal report: No errors (against namespace)\nbroken.fb2"_s);
 }
@@ -262,7 +262,7 @@ TEST_F(WholeStart, AFailedValidationRequestsAValidationOfTheLoadedBook)
 
 TEST_F(WholeStart, ACleanValidationEndsBeforeTheFlagIsSet)
 {
-    closeReportWhenItStands();
+    closeReportWhenShown();
     EXPECT_FALSE(RunStart(place.Path(u"clean.fb2"_s) + u" -V"_s));
     EXPECT_FALSE(ValidateAfterLoad);
     EXPECT_EQ(events.last(), u"end"_s);

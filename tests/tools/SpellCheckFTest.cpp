@@ -1,7 +1,7 @@
 #include "SpellCheckF.h"
 
-#include "EditorFunctions.h"
 #include "SmallDictionaries.h"
+#include "UndoCommands.h"
 #include "WindowTest.h"
 
 #include <QFile>

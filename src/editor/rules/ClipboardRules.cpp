@@ -13,7 +13,7 @@ namespace {
 using namespace Qt::StringLiterals;
 
 /// The part after the end of the head.
-QStringView BehindHead(QStringView html)
+QStringView AfterHead(QStringView html)
 {
     for (const QStringView marker : {u"<BASEFONT", u"<BODY", u"</HEAD"}) {
         const qsizetype at = html.indexOf(marker, 0, Qt::CaseInsensitive);
@@ -43,7 +43,7 @@ void CopyAsText(DisplayDocument& document)
 
 QString HtmlToPlainText(const QString& html, bool decodeAngleBrackets)
 {
-    QString text = RegExpReplace(BehindHead(html), u"<[^>]*>", u"", false);
+    QString text = RegExpReplace(AfterHead(html), u"<[^>]*>", u"", false);
     if (decodeAngleBrackets) {
         text = ReplaceAll(std::move(text), u"&lt;", u"<");
         text = ReplaceAll(std::move(text), u"&gt;", u">");

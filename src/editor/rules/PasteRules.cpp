@@ -81,7 +81,7 @@ SplitLine SplitAt(DisplayDocument& document, const TextRange& caret, int node)
 }
 
 /// Moves the caret after the pasted text, counted from the last press.
-void PlaceBehind(TextRange& range, QPoint lastPress, int characters)
+void PositionAfter(TextRange& range, QPoint lastPress, int characters)
 {
     range.moveToPoint(lastPress.x(), lastPress.y());
     range.move(TextUnit::Character, characters);
@@ -133,7 +133,7 @@ void PasteText(DisplayDocument& document, QString clipboard, QPoint lastPress, Q
         split.line.insertAdjacentHTML(Adjacent::AfterEnd, html);
         ++length;
     }
-    PlaceBehind(range, lastPress, length);
+    PositionAfter(range, lastPress, length);
     MarkEdit(1);
 }
 
@@ -164,7 +164,7 @@ void PasteHtml(DisplayDocument& document, QString clipboard, QPoint lastPress, Q
                                     + LineEnd);
         else
             split.line.insertAdjacentHTML(Adjacent::AfterEnd, html);
-        PlaceBehind(range, lastPress, length);
+        PositionAfter(range, lastPress, length);
     }
     MarkEdit(1);
 }

@@ -286,13 +286,13 @@ enum Utf8State : unsigned int
     OneMore = 12,
     TwoMore = 18,
     ThreeMore = 24,
-    BehindE0 = 30,
-    BehindEd = 36,
-    BehindF0 = 42,
-    BehindF4 = 48
+    AfterE0 = 30,
+    AfterEd = 36,
+    AfterF0 = 42,
+    AfterF4 = 48
 };
 
-constexpr Utf8State StateBehindLead(unsigned int byte)
+constexpr Utf8State StateAfterLead(unsigned int byte)
 {
     if (byte < 0x80)
         return CharacterEnd;
@@ -301,8 +301,8 @@ constexpr Utf8State StateBehindLead(unsigned int byte)
     if (byte < 0xE0)
         return OneMore;
     if (byte < 0xF0)
-        return byte == 0xE0 ? BehindE0 : byte == 0xED ? BehindEd : TwoMore;
-    return byte == 0xF0 ? BehindF0 : byte == 0xF4 ? BehindF4 : ThreeMore;
+        return byte == 0xE0 ? AfterE0 : byte == 0xED ? AfterEd : TwoMore;
+    return byte == 0xF0 ? AfterF0 : byte == 0xF4 ? AfterF4 : ThreeMore;
 }
 
 /// The state after `byte`, which must be from `first` to `last`.
@@ -316,15 +316,15 @@ constexpr std::array<uint64_t, 256> MakeUtf8Steps()
     std::array<uint64_t, 256> steps{};
     for (unsigned int byte = 0; byte < steps.size(); ++byte) {
         const auto from = [&](Utf8State state, Utf8State to) { steps[byte] |= uint64_t{to} << state; };
-        from(CharacterEnd, StateBehindLead(byte));
+        from(CharacterEnd, StateAfterLead(byte));
         from(BadUtf8, BadUtf8);
         from(OneMore, StateWithin(byte, 0x80, 0xBF, CharacterEnd));
         from(TwoMore, StateWithin(byte, 0x80, 0xBF, OneMore));
         from(ThreeMore, StateWithin(byte, 0x80, 0xBF, TwoMore));
-        from(BehindE0, StateWithin(byte, 0xA0, 0xBF, OneMore));
-        from(BehindEd, StateWithin(byte, 0x80, 0x9F, OneMore));
-        from(BehindF0, StateWithin(byte, 0x90, 0xBF, TwoMore));
-        from(BehindF4, StateWithin(byte, 0x80, 0x8F, TwoMore));
+        from(AfterE0, StateWithin(byte, 0xA0, 0xBF, OneMore));
+        from(AfterEd, StateWithin(byte, 0x80, 0x9F, OneMore));
+        from(AfterF0, StateWithin(byte, 0x90, 0xBF, TwoMore));
+        from(AfterF4, StateWithin(byte, 0x80, 0x8F, TwoMore));
     }
     return steps;
 }

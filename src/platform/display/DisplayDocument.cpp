@@ -381,8 +381,8 @@ Position DisplayDocument::replaceHtml(int line, Cut from, Cut to, QStringView ht
 /// separate lines. No empty line remains where the rest of the line is empty.
 Position DisplayDocument::replaceBlocks(int line, Cut from, Cut to, std::vector<Line> content, bool openEnded)
 {
-    const bool standsAlone = content.front().block != NoTag;
-    if (standsAlone)
+    const bool isSeparateWord = content.front().block != NoTag;
+    if (isSeparateWord)
         content.insert(content.begin(), Line());
     if (!openEnded)
         content.emplace_back();
@@ -397,7 +397,7 @@ Position DisplayDocument::replaceBlocks(int line, Cut from, Cut to, std::vector<
         made.pop_back();
         end = {end.line - 1, int(made.back().text.size())};
     }
-    if (standsAlone && made.size() > 1 && !HasContent(made.front())) {
+    if (isSeparateWord && made.size() > 1 && !HasContent(made.front())) {
         made.erase(made.begin());
         --end.line;
         // The rest is the complete old line, moved down: it keeps its identifier.

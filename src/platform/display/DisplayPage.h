@@ -45,13 +45,6 @@ void empty(DisplayDocument& document);
 
 } // namespace page
 
-// Unqualified too, for a while.
-using page::createRange;
-using page::createTextRange;
-using page::elementFromPoint;
-using page::getElementsByName;
-using page::item;
-
 // ---- operations that the commands share
 
 /// Returns the node index of the line of the range's first (or last) character; -1 if it is in none. For an

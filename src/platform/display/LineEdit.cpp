@@ -178,11 +178,11 @@ std::vector<Line> ReplaceLineContent(const Line& first, Cut a, const Line& last,
                                      EmptyElements emptyElements)
 {
     const auto openBefore = OpenMarks(first, a.mark);
-    const auto openBehind = OpenMarks(last, b.mark);
+    const auto openAfter = OpenMarks(last, b.mark);
     std::size_t shared = &first == &last ? SharedDepth(first, a.mark, b.mark, openBefore.size()) : 0;
     if (content.size() == 1 && IsEmptyLine(content[0]) && emptyElements == EmptyElements::Remove) {
         // An element that would have no text counts as one that ends on both sides.
-        const std::size_t lasting = openBehind.size() - std::min(EndingAt(last, b), openBehind.size());
+        const std::size_t lasting = openAfter.size() - std::min(EndingAt(last, b), openAfter.size());
         while (shared > lasting && openBefore[shared - 1].pos == a.offset)
             --shared;
     }
@@ -205,7 +205,7 @@ std::vector<Line> ReplaceLineContent(const Line& first, Cut a, const Line& last,
         }
         composer.append(content[i]);
         if (isLast) {
-            composer.appendRight(last, b, openBehind, around);
+            composer.appendRight(last, b, openAfter, around);
         } else {
             for (std::size_t k = around; k > 0; --k)
                 composer.close(openBefore[k - 1].tag);
@@ -218,7 +218,7 @@ std::vector<Line> ReplaceLineContent(const Line& first, Cut a, const Line& last,
 Line ContentBetween(const Line& line, Cut a, Cut b)
 {
     const auto openBefore = OpenMarks(line, a.mark);
-    const auto openBehind = OpenMarks(line, b.mark);
+    const auto openAfter = OpenMarks(line, b.mark);
     const std::size_t shared = SharedDepth(line, a.mark, b.mark, openBefore.size());
 
     LineComposer composer(line.block);
@@ -230,8 +230,8 @@ Line ContentBetween(const Line& line, Cut a, Cut b)
         middle.marks.back().pos -= a.offset;
     }
     composer.append(middle);
-    for (std::size_t i = openBehind.size(); i > shared; --i)
-        composer.close(openBehind[i - 1].tag);
+    for (std::size_t i = openAfter.size(); i > shared; --i)
+        composer.close(openAfter[i - 1].tag);
     return composer.take();
 }
 

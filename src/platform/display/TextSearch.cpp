@@ -128,7 +128,7 @@ std::optional<TextSearch::Hit> TextSearch::acrossBreaks(const DisplayDocument& d
 }
 
 /// True if a match does not cut a surrogate pair and, if only whole words count, no word.
-bool TextSearch::standsAlone(const DisplayDocument& document, const Hit& hit) const
+bool TextSearch::isSeparateWord(const DisplayDocument& document, const Hit& hit) const
 {
     const auto& [from, to] = hit;
     const QString& before = document.line(from.line).text;
@@ -138,8 +138,8 @@ bool TextSearch::standsAlone(const DisplayDocument& document, const Hit& hit) co
     if (!wholeWord)
         return true;
     const bool wordBefore = from.offset > 0 && IsWordCharacter(before[from.offset - 1]);
-    const bool wordBehind = to.offset < behind.size() && IsWordCharacter(behind[to.offset]);
-    return !wordBefore && !wordBehind;
+    const bool wordAfter = to.offset < behind.size() && IsWordCharacter(behind[to.offset]);
+    return !wordBefore && !wordAfter;
 }
 
 std::optional<TextSearch::Hit> TextSearch::findForward(const DisplayDocument& document, Position from) const
@@ -148,14 +148,14 @@ std::optional<TextSearch::Hit> TextSearch::findForward(const DisplayDocument& do
         const int begin = line == from.line ? from.offset : 0;
         if (pieces.size() > 1) {
             const auto hit = acrossBreaks(document, line);
-            if (hit && hit->first.offset >= begin && standsAlone(document, *hit))
+            if (hit && hit->first.offset >= begin && isSeparateWord(document, *hit))
                 return hit;
             continue;
         }
         const QString& text = document.line(line).text;
         for (int at = indexIn(text, begin); at >= 0; at = indexIn(text, at + 1)) {
             const Hit hit{{line, at}, {line, at + int(pieces.front().size())}};
-            if (standsAlone(document, hit))
+            if (isSeparateWord(document, hit))
                 return hit;
         }
     }
@@ -167,7 +167,7 @@ std::optional<TextSearch::Hit> TextSearch::findBackward(const DisplayDocument& d
     for (int line = from.line; line >= 0; --line) {
         if (pieces.size() > 1) {
             const auto hit = acrossBreaks(document, line);
-            if (hit && hit->second <= from && standsAlone(document, *hit))
+            if (hit && hit->second <= from && isSeparateWord(document, *hit))
                 return hit;
             continue;
         }
@@ -176,7 +176,7 @@ std::optional<TextSearch::Hit> TextSearch::findBackward(const DisplayDocument& d
         for (int at = lastIndexIn(text, limit - int(pieces.front().size())); at >= 0;
              at = lastIndexIn(text, at - 1)) {
             const Hit hit{{line, at}, {line, at + int(pieces.front().size())}};
-            if (standsAlone(document, hit))
+            if (isSeparateWord(document, hit))
                 return hit;
         }
     }

@@ -33,7 +33,7 @@ private:
     [[nodiscard]] int lastIndexIn(const QString& text, int from) const;
     [[nodiscard]] bool equalAt(const QString& text, int offset, const QString& piece) const;
     [[nodiscard]] std::optional<Hit> acrossBreaks(const DisplayDocument& document, int line) const;
-    [[nodiscard]] bool standsAlone(const DisplayDocument& document, const Hit& hit) const;
+    [[nodiscard]] bool isSeparateWord(const DisplayDocument& document, const Hit& hit) const;
 
     std::vector<QString> pieces; ///< Between the line breaks, each character as its `key`.
     bool matchCase;

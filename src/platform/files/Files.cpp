@@ -291,7 +291,7 @@ bool CopyTreeInto(const QString& from, const QString& to)
 }
 
 /// Whether `inner` is inside the folder `outer`, at any depth; neither has to exist.
-bool LiesInside(const QString& inner, const QString& outer)
+bool IsInside(const QString& inner, const QString& outer)
 {
     const QString outerPath = QFileInfo(outer).canonicalFilePath();
     if (outerPath.isEmpty())
@@ -477,7 +477,7 @@ bool DeleteFolderTree(const QString& path)
 
 bool CopyFolderTree(const QString& from, const QString& to)
 {
-    if (KindOfFile(from) != FileKind::Folder || LiesInside(to, from) || LiesInside(from, to))
+    if (KindOfFile(from) != FileKind::Folder || IsInside(to, from) || IsInside(from, to))
         return false;
     const QString target = QFile::decodeName(FollowLinks(SystemPath(to)));
     const FileKind old = KindOfFile(target);

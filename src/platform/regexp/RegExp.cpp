@@ -269,7 +269,7 @@ struct TemplatePart
         Text,
         Group,
         Before,
-        Behind
+        After
     };
     Kind kind;
     QStringView text;
@@ -316,7 +316,7 @@ std::vector<TemplatePart> ReadTemplate(QStringView source, int groupCount)
         else if (sign == u'`')
             add({TemplatePart::Before, {}}, 2);
         else if (sign == u'\'')
-            add({TemplatePart::Behind, {}}, 2);
+            add({TemplatePart::After, {}}, 2);
         else if (sign == u'$')
             add({TemplatePart::Text, source.mid(at, 1)}, 2);
         else
@@ -383,7 +383,7 @@ std::optional<QString> RegExp::Replace(QStringView text, QStringView replacement
             case TemplatePart::Before:
                 result += text.left(matcher.begin());
                 break;
-            case TemplatePart::Behind:
+            case TemplatePart::After:
                 result += text.mid(matcher.end());
                 break;
             }

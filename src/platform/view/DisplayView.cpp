@@ -545,15 +545,15 @@ void DisplayView::paintEvent(QPaintEvent* event)
 
     paintPreedit(painter);
     paintCaret(painter);
-    tellInputMethod();
+    notifyInputMethod();
 }
 
 /// Reports the caret to the input method, so that its window follows.
-void DisplayView::tellInputMethod()
+void DisplayView::notifyInputMethod()
 {
     const QRect rect = inputCaretRect();
-    if (rect != toldCaretRect && hasFocus()) {
-        toldCaretRect = rect;
+    if (rect != reportedCaretRect && hasFocus()) {
+        reportedCaretRect = rect;
         updateMicroFocus();
     }
 }

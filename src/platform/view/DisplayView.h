@@ -212,7 +212,7 @@ private:
     // Input methods.
     void takePreedit(const QInputMethodEvent& event);
     [[nodiscard]] QRect inputCaretRect();
-    void tellInputMethod();
+    void notifyInputMethod();
 
     // Mouse.
     void dragTo(QPoint point);
@@ -256,7 +256,7 @@ private:
     QList<QTextLayout::FormatRange> preeditFormats;
 
     /// The caret last reported to the input method.
-    QRect toldCaretRect;
+    QRect reportedCaretRect;
 
     QBasicTimer blinkTimer;
     QBasicTimer dragTimer;

@@ -47,7 +47,7 @@ namespace {
 
 constexpr size_t PieceSize = 16'384;
 constexpr size_t LongestCharacter = 8;
-constexpr const char* NulReason = "A character 0 stands here, which no text may hold";
+constexpr const char* NulReason = "A null character is not allowed in a text";
 
 /// One byte per character.
 class TableDecoder final : public XmlInput::Decoder

@@ -1,9 +1,9 @@
 #include "CleanUpF.h"
 #include "CleanUpGrid.h"
 #include "CleanUpModel.h"
-#include "EditorFunctions.h"
 #include "SaveBook.h"
 #include "SettingsVariables.h"
+#include "UndoCommands.h"
 #include "WindowTest.h"
 
 #include <QHeaderView>

@@ -325,10 +325,10 @@ TEST_F(Files, AFileNeverGetsTheNumberOfAClosedStandardHandle)
             ::close(handle);
         HoldStandardHandles();
         const int opened = ::open(SystemPath(u"book"_s).constData(), O_WRONLY | O_CREAT, 0600);
-        const bool isBehind = opened > STDERR_FILENO;
-        const bool isTold = ::write(STDOUT_FILENO, "x", 1) < 0 && ::write(STDERR_FILENO, "x", 1) < 0;
+        const bool isAfter = opened > STDERR_FILENO;
+        const bool isReported = ::write(STDOUT_FILENO, "x", 1) < 0 && ::write(STDERR_FILENO, "x", 1) < 0;
         char c = 0;
-        return isBehind && isTold && ::read(STDIN_FILENO, &c, 1) < 0 ? 0 : 1;
+        return isAfter && isReported && ::read(STDIN_FILENO, &c, 1) < 0 ? 0 : 1;
     });
     EXPECT_EQ(failed, 0);
 }

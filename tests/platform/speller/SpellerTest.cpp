@@ -149,7 +149,7 @@ TEST_F(SpellerTest, RandomDamageHasAClearOutcome)
     EXPECT_GT(refused, 0);
 }
 
-TEST(Trial, ACrashAnExceptionAndAnEndAreToldApart)
+TEST(Trial, ACrashAnExceptionAndAnEndAreDistinguished)
 {
     std::mutex lock;
     EXPECT_TRUE(PassesTrial([] {}, lock));
@@ -158,7 +158,7 @@ TEST(Trial, ACrashAnExceptionAndAnEndAreToldApart)
     EXPECT_TRUE(PassesTrial([&] { lock.lock(); }, lock));
 }
 
-TEST(SpellDictionaryTest, TheNameTellsLanguageAndScript)
+TEST(SpellDictionaryTest, TheNameContainsLanguageAndScript)
 {
     const auto named = [](const char16_t* name) {
         return SpellDictionary{QString::fromUtf16(name), {}, {}, true};

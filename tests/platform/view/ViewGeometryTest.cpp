@@ -214,8 +214,8 @@ TEST_F(ViewGeometry, NoTextIsBeyondTheEdgeOfANarrowWindow)
             const QRect rect = view.clientRects(place, place).front();
             ASSERT_GE(rect.left(), 0) << testing::PrintToString(place) << " at " << width;
             // Only a blank may extend beyond the edge.
-            const bool isBehindBlank = place.offset > 0 && line(place.line)[place.offset - 1] == u' ';
-            ASSERT_LE(rect.left(), view.clientWidth() + (isBehindBlank ? 10 : 0))
+            const bool isAfterBlank = place.offset > 0 && line(place.line)[place.offset - 1] == u' ';
+            ASSERT_LE(rect.left(), view.clientWidth() + (isAfterBlank ? 10 : 0))
                 << testing::PrintToString(place) << " at " << width;
         }
     }

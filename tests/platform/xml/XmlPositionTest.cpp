@@ -62,7 +62,7 @@ std::string Replaced(std::string text, std::string_view what, std::string_view b
 }
 
 /// The position after `before`, counted independently in UTF-16.
-XmlPosition PlaceBehind(const std::string& before, const Form& form)
+XmlPosition PositionAfter(const std::string& before, const Form& form)
 {
     const QString text = QString::fromStdString(before);
     const QString normal = QString(text).replace(u"\r\n"_s, u"\n"_s).replace(u'\r', u'\n');
@@ -89,7 +89,7 @@ void ExpectErrorAtMarker(std::string_view marked, const XmlSchemaCache* schemas 
             text = Replaced(text + std::string(marked), "\n", lineEnd);
             const size_t marker = text.find(Marker);
             ASSERT_NE(marker, std::string::npos);
-            const XmlPosition wanted = PlaceBehind(text.substr(0, marker), form);
+            const XmlPosition wanted = PositionAfter(text.substr(0, marker), form);
             text.erase(marker, Marker.size());
 
             const XmlParseError error
