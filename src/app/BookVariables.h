@@ -16,7 +16,7 @@ extern QString DisplayFile;
 extern std::string BinaryPart;
 /// The code page of `BinaryPart`.
 extern int32_t BinaryCodePage;
-/// The book is read and saved without losses. False where the user wants the editor's own rules, which join
+/// The book is read and saved without losses. False if the user chose the editor's own rules, which join
 /// lines and split text next to elements that they do not know.
 extern bool BookKeepsText;
 

@@ -167,14 +167,14 @@ void CutPictures(KeptBook& kept, std::string& text, std::string_view bytes, bool
     size_t end = lastEnd;
     if (bookEnd != std::string::npos && bookEnd >= lastEnd) {
         const std::string_view between = std::string_view(text).substr(lastEnd, bookEnd - lastEnd);
-        const std::string_view behind = std::string_view(text).substr(bookEnd);
+        const std::string_view after = std::string_view(text).substr(bookEnd);
         if (!IsBlank(between))
             end = bookEnd;
-        if (!IsBlank(behind.substr(std::min(BookEnd.size(), behind.size()))) || !behind.starts_with(BookEnd))
-            rest = behind;
+        if (!IsBlank(after.substr(std::min(BookEnd.size(), after.size()))) || !after.starts_with(BookEnd))
+            rest = after;
         kept.losses.droppedBytes += IsBlank(between) ? 0 : CharacterCount(TrimBlanks(between));
         if (rest != BookEnd)
-            kept.losses.droppedBytes += CharacterCount(behind) - BookEnd.size();
+            kept.losses.droppedBytes += CharacterCount(after) - BookEnd.size();
     } else {
         end = text.size();
         kept.losses.droppedBytes += CharacterCount(std::string_view(text).substr(lastEnd));

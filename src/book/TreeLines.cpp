@@ -199,10 +199,10 @@ bool LinesAreBetweenTags(std::string_view text)
     for (const char lineEnd : {'\n', '\r'})
         for (size_t at = text.find(lineEnd); at != std::string_view::npos; at = text.find(lineEnd, at)) {
             const size_t before = text.find_last_not_of(White, at);
-            const size_t behind = text.find_first_not_of(White, at);
-            if (text[before] != '>' || (behind != std::string_view::npos && text[behind] != '<'))
+            const size_t after = text.find_first_not_of(White, at);
+            if (text[before] != '>' || (after != std::string_view::npos && text[after] != '<'))
                 return false;
-            at = std::min(behind, text.size());
+            at = std::min(after, text.size());
         }
     return true;
 }

@@ -252,7 +252,7 @@ void ValidateDisplay()
         PlayProgramSound(u"ParseError.wav"_s, true);
     else
         PlayProgramSound(u"NoParseError.wav"_s, false);
-    // Only at the end tag does the value stand before the error.
+    // The value is before the error only if the error is at the end tag.
     if (atEndTag && status.contains("'genre'"_L1))
         SelectGenreValue(*error);
     ShowCaretPosition();

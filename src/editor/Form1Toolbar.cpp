@@ -108,9 +108,9 @@ void Form1::MoveSchemaControls()
         = buttons.isEmpty() ? QRect(0, 0, 0, TB->height()) : TB->widgetForAction(buttons.last())->geometry();
     const QRect band = needed > most ? QRect(0, 0, TB->width(), TB->height()) : last;
     ValidateOptL->setGeometry(band.x() + band.width() + Gap, band.y(), listWidth, band.height());
-    const int behind = ValidateOptL->x() + ValidateOptL->width();
-    SchemaFileL->setGeometry(behind + Gap, band.y(),
-                             qRound(FormWidth() / TwipsPerPixelX) - behind - RightRoom, band.height());
+    const int after = ValidateOptL->x() + ValidateOptL->width();
+    SchemaFileL->setGeometry(after + Gap, band.y(), qRound(FormWidth() / TwipsPerPixelX) - after - RightRoom,
+                             band.height());
     SchemaFileL->update();
 }
 

@@ -128,9 +128,9 @@ String ReplaceByShorter(String text, View sought, View replacement, bool ignoreC
     Compaction<String> result(text, found);
     while (found >= 0) {
         result.put(replacement);
-        const qsizetype behind = found + Length(sought);
-        found = Find(View(text), sought, behind, ignoreCase);
-        result.keep(behind, found < 0 ? size : found);
+        const qsizetype after = found + Length(sought);
+        found = Find(View(text), sought, after, ignoreCase);
+        result.keep(after, found < 0 ? size : found);
     }
     result.finish();
     return text;
@@ -142,13 +142,13 @@ String ReplaceByLonger(const String& text, View sought, View replacement, bool i
     const View all(text);
     String result;
     result.reserve(text.size() + text.size() / 8);
-    qsizetype behind = 0;
+    qsizetype after = 0;
     while (found >= 0) {
-        result.append(Part(all, behind, found - behind)).append(replacement);
-        behind = found + Length(sought);
-        found = Find(all, sought, behind, ignoreCase);
+        result.append(Part(all, after, found - after)).append(replacement);
+        after = found + Length(sought);
+        found = Find(all, sought, after, ignoreCase);
     }
-    result.append(Part(all, behind, Length(all) - behind));
+    result.append(Part(all, after, Length(all) - after));
     return result;
 }
 
@@ -191,12 +191,12 @@ String CollapseRuns(String text, View unit, bool ignoreCase)
     const qsizetype step = Length(unit);
     Compaction<String> result(text, found);
     while (found >= 0) {
-        qsizetype behind = found + 2 * step;
-        while (behind + step <= size && Equal(Part(View(text), behind, step), unit, ignoreCase))
-            behind += step;
+        qsizetype after = found + 2 * step;
+        while (after + step <= size && Equal(Part(View(text), after, step), unit, ignoreCase))
+            after += step;
         result.put(unit);
-        found = Find(View(text), pair, behind, ignoreCase);
-        result.keep(behind, found < 0 ? size : found);
+        found = Find(View(text), pair, after, ignoreCase);
+        result.keep(after, found < 0 ? size : found);
     }
     result.finish();
     return text;

@@ -20,9 +20,9 @@ Position EndOfLine(const DisplayDocument& document, int line)
 /// previous line if none follows.
 EditMap MapOfRemoval(const DisplayDocument& document, int first, int count)
 {
-    const int behind = first + count;
-    if (behind < document.lineCount())
-        return {{first, 0}, {behind, 0}, {first, 0}};
+    const int after = first + count;
+    if (after < document.lineCount())
+        return {{first, 0}, {after, 0}, {first, 0}};
     const Position before = first > 0 ? EndOfLine(document, first - 1) : Position{};
     return {before, document.end(), before};
 }

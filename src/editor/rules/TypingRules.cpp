@@ -22,10 +22,10 @@ void InsertSpace(DisplayDocument& document)
     TextRange before = range.duplicate();
     before.collapse(true);
     before.moveStart(TextUnit::Character, -1);
-    TextRange behind = range.duplicate();
-    behind.collapse(false);
-    behind.moveEnd(TextUnit::Character, 1);
-    if (before.text() == u" " || behind.text() == u" ")
+    TextRange after = range.duplicate();
+    after.collapse(false);
+    after.moveEnd(TextUnit::Character, 1);
+    if (before.text() == u" " || after.text() == u" ")
         return;
 
     range.setText(u" "_s);

@@ -196,8 +196,8 @@ Position DisplayDocument::positionAt(qint64 characterIndex) const
         || (knownLineStarts < lineCount() && lineStarts[std::size_t(knownLineStarts) - 1] <= characterIndex))
         knowLineStarts(std::min(knownLineStarts + Stride, lineCount()));
     const auto begin = lineStarts.begin();
-    const auto behind = std::upper_bound(begin, begin + knownLineStarts, characterIndex);
-    const auto index = int(behind - begin) - 1;
+    const auto next = std::upper_bound(begin, begin + knownLineStarts, characterIndex);
+    const auto index = int(next - begin) - 1;
     const qint64 offset = characterIndex - lineStarts[std::size_t(index)];
     return valid({index, int(std::min<qint64>(offset, line(index).text.size()))});
 }

@@ -122,7 +122,8 @@ void DisplayDocument::replaceInLines(std::vector<InLineStep> replacements)
     if (replacements.empty())
         return;
     auto run = std::make_unique<InLineRun>(std::move(replacements));
-    // A line whose elements would nest too deep loses some of them with each step: those are made in turn.
+    // A line whose elements would nest too deep loses some of them with each step: those steps are made one
+    // after the other.
     if (history.isInGroup() || !run->make([this](int index) { return lines[index]; }))
         return replaceOneByOne(run->allSteps());
     InLineRun& made = history.recordRun(std::move(run), currentSelection);

@@ -65,11 +65,11 @@ public:
 
     /// The lines that the steps from one number to another change.
     [[nodiscard]] std::span<const ChangedLine> changedBetween(std::size_t first, std::size_t last) const;
-    /// A line as it is when so many steps of the run are done.
+    /// Returns a line after `done` steps of the run.
     [[nodiscard]] LinePtr lineWhen(const ChangedLine& changed, std::size_t done) const;
-    /// Where an offset of the line goes when, of `from` steps done, `to` are done.
+    /// Returns the offset, after `to` steps of the run, of what is at `offset` after `from` steps.
     [[nodiscard]] int carried(const ChangedLine& changed, int offset, std::size_t from, std::size_t to) const;
-    /// Where a selection goes that was made before the run.
+    /// Returns the selection after the run, for a selection made before it.
     [[nodiscard]] Selection carried(const Selection& selection) const;
     /// Forgets the steps that are not done.
     void dropUndone();

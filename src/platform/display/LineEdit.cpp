@@ -151,9 +151,9 @@ Cut InsertionCut(const TagTable& tags, const Line& line, int offset)
 
 Cut RangeStartCut(const Line& line, int offset)
 {
-    const auto behind = std::upper_bound(line.marks.begin(), line.marks.end(), offset,
-                                         [](int pos, const Mark& mark) { return pos < mark.pos; });
-    return {offset, std::size_t(behind - line.marks.begin())};
+    const auto after = std::upper_bound(line.marks.begin(), line.marks.end(), offset,
+                                        [](int pos, const Mark& mark) { return pos < mark.pos; });
+    return {offset, std::size_t(after - line.marks.begin())};
 }
 
 Cut RangeEndCut(const Line& line, int offset)

@@ -25,7 +25,7 @@ void LineRewriter::copyMark(const Mark& mark)
         open.pop_back();
 }
 
-/// Ends the elements deeper than `shared`; one that begins right here leaves nothing behind.
+/// Ends the elements deeper than `shared`; an element that begins here too is removed.
 void LineRewriter::endElements(std::size_t shared)
 {
     int ended = 0;
@@ -59,14 +59,14 @@ void LineRewriter::replace(int from, int to, const QString& text)
         made.text += text;
         return;
     }
-    std::vector<TagId> behind = open;
+    std::vector<TagId> after = open;
     std::size_t shared = open.size();
     for (; isInside(); ++sourceMark) {
         if (source.marks[sourceMark].open)
-            behind.push_back(source.marks[sourceMark].tag);
+            after.push_back(source.marks[sourceMark].tag);
         else
-            behind.pop_back();
-        shared = std::min(shared, behind.size());
+            after.pop_back();
+        shared = std::min(shared, after.size());
     }
     endElements(shared);
     made.text += text;
@@ -74,11 +74,11 @@ void LineRewriter::replace(int from, int to, const QString& text)
         return sourceMark < source.marks.size() && source.marks[sourceMark].pos == to
             && !source.marks[sourceMark].open;
     };
-    for (; behind.size() > shared && endsHere(); ++sourceMark)
-        behind.pop_back();
-    for (std::size_t i = shared; i < behind.size(); ++i) {
-        made.marks.push_back(Mark::opening(length(), behind[i]));
-        open.push_back(behind[i]);
+    for (; after.size() > shared && endsHere(); ++sourceMark)
+        after.pop_back();
+    for (std::size_t i = shared; i < after.size(); ++i) {
+        made.marks.push_back(Mark::opening(length(), after[i]));
+        open.push_back(after[i]);
     }
 }
 

@@ -25,7 +25,7 @@ public:
     ReplaceRun(const ReplaceRun&) = delete;
     ReplaceRun& operator=(const ReplaceRun&) = delete;
 
-    /// Replaces the text between two different places, both at `position()` or after it.
+    /// Replaces the text between two different positions, both at `position()` or after it.
     /// \param text CrLf, CR and LF in it are line breaks
     void replace(Position from, Position to, const QString& text);
     /// Sets the background colour of the last characters up to the end of the last new text.
@@ -33,13 +33,13 @@ public:
     /// \param color   as in HTML, "#rrggbb"
     void mark(int length, QStringView color);
 
-    /// Where the search goes on: after the last text replaced, or where the run began.
+    /// The position where the search continues: after the last replaced text, or the start of the run.
     [[nodiscard]] Position position() const;
-    /// Goes on from another place, in the document as it is after a `flush`.
+    /// Continues from another position of the document, as it is after a `flush`.
     void moveTo(Position place);
-    /// Makes what is gathered.
+    /// Makes the gathered replacements in the document.
     void flush();
-    /// The last text put in; to be asked after a `flush`.
+    /// The last inserted text; valid after a `flush`.
     [[nodiscard]] const TextRange& lastText() const { return last; }
 
 private:

@@ -132,13 +132,13 @@ bool TextSearch::isSeparateWord(const DisplayDocument& document, const Hit& hit)
 {
     const auto& [from, to] = hit;
     const QString& before = document.line(from.line).text;
-    const QString& behind = document.line(to.line).text;
-    if (SplitsPair(before, from.offset) || SplitsPair(behind, to.offset))
+    const QString& after = document.line(to.line).text;
+    if (SplitsPair(before, from.offset) || SplitsPair(after, to.offset))
         return false;
     if (!wholeWord)
         return true;
     const bool wordBefore = from.offset > 0 && IsWordCharacter(before[from.offset - 1]);
-    const bool wordAfter = to.offset < behind.size() && IsWordCharacter(behind[to.offset]);
+    const bool wordAfter = to.offset < after.size() && IsWordCharacter(after[to.offset]);
     return !wordBefore && !wordAfter;
 }
 

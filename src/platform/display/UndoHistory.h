@@ -60,13 +60,13 @@ public:
 
     /// Whether text typed now, outside any group, may join the last step.
     [[nodiscard]] bool mayJoinTyping() const;
-    /// The next change recorded in the open group goes into the last step.
+    /// The next change recorded in the open group is added to the last step.
     void reopenLastStep() { stepOpen = true; }
     /// Marks the last step as typed, if its group is the outermost one.
-    /// \param joined  the last change has joined an earlier one, and is merged with it where it goes on at
+    /// \param joined  the last change has joined an earlier one, and is merged with it if it continues at
     /// its end
     void noteTyping(bool joined);
-    /// What is typed next begins a step of its own.
+    /// The next typed text begins a separate step.
     void endTypingRun();
 
     // ---- undo and redo

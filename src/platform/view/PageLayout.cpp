@@ -315,8 +315,8 @@ const LinePtr& PageLayout::shownLine(int line) const
 
 int PageLayout::shownOffset(Position place) const
 {
-    const bool behind = preeditLine && place.line == preeditAt.line && place.offset > preeditAt.offset;
-    return behind ? place.offset + int(preeditText.size()) : place.offset;
+    const bool isAfter = preeditLine && place.line == preeditAt.line && place.offset > preeditAt.offset;
+    return isAfter ? place.offset + int(preeditText.size()) : place.offset;
 }
 
 Position PageLayout::placeOf(int line, int shownOffset) const
