@@ -93,12 +93,12 @@ std::string ReadFileText(const QString& path)
 
 bool WriteFileText(const QString& path, std::string_view text)
 {
-    return ReplaceContent(path, text);
+    return bool(ReplaceContent(path, text));
 }
 
 bool WriteScratchFile(const QString& path, std::string_view text)
 {
-    return ReplaceContent(path, text, Durability::Scratch);
+    return bool(ReplaceContent(path, text, Durability::Scratch));
 }
 
 bool ReadFileBytes(const QString& path, std::string& bytes, int32_t& length)
@@ -115,7 +115,7 @@ bool ReadFileBytes(const QString& path, std::string& bytes, int32_t& length)
 
 bool WriteFileBytes(const QString& path, std::string_view bytes)
 {
-    return ReplaceContent(path, bytes);
+    return bool(ReplaceContent(path, bytes));
 }
 
 QDate FileDate(const QString& path)

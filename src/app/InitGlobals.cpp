@@ -16,24 +16,25 @@ namespace vmk {
 
 namespace {
 
-constexpr QLatin1StringView OfficeName("VMK Office");
-constexpr QLatin1StringView SoundsName("sounds");
-constexpr QLatin1StringView UserFolderName("vellumark");
+const QString OfficeName = u"VMK Office"_s;
+const QString SoundsName = u"sounds"_s;
+const QString UserFolderName = u"vellumark"_s;
 
-QString Join(const QString& folder, QLatin1StringView name)
+QString Join(const QString& folder, const QString& name)
 {
-    return folder + u'/' + name;
+    return folder.endsWith(u'/') ? folder + name : folder + u'/' + name;
 }
 
 QString FolderOfExecutable(const QString& executable)
 {
-    return FolderOf(executable).chopped(1);
+    const QString folder = FolderOf(executable);
+    return folder == u"/" ? folder : folder.chopped(1);
 }
 
 /// The data folder of an installed program: bin/ and share/ are siblings.
 QString SharedDataFolder(const QString& executable)
 {
-    return Join(FolderOfExecutable(executable) + u"/../share"_s, UserFolderName);
+    return Join(Join(FolderOfExecutable(executable), u"../share"_s), UserFolderName);
 }
 
 bool IsPortable(const QString& executable)
@@ -48,7 +49,7 @@ bool IsPortable(const QString& executable)
 void SeedUserFolder(const QString& installed, const QString& userFolder)
 {
     QDir().mkpath(userFolder);
-    for (const QLatin1StringView name : {OfficeName, SoundsName}) {
+    for (const QString& name : {OfficeName, SoundsName}) {
         if (!FolderExists(Join(userFolder, name)))
             FileOperation(CopyFolderMode, Join(installed, name), Join(userFolder, name));
     }
@@ -86,7 +87,7 @@ void SetAppPath(const ProgramPlace& place)
         SeedUserFolder(InstalledDataFolder(place.executable), AppPath);
     }
     AppDrive = DriveOf(AppPath);
-    IniFilePath = AppPath + u'/' + BaseNameOf(place.executable) + u".ini"_s;
+    IniFilePath = Join(AppPath, BaseNameOf(place.executable) + u".ini"_s);
 }
 
 void SetFolders()

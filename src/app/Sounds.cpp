@@ -25,7 +25,8 @@ void PlaySoundFile(const QString& path, bool beepInstead)
 
 void PlayProgramSound(const QString& name, bool beepInstead)
 {
-    PlaySoundFile(AppPath + QDir::separator() + QLatin1StringView("sounds") + QDir::separator() + name,
+    PlaySoundFile((AppPath == u"/" ? QString() : AppPath) + QDir::separator() + QLatin1StringView("sounds")
+                      + QDir::separator() + name,
                   beepInstead);
 }
 

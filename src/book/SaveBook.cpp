@@ -32,9 +32,12 @@ void Report(const QString& status, const QString& sound, bool isError)
         PlayProgramSound(sound, isError);
 }
 
-void ReportOutcome(const QString& path, const BookFile& file, bool written, SaveReport report)
+void ReportOutcome(const QString& path, const BookFile& file, const WriteResult& written, SaveReport report)
 {
     constexpr size_t ShortestBook = 11;
+    constexpr int ReasonPanel = 2;
+    if (!written)
+        ShowStatusPanel(ReasonPanel, written.Failure());
     const bool quiet = report == SaveReport::None;
     // A failed write is always reported.
     if (!written || (!quiet && file.bytes.size() < ShortestBook))
@@ -76,6 +79,11 @@ Seam<bool(const MissingCharacters& missing, const QString& encoding)>& MissingCh
     return seam;
 }
 
+QString BackupFolder()
+{
+    return OfficeFolder + u"/Backup"_s;
+}
+
 BookFile FileOfDisplayText(std::string text)
 {
     SaveLayout layout = SaveLayoutOfSettings();
@@ -104,9 +112,9 @@ bool SaveBook(const QString& path, SaveReport report)
     const HourglassScope hourglass;
     ShowStatus(u"...saving Fiction Book file...wait, please"_s);
     const BookFile file = FileOfDisplayText(DisplayTextSeam()(AngleMarks::Restore));
-    const bool written = WriteFileText(path, file.bytes);
+    const WriteResult written = ReplaceContent(path, file.bytes, Durability::Flushed, BackupFolder());
     ReportOutcome(path, file, written, report);
-    return written;
+    return bool(written);
 }
 
 } // namespace vmk

@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "FictionBookNamespace.h"
+#include "FileNames.h"
 #include "Files.h"
 #include "XmlReason.h"
 
@@ -87,7 +88,7 @@ QString ResultLine(const BookCheck& check, ValidateAgainst against)
 
 QString ResultJson(const BookCheck& check, ValidateAgainst against)
 {
-    QJsonObject object{{u"book"_s, check.book}};
+    QJsonObject object{{u"book"_s, ReadableName(check.book)}};
     if (!check.failure.isEmpty()) {
         object[u"failure"_s] = check.failure;
     } else {

@@ -4,6 +4,7 @@
 #include "DisplayDocument.h"
 #include "DisplayText.h"
 #include "DisplayValuesOfSettings.h"
+#include "FileNames.h"
 #include "PageOfBook.h"
 #include "Settings.h"
 #include "SettingsVariables.h"
@@ -12,7 +13,6 @@
 #include "XmlDocument.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
@@ -138,8 +138,8 @@ void PrintRow(const CleanOptions& options, const QString& book, const QString& t
               const CleanUpRowResult& result)
 {
     if (options.json) {
-        const QJsonObject object = {{u"book"_s, book},
-                                    {u"table"_s, table},
+        const QJsonObject object = {{u"book"_s, ReadableName(book)},
+                                    {u"table"_s, ReadableName(table)},
                                     {u"row"_s, qint64(row)},
                                     {u"state"_s, QString(NameOf(result.state))},
                                     {u"replacements"_s, qint64(result.replacements)}};
@@ -215,9 +215,12 @@ int CleanOneBook(const CleanOptions& options, const QString& book, const std::ve
 /// The arguments for a process that cleans one of several books.
 QStringList ArgumentsForOne(const CleanOptions& options, const QString& book)
 {
-    QStringList arguments = {u"clean"_s};
+    // The process class replaces the bytes of a name that are not UTF-8.
+    const auto encoded
+        = [](const QString& name) { return QString::fromLatin1(EncodeFileName(name).toPercentEncoding()); };
+    QStringList arguments = {PercentEncoded, u"clean"_s};
     for (const QString& table : options.tableFiles)
-        arguments += {u"--table"_s, table};
+        arguments += {u"--table"_s, encoded(table)};
     if (options.inPlace)
         arguments += u"--in-place"_s;
     if (options.dryRun)
@@ -228,7 +231,7 @@ QStringList ArgumentsForOne(const CleanOptions& options, const QString& book)
         arguments += u"--json"_s;
     if (options.reading == BookReading::AsEditor)
         arguments += u"--as-editor"_s;
-    return arguments + QStringList{u"--"_s, book};
+    return arguments + QStringList{u"--"_s, encoded(book)};
 }
 
 /// Prints what a process has printed, and returns its exit code.
@@ -239,11 +242,11 @@ int Finish(QProcess& process)
     const QByteArray output = process.readAllStandardOutput();
     for (const QByteArray& line : output.split('\n')) {
         if (!line.isEmpty())
-            PrintLine(QString::fromUtf8(line));
+            PrintLine(DecodeFileName(line));
     }
     for (const QByteArray& line : errors.split('\n')) {
         if (!line.isEmpty())
-            PrintErrorLine(QString::fromUtf8(line));
+            PrintErrorLine(DecodeFileName(line));
     }
     return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : int(ExitFailure);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <QStringList>
 
 namespace vmk {
@@ -20,6 +21,9 @@ struct Command
     const char* help; ///< shown for --help
     int (*run)(const QStringList& arguments); ///< takes the arguments after the name; returns the exit code
 };
+
+/// The first argument of a process that the program starts itself: the others are percent-encoded.
+inline constexpr QLatin1StringView PercentEncoded("--percent-encoded");
 
 extern const Command CleanCommand;
 extern const Command ConvertCommand;

@@ -1,6 +1,6 @@
 #include "CommandLine.h"
 
-#include <QFile>
+#include "FileNames.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -93,15 +93,26 @@ QString ShownName(const QString& name)
     return shown;
 }
 
+namespace {
+
+/// The names in a line keep their bytes.
+QByteArray BytesOfLine(const QString& line)
+{
+    const QByteArray bytes = EncodeFileName(line);
+    return bytes.isEmpty() ? line.toUtf8() : bytes;
+}
+
+} // namespace
+
 void PrintLine(const QString& line)
 {
-    const QByteArray bytes = QFile::encodeName(line) + '\n';
+    const QByteArray bytes = BytesOfLine(line) + '\n';
     std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
 }
 
 void PrintErrorLine(const QString& line)
 {
-    const QByteArray bytes = QFile::encodeName(line) + '\n';
+    const QByteArray bytes = BytesOfLine(line) + '\n';
     std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stderr);
 }
 

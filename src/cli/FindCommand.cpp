@@ -2,6 +2,7 @@
 #include "Command.h"
 #include "CommandLine.h"
 #include "DisplayCharacters.h"
+#include "FileNames.h"
 #include "FindReplaceFunctions.h"
 #include "FindReplaceRegExpFuncs.h"
 #include "OrderedJobs.h"
@@ -144,7 +145,7 @@ void Print(const QString& book, const Match& match, bool json)
         PrintLine(u"%1:%2:%3: "_s.arg(ShownName(book)).arg(match.line).arg(match.column) + match.lineText);
         return;
     }
-    const QJsonObject object{{u"book"_s, book},
+    const QJsonObject object{{u"book"_s, ReadableName(book)},
                              {u"line"_s, match.line},
                              {u"column"_s, match.column},
                              {u"length"_s, match.text.size()},

@@ -2,6 +2,7 @@
 #include "BookImages.h"
 #include "Command.h"
 #include "CommandLine.h"
+#include "FileNames.h"
 #include "FileOperations.h"
 #include "ImageFiles.h"
 #include "PageOfBook.h"
@@ -63,7 +64,7 @@ public:
 
     void print(QJsonObject object, const QString& text) const
     {
-        object.insert(u"book"_s, book);
+        object.insert(u"book"_s, ReadableName(book));
         PrintLine(json ? QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact))
                        : ShownName(book) + u": "_s + text);
     }

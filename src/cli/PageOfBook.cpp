@@ -5,9 +5,12 @@
 #include "BookToDisplay.h"
 #include "Boxes.h"
 #include "CommandLine.h"
+#include "InitGlobals.h"
 #include "SaveBook.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 using namespace Qt::StringLiterals;
 
@@ -71,15 +74,31 @@ bool OpenBook(const QString& book, std::string bytes, DisplayDocument& document,
                        [&bytes, &document] { return BookToDocument(std::move(bytes), document); });
 }
 
+namespace {
+
+WriteResult WriteToStandardOutput(std::string_view bytes)
+{
+    if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() && std::fflush(stdout) == 0)
+        return {};
+    return WriteResult(QString::fromLocal8Bit(std::strerror(errno)));
+}
+
+QString BackupFolderOfProgram()
+{
+    return WorkspaceFolder(RunningProgramPlace()) + u"/Backup"_s;
+}
+
+} // namespace
+
 bool WriteOutput(const QString& file, std::string_view bytes, Durability durability)
 {
-    const bool written = file.isEmpty()
-        ? std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() && std::fflush(stdout) == 0
-        : ReplaceContent(file, bytes, durability);
+    const WriteResult written = file.isEmpty()
+        ? WriteToStandardOutput(bytes)
+        : ReplaceContent(file, bytes, durability, BackupFolderOfProgram());
     if (!written)
         PrintErrorLine(u"vmk: "_s + (file.isEmpty() ? u"standard output"_s : ShownName(file))
-                       + u": cannot be written"_s);
-    return written;
+                       + u": cannot be written: "_s + written.Failure());
+    return bool(written);
 }
 
 BookFile FileOfDocument(const QString& book, const DisplayDocument& document, BookReading reading)

@@ -3,6 +3,7 @@
 #include "BookCheck.h"
 #include "BookLanguage.h"
 #include "CommandLine.h"
+#include "FileNames.h"
 #include "SpellChecker.h"
 
 #include <QHash>
@@ -93,7 +94,7 @@ SpellReport CheckSpelling(const QString& book, const SpellReportOptions& options
 QString SpellLine(const SpellReport& report, const SuspiciousWord& word, const SpellReportOptions& options)
 {
     if (options.json) {
-        QJsonObject object = {{u"book"_s, report.book},
+        QJsonObject object = {{u"book"_s, ReadableName(report.book)},
                               {u"line"_s, word.line},
                               {u"column"_s, word.column},
                               {u"word"_s, word.word}};

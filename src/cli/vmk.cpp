@@ -1,5 +1,6 @@
 #include "Command.h"
 #include "CommandLine.h"
+#include "FileNames.h"
 #include "ProcessFiles.h"
 
 #include <QCoreApplication>
@@ -52,6 +53,18 @@ int ShowVersion()
     return FlushOutput() ? ExitClean : ExitFailure;
 }
 
+/// The command and its arguments. Not those of the application object, which replaces the bytes of a name
+/// that are not UTF-8.
+QStringList ReadArguments(int count, char** values)
+{
+    const bool isEncoded = count > 1 && QLatin1StringView(values[1]) == PercentEncoded;
+    QStringList arguments;
+    for (int i = isEncoded ? 2 : 1; i < count; ++i)
+        arguments.append(
+            DecodeFileName(isEncoded ? QByteArray::fromPercentEncoding(values[i]) : QByteArray(values[i])));
+    return arguments;
+}
+
 /// The toolkit warns on standard error unless the locale is UTF-8; paths are UTF-8 here in any locale.
 void UseUtf8Locale()
 {
@@ -68,7 +81,7 @@ int main(int count, char** values)
     SurviveFileSizeLimit();
     UseUtf8Locale();
     const QCoreApplication application(count, values);
-    QStringList arguments = QCoreApplication::arguments().mid(1);
+    QStringList arguments = ReadArguments(count, values);
     if (arguments.isEmpty()) {
         PrintErrorLine(GeneralHelp());
         return ExitFailure;

@@ -2,13 +2,12 @@
 
 #include "BookVariables.h"
 #include "CodePages.h"
+#include "Files.h"
 #include "MainDisplay.h"
 #include "MainWindowSeams.h"
 #include "SelectionFunctions.h"
 #include "SettingsVariables.h"
 #include "TextFunctions.h"
-
-#include <QFileInfo>
 
 #include <cmath>
 #include <optional>
@@ -100,7 +99,7 @@ void ShowCaretPosition()
 
 void ShowFileLength()
 {
-    ShowStatusPanel(FileLengthPanel, u"file len:"_s + GroupDigits(QFileInfo(CurrentBook).size()));
+    ShowStatusPanel(FileLengthPanel, u"file len:"_s + GroupDigits(SizeOfFile(CurrentBook)));
 }
 
 } // namespace vmk

@@ -1,5 +1,7 @@
 #include "DroppedFiles.h"
 
+#include "FileNames.h"
+
 #include <QDropEvent>
 #include <QMimeData>
 #include <QUrl>
@@ -19,7 +21,8 @@ QStringList DroppedFiles(const QDropEvent& event)
     QStringList files;
     for (const QUrl& url : event.mimeData()->urls()) {
         if (url.isLocalFile())
-            files.append(url.toLocalFile());
+            files.append(
+                DecodeFileName(QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1())));
     }
     return files;
 }

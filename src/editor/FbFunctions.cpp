@@ -12,6 +12,7 @@
 #include "DisplayView.h"
 #include "EditorState.h"
 #include "EmptyPage.h"
+#include "FileNames.h"
 #include "FileOperations.h"
 #include "FilePaths.h"
 #include "Form1.h"
@@ -126,7 +127,7 @@ bool LoadBook(const QString& path, bool opening)
     LoadingByProgram = true;
     View().Navigate(DisplayFile);
     CurrentBook = path;
-    Window().setWindowTitle(u" VMK: "_s + FileNameOf(path));
+    Window().setWindowTitle(u" VMK: "_s + ReadableName(FileNameOf(path)));
     LastBookFolder = FolderOf(path);
     return true;
 }
@@ -173,7 +174,7 @@ void ShowFb2TextPreview()
         return;
     }
     MakeFolder(TempFolder);
-    const QString copy = TempFolder + u'/' + FileNameOf(CurrentBook);
+    const QString copy = TempFolder + u'/' + ReadableName(FileNameOf(CurrentBook));
     if (SaveBook(copy, SaveReport::None))
         OpenWithSystem(copy);
 }
@@ -231,12 +232,15 @@ void ValidateDisplay()
     ShowStatus(u"...getting Fiction Book text...wait, please"_s);
     ShowStatusPanel(GeneralPanel, QString());
     QString message;
+    QString schemaProblem;
     std::optional<TextRange> error;
     bool atEndTag = false;
     {
         const HourglassScope hourglass;
         const std::string text = GetFbTextFromDisplay(true);
-        const XmlParseError found = ValidationBySettings(against).validate(text, XmlEncoding::utf8());
+        const BookValidation validation = ValidationBySettings(against);
+        schemaProblem = validation.schemaProblem();
+        const XmlParseError found = validation.validate(text, XmlEncoding::utf8());
         message = found ? Shortened(found.reason) : QString();
         if (!message.isEmpty()) {
             ShowStatusPanel(GeneralPanel, u"Error pos: %1"_s.arg(found.filepos));
@@ -248,6 +252,10 @@ void ValidateDisplay()
     const QString status = error ? u"Error against %1. %2"_s.arg(NameOf(against), message)
                                  : u"No errors (against %1)"_s.arg(NameOf(against));
     ShowStatus(status);
+    // The text of the result does not change; without its schema a book is validated against the namespace.
+    Window().RefreshSchemaField(schemaProblem);
+    if (!error && !schemaProblem.isEmpty())
+        ShowStatusPanel(GeneralPanel, u"schema "_s + schemaProblem);
     if (error)
         PlayProgramSound(u"ParseError.wav"_s, true);
     else

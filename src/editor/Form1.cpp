@@ -15,6 +15,7 @@
 #include "EditorState.h"
 #include "EmptyPage.h"
 #include "FbFunctions.h"
+#include "FileNames.h"
 #include "FileOperations.h"
 #include "FilePaths.h"
 #include "FindReplaceWbF.h"
@@ -385,9 +386,10 @@ void Form1::SaveFileAs_Dialog()
                                   FileNameOf(CurrentBook), u"Fiction Book Files (*.fb2)|*.fb2|"_s});
     if (name.isEmpty() || !mayReplace(name) || !SaveBook(name))
         return;
+    ShowCaretPosition();
     LastSaveFolder = FolderOf(name);
     CurrentBook = name;
-    setWindowTitle(u"VMK: "_s + FileNameOf(name));
+    setWindowTitle(u"VMK: "_s + ReadableName(FileNameOf(name)));
 }
 
 bool Form1::mayReplace(const QString& path)
@@ -412,7 +414,8 @@ void Form1::OpenLastBook()
 
 void Form1::SaveCurrentBook()
 {
-    SaveBook(CurrentBook);
+    if (SaveBook(CurrentBook))
+        ShowCaretPosition();
 }
 
 void Form1::SaveAndReload()
@@ -533,7 +536,7 @@ void Form1::layOut()
     SkipPositionRemember = true;
 }
 
-void Form1::RefreshSchemaField()
+void Form1::RefreshSchemaField(const QString& problem)
 {
     const QPalette desktop = QApplication::palette(SchemaFileL);
     // Black on light desktop backgrounds; on a dark desktop, its own text colour.
@@ -552,9 +555,10 @@ void Form1::RefreshSchemaField()
                                : u"Schema file not found. Only namespace validatioon is available."_s);
     SchemaFileL->setCursorPosition(0);
     // The field is narrow in a small window.
-    SchemaFileL->setToolTip(found ? SchemaFile : SchemaFileL->text());
+    SchemaFileL->setToolTip(!found ? SchemaFileL->text() : problem.isEmpty() ? SchemaFile : problem);
     SchemaFileL->setReadOnly(!found);
-    SetColors(*SchemaFileL, desktop.color(QPalette::Base), found ? black : QColor(255, 0, 0));
+    const bool usable = found && problem.isEmpty();
+    SetColors(*SchemaFileL, desktop.color(QPalette::Base), usable ? black : QColor(255, 0, 0));
     SchemaFileL->setEnabled(true);
 }
 

@@ -78,7 +78,8 @@ public:
     /// Moves `ValidateOptL` after the last button of the toolbar, and `SchemaFileL` after it.
     void MoveSchemaControls();
     /// Updates text, colours and state of `SchemaFileL` from `ValidateOptL` and `SchemaFile`.
-    void RefreshSchemaField();
+    /// \param problem  the reason why an existing schema cannot be used; its name is then red
+    void RefreshSchemaField(const QString& problem = {});
     /// Sets the schema file and selects validation against the schema.
     void UseSchema(const QString& path);
     /// Positions the window by its outer rectangle, in twips; on the main screen if no screen is at that

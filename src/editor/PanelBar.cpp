@@ -1,5 +1,7 @@
 #include "PanelBar.h"
 
+#include "FileNames.h"
+
 #include "DroppedFiles.h"
 #include "StartUpVariables.h"
 
@@ -67,8 +69,9 @@ PanelBar::PanelBar(const QStringList& names, QWidget* parent)
     setAcceptDrops(true);
 }
 
-void PanelBar::setPanelText(int panel, const QString& text)
+void PanelBar::setPanelText(int panel, const QString& newText)
 {
+    const QString text = ReadableName(newText);
     QLabel& label = *panels.at(size_t(panel) - 1).label;
     // An open tool tip would still show the old text.
     if (label.text() != text && !label.toolTip().isEmpty() && QToolTip::text() == label.toolTip())

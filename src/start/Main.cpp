@@ -1,5 +1,6 @@
 #include "CommLineInfoF.h"
 #include "CommandText.h"
+#include "FileNames.h"
 #include "Form1.h"
 #include "MainWindowSeams.h"
 #include "ProcessFiles.h"
@@ -59,8 +60,12 @@ int main(int argc, char* argv[])
         mainWindow->Load();
     });
 
-    // The toolkit has removed its own options from the arguments.
-    const QString commandText = vmk::CommandText(QApplication::arguments().mid(1));
+    // The toolkit has removed its own options from them. Its list of arguments replaces the bytes of a name
+    // that are not UTF-8.
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(vmk::DecodeFileName(argv[i]));
+    const QString commandText = vmk::CommandText(arguments);
     const int result = vmk::RunStart(commandText) ? QApplication::exec() : 0;
     vmk::CommLineInfoF::Unload();
     return result;

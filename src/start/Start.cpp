@@ -18,8 +18,6 @@
 #include "Sounds.h"
 #include "StartUpVariables.h"
 
-#include <QFileInfo>
-
 using namespace Qt::StringLiterals;
 
 namespace vmk {
@@ -30,7 +28,7 @@ namespace {
 /// changes.
 void OpenInMainWindow(const QString& path)
 {
-    LoadBookSeam()(QFileInfo(path).absoluteFilePath(), true);
+    LoadBookSeam()(AbsolutePath(path), true);
 }
 
 void ShowReport(const QString& text, bool modal)

@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace vmk;
 using namespace Qt::StringLiterals;
@@ -68,6 +70,27 @@ TEST_F(InitGlobalsTest, APortableWorkspaceIsBesideTheExecutable)
               (QStringList{u"FindReplaceHistory"_s, u"Schemas"_s, u"Temp"_s, u"UserCleanUp"_s}));
     EXPECT_EQ(place.Names(u"bin/VMK Office/Temp"_s), QStringList{u"images"_s});
     EXPECT_FALSE(FileExists(place.Path(u"home"_s)));
+}
+
+TEST_F(InitGlobalsTest, TheRootCanBeTheProgramsFolder)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only a superuser can try this on a root of its own";
+    const pid_t child = ::fork();
+    if (child == 0) {
+        if (::chroot(QFile::encodeName(place.Folder()).constData()) != 0 || ::chdir("/") != 0)
+            ::_exit(2);
+        InitGlobals({u"/vellumark"_s, u"/home"_s});
+        const bool right = AppPath == u"/"_s && OfficeFolder == u"/VMK Office"_s
+            && IniFilePath == u"/vellumark.ini"_s && FolderExists(u"/VMK Office/Temp/images"_s)
+            && WorkspaceFolder({u"/vellumark"_s, u"/home"_s}) == u"/VMK Office"_s
+            && InstalledDataFolder(u"/vellumark"_s) == u"/"_s;
+        ::_exit(right ? 0 : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
 TEST_F(InitGlobalsTest, TheSettingsFileIsNamedAfterTheExecutable)

@@ -115,6 +115,7 @@ TEST_F(Clean, SeveralProcessesGiveTheSameOutputAsOne)
     for (int i = 0; i < 7; ++i)
         arguments.push_back(write("b" + std::to_string(i) + ".fb2", Book));
     arguments.push_back(path("missing.fb2"));
+    arguments.push_back(write("\xea\xed\xe8.fb2", Book)); // a name that is not UTF-8
     const ProgramRun one = RunProgram("vmk", arguments);
     arguments.insert(arguments.end(), {"--jobs", "3"});
     const ProgramRun three = RunProgram("vmk", arguments);

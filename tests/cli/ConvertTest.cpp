@@ -192,7 +192,7 @@ TEST_F(Convert, AFailedConversionKeepsTheExistingFile)
     write("closed/out.fb2", "old");
     const ProgramRun closed = RunProgram("vmk", {"convert", book, "--out", path("closed/out.fb2")}, nobody);
     EXPECT_EQ(closed.exitCode, 2);
-    EXPECT_EQ(closed.errors, "vmk: " + path("closed/out.fb2") + ": cannot be written\n");
+    EXPECT_EQ(closed.errors, "vmk: " + path("closed/out.fb2") + ": cannot be written: Permission denied\n");
     EXPECT_EQ(read("closed/out.fb2"), "old");
 
     std::filesystem::permissions(book, std::filesystem::perms::none);
@@ -257,13 +257,13 @@ TEST_F(Convert, AFullDeviceIsReported)
     for (const std::string command : {"display", "convert"}) {
         const ProgramRun run = RunProgram("vmk", {command, book, "--out", "/dev/full"});
         EXPECT_EQ(run.exitCode, 2);
-        EXPECT_EQ(run.errors, "vmk: /dev/full: cannot be written\n");
+        EXPECT_EQ(run.errors, "vmk: /dev/full: cannot be written: No space left on device\n");
     }
     ProgramSetting full;
     full.outputFile = "/dev/full";
     const ProgramRun run = RunProgram("vmk", {"display", book}, full);
     EXPECT_EQ(run.exitCode, 2);
-    EXPECT_EQ(run.errors, "vmk: standard output: cannot be written\n");
+    EXPECT_EQ(run.errors, "vmk: standard output: cannot be written: No space left on device\n");
 }
 
 TEST_F(Convert, AFileOverTheSizeLimitIsReportedAndLeavesNoFile)
@@ -274,7 +274,7 @@ TEST_F(Convert, AFileOverTheSizeLimitIsReportedAndLeavesNoFile)
     limited.largestFile = 100'000;
     const ProgramRun run = RunProgram("vmk", {"convert", book, "--out", path("out.fb2")}, limited);
     EXPECT_EQ(run.exitCode, 2);
-    EXPECT_EQ(run.errors, "vmk: " + path("out.fb2") + ": cannot be written\n");
+    EXPECT_EQ(run.errors, "vmk: " + path("out.fb2") + ": cannot be written: File too large\n");
     EXPECT_EQ(read("out.fb2"), "old");
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path().toStdString()), {}), 2)
         << "no temporary file stays";
@@ -310,6 +310,44 @@ TEST_F(Convert, AnyFileNameWillDo)
     EXPECT_EQ(RunProgram("vmk", {"convert", book, "--out", out}).exitCode, 0);
     EXPECT_EQ(RunProgram("vmk", {"convert", path("нет\n"), "--out", out}).errors,
               "vmk: " + path("нет") + "\\n: file not found\n");
+}
+
+TEST_F(Convert, ANameThatIsNotUtf8WillDo)
+{
+    const std::string book = write("\xea\xed\xe8\xe3\xe0.fb2", Book);
+    const std::string out = path("\xe2\xfb\xf5\xee\xe4.fb2");
+    EXPECT_EQ(RunProgram("vmk", {"convert", book, "--out", out}).exitCode, 0);
+    EXPECT_TRUE(std::filesystem::exists(out));
+    EXPECT_EQ(RunProgram("vmk", {"validate", "--against", "namespace", out}).output,
+              out + ": No errors (against namespace)\n");
+    EXPECT_EQ(RunProgram("vmk", {"validate", path("\xed\xe5\xf2")}).errors,
+              "vmk: " + path("\xed\xe5\xf2") + ": file not found\n");
+    const std::string json = RunProgram("vmk", {"validate", "--json", out}).output;
+    EXPECT_NE(json.find("\"book\":\"" + path("\xEF\xBF\xBD")), std::string::npos) << json;
+}
+
+TEST_F(Convert, AWritableFileInAClosedFolderIsOverwrittenAfterABackup)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can act as another user";
+    ASSERT_EQ(chmod(folder.path().toUtf8().constData(), 0777), 0);
+    std::filesystem::create_directory(path("closed"));
+    const std::string book = write("closed/book.fb2", Book);
+    ASSERT_EQ(chmod(book.c_str(), 0666), 0);
+    ProgramSetting nobody;
+    nobody.userId = 65534;
+    nobody.dataFolder = path("data");
+    std::filesystem::create_directory(nobody.dataFolder);
+    ASSERT_EQ(chmod(nobody.dataFolder.c_str(), 0777), 0);
+    const ProgramRun run = RunProgram("vmk", {"convert", book, "--out", book}, nobody);
+    EXPECT_EQ(run.exitCode, 0) << run.errors;
+    EXPECT_TRUE(read("closed/book.fb2").starts_with(Declaration + "\r\n<FictionBook>"));
+    std::string kept;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(path("data"))) {
+        if (entry.path().string().ends_with("-book.fb2"))
+            kept = read(entry.path().lexically_relative(path("")).string());
+    }
+    EXPECT_EQ(kept, Book);
 }
 
 TEST_F(Convert, ByteOrderMarksAreReadAsTheRulesSay)

@@ -78,6 +78,8 @@ ProgramRun RunProgram(const std::string& name, const std::vector<std::string>& a
         dup2(isElsewhere ? open(setting.outputFile.c_str(), O_WRONLY) : output.descriptor(), STDOUT_FILENO);
         dup2(errors.descriptor(), STDERR_FILENO);
         setenv("LC_ALL", setting.locale.c_str(), 1);
+        if (!setting.dataFolder.empty())
+            setenv("XDG_DATA_HOME", setting.dataFolder.c_str(), 1);
         LimitResource(RLIMIT_FSIZE, setting.largestFile);
         LimitResource(RLIMIT_AS, setting.mostMemory);
         LimitResource(RLIMIT_NPROC, setting.mostThreads);

@@ -22,6 +22,7 @@ struct ProgramSetting
     std::string outputFile; ///< target of standard output instead of `ProgramRun::output`
     int userId = -1; ///< the user; -1 for the current one
     std::string locale = "C.UTF-8"; ///< for LC_ALL
+    std::string dataFolder; ///< for XDG_DATA_HOME, if it is not empty
     long largestFile = -1; ///< limit in bytes on each file that it writes; -1 for none
     long mostMemory = -1; ///< limit in bytes on its address space; -1 for none
     long mostThreads = -1; ///< limit on the processes and threads of its user; -1 for none

@@ -443,6 +443,22 @@ TEST_F(Validate, AnIdentifierUsedTwiceIsAnError)
         "4:1: Error against schema. Element 'p', attribute 'id': The identifier 'a' is used a second time.");
 }
 
+TEST_F(Validate, AnEmptyLineMayHaveBlanksAndAnIdentifier)
+{
+    const std::string book = write("a.fb2", BookWith("<empty-line> \n</empty-line><empty-line id='x'/><p/>"));
+    EXPECT_EQ(validate({book}).output, book + ": No errors (against schema)\n");
+    EXPECT_EQ(validate({write("b.fb2", BookWith("<empty-line>x</empty-line>"))}).exitCode, 1);
+    EXPECT_EQ(validate({write("b.fb2", BookWith("<empty-line><p/></empty-line>"))}).exitCode, 1);
+    EXPECT_EQ(validate({write("b.fb2", BookWith("<empty-line id='x'/><p id='x'/>"))}).exitCode, 1);
+}
+
+TEST_F(Validate, ANamespaceWithABlankIsAnotherNamespaceButNoError)
+{
+    const std::string book
+        = write("a.fb2", BookWith("<p><a xmlns:k='http://www.w3.org/1999/xlink ' k:href='#x'>y</a></p>"));
+    EXPECT_EQ(validate({"--against", "namespace", book}).output, book + ": No errors (against namespace)\n");
+}
+
 TEST_F(Validate, AMissingOrBrokenSchemaIsAPlainLine)
 {
     const std::string book = write("a.fb2", BookWith("<p/>"));

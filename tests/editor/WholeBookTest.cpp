@@ -2,6 +2,7 @@
 
 #include "FbFunctions.h"
 #include "FileDrops.h"
+#include "FileNames.h"
 #include "FilePaths.h"
 #include "MainWindowSeams.h"
 #include "SaveBook.h"
@@ -12,6 +13,8 @@
 #include <QDir>
 #include <QScrollBar>
 #include <QTreeWidget>
+
+#include <sys/stat.h>
 
 /// A book in the window: open, show, validate, save.
 namespace vmk {
@@ -336,6 +339,48 @@ TEST_F(WholeBook, AFailedSaveIsReportedAndKeepsTheEdits)
     EXPECT_EQ(Message(), u"cannot save file: "_s + CurrentBook);
     EXPECT_EQ(soundNames.last(), u"ParseError.wav"_s);
     EXPECT_GE(FindLine(u"xThird"_s), 0);
+    EXPECT_EQ(Panel(2), u"No such file or directory"_s);
+    CurrentBook = workplace.Path(u"book.fb2"_s);
+    form->RunCommand(Command::SaveFile);
+    EXPECT_TRUE(Panel(2).startsWith(u"sh:"_s)) << "the reason is gone after a success";
+}
+
+TEST_F(WholeBook, ABookInAFolderThatIsNotWritableIsSavedInPlace)
+{
+    OpenBook();
+    PutCaret(PlaceOf(u"Third"_s));
+    Type(u"x"_s);
+    workplace.MakeFolders(u"closed"_s);
+    workplace.Make(u"closed/book.fb2"_s, "old text");
+    workplace.GiveToPlainUser();
+    CurrentBook = workplace.Path(u"closed/book.fb2"_s);
+    const QByteArray folder = QFile::encodeName(workplace.Path(u"closed"_s));
+    ASSERT_EQ(::chmod(folder.constData(), 0555), 0);
+    {
+        const PlainUser plain;
+        form->RunCommand(Command::SaveFile);
+    }
+    ASSERT_EQ(::chmod(folder.constData(), 0755), 0);
+    EXPECT_EQ(Message(), u"file saved as: "_s + CurrentBook);
+    EXPECT_THAT(ReadFileText(CurrentBook), testing::HasSubstr("xThird line."));
+    const QStringList backups = FindFiles(OfficeFolder + u"/Backup"_s, u"*-book.fb2"_s);
+    ASSERT_EQ(backups.size(), 1);
+    EXPECT_EQ(ReadFileText(OfficeFolder + u"/Backup/"_s + backups.first()), "old text");
+}
+
+TEST_F(WholeBook, ABookWhoseNameIsNotUtf8IsOpenedAndSaved)
+{
+    Open();
+    const QString book = workplace.Path(DecodeFileName("\xea\xed\xe8.fb2"));
+    ASSERT_TRUE(WriteFileText(book, SmallBook));
+    LoadAndWait(book);
+    EXPECT_GE(FindLine(u"Third"_s), 0);
+    EXPECT_TRUE(form->windowTitle().isValidUtf16());
+    EXPECT_NE(Panel(3), u"file len:0"_s);
+    const qint64 size = SizeOfFile(book);
+    form->RunCommand(Command::SaveFile);
+    EXPECT_EQ(Message(), u"file saved as: "_s + ReadableName(book));
+    EXPECT_NE(SizeOfFile(book), size);
 }
 
 TEST_F(WholeBook, SaveAndReloadRestoresTheIndentation)
@@ -431,6 +476,28 @@ TEST_F(WholeBook, WithAMissingSchemaOnlyWellFormednessIsChecked)
     SchemaFile = workplace.Path(u"gone.xsd"_s);
     form->RunCommand(Command::Validate);
     EXPECT_EQ(Message(), u"No errors (against schema)"_s);
+    EXPECT_EQ(form->SchemaFileL->text(),
+              u"Schema file not found. Only namespace validatioon is available."_s);
+    EXPECT_EQ(Panel(1), u"schema "_s + SchemaFile + u": file not found"_s);
+}
+
+TEST_F(WholeBook, ASchemaThatCannotBeUsedIsRedInItsField)
+{
+    OpenBook();
+    workplace.Make(u"bad.xsd"_s, "<xs:schema");
+    SchemaFile = workplace.Path(u"bad.xsd"_s);
+    form->RefreshSchemaField();
+    EXPECT_EQ(form->SchemaFileL->palette().color(QPalette::Text), QColor(Qt::black));
+    form->RunCommand(Command::Validate);
+    EXPECT_EQ(Message(), u"No errors (against schema)"_s);
+    EXPECT_EQ(form->SchemaFileL->text(), u"bad.xsd"_s);
+    EXPECT_EQ(form->SchemaFileL->palette().color(QPalette::Text), QColor(Qt::red));
+    EXPECT_TRUE(form->SchemaFileL->toolTip().startsWith(SchemaFile + u":1: "_s));
+    EXPECT_EQ(Panel(1), u"schema "_s + form->SchemaFileL->toolTip());
+    SchemaFile = SchemasFolder + u"/FictionBook.xsd"_s;
+    form->RunCommand(Command::Validate);
+    EXPECT_EQ(form->SchemaFileL->palette().color(QPalette::Text), QColor(Qt::black));
+    EXPECT_EQ(Panel(1), QString());
 }
 
 TEST_F(WholeBook, AWrongGenreIsSelectedAndTheListOfGenresOpens)

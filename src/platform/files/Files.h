@@ -7,9 +7,10 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 
-/// Files as the system presents them. All POSIX code is in this folder; the rest of the program uses
-/// `FileOperations.h`.
+/// Files as the system presents them. Names are those of `FileNames.h`. All POSIX code is in this folder; the
+/// rest of the program uses `FileOperations.h`.
 namespace vmk {
 
 /// The kind of a directory entry.
@@ -68,16 +69,39 @@ enum class Durability
     Scratch ///< the system writes it later; for files of one run
 };
 
+/// The result of a write: true if it succeeded.
+class [[nodiscard]] WriteResult
+{
+public:
+    WriteResult() = default;
+    /// A failure. `reason` is one line for the user, such as "No space left on device".
+    explicit WriteResult(QString reason)
+        : failure(std::move(reason))
+    {
+    }
+
+    explicit operator bool() const { return failure.isEmpty(); }
+    /// Empty after a success.
+    [[nodiscard]] const QString& Failure() const { return failure; }
+
+private:
+    QString failure;
+};
+
 /// Replaces the content of a file, or creates the file.
 ///
 /// The bytes are written to a temporary file next to the target, flushed to the disk, and renamed to the
 /// target. After any failure, the file contains either all of the old or all of the new content. The
 /// permissions of the target are kept, so that a read-only file is replaced too and remains read-only. A link
 /// is followed to its target. Of a file with several names, only this name is replaced. A device or pipe is
-/// written directly.
-/// \return false if the old content is unchanged
-[[nodiscard]] bool ReplaceContent(const QString& path, std::string_view bytes,
-                                  Durability durability = Durability::Flushed);
+/// written directly. A flushed write also removes the temporary files next to the target that killed
+/// processes left.
+/// \param backupFolder  where a copy of the old content is kept, if the folder of a writable file accepts no
+///                      other file: the file is then overwritten in place. The last copy of each file stays.
+///                      The folder is created if it is missing. If empty, such a file is not written.
+/// \return a failure if the old content is unchanged
+WriteResult ReplaceContent(const QString& path, std::string_view bytes,
+                           Durability durability = Durability::Flushed, const QString& backupFolder = {});
 
 /// Copies one regular file over `to`, with the guarantees of `ReplaceContent`. The copy has the permissions
 /// of `from` and is writable by its owner.
@@ -111,5 +135,11 @@ bool DeleteFolderTree(const QString& path);
 
 /// Returns the date of the last change in local time; invalid if the file is missing.
 [[nodiscard]] QDate LastWriteDate(const QString& path);
+
+/// Returns the size in bytes; 0 for a missing file.
+[[nodiscard]] qint64 SizeOfFile(const QString& path);
+
+/// Returns the path from the root for one from the current folder.
+[[nodiscard]] QString AbsolutePath(const QString& path);
 
 } // namespace vmk

@@ -1,6 +1,7 @@
 #include "MessageBoxes.h"
 
 #include "DialogOwner.h"
+#include "FileNames.h"
 
 #include <QGuiApplication>
 #include <QMessageBox>
@@ -54,9 +55,9 @@ bool ShowMessageBox(BoxKind kind, const QString& text, const QString& title)
 {
     QMessageBox box(DialogOwner());
     box.setIcon(IconOf(kind));
-    box.setWindowTitle(title);
+    box.setWindowTitle(ReadableName(title));
     box.setTextFormat(Qt::PlainText);
-    box.setText(QString(text).replace(u"\r\n"_s, u"\n"_s));
+    box.setText(ReadableName(text).replace(u"\r\n"_s, u"\n"_s));
     if (kind == BoxKind::YesNo) {
         box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
         // Closing the box or Esc means No.

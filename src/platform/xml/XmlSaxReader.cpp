@@ -303,7 +303,8 @@ xmlSAXHandler Pass::callbacks()
 
 void Pass::parserError(const xmlError& error)
 {
-    if (error.level < XML_ERR_ERROR)
+    // The name of a namespace is compared, never resolved: it does not have to be a URI.
+    if (error.level < XML_ERR_ERROR || error.code == XML_WAR_NS_URI)
         return;
     Place place = Place::Here;
     if (error.domain == XML_FROM_NAMESPACE)

@@ -235,6 +235,21 @@ TEST(XmlPosition, OfBytesThatTheDeclaredEncodingLacksIsTheirFirst)
     EXPECT_EQ(lone.filepos, 4);
 }
 
+TEST(XmlPosition, OfANulIsItsPlaceWhereverItIs)
+{
+    using namespace std::string_literals;
+    const auto expectNul = [](const std::string& text) {
+        const XmlParseError error = ReadXml(text, XmlEncoding::utf8());
+        EXPECT_NE(error.errorCode, 0) << text;
+        EXPECT_EQ(error.fileByte, qsizetype(text.find('\0'))) << text;
+    };
+    expectNul("<a>x\0y</a>"s);
+    expectNul("<a>x</a>\0"s);
+    expectNul("<a>x</a>\r\n\0garbage"s);
+    expectNul("<a><!-- \0 --></a>"s);
+    EXPECT_EQ(ReadXml("<a>\n\0</a>"s, XmlEncoding::utf8()).line, 2);
+}
+
 TEST(XmlPosition, OfAnUnknownEncodingIsItsName)
 {
     const XmlParseError error

@@ -49,6 +49,15 @@ std::string Events(std::string_view text, XmlEncoding encoding = XmlEncoding::ut
 
 } // namespace
 
+TEST(XmlReader, ANamespaceDoesNotHaveToBeAUri)
+{
+    EXPECT_EQ(Events("<a xmlns=' not a URI ' xmlns:l='http://www.w3.org/1999/xlink ' l:x='1'/>"),
+              "start: a xmlns=[ not a URI ] xmlns:l=[http://www.w3.org/1999/xlink ] l:x=[1]\nend: a\n");
+    // Only prefixes count.
+    EXPECT_TRUE(Events("<a xmlns:l='%' k:x='1'/>").starts_with("error: "));
+    EXPECT_TRUE(Events("<a xmlns:l=''/>").starts_with("error: "));
+}
+
 TEST(XmlReader, ReportsEveryKindOfEventInOrder)
 {
     EXPECT_EQ(
