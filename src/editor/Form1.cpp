@@ -6,6 +6,7 @@
 #include "BookValidation.h"
 #include "BookVariables.h"
 #include "Boxes.h"
+#include "CaretStatus.h"
 #include "CleanUpF.h"
 #include "Desktop.h"
 #include "Dialogs.h"
