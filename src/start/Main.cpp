@@ -10,17 +10,61 @@
 #include <QApplication>
 #include <QIcon>
 
+#include <atomic>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
+/// The exit status of a call that the program refuses.
+constexpr int Refused = 2;
+
+constexpr const char* Usage = "usage: vellumark [BOOK [-V | -L]]\n"
+                              "       vellumark --version | --help\n\n"
+                              "  BOOK     opens the book\n"
+                              "  BOOK -V  validates the book; opens it only if it has an error\n"
+                              "  BOOK -L  opens the book\n\n"
+                              "See also: vmk --help\n";
+
+/// Prints the version or the usage if the only argument requests it; these need no display.
+bool AnswerWithoutDisplay(int argc, char* argv[])
+{
+    if (argc != 2)
+        return false;
+    const std::string_view argument(argv[1]);
+    if (argument == "--version")
+        std::printf("vellumark %s\n", VMK_VERSION);
+    else if (argument == "--help" || argument == "-h")
+        std::fputs(Usage, stdout);
+    else
+        return false;
+    return true;
+}
+
+/// Whether windows can be opened: the toolkit ends the program with a fatal message if not.
+std::atomic<bool> hasDisplay = false;
+
+/// Ends the program at a fatal message of the toolkit.
+void EndAtFatalMessage(const std::string& hints)
+{
+    if (hasDisplay) {
+        std::fputs(hints.c_str(), stderr);
+        return;
+    }
+    std::fputs("vellumark: no display: the editor needs X11 or Wayland (DISPLAY or WAYLAND_DISPLAY); vmk "
+               "needs none\n",
+               stderr);
+    std::_Exit(Refused);
+}
+
 /// The program reports in its windows. Messages of the toolkit are for developers, who enable them with the
-/// environment variable. Only a fatal message is always written.
+/// environment variable. Only a fatal message is always reported.
 void KeepToolkitHints()
 {
     if (qEnvironmentVariableIsSet("VELLUMARK_HINTS"))
@@ -31,7 +75,7 @@ void KeepToolkitHints()
         const std::lock_guard lock(mutex);
         hints += "vellumark: " + text.toStdString() + "\n";
         if (type == QtFatalMsg)
-            std::fputs(hints.c_str(), stderr);
+            EndAtFatalMessage(hints);
     });
 }
 
@@ -40,6 +84,8 @@ void KeepToolkitHints()
 int main(int argc, char* argv[])
 {
     vmk::HoldStandardHandles();
+    if (AnswerWithoutDisplay(argc, argv))
+        return std::fflush(stdout) == 0 ? 0 : Refused;
     // An edited book must survive a failed save and a closed terminal.
     vmk::SurviveFileSizeLimit();
     vmk::SurviveBrokenPipes();
@@ -47,6 +93,7 @@ int main(int argc, char* argv[])
     QApplication::setApplicationName(u"Vellumark"_s);
     QApplication::setDesktopFileName(u"vellumark"_s);
     const QApplication application(argc, argv);
+    hasDisplay = true;
     QApplication::setWindowIcon(QIcon(u":/icons/vellumark.svg"_s));
     // Closing the main window ends the program, even if other windows are open; closing a box does not.
     QApplication::setQuitOnLastWindowClosed(false);

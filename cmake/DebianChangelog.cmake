@@ -1,0 +1,18 @@
+# cmake -DSOURCE=CHANGELOG.md -DOUTPUT=changelog -P DebianChangelog.cmake: writes a changelog in Debian's format.
+file(STRINGS "${SOURCE}" lines)
+set(text "")
+set(trailer "")
+foreach(line IN LISTS lines)
+    if(line MATCHES "^## ([0-9.]+) \\(([0-9-]+)\\)$")
+        set(version "${CMAKE_MATCH_1}")
+        execute_process(COMMAND ${CMAKE_COMMAND} -E env LC_ALL=C date -u -R -d "${CMAKE_MATCH_2}"
+            OUTPUT_VARIABLE date OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+        string(APPEND text "${trailer}vellumark (${version}) stable; urgency=medium\n\n")
+        set(trailer "\n -- The Vellumark developers <vellumark@localhost.localdomain>  ${date}\n\n")
+    elseif(trailer AND line MATCHES "^- (.*)")
+        string(APPEND text "  * ${CMAKE_MATCH_1}\n")
+    elseif(trailer AND line MATCHES "^  ([^ ].*)")
+        string(APPEND text "    ${CMAKE_MATCH_1}\n")
+    endif()
+endforeach()
+file(WRITE "${OUTPUT}" "${text}${trailer}")
