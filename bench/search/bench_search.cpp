@@ -282,8 +282,9 @@ void MeasureAll(const QString& folder, size_t bookSize)
     MeasureRegExp(bench, page);
     MeasureStop(bench, sought);
     const int peak = MemoryMegabytes("VmHWM");
-    std::printf("memory: %d MB with the book open, at most %d MB: %.1f times the book more (wanted: at most 3)\n",
-                before, peak, double(peak - before) * 1e6 / double(book.size()));
+    std::printf(
+        "memory: %d MB with the book open, at most %d MB: %.1f times the book more (wanted: at most 3)\n",
+        before, peak, double(peak - before) * 1e6 / double(book.size()));
     MeasureLongLine(bench, folder);
 }
 

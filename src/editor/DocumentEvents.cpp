@@ -319,7 +319,7 @@ void Form1::HTMLread_DocumentComplete(const QString&)
     // State from the previous page's clicks is invalid in this one.
     ForgetRanges();
     if (FindReplaceWbF* search = FindReplaceWbF::Instance())
-        search->PageHasCome();
+        search->PageReplaced();
     if (SpellCheckF* spellCheck = SpellCheckF::Instance())
         spellCheck->PageReplaced();
     // The design mode must not be set inside the display's own event.

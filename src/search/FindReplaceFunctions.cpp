@@ -1,7 +1,7 @@
 #include "FindReplaceFunctions.h"
 
-#include "EventTurns.h"
 #include "ReplaceRun.h"
+#include "RunEvents.h"
 #include "TextSearch.h"
 #include "UniCodes.h"
 #include "WordBreaks.h"
@@ -30,7 +30,7 @@ bool IsInScope(const SearchState& state, bool up)
               : state.SearchRange.compareEndPoints(u"EndToEnd", state.ScopeRange) <= 0;
 }
 
-/// How many reports go by between two that are shown.
+/// The number of matches between two reports.
 constexpr int ReportEvery = 100;
 
 } // namespace
@@ -42,12 +42,12 @@ FindResult Find_Text(SearchState& state, QString text, const SearchOptions& opti
         ParseUniCodes(text);
         if (text.isEmpty())
             return {};
-        if (state.HitStands)
+        if (state.HitSelected)
             state.SearchRange.collapse(options.up);
         found = state.SearchRange.findText(text, options.up ? -1 : 1, FlagsOf(options))
             && IsInScope(state, options.up);
     }
-    state.FoundFlag = state.HitStands = found;
+    state.FoundFlag = state.HitSelected = found;
     if (!found)
         return {FindResult::Finished, FinishedReport(state)};
     ++state.FoundCount;
@@ -70,7 +70,7 @@ ReplaceResult Replace_Text(SearchState& state, QString replacement, const Search
         state.SearchRange.setEndPoint(u"StartToStart", state.ScopeRange);
     else
         state.SearchRange.setEndPoint(u"EndToEnd", state.ScopeRange);
-    state.HitStands = state.FoundFlag = false;
+    state.HitSelected = state.FoundFlag = false;
     ++state.ReplacedCount;
     result.report = CountsReport(state);
     return result;
@@ -78,32 +78,32 @@ ReplaceResult Replace_Text(SearchState& state, QString replacement, const Search
 
 namespace {
 
-/// True if it may depend on the text just put in whether a hit right after it is one.
-bool JudgesTextInFront(const QString& text, const SearchOptions& options)
+/// Returns true if the text before a match, which may be the last replacement, decides whether it is one.
+bool DependsOnTextBefore(const QString& text, const SearchOptions& options)
 {
     return text.front().isLowSurrogate() || (options.wholeWord && !IsWordCharacter(text.front()));
 }
 
 /// The loop of `Replace_All`.
-/// @return the steps of undo made
+/// @return the number of undo steps
 int32_t ReplaceHits(SearchState& state, ReplaceRun& run, const QString& text, const QString& replacement,
                     const SearchOptions& options, const SearchEvents& events)
 {
     const TextSearch search(text, options.matchCase, options.wholeWord, options.nbspMarks);
     const int markLength = std::max(1, int(replacement.size()));
-    const bool looksBack = JudgesTextInFront(text, options);
-    EventTurns turns(events);
+    const bool dependsOnTextBefore = DependsOnTextBefore(text, options);
+    RunEvents runEvents(events);
     int32_t undoSteps = 0;
     for (;;) {
-        if (looksBack)
+        if (dependsOnTextBefore)
             run.flush();
-        turns.take([&run] { run.flush(); });
+        runEvents.process([&run] { run.flush(); });
         if (state.StopRequested)
             break;
         const auto hit = search.findForward(*state.document, run.position());
         if (!hit)
             break;
-        // A hit that ends with the selection is left out.
+        // A match that ends at the end of the selection is not replaced.
         if (options.selection && hit->second >= state.ScopeRange.end())
             break;
         ++state.FoundCount;
@@ -114,14 +114,14 @@ int32_t ReplaceHits(SearchState& state, ReplaceRun& run, const QString& text, co
         run.replace(hit->first, hit->second, replacement);
         if (options.markReplaced) {
             ++undoSteps;
-            // An empty replacement marks the character in front of it.
+            // An empty replacement marks the character before it.
             run.mark(markLength, ReplacedColor);
         }
     }
     return undoSteps;
 }
 
-/// All of `Replace_All` between its reports.
+/// Replaces all matches from `SearchRange` on.
 ReplaceAllResult ReplaceFrom(SearchState& state, const QString& text, const QString& replacement,
                              const SearchOptions& options, const SearchEvents& events)
 {
@@ -146,7 +146,7 @@ ReplaceAllResult Replace_All(SearchState& state, QString text, QString replaceme
     if (!text.isEmpty()) {
         ParseUniCodes(text);
         ParseUniCodes(replacement);
-        // The hit that stands is found again.
+        // The selected match is found again.
         if (state.FoundFlag)
             --state.FoundCount;
         events.report(QStringLiteral("...replacing...wait, please..."));
@@ -158,7 +158,7 @@ ReplaceAllResult Replace_All(SearchState& state, QString text, QString replaceme
     result.report = CountsReport(state);
     state.FoundCount = state.ReplacedCount = 0;
     state.FoundFlag = state.StopRequested = false;
-    state.HitStands = false;
+    state.HitSelected = false;
     return result;
 }
 

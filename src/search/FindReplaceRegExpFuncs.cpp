@@ -1,10 +1,10 @@
 #include "FindReplaceRegExpFuncs.h"
 
 #include "DisplayPage.h"
-#include "EventTurns.h"
 #include "HtmlFragmentText.h"
 #include "RegExp.h"
 #include "ReplaceRun.h"
+#include "RunEvents.h"
 #include "TextFunctions.h"
 #include "TextSearch.h"
 #include "UniCodes.h"
@@ -20,11 +20,12 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// The end of a chunk goes back by so many words, so that it cuts no match near the edge.
+/// The end of a chunk is moved back by this number of words, so that it is less likely to cut a match.
 constexpr int ChunkEdgeWords = 3;
-/// A pattern that runs away in so many chunks ends a search; each may take a quarter of a second.
+/// A search ends when the pattern has failed in this number of chunks. Each failure may take a quarter of a
+/// second.
 constexpr int MostFailures = 2;
-/// Steps of undo between two reports.
+/// The number of undo steps between two reports.
 constexpr int32_t ReportEvery = 100;
 
 RegExp ExpressionOf(const QString& pattern, bool matchCase, bool multiLine, bool global)
@@ -37,14 +38,14 @@ RegExp ExpressionOf(const QString& pattern, bool matchCase, bool multiLine, bool
     return expression;
 }
 
-/// A "$" makes a replacement a template.
+/// Returns true if a replacement is a template, which contains a "$".
 bool IsTemplate(const QString& replacement)
 {
     return replacement.contains(u'$');
 }
 
-/// Draws a chunk's end back, but never to its start: a single endless word is cut.
-void DrawBackEnd(TextRange& chunk)
+/// Moves the end of a chunk back, but never to its start: a single long word is cut.
+void MoveEndBack(TextRange& chunk)
 {
     TextRange shorter = chunk;
     shorter.moveEnd(u"word", -ChunkEdgeWords);
@@ -58,7 +59,7 @@ void EnterChunkMode(SearchState& state, int length)
     state.WholeScopeRange = state.ScopeRange;
     state.ScopeRange.collapse(true);
     state.ScopeRange.moveEnd(u"character", RegExpChunkSize);
-    DrawBackEnd(state.ScopeRange);
+    MoveEndBack(state.ScopeRange);
     state.RegExpChunkCount = int32_t(std::lrint(double(length) / RegExpChunkSize));
     state.RegExpMaxChunks = 2 * state.RegExpChunkCount;
 }
@@ -100,7 +101,7 @@ bool NextRegExpChunk(SearchState& state)
     chunk.collapse(false);
     bool isLast = chunk.moveEnd(u"character", RegExpChunkSize) < RegExpChunkSize;
     if (!isLast) {
-        DrawBackEnd(chunk);
+        MoveEndBack(chunk);
         isLast = chunk.compareEndPoints(u"EndToEnd", state.WholeScopeRange) >= 0;
     }
     if (isLast) {
@@ -144,19 +145,20 @@ std::optional<QString> RegExpReplaceMatch(const QString& text, const QString& re
 
 namespace {
 
-/// Looks for a match's text in the document and takes it for the hit if it lies in the scope.
-bool TakeMatch(SearchState& state, const QString& match, const SearchOptions& options)
+/// Searches for the text of a match in the document and sets `SearchRange` to it.
+/// @return true if it is found in the scope
+bool FindTextOfMatch(SearchState& state, const QString& match, const SearchOptions& options)
 {
     if (match.isEmpty())
         return false;
-    if (state.HitStands)
+    if (state.HitSelected)
         state.SearchRange.collapse(false);
-    // The text of the match itself, so case counts.
+    // It is the text of the match itself, so the search is case-sensitive.
     return state.SearchRange.findText(match, 1, TextRange::MatchCase)
         && (!options.selection || state.SearchRange.compareEndPoints(u"StartToEnd", state.ScopeRange) <= 0);
 }
 
-/// Goes through matches and chunks up to the first hit.
+/// Searches match by match and chunk by chunk for one that is found in the document.
 bool FindMatch(SearchState& state, const QString& pattern, const SearchOptions& options,
                const SearchEvents& events)
 {
@@ -166,7 +168,7 @@ bool FindMatch(SearchState& state, const QString& pattern, const SearchOptions& 
             GetRegExpChunk(state, false, events);
             const auto match = RegExpFirstMatch(state, pattern, options.matchCase);
             state.LastMatchLength = match ? int32_t(match->size()) : 0;
-            if (match && TakeMatch(state, *match, options))
+            if (match && FindTextOfMatch(state, *match, options))
                 return true;
             if (!match && ++failures == MostFailures)
                 return false;
@@ -183,10 +185,10 @@ FindResult RegExpFind(SearchState& state, const QString& pattern, const SearchOp
     const bool found = FindMatch(state, pattern, options, events);
     if (!found) {
         ResetSearchState(state);
-        state.HitStands = false;
+        state.HitSelected = false;
         return {FindResult::Finished, FinishedReport(state)};
     }
-    state.HitStands = state.RegExpFoundFlag = true;
+    state.HitSelected = state.RegExpFoundFlag = true;
     ++state.FoundCount;
     state.SearchRange.select();
     return {FindResult::Hit, CountsReport(state)};
@@ -198,7 +200,7 @@ ReplaceResult RegExpReplaceHit(SearchState& state, QString replacement, const QS
     TakeSelection(state);
     if (IsTemplate(replacement)) {
         const QString hit = state.SearchRange.text();
-        // A pattern that fails leaves the hit as it is.
+        // If the pattern fails, the text is unchanged.
         replacement = RegExpReplaceMatch(hit, replacement, pattern, options.matchCase).value_or(hit);
     } else {
         ParseUniCodes(replacement);
@@ -211,7 +213,7 @@ ReplaceResult RegExpReplaceHit(SearchState& state, QString replacement, const QS
         result.newText = SelectNewText(newText, replacement.size());
     state.SearchRange.collapse(false);
     state.SearchRange.setEndPoint(u"EndToEnd", state.ScopeRange);
-    state.HitStands = false;
+    state.HitSelected = false;
     ++state.ReplacedCount;
     state.LastMatchLength = 0;
     result.report = CountsReport(state);
@@ -234,18 +236,18 @@ public:
         , expanded(rawReplacement)
         , options(searchOptions)
         , events(searchEvents)
-        , turns(searchEvents)
+        , runEvents(searchEvents)
         , run(*searchState.document, searchState.ScopeRange.start())
     {
         ParseUniCodes(expanded);
     }
 
-    /// Goes through all chunks.
-    /// @return false if it was left because there are more chunks than expected
+    /// Replaces in all chunks.
+    /// @return false if the run ended because there are more chunks than expected
     bool replaceAll();
 
     [[nodiscard]] int32_t undoSteps() const { return steps; }
-    /// Selects the last text put in; null if there is none.
+    /// Selects the last inserted text; null if there is none.
     [[nodiscard]] TextRange selectLastText() const;
 
 private:
@@ -256,7 +258,8 @@ private:
         return u"Chunk %1 of %2 "_s.arg(iteration).arg(state.RegExpChunkCount);
     }
     [[nodiscard]] QString replacedReport() const { return u"Replaced: %1"_s.arg(state.ReplacedCount); }
-    /// By the template, not by what was put in: a long template marks more than its result. This is meant.
+    /// The length of the template, not of the inserted text: a long template marks more than its result,
+    /// which is intended.
     [[nodiscard]] int markLength() const { return std::max(1, int(raw.size())); }
 
     SearchState& state;
@@ -265,13 +268,13 @@ private:
     QString expanded;
     const SearchOptions& options;
     const SearchEvents& events;
-    EventTurns turns;
+    RunEvents runEvents;
     ReplaceRun run;
     int32_t iteration = 0;
     int32_t steps = 0;
     bool replaced = false;
     qsizetype lastLength = 0;
-    /// Texts that stand nowhere after the position.
+    /// Texts that do not occur after the position.
     QSet<QString> missing;
 };
 
@@ -280,7 +283,7 @@ bool RegExpRun::replaceAll()
     do {
         if (++iteration > state.RegExpMaxChunks)
             return false;
-        turns.take([] {});
+        runEvents.process([] {});
         GetRegExpChunk(state, true);
         if (!state.StopRequested)
             replaceChunk();
@@ -295,7 +298,7 @@ void RegExpRun::replaceChunk()
     if (!matches || matches->empty())
         return;
     const Position start = state.ScopeRange.start();
-    // A text found far away may have carried the last chunk's search over this one's start.
+    // A text of the previous chunk may have been found after the start of this one; the search moves back.
     if (run.position() > start)
         missing.clear();
     run.moveTo(start);
@@ -303,7 +306,7 @@ void RegExpRun::replaceChunk()
         events.report(chunkReport() + replacedReport());
     int32_t reportedSteps = -1;
     for (size_t i = 0; i < matches->size() && !state.StopRequested; ++i) {
-        // Not again for each match that is passed over.
+        // Only once for a number of steps, if matches are skipped.
         if (steps % ReportEvery == 0 && steps != std::exchange(reportedSteps, steps))
             events.report((state.ChunksRemain ? chunkReport() : QString())
                           + u"Match %1 of %2 "_s.arg(i).arg(matches->size()) + replacedReport());
@@ -311,15 +314,15 @@ void RegExpRun::replaceChunk()
     }
 }
 
-/// Replaces the next text that is equal to a match, if there is one.
+/// Replaces the next occurrence of the text of a match, if there is one.
 void RegExpRun::replaceMatch(const QString& match)
 {
     if (match.isEmpty() || missing.contains(match))
         return;
-    // Whether it cuts a pair depends on what was put in in front of it.
+    // Whether a match cuts a surrogate pair depends on the text inserted before it.
     if (match.front().isLowSurrogate())
         run.flush();
-    // In any case of letters, even where the expression minds it; this is meant.
+    // Letters match in any case, even with a case-sensitive expression, which is intended.
     const auto hit = TextSearch(match, false, false).findForward(*state.document, run.position());
     if (!hit) {
         missing.insert(match);
@@ -328,7 +331,7 @@ void RegExpRun::replaceMatch(const QString& match)
     const auto replacement = IsTemplate(raw) ? RegExpReplaceMatch(match, raw, pattern, options.matchCase)
                                              : std::optional(expanded);
     if (!replacement) {
-        // The pattern has failed on the match alone: the text stays.
+        // The pattern has failed on the match alone: the text is unchanged.
         run.moveTo(hit->second);
         return;
     }
@@ -336,7 +339,7 @@ void RegExpRun::replaceMatch(const QString& match)
     ++steps;
     lastLength = replacement->size();
     replaced = true;
-    turns.take([this] { run.flush(); });
+    runEvents.process([this] { run.flush(); });
     if (state.StopRequested)
         return;
     ++state.FoundCount;
@@ -366,7 +369,7 @@ ReplaceAllResult RegExpReplaceAll(SearchState& state, const QString& pattern, co
     } else {
         events.report(u"...replacing...wait, please..."_s);
         if (state.RegExpFoundFlag) {
-            // The hit that stands is left alone.
+            // The selected match is not replaced.
             state.ScopeRange.setEndPoint(u"StartToEnd", page::createRange(*state.document));
             --state.FoundCount;
         }
@@ -383,7 +386,7 @@ ReplaceAllResult RegExpReplaceAll(SearchState& state, const QString& pattern, co
     }
     state.SearchRange = TextRange();
     ResetSearchState(state);
-    state.StopRequested = state.HitStands = false;
+    state.StopRequested = state.HitSelected = false;
     return result;
 }
 
@@ -392,7 +395,7 @@ ReplaceAllResult RegExpReplaceAll(SearchState& state, const QString& pattern, co
 QString SelectionAsRegExpHex(TextRange range)
 {
     constexpr qsizetype MostCharacters = 10;
-    constexpr char16_t FirstLeftOut = 0x8000;
+    constexpr char16_t FirstOmitted = 0x8000;
     const bool isCaret = range.boundingWidth() == 0;
     if (isCaret)
         range.moveEnd(u"character");
@@ -409,7 +412,7 @@ QString SelectionAsRegExpHex(TextRange range)
     }
     QString escapes;
     for (const QChar c : text) {
-        if (c.unicode() >= FirstLeftOut)
+        if (c.unicode() >= FirstOmitted)
             continue;
         const bool isLong = c.unicode() > 0xFF;
         escapes += (isLong ? u"\\u"_s : u"\\x"_s)

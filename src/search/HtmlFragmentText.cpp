@@ -7,8 +7,8 @@
 namespace vmk {
 namespace {
 
-/// The HTML after the page's front.
-QStringView WithoutFront(QStringView html)
+/// Returns the HTML after the head of the page.
+QStringView WithoutHead(QStringView html)
 {
     for (const QStringView marker : {u"<BASEFONT", u"<BODY", u"</HEAD"}) {
         const qsizetype at = html.indexOf(marker);
@@ -21,7 +21,7 @@ QStringView WithoutFront(QStringView html)
     return html;
 }
 
-/// Deletes all that matches `<[^>]*>`.
+/// Removes everything that matches `<[^>]*>`.
 QString WithoutTags(QStringView html)
 {
     QString text;
@@ -43,7 +43,7 @@ QString WithoutTags(QStringView html)
 
 QString HtmlFragmentToText(QStringView html, bool decodeAngles)
 {
-    QString text = WithoutTags(WithoutFront(html));
+    QString text = WithoutTags(WithoutHead(html));
     if (decodeAngles) {
         text = ReplaceAll(std::move(text), u"&lt;", u"<");
         text = ReplaceAll(std::move(text), u"&gt;", u">");

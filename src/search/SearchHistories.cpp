@@ -39,7 +39,7 @@ std::string EncodeHistory(const QStringList& list)
         }
     };
     for (QString entry : list) {
-        // The carriage return ends an entry.
+        // A carriage return would end the entry.
         entry.replace("\r\n"_L1, "\n"_L1).replace(u'\r', u'\n');
         append(entry.replace(u'<', "&lt;"_L1).replace(u'>', "&gt;"_L1) + u'\r');
     }

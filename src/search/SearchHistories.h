@@ -6,23 +6,23 @@
 #include <string>
 #include <string_view>
 
-/// What was searched for and put in: four lists, the newest text first, each with a file of its own.
+/// The texts of former searches and replacements: four lists, the newest text first, each with its own file.
 ///
 /// A file is UTF-16, low byte first, without a byte-order mark; each entry is followed by U+000D. "<" and ">"
 /// of an entry are stored as "&lt;" and "&gt;"; nothing else is escaped.
 namespace vmk {
 
-/// A list never grows beyond this by adding to it.
+/// The maximum number of entries after one was added.
 inline constexpr qsizetype MostHistoryEntries = 40;
 
-/// Puts a text at the front of a list; one that is in it moves there, and the oldest fall off the end. A
-/// blank text is ignored.
-/// \return false if the list is as it was
+/// Inserts a text at the start of a list, or moves it there if the list contains it; removes the oldest
+/// entries of a list that is too long. A blank text is ignored.
+/// \return false if the list is unchanged
 bool AddToHistoryList(QStringList& list, const QString& text);
 
-/// The entries of a history file's bytes; an odd last byte and empty entries count for nothing.
+/// Returns the entries of the bytes of a history file; an odd last byte and empty entries are ignored.
 [[nodiscard]] QStringList DecodeHistory(std::string_view bytes);
-/// The bytes of a history file. A line break within an entry is written as a line feed.
+/// Returns the bytes of a history file. A line break within an entry is written as a line feed.
 [[nodiscard]] std::string EncodeHistory(const QStringList& list);
 
 /// One list of the window with its default file.
@@ -30,22 +30,22 @@ struct History
 {
     QStringList entries;
     QString path;
-    /// The file does not hold these entries: it is written when the list is saved.
+    /// The entries differ from the file, which is written when the list is saved.
     bool changed = false;
-    /// The file is there and cannot be read: it is left alone.
+    /// The file exists but cannot be read: it is never overwritten.
     bool unreadable = false;
 };
 
 /// Reads a list from a file. A missing file yields an empty list.
-/// \return false if the file is there and cannot be read
+/// \return false if the file exists but cannot be read
 bool ReadHistoryFile(QStringList& list, const QString& path);
 /// Writes a list to a file; an empty list leaves no file.
-/// \return false if that failed; the file is as it was then
+/// \return false on failure, with the file unchanged
 [[nodiscard]] bool WriteHistoryFile(const QStringList& list, const QString& path);
 
 /// Reads a list from its default file.
 void LoadHistory(History& history);
-/// Writes a list to its default file if it has changed. A file that cannot be read or written stays.
+/// Writes a list to its default file if it has changed. A file that cannot be read or written is unchanged.
 /// \return false if the list could not be written
 bool SaveHistory(History& history);
 
@@ -55,10 +55,10 @@ enum class HistoryMode
     RegExp
 };
 
-/// The lists under their files' names.
+/// The four lists, named as the variables of their files.
 struct SearchHistories
 {
-    /// All empty; nothing is read yet.
+    /// Creates empty lists, without reading files.
     SearchHistories();
 
     History HisFind;
@@ -76,7 +76,8 @@ struct SearchHistories
     }
     /// Reads both lists of a mode.
     void LoadHistories(HistoryMode mode);
-    /// Writes both lists of a mode. \return false if one could not be written
+    /// Writes both lists of a mode.
+    /// \return false if one could not be written
     bool SaveHistories(HistoryMode mode);
 };
 

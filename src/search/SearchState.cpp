@@ -23,7 +23,7 @@ void NewSearch(SearchState& state, const SearchOptions& options, bool keepPositi
     ResetSearchState(state);
     state.FoundCount = state.ReplacedCount = 0;
     state.StopRequested = false;
-    state.HitStands = false;
+    state.HitSelected = false;
 
     const TextRange selection = page::createRange(*state.document);
     if (keepPosition && options.selection && selection.boundingWidth() <= ShortSelectionWidth) {

@@ -43,10 +43,10 @@ struct SearchState
     /// The number of matches and replacements since the report was reset.
     int32_t FoundCount = 0;
     int32_t ReplacedCount = 0;
-    /// The last plain search ended on a match, which a replace-all must not count again.
+    /// The last plain search ended on a match, which a replace-all must not count twice.
     bool FoundFlag = false;
     /// A match is selected and can be replaced: `ReplaceB` is enabled.
-    bool HitStands = false;
+    bool HitSelected = false;
     /// A running replace-all must stop.
     bool StopRequested = false;
 

@@ -13,7 +13,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// The decimal number that a text begins with; 0 if it begins with none, or with one beyond 32 bits.
+/// Returns the decimal number at the start of a text; 0 if there is none or it exceeds 32 bits.
 int32_t LeadingNumber(QStringView text)
 {
     int64_t number = 0;
@@ -27,14 +27,14 @@ int32_t LeadingNumber(QStringView text)
     return int32_t(number);
 }
 
-/// The character of a code; empty if there is none with that number.
+/// Returns the character with a code; empty if there is none.
 QString CharacterOfCode(int32_t code)
 {
     constexpr int32_t FirstByteCode = 128;
     constexpr int32_t LastByteCode = 191;
     if (code <= 0 || code > int32_t(QChar::LastValidCodePoint))
         return {};
-    // Bytes of the code page in this range only: this asymmetry is intended.
+    // Only this range is the code page's, which is intended.
     if (code >= FirstByteCode && code <= LastByteCode)
         return {QChar(CharacterOfByte(static_cast<unsigned char>(code), CodePageSystem))};
     if (code > 0xFFFF)
@@ -42,8 +42,8 @@ QString CharacterOfCode(int32_t code)
     return {QChar(char16_t(code))};
 }
 
-/// What one `uni(...)` stands for.
-/// @param segment a segment that holds "uni("
+/// Returns the characters that a `uni(...)` names.
+/// @param segment contains "uni("
 QString Expanded(const QString& segment)
 {
     QString codes = segment;

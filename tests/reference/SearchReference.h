@@ -9,7 +9,7 @@
 #include <cmath>
 #include <optional>
 
-/// Replace-all over the plain document, step by step as described; one flat text, no index, nothing gathered.
+/// Replace-all over the plain document: one flat text, one edit for each step, no index.
 namespace vmk::reference {
 
 struct ReplaceOrder
@@ -29,7 +29,7 @@ inline bool isWordLetter(QChar c)
     return c.isLetterOrNumber() || c.isMark() || c == u'_' || c == QChar(0xAD) || c.isSurrogate();
 }
 
-/// The first occurrence from a place on; line breaks are line feeds. -1 for none.
+/// Returns the first occurrence at or after a position; line breaks are line feeds. -1 for none.
 inline int findText(const PlainDocument& document, QString sought, int from, bool matchCase, bool wholeWord)
 {
     sought.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
@@ -54,7 +54,7 @@ inline int findText(const PlainDocument& document, QString sought, int from, boo
     return -1;
 }
 
-/// Marks the characters in front of a place. A mark over no text at all is a step too.
+/// Marks the characters before a position. A mark without text is a step too.
 inline void markLast(PlainDocument& document, int place, int length)
 {
     int from = std::max(0, place - length);
@@ -64,7 +64,7 @@ inline void markLast(PlainDocument& document, int place, int length)
     document.wrap(from, place, MarkTag);
 }
 
-/// @return the steps of undo
+/// @return the number of undo steps
 inline int replaceAll(PlainDocument& document, int from, const ReplaceOrder& order)
 {
     int steps = 0;
@@ -88,7 +88,7 @@ inline int replaceAll(PlainDocument& document, int from, const ReplaceOrder& ord
 
 // ---------------------------------------------------------------- by regular expression
 
-/// Where the word in front of a place begins; a line break is a word.
+/// Returns the start of the word before a position; a line break is a word.
 inline int previousWord(const QString& text, int place)
 {
     if (place == 0)
@@ -103,7 +103,7 @@ inline int previousWord(const QString& text, int place)
     return place;
 }
 
-/// The text between two places as the expression sees it.
+/// Returns the text between two positions as the expression sees it.
 inline QString searchedText(const QString& text, int from, int to)
 {
     QString result;
@@ -115,7 +115,7 @@ inline QString searchedText(const QString& text, int from, int to)
     return result;
 }
 
-/// @return the steps of undo, or nothing if the run was left because there are more chunks than expected
+/// @return the number of undo steps, or nothing if the run ended because there are more chunks than expected
 inline std::optional<int> regExpReplaceAll(PlainDocument& document, int from, const ReplaceOrder& order)
 {
     constexpr int ChunkSize = 50'000;
@@ -125,7 +125,7 @@ inline std::optional<int> regExpReplaceAll(PlainDocument& document, int from, co
             drawn = previousWord(document.text(), drawn);
         return drawn > start ? drawn : end;
     };
-    // The scope and its present chunk are live.
+    // The scope and its current chunk follow the edits.
     const std::size_t chunk = document.ranges.size();
     document.ranges.push_back({from, document.length()});
     document.ranges.push_back({from, document.length()});

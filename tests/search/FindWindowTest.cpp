@@ -1,8 +1,9 @@
 #include "FindReplaceWbF.h"
-#include "FindWindowPlace.h"
 #include "HistoryDropDown.h"
+#include "LayoutOfWidth.h"
 #include "MainWindowSeams.h"
 #include "SearchField.h"
+#include "WindowOffMatch.h"
 #include "WindowTest.h"
 
 #include <QCheckBox>
@@ -11,6 +12,8 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QToolButton>
+
+#include <cstdlib>
 
 namespace vmk {
 namespace {
@@ -105,14 +108,14 @@ TEST_F(FindWindow, ShiftAloneBlocksInTheFindWindowAndNotInTheMainOne)
     EXPECT_EQ(report(), u"Found: 2 Replaced: 0"_s);
 }
 
-TEST_F(FindWindow, F3InAFieldActsOnceWhenTheKeyIsLetGo)
+TEST_F(FindWindow, F3InAFieldSearchesOnceWhenTheKeyIsReleased)
 {
     window().FindCB->Fill(u"line"_s);
     QTest::keyPress(window().FindCB, Qt::Key_F3);
     EXPECT_TRUE(report().isEmpty());
     QTest::keyRelease(window().FindCB, Qt::Key_F3);
     EXPECT_EQ(report(), u"Found: 1 Replaced: 0"_s);
-    // A key pressed elsewhere is not the field's.
+    // The key was not pressed in the field.
     QTest::keyRelease(window().FindCB, Qt::Key_F3);
     EXPECT_EQ(report(), u"Found: 1 Replaced: 0"_s);
 }
@@ -143,7 +146,7 @@ TEST_F(FindWindow, ANonBreakingSpaceInTheFieldFindsTheDisplaysMark)
     EXPECT_EQ(window().FindCB->text(), u"Third\u00a0line"_s);
 }
 
-TEST_F(FindWindow, OneUndoTakesBackAWholeReplaceAllWithItsMarks)
+TEST_F(FindWindow, OneUndoRevertsAWholeReplaceAllWithItsMarks)
 {
     const QString before = bookText();
     window().MarkReplacedB->setChecked(true);
@@ -160,7 +163,7 @@ TEST_F(FindWindow, OneUndoTakesBackAWholeReplaceAllWithItsMarks)
     EXPECT_EQ(bookText().count(u"row"_s), 2);
 }
 
-TEST_F(FindWindow, TheStopButtonEndsARunAndWhatWasDoneIsOneUndo)
+TEST_F(FindWindow, TheStopButtonEndsARunThatOneUndoReverts)
 {
     std::string paragraphs;
     for (int i = 0; i < 40'000; ++i)
@@ -171,16 +174,16 @@ TEST_F(FindWindow, TheStopButtonEndsARunAndWhatWasDoneIsOneUndo)
     OpenBook(book);
     Document().setSelection({}, {});
     const QString before = bookText();
-    int turns = 0;
+    int calls = 0;
     {
-        // A slow desktop: every turn takes as long as the next one is away.
+        // On a slow desktop, processing events takes longer than the interval between two calls.
         const SeamGuard guard(ProcessEventsSeam(), [&] {
             QTest::qSleep(50);
-            if (++turns == 1) {
+            if (++calls == 1) {
                 EXPECT_EQ(window().ReplaceAllB->text(), u"stop"_s);
                 EXPECT_FALSE(window().FindB->isEnabled());
                 EXPECT_FALSE(window().UpdateB->isEnabled());
-                // Nothing else answers.
+                // Nothing else responds.
                 QTest::keyClick(form->HTMLread, Qt::Key_X);
                 click(*window().RegExpB);
                 click(*window().ReplaceAllB);
@@ -190,7 +193,7 @@ TEST_F(FindWindow, TheStopButtonEndsARunAndWhatWasDoneIsOneUndo)
         replaceAll(u"word"_s, u"text"_s);
     }
     EXPECT_FALSE(window().RegExpB->isChecked());
-    EXPECT_LE(turns, 3);
+    EXPECT_LE(calls, 3);
     const qsizetype replaced = bookText().count(u"text"_s);
     EXPECT_LT(replaced, 40'000);
     form->RunCommand(Command::Undo);
@@ -198,7 +201,7 @@ TEST_F(FindWindow, TheStopButtonEndsARunAndWhatWasDoneIsOneUndo)
     EXPECT_TRUE(window().FindB->isEnabled());
 }
 
-TEST_F(FindWindow, ClosedInTheMiddleOfARunItStopsFirst)
+TEST_F(FindWindow, ClosedDuringARunItStopsFirst)
 {
     const SeamGuard guard(ProcessEventsSeam(), [&] { window().close(); });
     replaceAll(u"line"_s, u"row"_s);
@@ -206,7 +209,7 @@ TEST_F(FindWindow, ClosedInTheMiddleOfARunItStopsFirst)
     EXPECT_EQ(bookText().count(u"line"_s), 2);
 }
 
-TEST_F(FindWindow, AutoFindNextGoesOnAfterAReplacement)
+TEST_F(FindWindow, AutoFindNextSearchesAfterAReplacement)
 {
     window().AutoFindNextB->setChecked(true);
     find(u"line"_s);
@@ -237,15 +240,49 @@ TEST_F(FindWindow, RegExpModeSearchesDownwardsWithItsOwnHistories)
     EXPECT_EQ(ReadFileText(HisFindRegExpFile), Utf16(u"(F|S)\\w+\r"_s));
 }
 
-TEST_F(FindWindow, ALongSelectionBecomesTheScope)
+TEST_F(FindWindow, ASelectionOf500PixelsIsTheTextAndOneOf501TheScope)
 {
-    const int line = FindLine(u"Second"_s);
-    Document().setSelection({line, 0}, {line + 1, 3});
-    ASSERT_GT(page::createRange(Document()).boundingWidth(), 0);
-    window().MainSelectionText(false);
-    const bool isLong = page::createRange(Document()).boundingWidth() > 500;
-    EXPECT_EQ(window().SelectionB->isChecked(), isLong);
-    form->PlaceForm(0, 0, 18'000, 13'500);
+    LayoutQuery* const viewLayout = Document().layout();
+    const Position at = PlaceOf(u"Second"_s);
+    window().FindCB->Fill(u"text"_s);
+    Document().setSelection(at, {at.line, at.offset + 6});
+    for (const int width : {500, 501}) {
+        LayoutOfWidth layout(width);
+        Document().setLayout(&layout);
+        click(*window().UpdateB);
+        Document().setLayout(viewLayout);
+        EXPECT_EQ(window().FindCB->text(), width == 500 ? u"Second"_s : u"text"_s);
+        EXPECT_EQ(window().SelectionB->isChecked(), width == 501);
+        window().FindCB->Fill(u"text"_s);
+    }
+}
+
+TEST_F(FindWindow, AHitTallerThanHalfTheViewIsNotScrolledToTheMiddle)
+{
+    closeWindow();
+    std::string paragraphs;
+    QString lines;
+    for (int i = 100; i < 200; ++i) {
+        paragraphs += "<p>" + std::to_string(i) + "</p>";
+        lines += (i > 140 && i < 160 ? u"\r<p>%1</p>"_s : i == 140 ? u"<p>%1</p>"_s : QString()).arg(i);
+    }
+    std::string book = SmallBook;
+    book.insert(book.find("</section>"), paragraphs);
+    OpenBook(book);
+    form->PlaceForm(0, 0, 9'000, 5'000);
+    const auto topOfHit = [&](const QString& sought) {
+        Document().setSelection({}, {});
+        View().scrollTo({0, 0});
+        click(*window().UpdateB);
+        find(sought);
+        EXPECT_EQ(report(), u"Found: 1 Replaced: 0"_s);
+        return page::createRange(Document()).offsetTop();
+    };
+    const int middle = View().offsetHeight() / 2;
+    EXPECT_NEAR(topOfHit(u"<p>140</p>"_s), middle, 2);
+    const int top = topOfHit(lines);
+    ASSERT_GT(page::createRange(Document()).boundingHeight(), middle);
+    EXPECT_GT(std::abs(top - middle), 10);
 }
 
 TEST_F(FindWindow, AShortSelectionIsTheTextAtOpening)
@@ -256,7 +293,7 @@ TEST_F(FindWindow, AShortSelectionIsTheTextAtOpening)
     EXPECT_FALSE(window().SelectionB->isChecked());
 }
 
-TEST_F(FindWindow, AnotherPageBeginsTheSearchAnew)
+TEST_F(FindWindow, AnotherPageStartsANewSearch)
 {
     find(u"Third"_s);
     find(u"Third"_s);
@@ -302,6 +339,17 @@ TEST_F(FindWindow, APasteCutsNoPairOfSurrogates)
     EXPECT_EQ(window().FindCB->text(), QString(49, u'a'));
 }
 
+TEST_F(FindWindow, AFieldEmptiedByHandAcceptsAPaste)
+{
+    window().FindCB->Fill(u"line"_s);
+    window().FindCB->selectAll();
+    QTest::keyClick(window().FindCB, Qt::Key_Backspace);
+    EXPECT_TRUE(window().FindCB->text().isEmpty());
+    SetClipboardText(u"Third"_s);
+    window().MnFind->findChild<QAction*>(u"FClearAndPaste"_s)->trigger();
+    EXPECT_EQ(window().FindCB->text(), u"Third"_s);
+}
+
 TEST_F(FindWindow, EnterDoesNothingInAField)
 {
     window().FindCB->Fill(u"line"_s);
@@ -318,7 +366,7 @@ TEST_F(FindWindow, ADoubleClickSelectsTheWholeField)
     EXPECT_EQ(window().FindCB->selectedText(), u"two words"_s);
 }
 
-TEST_F(FindWindow, ASelectionOfFiftyCharactersIsTakenAndOneMoreIsTooLong)
+TEST_F(FindWindow, ASelectionOfFiftyCharactersIsPastedAndFiftyOneAreTooLong)
 {
     closeWindow();
     std::string book = SmallBook;
@@ -337,7 +385,7 @@ TEST_F(FindWindow, ASelectionOfFiftyCharactersIsTakenAndOneMoreIsTooLong)
     EXPECT_EQ(boxTexts.last(), u"no text selected in the main window"_s);
 }
 
-TEST_F(FindWindow, CharactersGoInAsEscapesInRegExpModeOnly)
+TEST_F(FindWindow, CharactersArePastedAsEscapesInRegExpMode)
 {
     QAction* hex = window().MnFind->findChild<QAction*>(u"FPasteHex"_s);
     ASSERT_TRUE(hex);
@@ -392,7 +440,7 @@ TEST_F(FindWindow, AClickElsewhereClosesTheList)
     EXPECT_FALSE(window().ListR->isVisible());
 }
 
-TEST_F(FindWindow, ThePointerLeavingOverTheUpperEdgeClosesTheList)
+TEST_F(FindWindow, TheListClosesWhenThePointerLeavesOverTheUpperEdge)
 {
     find(u"First"_s);
     click(*window().DropF);
@@ -415,7 +463,7 @@ TEST_F(FindWindow, HistoriesAreSavedAtClosingAndReadAtOpening)
     EXPECT_EQ(window().FindCB->text(), u"Second"_s);
 }
 
-TEST_F(FindWindow, RemoveAllEmptiesTheListAndItsFileGoes)
+TEST_F(FindWindow, RemoveAllEmptiesTheListAndTheFileIsRemoved)
 {
     find(u"First"_s);
     closeWindow();
@@ -426,7 +474,7 @@ TEST_F(FindWindow, RemoveAllEmptiesTheListAndItsFileGoes)
     EXPECT_FALSE(FileExists(HisFindFile));
 }
 
-TEST_F(FindWindow, AListIsSavedAndLoadedUnderItsModesType)
+TEST_F(FindWindow, AListIsSavedAndLoadedWithTheFileTypeOfItsMode)
 {
     QAction* saveAs = window().MnHisF->findChild<QAction*>(u"FListSaveAs"_s);
     window().MnHisF->findChild<QAction*>(u"FListRemoveAll"_s)->trigger();
@@ -486,34 +534,34 @@ TEST_F(FindWindow, HelpIsShownDisabled)
 
 TEST(FindWindowPlacing, ItMovesToTheNearerSideOfAHit)
 {
-    FindWindowPlace place{{100, 300, 400, 200}, {150, 350, 50, 20}, {1000, 800}, {1, 1}, 25};
-    // Above: 350 - 210 = 140, below: 380; the place below is nearer to 300.
-    EXPECT_EQ(TopOffMatch(place), 380);
-    place.match = {150, 480, 50, 20};
-    EXPECT_EQ(TopOffMatch(place), 270);
+    WindowOverMatch position{{100, 300, 400, 200}, {150, 350, 50, 20}, {1000, 800}, {1, 1}, 25};
+    // Above: 350 - 210 = 140, below: 380, which is nearer to 300.
+    EXPECT_EQ(TopOffMatch(position), 380);
+    position.match = {150, 480, 50, 20};
+    EXPECT_EQ(TopOffMatch(position), 270);
 }
 
-TEST(FindWindowPlacing, WhereItCoversNothingItStays)
+TEST(FindWindowPlacing, ItIsNotMovedIfItCoversNothing)
 {
-    FindWindowPlace place{{100, 300, 400, 200}, {150, 100, 50, 20}, {1000, 800}, {1, 1}, 25};
-    EXPECT_EQ(TopOffMatch(place), std::nullopt);
-    place.match = {600, 350, 50, 20};
-    EXPECT_EQ(TopOffMatch(place), std::nullopt);
-    // The margin downwards counts.
-    place.match = {150, 510, 50, 20};
-    EXPECT_TRUE(TopOffMatch(place));
+    WindowOverMatch position{{100, 300, 400, 200}, {150, 100, 50, 20}, {1000, 800}, {1, 1}, 25};
+    EXPECT_EQ(TopOffMatch(position), std::nullopt);
+    position.match = {600, 350, 50, 20};
+    EXPECT_EQ(TopOffMatch(position), std::nullopt);
+    // The vertical margin counts.
+    position.match = {150, 510, 50, 20};
+    EXPECT_TRUE(TopOffMatch(position));
 }
 
-TEST(FindWindowPlacing, WithoutRoomItStays)
+TEST(FindWindowPlacing, ItIsNotMovedWithoutRoom)
 {
-    const FindWindowPlace place{{0, 0, 400, 700}, {10, 10, 50, 740}, {1000, 800}, {1, 1}, 25};
-    EXPECT_EQ(TopOffMatch(place), std::nullopt);
+    const WindowOverMatch position{{0, 0, 400, 700}, {10, 10, 50, 740}, {1000, 800}, {1, 1}, 25};
+    EXPECT_EQ(TopOffMatch(position), std::nullopt);
 }
 
 TEST(FindWindowPlacing, ItDoesNotLeaveTheScreenAtTheBottom)
 {
-    const FindWindowPlace place{{0, 0, 400, 200}, {10, 100, 50, 550}, {1000, 800}, {1, 1}, 25};
-    EXPECT_EQ(TopOffMatch(place), 600);
+    const WindowOverMatch position{{0, 0, 400, 200}, {10, 100, 50, 550}, {1000, 800}, {1, 1}, 25};
+    EXPECT_EQ(TopOffMatch(position), 600);
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "LayoutOfWidth.h"
 #include "SearchFixture.h"
 
 namespace vmk {
@@ -15,13 +16,13 @@ TEST_F(PlainSearch, AHitIsSelectedAndCounted)
     EXPECT_TRUE(find(u"two"_s));
     EXPECT_EQ(hit(), (Position{0, 4}));
     EXPECT_EQ(selected(), u"two"_s);
-    EXPECT_TRUE(state.HitStands);
+    EXPECT_TRUE(state.HitSelected);
     EXPECT_EQ(report, u"Found: 1 Replaced: 0"_s);
     EXPECT_TRUE(find(u"two"_s));
     EXPECT_EQ(hit(), (Position{1, 0}));
     EXPECT_FALSE(find(u"two"_s));
     EXPECT_EQ(report, u"Search finished. Found: 2 Replaced: 0"_s);
-    EXPECT_FALSE(state.HitStands);
+    EXPECT_FALSE(state.HitSelected);
 }
 
 TEST_F(PlainSearch, AfterTheEndNothingIsFoundUntilANewSearch)
@@ -40,7 +41,7 @@ TEST_F(PlainSearch, AnEmptyTextFinishesTheSearch)
     show(u"<DIV>a</DIV>"_s);
     EXPECT_TRUE(find(u"a"_s));
     EXPECT_FALSE(find(u""_s));
-    EXPECT_FALSE(state.HitStands);
+    EXPECT_FALSE(state.HitSelected);
     EXPECT_EQ(report, u"Search finished. Found: 1 Replaced: 0"_s);
 }
 
@@ -137,6 +138,23 @@ TEST_F(PlainSearch, KeepingThePositionLeavesTheScopeOfASelection)
     EXPECT_EQ(state.ScopeRange.end(), (Position{0, 5}));
 }
 
+TEST_F(PlainSearch, ASelectionWiderThanFiveHundredPixelsBecomesTheScopeAgain)
+{
+    show(u"<DIV>abcdefgh</DIV>"_s);
+    options.selection = true;
+    for (const int width : {500, 501}) {
+        LayoutOfWidth layout(width);
+        document.setLayout(&layout);
+        select(0, 1, 0, 7);
+        NewSearch(state, options, false);
+        select(0, 3, 0, 5);
+        NewSearch(state, options, true);
+        EXPECT_EQ(state.SearchRange.start(), (Position{0, 3})) << width;
+        EXPECT_EQ(state.ScopeRange.end(), (Position{0, width == 500 ? 7 : 5})) << width;
+        document.setLayout(nullptr);
+    }
+}
+
 TEST_F(PlainSearch, ANonBreakingSpaceMatchesItsMarkToo)
 {
     show(u"<DIV>a b\u007fc&nbsp;d</DIV>"_s);
@@ -155,7 +173,7 @@ TEST_F(PlainSearch, ANonBreakingSpaceMatchesItsMarkToo)
     EXPECT_EQ(text(), u"a b_c_d"_s);
 }
 
-TEST_F(PlainSearch, AReplacementStandsSelected)
+TEST_F(PlainSearch, AReplacementIsSelected)
 {
     show(u"<DIV>a<B>bc</B>d a</DIV>"_s);
     EXPECT_TRUE(find(u"bc"_s));
@@ -163,7 +181,7 @@ TEST_F(PlainSearch, AReplacementStandsSelected)
     EXPECT_EQ(html(0), u"a<B>xyz</B>d a"_s);
     EXPECT_EQ(selected(), u"xyz"_s);
     EXPECT_EQ(result.report, u"Found: 1 Replaced: 1"_s);
-    EXPECT_FALSE(state.HitStands);
+    EXPECT_FALSE(state.HitSelected);
     EXPECT_EQ(state.SearchRange.end(), document.end());
     EXPECT_TRUE(find(u"a"_s));
     EXPECT_EQ(hit(), (Position{0, 6}));
@@ -179,7 +197,7 @@ TEST_F(PlainSearch, WithAutoFindNextTheReplacementIsNotSelected)
     EXPECT_EQ(text(), u"axc"_s);
 }
 
-TEST_F(PlainSearch, UpwardsTheSearchGoesOnInFrontOfTheReplacement)
+TEST_F(PlainSearch, UpwardsTheSearchContinuesBeforeTheReplacement)
 {
     show(u"<DIV>a a a</DIV>"_s);
     options.up = true;
@@ -192,7 +210,7 @@ TEST_F(PlainSearch, UpwardsTheSearchGoesOnInFrontOfTheReplacement)
     EXPECT_EQ(hit(), (Position{0, 2}));
 }
 
-TEST_F(PlainSearch, WhatIsSelectedByHandIsReplaced)
+TEST_F(PlainSearch, TextSelectedByHandIsReplaced)
 {
     show(u"<DIV>one two</DIV>"_s);
     EXPECT_TRUE(find(u"two"_s));
@@ -223,7 +241,7 @@ TEST_F(PlainSearch, ReplaceAllRunsFromThePositionAndIsUndoneStepByStep)
     EXPECT_FALSE(document.canUndo());
 }
 
-TEST_F(PlainSearch, ReplaceAllCountsTheHitThatStandsOnce)
+TEST_F(PlainSearch, ReplaceAllCountsTheSelectedHitOnce)
 {
     show(u"<DIV>a a</DIV>"_s);
     EXPECT_TRUE(find(u"a"_s));
@@ -254,26 +272,26 @@ TEST_F(PlainSearch, MarksAreStepsOfUndoToo)
     EXPECT_EQ(html(0), u"a a a"_s);
 }
 
-TEST_F(PlainSearch, AnEmptyReplacementMarksTheCharacterInFront)
+TEST_F(PlainSearch, AnEmptyReplacementMarksTheCharacterBefore)
 {
     show(u"<DIV>ba c</DIV><DIV>ac</DIV>"_s);
     options.markReplaced = true;
     EXPECT_EQ(replaceAll(u"a"_s, u""_s), 4);
     EXPECT_EQ(html(0), u"<FONT style=\"BACKGROUND-COLOR: #ffb848\">b</FONT> c"_s);
-    // In front of the second hit stands a line break, which shows no colour.
+    // Before the second hit is a line break, which shows no colour.
     EXPECT_EQ(html(1), u"c"_s);
     undo(4);
     EXPECT_EQ(text(), u"ba c|ac"_s);
 }
 
-TEST_F(PlainSearch, WhatWasPutInIsNotSearchedAgain)
+TEST_F(PlainSearch, InsertedTextIsNotSearchedAgain)
 {
     show(u"<DIV>aaa</DIV>"_s);
     EXPECT_EQ(replaceAll(u"a"_s, u"aa"_s), 3);
     EXPECT_EQ(text(), u"aaaaaa"_s);
 }
 
-TEST_F(PlainSearch, AWholeWordIsJudgedByWhatStandsInFrontOfItNow)
+TEST_F(PlainSearch, AWholeWordDependsOnTheTextInsertedBeforeIt)
 {
     show(u"<DIV>.a.a.a</DIV>"_s);
     options.wholeWord = true;
@@ -290,7 +308,7 @@ TEST_F(PlainSearch, ReplacementsWithLineBreaksMakeLines)
     EXPECT_EQ(text(), u"a,b,c"_s);
 }
 
-TEST_F(PlainSearch, AStoppedRunKeepsWhatItHasDone)
+TEST_F(PlainSearch, AStopBeforeTheFirstReplacementChangesNothing)
 {
     show(u"<DIV>a a a</DIV>"_s);
     events.processEvents = [this] { state.StopRequested = true; };

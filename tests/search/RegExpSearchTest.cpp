@@ -1,5 +1,8 @@
 #include "SearchFixture.h"
 
+#include <chrono>
+#include <thread>
+
 namespace vmk {
 namespace {
 
@@ -34,11 +37,25 @@ TEST_F(RegExpSearch, OnlyTheTextOfAMatchIsCarriedToTheDocument)
     EXPECT_EQ(hit(), (Position{0, 3}));
 }
 
-TEST_F(RegExpSearch, AMatchMayReachOverALineBreak)
+TEST_F(RegExpSearch, AMatchMaySpanALineBreak)
 {
     show(u"<DIV>one</DIV><DIV>two</DIV>"_s);
     EXPECT_TRUE(findRegExp(u"e\\rt"_s));
     EXPECT_EQ(selected(), u"e\r\nt"_s);
+}
+
+TEST_F(RegExpSearch, AMatchThatSpansTheEdgeOfAChunkIsNotFound)
+{
+    show(lineOf(120'000));
+    GetRegExpChunk(state, true);
+    const qsizetype edge = state.RegExpChunkText.size();
+    QString line = document.line(0).text;
+    line.replace(edge - 4, 8, u"1234 678"_s);
+    show(u"<DIV>"_s + line + u"</DIV>"_s);
+    EXPECT_FALSE(findRegExp(u"1234 678"_s));
+    start();
+    EXPECT_TRUE(findRegExp(u"\\d+"_s));
+    EXPECT_EQ(selected(), u"1234"_s);
 }
 
 TEST_F(RegExpSearch, AnEmptyMatchIsNone)
@@ -75,7 +92,7 @@ TEST_F(RegExpSearch, ATemplateIsAppliedToTheMatchAlone)
     EXPECT_EQ(RegExpReplaceMatch(u"ab"_s, u"$1"_s, u"ab"_s, true), u"$1"_s);
     EXPECT_EQ(RegExpReplaceMatch(u"AB"_s, u"$&"_s, u"ab"_s, true), u""_s);
     EXPECT_EQ(RegExpReplaceMatch(u"AB"_s, u"$&"_s, u"ab"_s, false), u"AB"_s);
-    // What looks at the match's surroundings does not see them.
+    // Assertions do not see the context of the match.
     EXPECT_EQ(RegExpReplaceMatch(u"foo"_s, u"$&"_s, u"foo(?=bar)"_s, true), u""_s);
     EXPECT_EQ(RegExpReplaceMatch(u"foo"_s, u"$&"_s, u"foo("_s, true), std::nullopt);
 }
@@ -109,14 +126,14 @@ TEST_F(RegExpSearch, ReplaceAllWithATemplate)
     EXPECT_TRUE(state.SearchRange.isNull());
     undo(3);
     EXPECT_EQ(text(), u"a-b c-d|e-f"_s);
-    // Only a new search makes a position again.
+    // Only a new search sets a position.
     EXPECT_FALSE(find(u"a"_s));
     EXPECT_EQ(replaceAll(u"a"_s, u"x"_s), 0);
     start();
     EXPECT_TRUE(find(u"a"_s));
 }
 
-TEST_F(RegExpSearch, ReplaceAllLeavesTheHitThatStands)
+TEST_F(RegExpSearch, ReplaceAllDoesNotReplaceTheSelectedHit)
 {
     show(u"<DIV>1 2 3</DIV>"_s);
     EXPECT_TRUE(findRegExp(u"\\d"_s));
@@ -125,7 +142,7 @@ TEST_F(RegExpSearch, ReplaceAllLeavesTheHitThatStands)
     EXPECT_EQ(report, u"Replaced: 2"_s);
 }
 
-TEST_F(RegExpSearch, ReplaceAllTakesTheMatchInAnyCase)
+TEST_F(RegExpSearch, ReplaceAllFindsTheTextOfAMatchInAnyCase)
 {
     show(u"<DIV>CAT cat</DIV>"_s);
     options.matchCase = true;
@@ -143,12 +160,15 @@ TEST_F(RegExpSearch, AMarkIsAsLongAsTheTemplate)
     EXPECT_EQ(html(0), u"abc12"_s);
 }
 
-TEST_F(RegExpSearch, AStoppedRunHasReplacedTheHitAtHand)
+TEST_F(RegExpSearch, AStoppedRunKeepsTheReplacementBeforeTheStop)
 {
     show(u"<DIV>1 2 3</DIV>"_s);
-    int turns = 0;
-    events.processEvents = [&] { state.StopRequested = ++turns > 0; };
-    EXPECT_LE(replaceAllRegExp(u"\\d"_s, u"x"_s), 1);
+    // Events are processed before the first chunk, and after a replacement that takes long enough.
+    int calls = 0;
+    events.processEvents = [&] { state.StopRequested = ++calls > 1; };
+    events.report = [](const QString&) { std::this_thread::sleep_for(std::chrono::milliseconds(50)); };
+    EXPECT_EQ(replaceAllRegExp(u"\\d"_s, u"x"_s), 1);
+    EXPECT_EQ(text(), u"x 2 3"_s);
     EXPECT_FALSE(state.StopRequested);
 }
 
@@ -169,7 +189,7 @@ TEST_F(RegExpSearch, FiftyThousandCharactersAreOneChunk)
     EXPECT_FALSE(NextRegExpChunk(state));
 }
 
-TEST_F(RegExpSearch, OneCharacterMoreIsCutThreeWordsBeforeTheEdge)
+TEST_F(RegExpSearch, ALongerScopeIsDividedThreeWordsBeforeTheEdge)
 {
     show(lineOf(50'001));
     GetRegExpChunk(state, true);
@@ -212,7 +232,7 @@ TEST_F(RegExpSearch, AMatchInALaterChunkIsFound)
 
 TEST_F(RegExpSearch, ARunWithMoreChunksThanExpectedEndsWithoutAReport)
 {
-    // Three words from the edge is far in front of it: each chunk is much shorter than expected.
+    // Three words are most of a chunk here, so each chunk is much shorter than expected.
     const QString longWord(24'000, u'w');
     show(u"<DIV>"_s + (u"a "_s + longWord + u' ').repeated(40) + u"</DIV>"_s);
     beep = true;
@@ -222,13 +242,13 @@ TEST_F(RegExpSearch, ARunWithMoreChunksThanExpectedEndsWithoutAReport)
     EXPECT_GT(text().count(u'a'), 0);
 }
 
-TEST_F(RegExpSearch, AnEndlessWordIsCut)
+TEST_F(RegExpSearch, AWordLongerThanAChunkIsCut)
 {
     show(u"<DIV>"_s + QString(120'000, u'w') + u"1</DIV>"_s);
     EXPECT_TRUE(findRegExp(u"\\d"_s));
 }
 
-TEST_F(RegExpSearch, ARunawayPatternEndsTheSearchSoon)
+TEST_F(RegExpSearch, ABacktrackingPatternEndsTheSearchSoon)
 {
     show(lineOf(50'000).replace(u' ', u'x') + lineOf(200'000).replace(u' ', u'x'));
     EXPECT_FALSE(findRegExp(u"(\\w+)+[!?]"_s));
@@ -244,7 +264,7 @@ TEST_F(RegExpSearch, CharactersAsEscapes)
     EXPECT_EQ(escapes(0, 0, 1), u"\\x61"_s);
     EXPECT_EQ(escapes(0, 1, 2), u"\\u041f"_s);
     EXPECT_EQ(escapes(0, 2, 3), u"\\xa0"_s);
-    // A bare caret takes the character after it; from U+8000 on there is no escape.
+    // At a caret, the character after it; characters from U+8000 on have no escape.
     EXPECT_EQ(escapes(0, 0, 0), u"\\x61"_s);
     EXPECT_EQ(escapes(0, 3, 3), u""_s);
     EXPECT_EQ(escapes(0, 1, 4), u"\\u041f\\xa0"_s);

@@ -18,7 +18,7 @@ namespace vmk {
 class SearchFixture : public testing::Test
 {
 protected:
-    /// Shows these lines, given as they stand in a page's body.
+    /// Shows lines, given as in the body of a page.
     void show(const QString& lines)
     {
         document.loadPage("<HTML><BODY>\r\n" + lines.toUtf8() + "</BODY></HTML>");

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace vmk {
 namespace {
@@ -24,14 +23,14 @@ std::string Utf16(std::u16string_view text)
     return bytes;
 }
 
-TEST(SearchHistories, ANewTextStandsInFront)
+TEST(SearchHistories, ANewTextIsFirst)
 {
     QStringList list = {u"a"_s, u"b"_s};
     EXPECT_TRUE(AddToHistoryList(list, u"c"_s));
     EXPECT_EQ(list, (QStringList{u"c"_s, u"a"_s, u"b"_s}));
 }
 
-TEST(SearchHistories, ARepeatedTextMovesToTheFront)
+TEST(SearchHistories, ARepeatedTextMovesToTheTop)
 {
     QStringList list = {u"a"_s, u"b"_s, u"c"_s};
     EXPECT_TRUE(AddToHistoryList(list, u"c"_s));
@@ -42,7 +41,7 @@ TEST(SearchHistories, ARepeatedTextMovesToTheFront)
     EXPECT_EQ(list.size(), 4);
 }
 
-TEST(SearchHistories, ABlankTextIsIgnoredAndANonBreakingSpaceIsNone)
+TEST(SearchHistories, ABlankTextIsIgnoredButNotANonBreakingSpace)
 {
     QStringList list;
     EXPECT_FALSE(AddToHistoryList(list, u""_s));
@@ -75,7 +74,7 @@ TEST(SearchHistories, EveryCharacterComesBack)
     EXPECT_EQ(DecodeHistory(EncodeHistory(list)), list);
 }
 
-TEST(SearchHistories, OddBytesAndEmptyEntriesCountForNothing)
+TEST(SearchHistories, AnOddByteAndEmptyEntriesAreIgnored)
 {
     EXPECT_EQ(DecodeHistory(Utf16(u"\r\ra\r\rb") + 'x'), (QStringList{u"a"_s, u"b"_s}));
     EXPECT_TRUE(DecodeHistory("").isEmpty());
@@ -88,6 +87,10 @@ protected:
     const Workplace workplace;
     const QString path = workplace.Path(u"list.hf"_s);
     [[nodiscard]] std::string bytes() const { return ReadFileText(path); }
+    static void setMode(const QString& file, mode_t mode)
+    {
+        EXPECT_EQ(::chmod(file.toUtf8().constData(), mode), 0);
+    }
 };
 
 TEST_F(HistoryFiles, AnEmptyListLeavesNoFile)
@@ -106,9 +109,9 @@ TEST_F(HistoryFiles, AMissingFileIsAnEmptyList)
     EXPECT_TRUE(list.isEmpty());
 }
 
-TEST_F(HistoryFiles, AListThatHasNotChangedLeavesItsFileAlone)
+TEST_F(HistoryFiles, AnUnchangedListIsNotWritten)
 {
-    // Not what the program would write: an odd byte, an entry in tags.
+    // The program would write other bytes: there is an odd byte, and brackets are not escaped.
     const std::string written = Utf16(u"<b>a</b>\r") + 'x';
     workplace.Make(u"list.hf"_s, written);
     History history;
@@ -136,22 +139,24 @@ TEST_F(HistoryFiles, AMillionEntriesAreRead)
     EXPECT_EQ(history.entries.size(), MostHistoryEntries);
 }
 
-TEST_F(HistoryFiles, AFileThatCannotBeReadIsNotWrittenOver)
+TEST_F(HistoryFiles, AFileThatCannotBeReadIsNotOverwritten)
 {
     workplace.Make(u"list.hf"_s, Utf16(u"a\r"));
-    ::chmod(path.toUtf8().constData(), 0);
-    if (::access(path.toUtf8().constData(), R_OK) == 0)
-        GTEST_SKIP() << "this user may read everything";
-    History history;
-    history.path = path;
-    LoadHistory(history);
-    history.changed = AddToHistoryList(history.entries, u"new"_s);
-    EXPECT_FALSE(SaveHistory(history));
-    ::chmod(path.toUtf8().constData(), 0600);
+    setMode(workplace.Path(QString()), 0777);
+    setMode(path, 0);
+    {
+        const PlainUser user;
+        History history;
+        history.path = path;
+        LoadHistory(history);
+        history.changed = AddToHistoryList(history.entries, u"new"_s);
+        EXPECT_FALSE(SaveHistory(history));
+    }
+    setMode(path, 0600);
     EXPECT_EQ(bytes(), Utf16(u"a\r"));
 }
 
-TEST_F(HistoryFiles, AFolderInTheFilesPlaceFailsAndStays)
+TEST_F(HistoryFiles, AFolderWithTheNameOfTheFileIsKept)
 {
     ASSERT_TRUE(MakeFolder(path));
     History history;
@@ -162,6 +167,26 @@ TEST_F(HistoryFiles, AFolderInTheFilesPlaceFailsAndStays)
     EXPECT_FALSE(SaveHistory(history));
     EXPECT_TRUE(history.changed);
     EXPECT_TRUE(FolderExists(path));
+}
+
+TEST_F(HistoryFiles, AReadOnlyFolderKeepsItsFile)
+{
+    workplace.Make(u"list.hf"_s, Utf16(u"a\r"));
+    setMode(path, 0444);
+    setMode(workplace.Path(QString()), 0555);
+    History history;
+    history.path = path;
+    {
+        const PlainUser user;
+        LoadHistory(history);
+        history.changed = AddToHistoryList(history.entries, u"new"_s);
+        EXPECT_FALSE(SaveHistory(history));
+    }
+    EXPECT_TRUE(history.changed);
+    EXPECT_EQ(bytes(), Utf16(u"a\r"));
+    setMode(workplace.Path(QString()), 0755);
+    EXPECT_TRUE(SaveHistory(history));
+    EXPECT_EQ(bytes(), Utf16(u"new\ra\r"));
 }
 
 TEST_F(HistoryFiles, AMissingFolderFails)

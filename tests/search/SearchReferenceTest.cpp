@@ -1,5 +1,5 @@
-// Replace-all in the document against the plain one, on random pages and on real books: text, tags, marks,
-// and every step of undo.
+// Compares replace-all in the document with the plain one, on random pages and on real books: text, tags,
+// marks, and every undo step.
 
 #include "SearchReference.h"
 #include "BookToDisplay.h"
@@ -109,7 +109,6 @@ TEST_F(SearchReference, PlainReplaceAllAgreesOnRandomPages)
         const QString before = written();
         PlainDocument plain = plainCopy();
         const int steps = reference::replaceAll(plain, 0, order);
-        // Some runs are made in pieces, as a window's turn makes them.
         EXPECT_EQ(replaceAll(order.find, order.replacement), steps) << episode;
         const QString after = written();
         EXPECT_EQ(after.toStdString(), plain.html().toStdString())
@@ -138,7 +137,7 @@ TEST_F(SearchReference, RunsUndoneInPartAreAsIfMadeInPart)
             states.push_back(written());
         }
         for (int i = 0; i < 20 && steps > 0; ++i) {
-            // From the end to anywhere and back.
+            // From the end to any step and back.
             const int back = 1 + dice.roll(steps);
             EXPECT_TRUE(document.undo(back));
             EXPECT_EQ(written().toStdString(), states[size_t(steps - back)].toStdString());
@@ -149,7 +148,7 @@ TEST_F(SearchReference, RunsUndoneInPartAreAsIfMadeInPart)
         }
         if (steps < 2)
             continue;
-        // An edit in the middle forgets the rest.
+        // An edit discards the steps that were undone.
         document.undo(1);
         document.setSelection({}, {});
         document.typeText(u"!"_s);
@@ -217,7 +216,7 @@ TEST_F(SearchReference, RegExpReplaceAllAgreesOnRandomPages)
 
 TEST_F(SearchReference, ChunksAgree)
 {
-    // Few matches, for the plain document copies itself for each of them.
+    // Few matches, because the plain document copies itself for each of them.
     Dice dice(19);
     QString page;
     for (int line = 0; line < 60; ++line) {
@@ -244,8 +243,8 @@ TEST_F(SearchReference, ChunksAgree)
     EXPECT_TRUE(written() == plain.html());
 }
 
-/// A word from the middle of a text that occurs now and then, but not too often for the plain document.
-QString SeldomWord(const QString& text)
+/// Returns a word from the middle of a text that occurs 3 to 12 times: the plain document is slow.
+QString RareWord(const QString& text)
 {
     const QStringList words = text.mid(text.size() / 2, 20'000).split(u' ', Qt::SkipEmptyParts);
     for (const QString& word : words) {
@@ -271,7 +270,7 @@ TEST_F(SearchReference, PlainReplaceAllAgreesOnRealBooks)
         document.loadPage(QByteArray::fromStdString(page));
         start();
         ReplaceOrder order;
-        order.find = SeldomWord(page::innerText(document).replace(u"\r\n"_s, u" "_s));
+        order.find = RareWord(page::innerText(document).replace(u"\r\n"_s, u" "_s));
         order.replacement = u"<new>\u00a0text"_s;
         order.markReplaced = books % 2 == 0;
         take(order);

@@ -19,13 +19,13 @@ TEST(UniCodes, ACodeIsItsCharacter)
     EXPECT_EQ(Parsed(u"a uni(1055) b"_s), u"a \u041f b"_s);
 }
 
-TEST(UniCodes, SeveralCodesStandInAList)
+TEST(UniCodes, SeveralCodesAreAList)
 {
     EXPECT_EQ(Parsed(u"uni(65,66)"_s), u"AB"_s);
     EXPECT_EQ(Parsed(u"uni( 65 , 66 )uni(67)"_s), u"ABC"_s);
 }
 
-TEST(UniCodes, AnEmptyPlaceInAListIsPassedOver)
+TEST(UniCodes, AnEmptyItemOfAListIsSkipped)
 {
     EXPECT_EQ(Parsed(u"uni(65,,66)"_s), u"AB"_s);
 }
@@ -38,21 +38,21 @@ TEST(UniCodes, ACodeFrom128To191IsAByteOfTheCodePage)
     EXPECT_EQ(Parsed(u"uni(160)"_s), u"\u00a0"_s);
     EXPECT_EQ(Parsed(u"uni(184)"_s), u"\u0451"_s);
     EXPECT_EQ(Parsed(u"uni(191)"_s), u"\u0457"_s);
-    // From 192 on a number is Unicode's again.
+    // From 192 on, the code is that of the Unicode character.
     EXPECT_EQ(Parsed(u"uni(192)"_s), u"\u00c0"_s);
     qputenv("VELLUMARK_CODEPAGE", "1252");
     EXPECT_EQ(Parsed(u"uni(128)"_s), u"\u20ac"_s);
     qunsetenv("VELLUMARK_CODEPAGE");
 }
 
-TEST(UniCodes, ZeroAndTextStayAsTheyStand)
+TEST(UniCodes, ZeroAndTextAreUnchanged)
 {
     EXPECT_EQ(Parsed(u"uni(0)"_s), u"uni(0)"_s);
     EXPECT_EQ(Parsed(u"uni(x)"_s), u"uni(x)"_s);
     EXPECT_EQ(Parsed(u"uni(65, x ,66)"_s), u"AxB"_s);
 }
 
-TEST(UniCodes, AnEmptyOneYieldsNothingButNeverAnEmptyText)
+TEST(UniCodes, AnEmptyListYieldsNothingButNeverAnEmptyText)
 {
     EXPECT_EQ(Parsed(u"uni()"_s), u"uni()"_s);
     EXPECT_EQ(Parsed(u"a uni( ) b"_s), u"a  b"_s);
@@ -64,19 +64,19 @@ TEST(UniCodes, CapitalsAreExpandedOnlyBesideSmallLetters)
     EXPECT_EQ(Parsed(u"UNI(65) uni(66)"_s), u"UNI(65) B"_s);
 }
 
-TEST(UniCodes, TheLeadingDecimalNumberCounts)
+TEST(UniCodes, OnlyTheLeadingDecimalNumberIsRead)
 {
     EXPECT_EQ(Parsed(u"uni(65abc)"_s), u"A"_s);
     EXPECT_EQ(Parsed(u"uni(65.9)"_s), u"A"_s);
 }
 
-TEST(UniCodes, AnUnclosedOneIsReadAsItsWholeSegment)
+TEST(UniCodes, WithoutAClosingBracketTheWholeSegmentIsRead)
 {
     EXPECT_EQ(Parsed(u"uni(65"_s), u"A"_s);
     EXPECT_EQ(Parsed(u"abc uni(65"_s), u"abc uni(65"_s);
 }
 
-TEST(UniCodes, ANumberThatIsNoCharactersStays)
+TEST(UniCodes, ANumberThatIsNoCharacterIsUnchanged)
 {
     EXPECT_EQ(Parsed(u"uni(1114112)"_s), u"uni(1114112)"_s);
     EXPECT_EQ(Parsed(u"uni(99999999999999999999)"_s), u"uni(99999999999999999999)"_s);

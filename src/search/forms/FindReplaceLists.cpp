@@ -20,7 +20,7 @@
 #include <QTimer>
 #include <QToolButton>
 
-/// The find window's input fields, their menus, and the histories that drop down from them.
+/// The find window: its input fields, their menus and their histories.
 namespace vmk {
 namespace {
 
@@ -104,13 +104,13 @@ void FindReplaceWbF::makeFieldMenu(Which which)
     QMenu& menu = isFind ? *MnFind : *MnRepl;
     menu.setObjectName(isFind ? u"MnFind"_s : u"MnRepl"_s);
     SearchField& box = field(which);
-    // The two blanks in the second are given.
+    // The two blanks in the caption for the replace field are given.
     addEntry(menu, isFind ? "FPaste" : "RPaste",
              isFind ? "paste (Ctrl+V, Shift+Ins)" : "paste  (Ctrl+V, Shift+Ins)",
              [&box] { box.PasteIntoBox(false); });
     addEntry(menu, isFind ? "FPasteSelected" : "RPasteSelected", "paste selected",
              [this, which] { PasteMainSelection(which, false); });
-    // The second has no action of its own, by design.
+    // The entry of the replace field has no action, by design.
     QAction* hex = addEntry(menu, isFind ? "FPasteHex" : "RPasteHex", "paste as RegExp hex",
                             isFind ? [this] {
                                 const QString escapes
@@ -124,7 +124,7 @@ void FindReplaceWbF::makeFieldMenu(Which which)
     addEntry(menu, isFind ? "FDelete" : "RDelete", "delete (Del)", [&box] { box.ClearBox(true); });
     addEntry(menu, isFind ? "FListAdd" : "RListAdd", "add to history",
              [this, which] { addToHistory(which); });
-    connect(&box, &SearchField::menuWanted, this, [this, isFind, hex, &menu](const QPoint& at) {
+    connect(&box, &SearchField::menuRequested, this, [this, isFind, hex, &menu](const QPoint& at) {
         HideBothLists();
         hex->setEnabled(isFind && byRegExp());
         menu.popup(at);
@@ -144,7 +144,8 @@ void FindReplaceWbF::makeListMenu(Which which)
              [this, which] { saveHistoryAs(which); });
     addEntry(menu, isFind ? "FListLoad" : "FRListLoad", "load from file",
              [this, which] { loadHistoryFrom(which); });
-    connect(&list(which), &HistoryDropDown::menuWanted, this, [&menu](const QPoint& at) { menu.popup(at); });
+    connect(&list(which), &HistoryDropDown::menuRequested, this,
+            [&menu](const QPoint& at) { menu.popup(at); });
 }
 
 // ---------------------------------------------------------------- the display's selection
@@ -205,7 +206,7 @@ void FindReplaceWbF::hideList(Which which, bool refocus)
 {
     if (!list(which).isVisible())
         return;
-    // The focus first: a list that is hidden would pass it on to a button.
+    // Before the list is hidden, which would move the focus to a button.
     if (refocus || list(which).hasFocus())
         field(which).setFocus(Qt::OtherFocusReason);
     list(which).hide();

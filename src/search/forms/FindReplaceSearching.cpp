@@ -4,25 +4,24 @@
 #include "Desktop.h"
 #include "DisplayPage.h"
 #include "DisplayView.h"
-#include "FindWindowPlace.h"
 #include "Form1.h"
 #include "MainWindowSeams.h"
 #include "PanelBar.h"
 #include "SearchField.h"
 #include "SettingsVariables.h"
 #include "StartUpVariables.h"
+#include "WindowOffMatch.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QScreen>
 #include <QTimer>
 
 #include <cmath>
 
-/// The find window at work: its buttons, the running replace-all, and where windows and page go.
+/// The find window: searching, replacing and the running replace-all.
 namespace vmk {
 
 using namespace Qt::StringLiterals;
@@ -50,7 +49,7 @@ SearchOptions FindReplaceWbF::options() const
     return options;
 }
 
-/// Only a book can be changed, not one of the program's own pages.
+/// Returns true if the display shows a book; the pages of the program cannot be changed.
 bool FindReplaceWbF::mayReplace() const
 {
     if (view().designMode() == "On"_L1)
@@ -89,14 +88,14 @@ void FindReplaceWbF::showFind(const FindResult& result)
 {
     if (result.outcome == FindResult::Nothing)
         return;
-    ReplaceB->setEnabled(state.HitStands);
+    ReplaceB->setEnabled(state.HitSelected);
     showReport(result.report, false);
     if (result.outcome == FindResult::Finished) {
         Beep();
         return;
     }
     scrollMatchToMiddle();
-    moveOffMatch(state.SearchRange);
+    MoveFindWinOffMatch(*this, owner, state.SearchRange);
 }
 
 void FindReplaceWbF::DoReplace()
@@ -116,7 +115,7 @@ void FindReplaceWbF::DoReplace()
     ReplaceB->setEnabled(false);
     showReport(result.report, false);
     if (!result.newText.isNull())
-        moveOffMatch(result.newText);
+        MoveFindWinOffMatch(*this, owner, result.newText);
     if (AutoFindNextB->isChecked())
         DoFind();
 }
@@ -141,7 +140,7 @@ void FindReplaceWbF::runReplaceAll()
     const HourglassScope hourglass;
     setRunningButtons(false);
     running = true;
-    // The stop button is all that answers meanwhile; the book must not change under the run.
+    // During the run only the stop button responds, so that nothing else changes the book.
     qApp->installEventFilter(this);
     ReplaceAllB->setFocus(Qt::OtherFocusReason);
     ReplaceAllResult result;
@@ -164,7 +163,7 @@ void FindReplaceWbF::finishRun(const ReplaceAllResult& result)
         BookUnchanged = false;
     }
     if (!result.lastText.isNull())
-        moveOffMatch(result.lastText);
+        MoveFindWinOffMatch(*this, owner, result.lastText);
     if (!result.report.isEmpty())
         showReport(result.report, true);
     setRunningButtons(true);
@@ -212,7 +211,7 @@ void FindReplaceWbF::setRunningButtons(bool idle)
     ReplaceAllB->setText(idle ? u"replace all"_s : u"stop"_s);
 }
 
-// ---------------------------------------------------------------- the search's start
+// ---------------------------------------------------------------- a new search
 
 void FindReplaceWbF::BeginSearch(bool keepPosition)
 {
@@ -222,7 +221,7 @@ void FindReplaceWbF::BeginSearch(bool keepPosition)
     ReplaceB->setEnabled(false);
 }
 
-void FindReplaceWbF::PageHasCome()
+void FindReplaceWbF::PageReplaced()
 {
     if (!running)
         BeginSearch(false);
@@ -249,9 +248,9 @@ void FindReplaceWbF::showReport(const QString& text, bool refresh)
         ReportL->repaint();
 }
 
-// ---------------------------------------------------------------- where the hit is seen
+// ---------------------------------------------------------------- the visible match
 
-/// Brings the hit to the middle of the view, unless it is taller than half of it.
+/// Scrolls the match to the middle of the view, unless it is taller than half of the view.
 void FindReplaceWbF::scrollMatchToMiddle()
 {
     const int top = state.SearchRange.offsetTop() + view().clientTop();
@@ -259,23 +258,6 @@ void FindReplaceWbF::scrollMatchToMiddle()
     const double seen = view().offsetHeight();
     if (top >= 0 && top + height >= 0 && height < seen / 2)
         view().scrollBy(0, int(std::lrint(top - seen / 2)));
-}
-
-/// Moves this window off a hit, up or down.
-void FindReplaceWbF::moveOffMatch(const TextRange& match)
-{
-    const QWidget& page = *view().viewport();
-    const QRectF main = owner.frameGeometry();
-    QRectF hit(page.mapToGlobal(QPoint(match.boundingLeft(), match.offsetTop())),
-               QSizeF(match.boundingWidth(), match.boundingHeight()));
-    hit.setBottom(std::min(hit.bottom(), main.bottom() - 2 * owner.Status->height()));
-    hit.setRight(std::min(hit.right(), main.right()));
-    const QRectF screenArea = screen()->geometry();
-    const FindWindowPlace place{QRectF(frameGeometry()).translated(-screenArea.topLeft()),
-                                hit.translated(-screenArea.topLeft()), screenArea.size(), QSizeF(1, 1),
-                                qreal(CaptionHeight + EdgeY)};
-    if (const auto top = TopOffMatch(place))
-        move(x(), int(std::lrint(*top + screenArea.top())));
 }
 
 } // namespace vmk

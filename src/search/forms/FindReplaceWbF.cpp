@@ -13,7 +13,6 @@
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QGridLayout>
-#include <QGroupBox>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLabel>
@@ -24,7 +23,9 @@
 #include <QTimer>
 #include <QToolButton>
 
-/// The find window: its controls, its opening and closing.
+#include <initializer_list>
+
+/// The find window: its controls, opening and closing.
 namespace vmk {
 namespace {
 
@@ -33,6 +34,8 @@ using namespace Qt::StringLiterals;
 QPointer<FindReplaceWbF> TheWindow;
 
 constexpr int Margin = 8;
+constexpr int FrameMargin = 5;
+constexpr int RowSpacing = 8;
 
 template <typename Control>
 Control* Make(QWidget* parent, const char* name, const char* caption = "")
@@ -126,7 +129,7 @@ void FindReplaceWbF::makeControls()
     TimerFindFocus->setSingleShot(true);
     TimerFindFocus->setInterval(100);
     connect(TimerFindFocus, &QTimer::timeout, this, [this] { SetFocusToFindWin(0); });
-    // Only stops itself, by design.
+    // Has no effect, by design.
     TimerFocusToFindB = Make<QTimer>(this, "TimerFocusToFindB");
     TimerFocusToFindB->setSingleShot(true);
     TimerFocusToFindB->setInterval(200);
@@ -149,7 +152,7 @@ void FindReplaceWbF::makeFields()
         // The given text, though the lists hold no genres.
         drop->setToolTip(u"show/hide genre list"_s);
         drop->setAccessibleName(isFind ? u"find history"_s : u"replace history"_s);
-        // A click leaves the focus in the list, which a change of the focus would close.
+        // A click must not take the focus from the list, which closes when it loses the focus.
         drop->setFocusPolicy(Qt::NoFocus);
         connect(drop, &QToolButton::clicked, this, [this, which] { ToggleList(which); });
         HistoryDropDown*& shown = isFind ? ListF : ListR;
@@ -171,7 +174,7 @@ void FindReplaceWbF::connectField(Which which)
     connect(&box, &SearchField::dropDownKey, this, [this, which] { ToggleList(which); });
     HistoryDropDown& shown = list(which);
     connect(&shown, &HistoryDropDown::chosen, &box, &SearchField::Fill);
-    connect(&shown, &HistoryDropDown::closeWanted, this,
+    connect(&shown, &HistoryDropDown::closeRequested, this,
             [this, which](bool refocus) { hideList(which, refocus); });
 }
 
@@ -224,28 +227,40 @@ void FindReplaceWbF::makeButtons()
             [this] { PasteMainSelection(Which::Replace, false); });
 }
 
-/// The fields and the report take what the window is wider than at first; the buttons stay at its right.
+/// Arranges the controls. Additional width goes to the fields and the report; the buttons stay at the right.
 void FindReplaceWbF::layOut()
 {
-    auto* direction = new QVBoxLayout(DirectionOF);
-    direction->addWidget(DownB);
-    direction->addWidget(UpB);
-    auto* scope = new QVBoxLayout(SearchOF);
-    scope->addWidget(SelectionB);
-    auto* texts = new QVBoxLayout;
-    for (QWidget* option : {WholeWordB, MatchCaseB, RegExpB})
-        texts->addWidget(option);
+    // The rows of the three columns are level, and so are the boxes inside and below a frame.
+    const auto column = [](int left, int top, std::initializer_list<QWidget*> rows) {
+        auto* result = new QVBoxLayout;
+        result->setContentsMargins(left, top, 0, 0);
+        result->setSpacing(RowSpacing);
+        for (QWidget* row : rows)
+            result->addWidget(row);
+        result->addStretch();
+        return result;
+    };
+    const auto fill = [](QFrame* frame, std::initializer_list<QWidget*> rows) {
+        auto* result = new QVBoxLayout(frame);
+        result->setContentsMargins(FrameMargin, FrameMargin, FrameMargin, FrameMargin);
+        result->setSpacing(RowSpacing);
+        for (QWidget* row : rows)
+            result->addWidget(row);
+    };
+    fill(DirectionOF, {DownB, UpB});
+    fill(SearchOF, {SelectionB});
+    const int inset = FrameMargin + SearchOF->frameWidth();
     auto* runs = new QVBoxLayout;
+    runs->setSpacing(RowSpacing - inset);
     runs->addWidget(SearchOF);
-    runs->addWidget(AutoFindNextB);
-    runs->addWidget(MarkReplacedB);
+    runs->addLayout(column(inset, 0, {AutoFindNextB, MarkReplacedB}));
     auto* choices = new QHBoxLayout;
     choices->setSpacing(2 * Margin);
-    choices->addLayout(texts);
+    choices->addLayout(column(0, inset, {WholeWordB, MatchCaseB, RegExpB}));
     choices->addWidget(DirectionOF, 0, Qt::AlignTop);
     choices->addLayout(runs);
-    choices->addWidget(PasteToReplaceB, 0, Qt::AlignTop);
     choices->addStretch();
+    choices->addWidget(PasteToReplaceB, 0, Qt::AlignTop);
 
     auto* buttons = new QVBoxLayout;
     for (QPushButton* button : {FindB, ReplaceB, ReplaceAllB, UpdateB, HelpB})
@@ -264,6 +279,7 @@ void FindReplaceWbF::layOut()
     grid->addWidget(FrReport, 3, 0, 1, 3);
     grid->addLayout(buttons, 0, 3, 4, 1);
     grid->setColumnStretch(1, 1);
+    grid->setRowStretch(2, 1);
 
     const QList<QWidget*> order = {
         FindCB,     ReplaceCB, FindB, ReplaceB, ReplaceAllB, UpdateB,       HelpB,         WholeWordB,
@@ -272,7 +288,8 @@ void FindReplaceWbF::layOut()
         setTabOrder(order[i], order[i + 1]);
 }
 
-/// Below the main window, over its status bar; the height stays, and the width goes not below the first one.
+/// Moves the window below the main window, over its status bar. The height is fixed, and the first width is
+/// the minimum.
 void FindReplaceWbF::place()
 {
     constexpr int CentredBelow = 16;
@@ -293,7 +310,7 @@ void FindReplaceWbF::place()
 void FindReplaceWbF::closeEvent(QCloseEvent* event)
 {
     if (running) {
-        // Not under the running replacements: once they have stopped.
+        // Closes after the run has stopped.
         state.StopRequested = closeAfterRun = true;
         event->ignore();
         return;

@@ -23,24 +23,24 @@ class Form1;
 class HistoryDropDown;
 class SearchField;
 
-/// The find window is open: the keys F3 and F4 are find and replace in the main window too.
+/// Returns true while the find window is open. F3 and F4 are then find and replace in the main window too.
 [[nodiscard]] bool FindWindowOpen();
 
 /// Runs find (F3) or replace (F4) while the find window is open and neither Ctrl nor Alt is held.
-/// \param shift 0 for no; exactly 1, as the find window's own buttons give it, blocks, anything else does
-///     not: this is meant
+/// \param shift  0 without Shift; 1, which the buttons of the find window pass, blocks; any other value does
+///               not, which is intended
 /// \return true if it acted
 bool HandleFindKey(int keyCode, int shift, bool ctrl, bool alt);
 
-/// The find window, over the main window and not modal. It exists while it is open.
+/// The find window. It is modeless, stays above the main window, and exists while it is open.
 class FindReplaceWbF : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// The window while it is open, else null.
+    /// Returns the open window, or null.
     [[nodiscard]] static FindReplaceWbF* Instance();
-    /// Opens the window, or brings the open one to the front.
+    /// Opens the window, or raises the open one.
     static void Show(Form1& owner);
     ~FindReplaceWbF() override;
 
@@ -49,13 +49,14 @@ public:
     void DoFind();
     void DoReplace();
     void DoReplaceAll();
-    /// Begins anew from the display's selection.
+    /// Starts a new search at the selection of the display. See `NewSearch`.
     void BeginSearch(bool keepPosition);
-    /// Gives the focus to `FindCB`, after some milliseconds or with 0 at once.
+    /// Sets the focus to `FindCB`.
+    /// \param interval  the delay in milliseconds; 0 for none
     void SetFocusToFindWin(int interval);
-    /// Another page has come: the search begins anew on it.
-    void PageHasCome();
-    /// A replace-all is running.
+    /// Starts a new search after the display has loaded another page.
+    void PageReplaced();
+    /// Returns true during a replace-all.
     [[nodiscard]] bool isRunning() const { return running; }
 
     // ---- fields and lists
@@ -65,12 +66,13 @@ public:
         Find,
         Replace
     };
-    /// Takes the display's selection, of at most 50 characters, into a field.
+    /// Inserts the selection of the display, of at most 50 characters, into a field.
     void PasteMainSelection(Which which, bool clearFirst);
-    /// The display's selection if it is short. A long one becomes the scope of the search instead.
-    /// \param insert it goes into `FindCB` too
+    /// Returns the selected text of the display if it is short. A long selection becomes the scope of the
+    /// search instead.
+    /// \param insert  also sets the text of `FindCB`
     QString MainSelectionText(bool insert);
-    /// Opens a list below its field, or closes it.
+    /// Opens the list below a field, or closes it.
     void ToggleList(Which which);
     void HideBothLists();
 
@@ -117,7 +119,7 @@ protected:
 private:
     explicit FindReplaceWbF(Form1& ownerForm);
 
-    // Building the window.
+    // Construction.
     void makeControls();
     void makeFields();
     void makeOptions();
@@ -141,7 +143,6 @@ private:
     void setRunningButtons(bool idle);
     void showReport(const QString& text, bool refresh);
     void scrollMatchToMiddle();
-    void moveOffMatch(const TextRange& match);
     void regExpToggled();
 
     // Fields and lists.

@@ -20,10 +20,10 @@ HistoryDropDown::HistoryDropDown(QWidget* parent)
     connect(this, &QListView::clicked, this, &HistoryDropDown::choose);
 }
 
-void HistoryDropDown::open(const QRect& place)
+void HistoryDropDown::open(const QRect& geometry)
 {
     pointerSeen = false;
-    setGeometry(place);
+    setGeometry(geometry);
     setCurrentIndex(model.index(0));
     show();
     raise();
@@ -34,7 +34,7 @@ void HistoryDropDown::choose(const QModelIndex& index)
 {
     if (const QString entry = index.data(Qt::DisplayRole).toString(); !entry.isEmpty())
         Q_EMIT chosen(entry);
-    Q_EMIT closeWanted(true);
+    Q_EMIT closeRequested(true);
 }
 
 void HistoryDropDown::keyPressEvent(QKeyEvent* event)
@@ -43,7 +43,7 @@ void HistoryDropDown::keyPressEvent(QKeyEvent* event)
     const bool isBackUp
         = key == Qt::Key_Up && (currentIndex().row() <= 0 || event->modifiers().testFlag(Qt::AltModifier));
     if (key == Qt::Key_Escape || isBackUp)
-        Q_EMIT closeWanted(true);
+        Q_EMIT closeRequested(true);
     else if (key == Qt::Key_Return || key == Qt::Key_Enter)
         choose(currentIndex());
     else
@@ -53,35 +53,35 @@ void HistoryDropDown::keyPressEvent(QKeyEvent* event)
 void HistoryDropDown::mouseMoveEvent(QMouseEvent* event)
 {
     QListView::mouseMoveEvent(event);
-    const QPoint place = viewport()->mapTo(this, event->position().toPoint());
-    const bool onEdge = place.x() <= frameWidth() || place.y() <= frameWidth();
+    const QPoint position = viewport()->mapTo(this, event->position().toPoint());
+    const bool onEdge = position.x() <= frameWidth() || position.y() <= frameWidth();
     if (!onEdge)
         pointerSeen = true;
     else if (pointerSeen)
-        Q_EMIT closeWanted(true);
+        Q_EMIT closeRequested(true);
 }
 
 void HistoryDropDown::leaveEvent(QEvent* event)
 {
     QListView::leaveEvent(event);
-    const QPoint place = mapFromGlobal(QCursor::pos());
-    const bool overEdge = place.x() < 1 || place.y() < 1;
+    const QPoint position = mapFromGlobal(QCursor::pos());
+    const bool overEdge = position.x() < 1 || position.y() < 1;
     if (pointerSeen && overEdge && isVisible())
-        Q_EMIT closeWanted(true);
+        Q_EMIT closeRequested(true);
 }
 
 void HistoryDropDown::focusOutEvent(QFocusEvent* event)
 {
     QListView::focusOutEvent(event);
     if (event->reason() != Qt::PopupFocusReason && isVisible())
-        Q_EMIT closeWanted(false);
+        Q_EMIT closeRequested(false);
 }
 
 void HistoryDropDown::contextMenuEvent(QContextMenuEvent* event)
 {
     menuRow
         = event->reason() == QContextMenuEvent::Keyboard ? currentIndex().row() : indexAt(event->pos()).row();
-    Q_EMIT menuWanted(event->globalPos());
+    Q_EMIT menuRequested(event->globalPos());
 }
 
 } // namespace vmk

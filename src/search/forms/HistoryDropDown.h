@@ -5,9 +5,9 @@
 
 namespace vmk {
 
-/// The list that drops down from an input field: the texts used last. It opens in the window itself, and
-/// closes on a choice, on Escape, when the focus goes elsewhere, and when the pointer, once it was inside,
-/// leaves over its upper or left edge.
+/// The drop-down list of an input field with the texts used last. It is a child of the window. It requests to
+/// be closed after a choice, on Escape, when it loses the focus, and when the pointer, after it was inside,
+/// leaves over the upper or left edge.
 class HistoryDropDown : public QListView
 {
     Q_OBJECT
@@ -17,16 +17,17 @@ public:
 
     void setEntries(const QStringList& entries) { model.setStringList(entries); }
     [[nodiscard]] QStringList entries() const { return model.stringList(); }
-    /// Opens at a place of the parent and takes the focus.
-    void open(const QRect& place);
-    /// The row that the last right click was on, -1 for none.
+    /// Opens the list and sets the focus to it.
+    /// \param geometry  in coordinates of the parent
+    void open(const QRect& geometry);
+    /// Returns the row of the last right click, or -1.
     [[nodiscard]] int clickedRow() const { return menuRow; }
 
 Q_SIGNALS:
     void chosen(const QString& entry);
-    /// \param refocus the field is to have the focus again
-    void closeWanted(bool refocus);
-    void menuWanted(const QPoint& globalPlace);
+    /// \param refocus  the focus returns to the field
+    void closeRequested(bool refocus);
+    void menuRequested(const QPoint& globalPosition);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

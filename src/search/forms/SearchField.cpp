@@ -10,7 +10,7 @@
 namespace vmk {
 namespace {
 
-/// The first characters of a text; no pair of surrogates is cut.
+/// Returns the first characters of a text, without cutting a surrogate pair.
 QString FirstCharacters(const QString& text, qsizetype count)
 {
     const bool cutsPair
@@ -103,7 +103,7 @@ void SearchField::mouseDoubleClickEvent(QMouseEvent*)
 
 void SearchField::contextMenuEvent(QContextMenuEvent* event)
 {
-    Q_EMIT menuWanted(event->globalPos());
+    Q_EMIT menuRequested(event->globalPos());
 }
 
 } // namespace vmk

@@ -4,8 +4,8 @@
 
 namespace vmk {
 
-/// An input field of the find window. It keeps every character as it is, line breaks included, and shows
-/// them all on one line.
+/// An input field of the find window. It keeps every character, including line breaks, and shows all on one
+/// line.
 class SearchField : public QLineEdit
 {
     Q_OBJECT
@@ -13,25 +13,26 @@ class SearchField : public QLineEdit
 public:
     explicit SearchField(QWidget* parent);
 
-    /// Programs put in no more characters than this; typing is not limited.
+    /// The maximum number of characters of a paste; typing is not limited.
     static constexpr qsizetype MostPasted = 50;
 
-    /// Puts a text in the place of all that is in the field, as one step of its undo.
+    /// Replaces the text of the field, as one undo step.
     void Fill(const QString& newText);
-    /// Puts a text at the caret, in the place of what is selected.
-    /// \param clearFirst in the place of the whole field's text instead
-    /// \param pasted empty for the clipboard's text, without its line ends; at most `MostPasted` characters
-    ///     of it are taken
+    /// Replaces the selected text of the field, or inserts at the caret.
+    /// \param clearFirst  replaces the whole text of the field instead
+    /// \param pasted      empty for the text of the clipboard without its line ends; only the first
+    /// `MostPasted`
+    ///                    characters are used
     void PasteIntoBox(bool clearFirst, const QString& pasted = {});
-    /// Deletes the text, or what is selected.
+    /// Deletes the text, or only its selection.
     void ClearBox(bool onlySelection);
 
 Q_SIGNALS:
-    void findKey(); ///< F3, when the key is let go
-    void replaceKey(); ///< F4
-    void dropDownKey(); ///< Down
+    void findKey(); ///< F3 was released.
+    void replaceKey(); ///< F4 was released.
+    void dropDownKey(); ///< Down was pressed.
     void mousePressed();
-    void menuWanted(const QPoint& globalPlace);
+    void menuRequested(const QPoint& globalPosition);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -41,7 +42,8 @@ protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
-    /// The find key that was pressed here; one pressed elsewhere is not this field's when it is let go.
+    /// The find key that was pressed in this field. A key pressed elsewhere has no effect when it is released
+    /// here.
     int pressedKey = 0;
 };
 

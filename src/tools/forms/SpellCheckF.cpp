@@ -6,6 +6,7 @@
 #include "MainWindowSeams.h"
 #include "StartUpVariables.h"
 #include "WindowFunctions.h"
+#include "WindowOffMatch.h"
 
 #include <QCloseEvent>
 #include <QGridLayout>
@@ -318,6 +319,7 @@ void SpellCheckF::showWord(const QString& word)
     suggestions.setDictionaries(check.dictionaries());
     suggestions.request(word, check.followingWord());
     suggestionsFound(word);
+    MoveFindWinOffMatch(*this, form, check.SpellChunk);
 }
 
 void SpellCheckF::clearWord()
