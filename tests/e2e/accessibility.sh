@@ -22,7 +22,7 @@ cat >"$folder/book.fb2" <<'BOOK'
 <binary id="dot.png" content-type="image/png">iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAYAAAAfFcSJAAAADUlEQVR42mNk+M9QDwADhgGAWjR9awAAAABJRU5ErkJggg==</binary>
 </FictionBook>
 BOOK
-export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 GTK_MODULES= NO_AT_BRIDGE=0
+export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 GTK_MODULES='' NO_AT_BRIDGE=0
 # shellcheck disable=SC2016 # expanded by the inner shell
 timeout 300 dbus-run-session -- bash -c '
     /usr/libexec/at-spi-bus-launcher --launch-immediately &
