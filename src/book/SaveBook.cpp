@@ -1,16 +1,20 @@
 #include "SaveBook.h"
 
+#include "BookOnDisk.h"
 #include "BookSeams.h"
 #include "BookVariables.h"
+#include "BookVersions.h"
 #include "Boxes.h"
 #include "CodePages.h"
 #include "Encodings.h"
 #include "FileOperations.h"
+#include "FilePaths.h"
 #include "MainWindowSeams.h"
 #include "SettingsVariables.h"
 #include "Sounds.h"
 #include "StartUpVariables.h"
 #include "TextFunctions.h"
+#include "UnsavedText.h"
 
 using namespace Qt::StringLiterals;
 
@@ -52,6 +56,31 @@ void ReportOutcome(const QString& path, const BookFile& file, const WriteResult&
                false);
 }
 
+constexpr int GeneralPanel = 1;
+
+/// Writes a book and keeps the file that it replaces as an earlier version. A version that cannot be kept
+/// does not prevent the save.
+WriteResult WriteVersioned(const QString& path, const BookFile& file)
+{
+    // A copy for another program, which reads it in the temporary folder.
+    const bool isCopy = FolderOf(path) == TempFolder + u'/';
+    if (isCopy)
+        return ReplaceContent(path, file.bytes);
+    const KeptVersion version = KeepVersion(BackupFolder(), path);
+    if (!version.isSafe)
+        ShowStatusPanel(GeneralPanel, u"earlier version not kept: "_s + version.reason);
+    const WriteResult written = ReplaceContent(path, file.bytes, Durability::Flushed, BackupFolder());
+    if (!written) {
+        DropVersion(version);
+        return written;
+    }
+    if (file.treeSkipped && !version.path.isEmpty())
+        ShowStatusPanel(GeneralPanel, u"the previous file is kept"_s);
+    NoteBookSaved(path, file.bytes);
+    NoteTextSaved(path);
+    return written;
+}
+
 } // namespace
 
 SaveLayout SaveLayoutOfSettings()
@@ -79,11 +108,6 @@ Seam<bool(const MissingCharacters& missing, const QString& encoding)>& MissingCh
     return seam;
 }
 
-QString BackupFolder()
-{
-    return OfficeFolder + u"/Backup"_s;
-}
-
 BookFile FileOfDisplayText(std::string text)
 {
     SaveLayout layout = SaveLayoutOfSettings();
@@ -109,10 +133,14 @@ bool SaveBook(const QString& path, SaveReport report)
         PlainBox(u"empty book - nothing to save"_s);
         return false;
     }
+    if (!MayReplaceBook(path)) {
+        ShowStatus(u"file not saved: "_s + path);
+        return false;
+    }
     const HourglassScope hourglass;
     ShowStatus(u"...saving Fiction Book file...wait, please"_s);
     const BookFile file = FileOfDisplayText(DisplayTextSeam()(AngleMarks::Restore));
-    const WriteResult written = ReplaceContent(path, file.bytes, Durability::Flushed, BackupFolder());
+    const WriteResult written = WriteVersioned(path, file);
     ReportOutcome(path, file, written, report);
     return bool(written);
 }

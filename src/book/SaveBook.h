@@ -29,10 +29,6 @@ enum class SaveReport
 /// characters are lost to the encoding.
 [[nodiscard]] BookFile FileOfDisplayText(std::string text);
 
-/// The folder for the old content of a book that is overwritten in place, because its folder accepts no new
-/// file.
-[[nodiscard]] QString BackupFolder();
-
 /// Writes the displayed book to a file. The file then contains either the complete new book or the old one. A
 /// book that is not well-formed is written too, one element per line, and the status bar reports it.
 /// \return true if the file was written. Failures are reported in the status bar, with the reason in the

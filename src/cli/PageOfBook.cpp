@@ -3,6 +3,7 @@
 #include "BookDocument.h"
 #include "BookLosses.h"
 #include "BookToDisplay.h"
+#include "BookVersions.h"
 #include "Boxes.h"
 #include "CommandLine.h"
 #include "InitGlobals.h"
@@ -88,13 +89,29 @@ QString BackupFolderOfProgram()
     return WorkspaceFolder(RunningProgramPlace()) + u"/Backup"_s;
 }
 
+/// Keeps the file that is replaced as an earlier version, if it matters and the workspace exists.
+WriteResult WriteVersioned(const QString& file, std::string_view bytes, Durability durability)
+{
+    const QString backup = BackupFolderOfProgram();
+    const bool isVersioned = durability == Durability::Flushed
+        && KindOfFile(WorkspaceFolder(RunningProgramPlace())) == FileKind::Folder;
+    KeptVersion version;
+    if (isVersioned)
+        version = KeepVersion(backup, file);
+    if (isVersioned && !version.isSafe)
+        PrintErrorLine(u"vmk: "_s + ShownName(file) + u": earlier version not kept: "_s + version.reason);
+    WriteResult written = ReplaceContent(file, bytes, durability, backup);
+    if (!written)
+        DropVersion(version);
+    return written;
+}
+
 } // namespace
 
 bool WriteOutput(const QString& file, std::string_view bytes, Durability durability)
 {
-    const WriteResult written = file.isEmpty()
-        ? WriteToStandardOutput(bytes)
-        : ReplaceContent(file, bytes, durability, BackupFolderOfProgram());
+    const WriteResult written
+        = file.isEmpty() ? WriteToStandardOutput(bytes) : WriteVersioned(file, bytes, durability);
     if (!written)
         PrintErrorLine(u"vmk: "_s + (file.isEmpty() ? u"standard output"_s : ShownName(file))
                        + u": cannot be written: "_s + written.Failure());

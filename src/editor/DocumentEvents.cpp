@@ -1,4 +1,5 @@
 #include "BookFileCheck.h"
+#include "BookSafety.h"
 #include "BookVariables.h"
 #include "CaretStatus.h"
 #include "CleanUpF.h"
@@ -340,7 +341,7 @@ void Form1::FileDoc_onreadystatechange(DisplayEvent&)
         if (ValidateAfterLoad) {
             TimerValidate->start();
         } else {
-            ShowStatus(u"document complete"_s);
+            ShowStatus(safety->completionText());
             PlayProgramSound(u"DocComplete.wav"_s, false);
         }
     }

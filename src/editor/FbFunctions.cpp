@@ -1,6 +1,7 @@
 #include "FbFunctions.h"
 
 #include "BookFileCheck.h"
+#include "BookOnDisk.h"
 #include "BookSeams.h"
 #include "BookToDisplay.h"
 #include "BookValidation.h"
@@ -25,6 +26,7 @@
 #include "Sounds.h"
 #include "StartUpVariables.h"
 #include "TextFunctions.h"
+#include "UnsavedText.h"
 #include "XmlReason.h"
 
 #include <QComboBox>
@@ -77,6 +79,7 @@ bool LayDownPage(const QString& path)
 {
     const HourglassScope hourglass;
     // A file that cannot be read completely must not be treated as a shorter one, and later saved as such.
+    const FileState state = StateOfFile(path);
     std::string text;
     int32_t length = WholeFile;
     if (!ReadFileBytes(path, text, length)) {
@@ -90,6 +93,8 @@ bool LayDownPage(const QString& path)
     // The file contains the page of the book before the last one; no failure from here on may show it again.
     FileOperation(DeleteFileMode, DisplayFile);
 
+    KeepUnsavedText();
+    NoteBookLoaded(path, state, text);
     if (!ConvertBookToDisplay(text, false)) {
         ShowStatus(u"cannot load file: parse error"_s);
         PlayProgramSound(u"FileLoadError.wav"_s, true);
@@ -102,6 +107,16 @@ bool LayDownPage(const QString& path)
         return false;
     }
     return true;
+}
+
+/// Has the display open `DisplayFile` as the page of a book.
+void NavigateToBook(const QString& path)
+{
+    LoadingByProgram = true;
+    View().Navigate(DisplayFile);
+    CurrentBook = path;
+    Window().setWindowTitle(u" VMK: "_s + ReadableName(FileNameOf(path)));
+    LastBookFolder = FolderOf(path);
 }
 
 } // namespace
@@ -124,11 +139,20 @@ bool LoadBook(const QString& path, bool opening)
     ShowStatus(u"...loading file...wait, please..."_s);
     if (opening)
         BringUpWindow();
-    LoadingByProgram = true;
-    View().Navigate(DisplayFile);
-    CurrentBook = path;
-    Window().setWindowTitle(u" VMK: "_s + ReadableName(FileNameOf(path)));
-    LastBookFolder = FolderOf(path);
+    NavigateToBook(path);
+    return true;
+}
+
+bool ShowPageOfBook(const QString& path, std::string_view page)
+{
+    MakeFolder(TempFolder);
+    const QString file = NextDisplayFile();
+    if (!WriteScratchFile(file, page)) {
+        RefuseBook(path);
+        return false;
+    }
+    DisplayFile = file;
+    NavigateToBook(path);
     return true;
 }
 

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <string_view>
+
 /// Loading, validating and reading a book in the main window.
 namespace vmk {
 
@@ -10,6 +12,11 @@ namespace vmk {
 ///                 window
 /// \return false if the book was refused; status and sound have reported the reason
 bool LoadBook(const QString& path, bool opening);
+
+/// Shows a page in the display as the page of a book. Its text and its binary part are already in the
+/// variables of the open book. \return false if the page could not be written to the temporary folder; the
+/// old page stays
+bool ShowPageOfBook(const QString& path, std::string_view page);
 
 /// Deletes the display's files and the whole temporary folder; with `remake`, creates an empty one.
 void RemoveDisplayFiles(bool remake);

@@ -1,6 +1,7 @@
 #include "Form1.h"
 
 #include "BookLosses.h"
+#include "BookSafety.h"
 #include "BookSeams.h"
 #include "BookToDisplay.h"
 #include "BookValidation.h"
@@ -34,6 +35,7 @@
 #include "SpellCheckF.h"
 #include "StartUpVariables.h"
 #include "ToolbarPictures.h"
+#include "UnsavedText.h"
 #include "WelcomePage.h"
 
 #include <QApplication>
@@ -112,6 +114,7 @@ Form1::Form1()
     makeBars();
     makeTimers();
 
+    safety = std::make_unique<BookSafety>(*HTMLread);
     fillSeams();
 }
 
@@ -124,6 +127,7 @@ Form1::~Form1()
     HTMLread->events = DisplayEvents();
     seams.release();
     ForgetRanges();
+    safety.reset();
     TheForm = nullptr;
 }
 
@@ -148,6 +152,7 @@ void Form1::fillSeams()
             HTMLread->Navigate(file);
     });
     seams.fill(LoadBookSeam(), LoadBook);
+    seams.fill(OfferRecoverySeam(), [this] { return safety->offerRecovery(); });
     seams.fill(LossSeam(), [](const BookLosses& losses) { return YesNoBox(LossQuestion(losses)); });
     seams.fill(MissingCharactersSeam(), [](const MissingCharacters& missing, const QString& encoding) {
         return YesNoBox(MissingCharactersQuestion(missing, encoding));
@@ -295,6 +300,7 @@ QAction* Form1::ToolbarAction(const QString& key) const
 
 void Form1::Load()
 {
+    KeepUnsavedText();
     buildToolbar();
     PlaceForm(MainFormLeft, MainFormTop, MainFormWidth, MainFormHeight);
     show();
@@ -319,7 +325,9 @@ void Form1::closeEvent(QCloseEvent* event)
     if (Toolbar.Tbar())
         Toolbar.SaveToReg();
     SettingsF::Unload();
-    // No question about unsaved changes: the file remains as last saved, by design.
+    // No question about unsaved changes: the file remains as last saved, by design. The text is kept
+    // elsewhere; if that fails, the journal of the session stays.
+    KeepUnsavedText();
     if (FindReplaceWbF* search = FindReplaceWbF::Instance())
         search->close();
     if (SpellCheckF* spellCheck = SpellCheckF::Instance())

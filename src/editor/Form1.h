@@ -10,6 +10,8 @@
 #include <QPointer>
 #include <QString>
 
+#include <memory>
+
 class QAction;
 class QComboBox;
 class QKeyEvent;
@@ -20,6 +22,7 @@ class QToolBar;
 
 namespace vmk {
 
+class BookSafety;
 class DisplayView;
 class PanelBar;
 class SchemasF;
@@ -167,6 +170,7 @@ private:
     void useDroppedSchema(const QStringList& paths);
 
     SeamOwner seams;
+    std::unique_ptr<BookSafety> safety;
     QWidget* client = nullptr;
     SchemasF* schemas = nullptr;
     QPointer<QWidget> customising;

@@ -84,6 +84,7 @@ bool RunStart(const QString& commandText)
     switch (order.course) {
     case StartCourse::OpenWindow:
         OpenMainWindowSeam()();
+        (void)OfferRecoverySeam()();
         return true;
     case StartCourse::LoadBook:
         return LoadFromCommandLine(order.path, false);
@@ -99,8 +100,12 @@ bool RunStart(const QString& commandText)
 
 bool LoadFromCommandLine(const QString& path, bool quiet)
 {
-    if (!quiet)
+    if (!quiet) {
         OpenMainWindowSeam()();
+        // The text that the user wants back is shown instead of the book, which nothing else endangers.
+        if (OfferRecoverySeam()())
+            return true;
+    }
     if (FileExists(path)) {
         const bool passed = CheckBookExtension(path, BookRefusal::Box);
         if (passed) {

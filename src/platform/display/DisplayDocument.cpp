@@ -142,8 +142,7 @@ void DisplayDocument::reset(std::vector<LinePtr> newLines)
     currentSelection = {};
     for (TextRange* range : liveRanges)
         range->first = range->last = {};
-    if (listener)
-        listener->documentReset();
+    tell([](DisplayListener& told) { told.documentReset(); });
 }
 
 Position DisplayDocument::end() const
@@ -210,8 +209,7 @@ void DisplayDocument::setSelection(Position anchor, Position focus)
     if (wanted == currentSelection)
         return;
     currentSelection = wanted;
-    if (listener)
-        listener->selectionChanged();
+    tell([](DisplayListener& told) { told.selectionChanged(); });
 }
 
 // ---------------------------------------------------------------- splice, undo, redo
@@ -276,11 +274,11 @@ void DisplayDocument::exchange(int first, const std::vector<LinePtr>& removed,
     const Selection moved{carried(currentSelection.anchor), carried(currentSelection.focus)};
     const bool selectionMoved = moved != currentSelection;
     currentSelection = moved;
-    if (!listener)
-        return;
-    listener->linesChanged(first, removed, inserted);
-    if (selectionMoved)
-        listener->selectionChanged();
+    tell([&](DisplayListener& told) {
+        told.linesChanged(first, removed, inserted);
+        if (selectionMoved)
+            told.selectionChanged();
+    });
 }
 
 // ---------------------------------------------------------------- editing anywhere

@@ -175,6 +175,8 @@ public:
 
     /// At most one listener; null for none. Not owned.
     void setListener(DisplayListener* newListener) { listener = newListener; }
+    /// At most one more listener, which is called first: the recorder of the changes. Not owned.
+    void setRecorder(DisplayListener* newRecorder) { recorder = newRecorder; }
     /// The laid-out page for ranges and elements; null while no view shows the document. Not owned.
     void setLayout(LayoutQuery* newLayout) { pageLayout = newLayout; }
     [[nodiscard]] LayoutQuery* layout() const { return pageLayout; }
@@ -182,6 +184,14 @@ public:
 private:
     friend class TextRange;
 
+    template <typename Call>
+    void tell(Call call) const
+    {
+        if (recorder)
+            call(*recorder);
+        if (listener)
+            call(*listener);
+    }
     void reset(std::vector<LinePtr> newLines);
     Position replaceContent(Position from, Position to, const std::vector<Line>& content,
                             bool dropEmptyElements);
@@ -204,6 +214,7 @@ private:
     TagId pageBody = NoTag;
     Selection currentSelection;
     DisplayListener* listener = nullptr;
+    DisplayListener* recorder = nullptr;
     LayoutQuery* pageLayout = nullptr;
     UndoHistory history;
     std::vector<TextRange*> liveRanges;

@@ -171,12 +171,11 @@ void DisplayDocument::moveRun(InLineRun& run, std::size_t done)
         }
         carry(currentSelection.anchor);
         carry(currentSelection.focus);
-        if (listener)
-            listener->linesChanged(changed.index, removed, inserted);
+        tell([&](DisplayListener& told) { told.linesChanged(changed.index, removed, inserted); });
     }
     run.setDone(done);
-    if (listener && oldSelection != currentSelection)
-        listener->selectionChanged();
+    if (oldSelection != currentSelection)
+        tell([](DisplayListener& told) { told.selectionChanged(); });
 }
 
 } // namespace vmk

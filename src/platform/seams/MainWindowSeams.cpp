@@ -16,6 +16,12 @@ Seam<bool(const QString&, bool)>& LoadBookSeam()
     return seam;
 }
 
+Seam<bool()>& OfferRecoverySeam()
+{
+    static Seam<bool()> seam([] { return false; });
+    return seam;
+}
+
 Seam<void(const QString&)>& StatusSeam()
 {
     static Seam<void(const QString&)> seam([](const QString&) {});

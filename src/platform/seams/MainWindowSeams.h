@@ -16,6 +16,10 @@ namespace vmk {
 /// \return true if the book is being loaded
 [[nodiscard]] Seam<bool(const QString& path, bool opening)>& LoadBookSeam();
 
+/// Offers the text of an interrupted session to the user, in the open main window. Without a window, returns
+/// false. \return true if the text is being shown
+[[nodiscard]] Seam<bool()>& OfferRecoverySeam();
+
 /// Sets the first panel of `StatusMsg`; the text is visible before the call returns.
 [[nodiscard]] Seam<void(const QString& text)>& StatusSeam();
 void ShowStatus(const QString& text);

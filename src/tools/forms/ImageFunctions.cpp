@@ -16,6 +16,7 @@
 #include "Sounds.h"
 #include "StartUpVariables.h"
 #include "TextFunctions.h"
+#include "UnsavedText.h"
 
 #include <QBuffer>
 #include <QImageReader>
@@ -75,6 +76,7 @@ void AppendResource(const QString& file, const QString& extension)
         return;
     }
     BinaryPart += CrLf + MakeBinaryElement(extension, IdOfTag(), content.bytes);
+    NoteBinaryPartChange();
     if (!Decodes(content.bytes, extension))
         ShowStatus(u"image resource added, but the file is not a valid "_s
                    + FormatName(FormatOfType(extension)) + u" picture: "_s + FileOperation(NameMode, file));
@@ -170,7 +172,9 @@ void AddImageResource()
 
 void RemoveImageResource()
 {
-    if (!RemoveBinaryElement(BinaryPart, IdOfTag()))
+    if (RemoveBinaryElement(BinaryPart, IdOfTag()))
+        NoteBinaryPartChange();
+    else
         StopBox(NotFound);
 }
 

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "DisplayDocument.h"
+#include "JournalThread.h"
+#include "LineStore.h"
+
+#include <QObject>
+#include <QString>
+
+#include <functional>
+
+namespace vmk {
+
+/// Records the edits of a document in a journal, from the first change of its text on. Changes are passed to
+/// the journal's thread from the event loop, so that the journal holds only states between two events; during
+/// a command that takes long, after half a second at the latest.
+///
+/// Uses the variables of the open book (`BookVariables.h`).
+class SessionRecorder final : private DisplayListener
+{
+public:
+    /// \param reportProblem  called from the event loop; see `JournalThread`
+    SessionRecorder(DisplayDocument& recorded, const QString& recoveryFolder,
+                    std::function<void(const QString& problem)> reportProblem);
+    /// Unsaved text that is not kept elsewhere stays in its journal.
+    ~SessionRecorder();
+    SessionRecorder(const SessionRecorder&) = delete;
+    SessionRecorder& operator=(const SessionRecorder&) = delete;
+
+    /// Whether the text, or the binary part, was changed since the book was loaded or saved.
+    [[nodiscard]] bool hasUnsavedText();
+    /// `BinaryPart` has changed.
+    void noteBinaryPartChange();
+    /// The book was saved as it is, to the file at the path.
+    void noteSaved(const QString& path);
+    /// The unsaved text was kept as a book: its journal is removed with the end of the session.
+    void noteKept() { kept = true; }
+    [[nodiscard]] bool isKept() const { return kept; }
+    /// The page shown was never saved: begins a journal of it.
+    /// \param whenSafe  called from the event loop once the journal is on the disk
+    void beginUnsaved(std::function<void()> whenSafe);
+    /// Returns when all edits are on the disk, or could not be written.
+    void waitUntilWritten();
+
+private:
+    void linesChanged(int first, const std::vector<LinePtr>& removed,
+                      const std::vector<LinePtr>& inserted) override;
+    void selectionChanged() override;
+    void documentReset() override;
+
+    void begin(std::function<void()> whenSafe);
+    void endSession();
+    void readLines();
+    void gather();
+    void publish();
+    void takeNewTags(std::vector<JournalTag>& tags);
+    void applySplices();
+    [[nodiscard]] bool applySplicesAndCompare();
+
+    DisplayDocument& document;
+    QObject context; ///< Calls of the thread and of the event loop end with it.
+    std::function<void(const QString&)> report;
+    JournalThread journal;
+
+    LineStore lines; ///< The document's lines without the gathered edits.
+    bool recording = false;
+    bool unsaved = false;
+    bool kept = false;
+
+    JournalBatch gathered;
+    bool isGathering = false;
+    int64_t gatheringSince = 0;
+    int knownTags = 0;
+};
+
+} // namespace vmk
