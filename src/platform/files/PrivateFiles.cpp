@@ -172,7 +172,8 @@ KeptAs KeepFileAs(const QString& from, const QString& to, bool mayLink, QString&
     const QByteArray target = EncodeFileName(to);
     const QByteArray source = EncodeFileName(from);
     struct stat status = {};
-    const bool isAlone = ::stat(source.constData(), &status) == 0 && status.st_nlink == 1;
+    const bool isAlone
+        = ::stat(source.constData(), &status) == 0 && status.st_nlink == 1 && status.st_uid == ::geteuid();
     if (mayLink && isAlone
         && ::linkat(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(), AT_SYMLINK_FOLLOW) == 0) {
         FlushFolder(SystemFolderOf(target));

@@ -60,9 +60,9 @@ enum class KeptAs
 };
 
 /// Keeps the content of a regular file under another name, which must not exist. A hard link if `mayLink` and
-/// the file has no other name, because a program that writes into the file would change both; otherwise a
-/// copy with the permissions and the time of the file.
-/// \param reason  receives the system's message on failure
+/// the file is the user's and has no other name, because a program that writes into the file would change
+/// both; otherwise a copy with the permissions and the time of the file. \param reason  receives the system's
+/// message on failure
 [[nodiscard]] KeptAs KeepFileAs(const QString& from, const QString& to, bool mayLink, QString& reason);
 
 } // namespace vmk
