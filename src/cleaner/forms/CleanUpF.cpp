@@ -52,7 +52,7 @@ QString NameOf(const QString& path)
     return FileOperation(NameMode, path);
 }
 
-/// The first name for a recovery copy that no file has.
+/// Returns the first unused name for a recovery copy.
 QString FreeRecoveryFile()
 {
     QString path = UserCleanUpFolder + u"/Unsaved table.dat"_s;
@@ -61,7 +61,7 @@ QString FreeRecoveryFile()
     return path;
 }
 
-/// The recovery copy that was written last; empty when there is none.
+/// Returns the name of the newest recovery copy; empty if there is none.
 QString LastRecoveryFile()
 {
     const QFileInfoList files
@@ -136,7 +136,7 @@ void CleanUpF::makeControls()
     LoadB = button("LoadB", u"load"_s);
     ApplyB = button("ApplyB", u"apply"_s);
     HelpB = button("HelpB", u"help"_s);
-    // Without an effect so far.
+    // The button has no action, by design.
     HelpB->setEnabled(false);
     CleanL = new QLabel(u"clean"_s, this);
     CleanL->setObjectName(u"CleanL"_s);
@@ -298,8 +298,8 @@ bool CleanUpF::loadFile(QString path)
     ListDH->CommitEditor();
     keepUnsavedRows();
     const bool hadUnsavedRows = model->IsModified();
-    // After a bad signature the open table keeps its own file: the next save must not replace a file that
-    // is no table.
+    // After a bad signature the open table keeps its file name: the next save must not replace a file that
+    // is not a table.
     const QString before = std::exchange(CurrentCleanUpFile, std::move(path));
     if (!ReadCleanUpFile()) {
         CurrentCleanUpFile = before;
@@ -372,7 +372,7 @@ void CleanUpF::ReloadCleanUpFile()
 
 void CleanUpF::fileDropped(const QString& path)
 {
-    // The delay leaves the event of the drop first.
+    // The file is loaded after the drop event has returned.
     droppedFile = path;
     TimerWBDrop->start();
 }
@@ -419,7 +419,7 @@ void CleanUpF::useFont()
 
 void CleanUpF::showScope(const QString& scope)
 {
-    // A scope that is not on the list means the selection.
+    // A scope that is not in the list means the selection.
     const qsizetype index = CleanUpScopes().indexOf(scope);
     CleanWhere->setCurrentIndex(index >= 0 ? int(index) : 1);
 }
@@ -472,7 +472,8 @@ void CleanUpF::SetAllEnabled(bool enabled)
 void CleanUpF::ChangeCleanUpFont()
 {
     const std::optional<FontChoice> font
-        = AskFont({.name = CleanUpFontName, .size = CleanUpFontSize, .bold = CleanUpFontBold});
+        = AskFont({.title = u"Change viewer font"_s,
+                   .current = {.name = CleanUpFontName, .size = CleanUpFontSize, .bold = CleanUpFontBold}});
     if (!font)
         return;
     CleanUpFontName = font->name;
@@ -534,7 +535,7 @@ void CleanUpF::CleanUpBookFragment()
         ShowStatus(u"user-defined replacements failed"_s);
         PlayProgramSound(u"ParseError.wav"_s, true);
     }
-    // After a run that failed too, which is meant.
+    // A failed run is also reported as done, by design.
     ShowStatus(u"user-defined replacements done"_s);
     PlayProgramSound(u"NoParseError.wav"_s, false);
 }

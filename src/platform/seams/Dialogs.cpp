@@ -19,16 +19,16 @@ QString AskFile(const FileDialogRequest& request)
     return AskFiles(request).value(0);
 }
 
-Seam<std::optional<FontChoice>(const FontChoice&)>& FontDialogSeam()
+Seam<std::optional<FontChoice>(const FontDialogRequest&)>& FontDialogSeam()
 {
-    static Seam<std::optional<FontChoice>(const FontChoice&)> seam(
-        [](const FontChoice&) { return std::nullopt; });
+    static Seam<std::optional<FontChoice>(const FontDialogRequest&)> seam(
+        [](const FontDialogRequest&) { return std::nullopt; });
     return seam;
 }
 
-std::optional<FontChoice> AskFont(const FontChoice& current)
+std::optional<FontChoice> AskFont(const FontDialogRequest& request)
 {
-    return FontDialogSeam()(current);
+    return FontDialogSeam()(request);
 }
 
 Seam<std::optional<QString>(const QString&)>& ColorDialogSeam()

@@ -28,7 +28,7 @@ struct FileDialogRequest
     QString filter;
 };
 
-/// The result of a font dialog.
+/// A font as a dialog shows and returns it.
 struct FontChoice
 {
     QString name;
@@ -48,9 +48,17 @@ struct FontChoice
 /// Returns the first chosen file; empty if cancelled.
 [[nodiscard]] QString AskFile(const FileDialogRequest& request);
 
+/// The parameters of a font dialog.
+struct FontDialogRequest
+{
+    QString title;
+    /// The font that is selected first; the default font if it is empty.
+    FontChoice current;
+};
+
 /// Returns the chosen font, or nothing if cancelled or without a window.
-[[nodiscard]] Seam<std::optional<FontChoice>(const FontChoice& current)>& FontDialogSeam();
-[[nodiscard]] std::optional<FontChoice> AskFont(const FontChoice& current);
+[[nodiscard]] Seam<std::optional<FontChoice>(const FontDialogRequest& request)>& FontDialogSeam();
+[[nodiscard]] std::optional<FontChoice> AskFont(const FontDialogRequest& request);
 
 /// Returns the chosen colour as "#RRGGBB", or nothing if cancelled or without a window.
 [[nodiscard]] Seam<std::optional<QString>(const QString& current)>& ColorDialogSeam();

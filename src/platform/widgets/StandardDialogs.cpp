@@ -65,16 +65,17 @@ QStringList ShowFileDialog(const FileDialogRequest& request)
     return chosen ? dialog.selectedFiles() : QStringList();
 }
 
-std::optional<FontChoice> ShowFontDialog(const FontChoice& current)
+std::optional<FontChoice> ShowFontDialog(const FontDialogRequest& request)
 {
-    QFont font(current.name);
+    const FontChoice& current = request.current;
+    QFont font = current.name.isEmpty() ? QFont() : QFont(current.name);
     if (current.size > 0)
         font.setPointSize(current.size);
     font.setBold(current.bold);
     font.setItalic(current.italic);
 
     bool chosen = false;
-    const QFont answer = QFontDialog::getFont(&chosen, font, DialogOwner());
+    const QFont answer = QFontDialog::getFont(&chosen, font, DialogOwner(), request.title);
     if (!chosen)
         return std::nullopt;
     return FontChoice{.name = answer.family(),

@@ -11,7 +11,7 @@ namespace vmk {
 /// Shows the dialog over the active window. Does not change the current folder of the process.
 [[nodiscard]] QStringList ShowFileDialog(const FileDialogRequest& request);
 
-[[nodiscard]] std::optional<FontChoice> ShowFontDialog(const FontChoice& current);
+[[nodiscard]] std::optional<FontChoice> ShowFontDialog(const FontDialogRequest& request);
 
 /// \param current  the name of a colour or "#RRGGBB"; anything else starts with black
 [[nodiscard]] std::optional<QString> ShowColorDialog(const QString& current);

@@ -8,9 +8,13 @@
 #include <QBoxLayout>
 #include <QCheckBox>
 #include <QGroupBox>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QWindow>
+
+#include <utility>
 
 namespace vmk {
 namespace {
@@ -62,6 +66,7 @@ EditHtmlWbF::EditHtmlWbF()
     connect(RefreshB, &QPushButton::clicked, this, &EditHtmlWbF::Refresh);
     connect(FontB, &QPushButton::clicked, this, &EditHtmlWbF::ChooseViewerFont);
     connect(ColorB, &QPushButton::clicked, this, &EditHtmlWbF::PaintFragment);
+    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &EditHtmlWbF::noteActiveWindow);
 }
 
 void EditHtmlWbF::makeEditor()
@@ -87,7 +92,7 @@ QPushButton* EditHtmlWbF::makeButton(const QString& name, const QString& caption
 {
     auto* button = new QPushButton(caption);
     button->setObjectName(name);
-    // Narrower than buttons of dialogs, so that all controls are in one row.
+    // Narrower than the buttons of dialogs, so that one row holds all controls.
     button->setFixedWidth(button->fontMetrics().horizontalAdvance(caption) + 2 * ButtonMargin);
     return button;
 }
@@ -118,7 +123,7 @@ QGroupBox* EditHtmlWbF::makeCodeFrame()
         row->addWidget(field);
     };
     add(u"AscL"_s, u"ansi"_s, AsciiNumT);
-    // The name says hexadecimal; the number is decimal, which is meant.
+    // The name means hexadecimal; the number is decimal, by design.
     add(u"HexL"_s, u"unicode"_s, HexNumT);
     return frame;
 }
@@ -127,6 +132,7 @@ void EditHtmlWbF::Form_Load()
 {
     showCodes({});
     fragment = Fragment();
+    wasElsewhere = true;
 }
 
 void EditHtmlWbF::Form_Unload()
@@ -138,9 +144,22 @@ void EditHtmlWbF::Form_Unload()
 bool EditHtmlWbF::event(QEvent* event)
 {
     const bool handled = ToolForm::event(event);
-    if (event->type() == QEvent::WindowActivate && isVisible() && Form1::Instance())
+    if (event->type() == QEvent::WindowActivate && isVisible() && Form1::Instance()
+        && std::exchange(wasElsewhere, false))
         Refresh();
     return handled;
+}
+
+void EditHtmlWbF::noteActiveWindow(const QWindow* window)
+{
+    // Null if another program is active.
+    if (!window)
+        return;
+    // A dialog of this form is not another window.
+    const QWindow* own = windowHandle();
+    while (window && window != own)
+        window = window->transientParent();
+    wasElsewhere = wasElsewhere || !window;
 }
 
 void EditHtmlWbF::ClearEditor()
@@ -182,8 +201,8 @@ void EditHtmlWbF::showCodes(const ShownCodes& codes)
 
 void EditHtmlWbF::ChooseViewerFont()
 {
-    // The editor's page names no font, so it has the default one before and after.
-    (void)AskFont(FontChoice());
+    // The page of the editor specifies no font and is always shown in the default font.
+    (void)AskFont({.title = u"Change viewer font"_s, .current = {}});
 }
 
 void EditHtmlWbF::PaintSelectionSource()

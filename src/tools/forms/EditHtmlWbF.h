@@ -7,15 +7,17 @@ class QCheckBox;
 class QGroupBox;
 class QLineEdit;
 class QPushButton;
+class QWindow;
 
 namespace vmk {
 
 class DisplayView;
 
-/// Shows the HTML source of what is selected in the display and writes it back after the user has changed it.
+/// Shows the HTML source of the selection in the display, and writes the changed source back.
 ///
-/// Each activation of the window reads the selection anew: the user selects in the book, comes to this window
-/// and finds that selection. Changes that were not applied are lost then, which is meant.
+/// When the user comes to this window from another window of the program, the editor shows the selection of
+/// that moment. Changes that were not applied are lost, by design. A return from another program, or from a
+/// dialog of this window, keeps the text.
 class EditHtmlWbF : public ToolForm
 {
     Q_OBJECT
@@ -23,7 +25,7 @@ class EditHtmlWbF : public ToolForm
 public:
     EditHtmlWbF();
 
-    /// Empties the editor and takes the display's selection into it.
+    /// Replaces the content of the editor by the display's selection.
     void Refresh();
     /// Writes the editor's text back into the book.
     void ApplyFragment();
@@ -31,9 +33,9 @@ public:
     void PaintFragment();
     /// Shows the codes of the character at the caret.
     void ShowCharCodes();
-    /// Asks for a font. Whatever is chosen, the editor goes back to its own font, which is meant.
+    /// Asks for a font. The editor keeps its default font, whatever the user selects, by design.
     void ChooseViewerFont();
-    /// Shows the source of the selection as a coloured page for reading. No control calls it.
+    /// Shows the source of the selection as a coloured page. No control calls it, by design.
     void PaintSelectionSource();
 
     DisplayView* HtmlEditor = nullptr;
@@ -41,7 +43,7 @@ public:
     QPushButton* RefreshB = nullptr;
     QPushButton* FontB = nullptr;
     QPushButton* ColorB = nullptr;
-    /// Without effect, as `HelpB`; both by design.
+    /// `FindB` and `HelpB` have no action, by design.
     QPushButton* FindB = nullptr;
     QPushButton* HelpB = nullptr;
     QCheckBox* ValidateSelectionB = nullptr;
@@ -63,8 +65,11 @@ private:
     QGroupBox* makeValidationFrame();
     void ClearEditor();
     void showCodes(const ShownCodes& codes);
+    void noteActiveWindow(const QWindow* window);
 
     Fragment fragment;
+    /// Another window of the program was active since the editor was filled.
+    bool wasElsewhere = true;
 };
 
 } // namespace vmk

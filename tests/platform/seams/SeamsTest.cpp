@@ -66,7 +66,7 @@ TEST(Seams, WithoutAWindowDialogsAreCancelledAndNothingIsOpened)
 {
     EXPECT_TRUE(AskFiles({}).isEmpty());
     EXPECT_TRUE(AskFile({}).isEmpty());
-    EXPECT_FALSE(AskFont({u"Verdana"_s, 10}));
+    EXPECT_FALSE(AskFont({.title = u"Font"_s, .current = {u"Verdana"_s, 10}}));
     EXPECT_FALSE(AskColor(u"#000000"_s));
     EXPECT_FALSE(OpenWithSystem(u"/nowhere"_s));
 }

@@ -217,13 +217,15 @@ TEST_F(Dialogs, AFontDialogStartsWithTheGivenFontAndReturnsTheSelectedOne)
 {
     const FontChoice current{.name = u"DejaVu Sans"_s, .size = 13, .bold = true, .italic = false};
     WithNextDialog<QFontDialog>([](QFontDialog& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), u"Change viewer font"_s);
         EXPECT_EQ(dialog.currentFont().pointSize(), 13);
         EXPECT_TRUE(dialog.currentFont().bold());
         dialog.accept();
     });
-    EXPECT_EQ(AskFont(current), current);
+    const FontDialogRequest request{.title = u"Change viewer font"_s, .current = current};
+    EXPECT_EQ(AskFont(request), current);
     WithNextDialog<QFontDialog>([](QFontDialog& dialog) { dialog.reject(); });
-    EXPECT_EQ(AskFont(current), std::nullopt);
+    EXPECT_EQ(AskFont(request), std::nullopt);
 }
 
 TEST_F(Dialogs, AColorDialogUsesHexDigits)
