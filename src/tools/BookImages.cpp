@@ -21,8 +21,8 @@ constexpr size_t None = std::string_view::npos;
 /// One tag of the book's text.
 struct TextTag
 {
-    QString name; ///< without a prefix
-    QString href; ///< of a link within the book, without "#"
+    QString name; ///< Without a prefix.
+    QString href; ///< The target of a link within the book, without "#".
     QString id;
     QString type;
 };
@@ -37,7 +37,7 @@ QString LocalName(const QString& name)
     return name.mid(name.indexOf(u':') + 1);
 }
 
-/// Stores the attribute if it is one of those asked for.
+/// Stores the value of an attribute that `TextTag` contains; ignores other attributes.
 void TakeAttribute(TextTag& tag, const QString& name, const QString& value)
 {
     const QString local = LocalName(name);
@@ -49,7 +49,7 @@ void TakeAttribute(TextTag& tag, const QString& name, const QString& value)
         tag.type = value;
 }
 
-/// Reads what is between the angle brackets of a start tag.
+/// Reads the text between the angle brackets of a start tag.
 TextTag ReadTag(QStringView text)
 {
     TextTag tag;
@@ -84,7 +84,8 @@ TextTag ReadTag(QStringView text)
     return tag;
 }
 
-/// Position of the ">" that ends a tag; one in quotes does not. npos without one.
+/// Returns the position of the end of a tag: of the first ">" outside quotes, or of the character before the
+/// next "<". Returns npos if there is none.
 size_t EndOfTag(std::string_view text, size_t from)
 {
     char quote = 0;
@@ -100,24 +101,31 @@ size_t EndOfTag(std::string_view text, size_t from)
     return None;
 }
 
-/// Calls `take` with each start tag of a text; comments, CDATA sections and instructions are passed over.
+/// Calls `take` with each start tag of a text. Skips comments, CDATA sections, instructions and end tags.
 template <typename Take>
 void ForEachTag(std::string_view text, int codePage, Take take)
 {
-    constexpr std::pair<std::string_view, std::string_view> Passed[]
+    constexpr std::pair<std::string_view, std::string_view> Skipped[]
         = {{"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}, {"<!", ">"}, {"</", ">"}};
     for (size_t at = text.find('<'); at != None; at = text.find('<', at)) {
         const std::string_view rest = text.substr(at);
-        const auto* passed = std::ranges::find_if(
-            Passed, [rest](const auto& brackets) { return rest.starts_with(brackets.first); });
-        const size_t end = passed != std::end(Passed) ? text.find(passed->second, at + passed->first.size())
-                                                      : EndOfTag(text, at + 1);
+        const auto* skipped = std::ranges::find_if(
+            Skipped, [rest](const auto& brackets) { return rest.starts_with(brackets.first); });
+        const size_t end = skipped != std::end(Skipped)
+            ? text.find(skipped->second, at + skipped->first.size())
+            : EndOfTag(text, at + 1);
         if (end == None)
             return;
-        if (passed == std::end(Passed))
+        if (skipped == std::end(Skipped))
             take(ReadTag(DecodeBytes(text.substr(at + 1, end - at - 1), codePage)));
         at = end;
     }
+}
+
+std::string WithoutBlanks(std::string text)
+{
+    std::erase_if(text, [](char c) { return c == ' ' || c == '\t'; });
+    return text;
 }
 
 BookResource ReadResource(const BinaryElement& element, int codePage)
@@ -133,6 +141,8 @@ BookResource ReadResource(const BinaryElement& element, int codePage)
     resource.bytes = qsizetype(bytes ? bytes->size() : text.size());
     if (bytes)
         resource.picture = ReadPictureInfo(*bytes);
+    else
+        resource.hasBlanks = Base64Decode(WithoutBlanks(text)).has_value();
     return resource;
 }
 
@@ -192,6 +202,8 @@ BookResources ListResources(const BookBytes& book)
 
 QString DecodingProblem(const BookResource& resource)
 {
+    if (resource.hasBlanks)
+        return u"the base64 text contains blanks"_s;
     if (!resource.isBase64)
         return u"the content is not base64"_s;
     if (!resource.picture.problem.isEmpty())

@@ -1,6 +1,7 @@
 #include "PictureInfo.h"
 
 #include "FileSignatures.h"
+#include "PngData.h"
 
 #include <array>
 #include <cstdint>
@@ -19,7 +20,7 @@ uint32_t ByteAt(std::string_view bytes, size_t at)
     return static_cast<unsigned char>(bytes[at]);
 }
 
-/// Highest byte first.
+/// Most significant byte first.
 uint32_t BigEndian32(std::string_view bytes, size_t at)
 {
     return ByteAt(bytes, at) << 24 | ByteAt(bytes, at + 1) << 16 | ByteAt(bytes, at + 2) << 8
@@ -61,21 +62,63 @@ constexpr QLatin1StringView Damaged("the data is damaged");
 
 // ---------------------------------------------------------------- PNG
 
-void ReadPngHeader(PictureInfo& info, std::string_view data)
+/// Reads the chunks of a PNG file one after the other.
+class PngReader
 {
-    constexpr size_t HeaderBytes = 13;
-    const uint32_t width = data.size() == HeaderBytes ? BigEndian32(data, 0) : 0;
-    const uint32_t height = data.size() == HeaderBytes ? BigEndian32(data, 4) : 0;
-    constexpr uint32_t Most = 0x7fffffff;
-    if (width == 0 || height == 0 || width > Most || height > Most) {
-        info.problem = Damaged;
-        return;
+public:
+    explicit PngReader(PictureInfo& result)
+        : info(result)
+    {
     }
-    info.width = int(width);
-    info.height = int(height);
-}
 
-/// A chunk is a length, a type, that many bytes of data, and a checksum of type and data.
+    void take(std::string_view type, std::string_view data)
+    {
+        const bool isHeader = type == "IHDR";
+        if (isHeader == bool(check)) {
+            // The header is the first chunk, and the only one of its type.
+            info.problem = Damaged;
+        } else if (isHeader) {
+            takeHeader(data);
+        } else if (type == "PLTE") {
+            hasPalette = true;
+        } else if (type == "IDAT") {
+            if (header.usesPalette() && !hasPalette)
+                info.problem = Damaged;
+            check->add(data);
+        }
+    }
+
+    void finish()
+    {
+        if (!info.problem.isEmpty())
+            return;
+        if (check->state() == PngDataCheck::State::Incomplete)
+            info.problem = EndsEarly;
+        else if (check->state() == PngDataCheck::State::Damaged)
+            info.problem = Damaged;
+    }
+
+private:
+    void takeHeader(std::string_view data)
+    {
+        const std::optional<PngHeader> read = ReadPngHeader(data);
+        if (!read) {
+            info.problem = Damaged;
+            return;
+        }
+        header = *read;
+        info.width = int(header.width);
+        info.height = int(header.height);
+        check.emplace(header);
+    }
+
+    PictureInfo& info;
+    PngHeader header;
+    std::optional<PngDataCheck> check;
+    bool hasPalette = false;
+};
+
+/// A chunk consists of a length, a type, that many bytes of data, and a checksum of type and data.
 void ReadPng(PictureInfo& info, std::string_view bytes)
 {
     constexpr size_t FrameBytes = 12;
@@ -84,8 +127,7 @@ void ReadPng(PictureInfo& info, std::string_view bytes)
         return;
     }
     bytes.remove_prefix(FullPngSignature.size());
-    bool isFirst = true;
-    bool hasData = false;
+    PngReader reader(info);
     while (info.problem.isEmpty()) {
         if (bytes.size() < FrameBytes || BigEndian32(bytes, 0) > bytes.size() - FrameBytes) {
             info.problem = EndsEarly;
@@ -93,25 +135,23 @@ void ReadPng(PictureInfo& info, std::string_view bytes)
         }
         const size_t length = BigEndian32(bytes, 0);
         const std::string_view type = bytes.substr(4, 4);
-        if (Crc(bytes.substr(4, length + 4)) != BigEndian32(bytes, length + 8) || isFirst != (type == "IHDR"))
+        if (Crc(bytes.substr(4, length + 4)) != BigEndian32(bytes, length + 8)) {
             info.problem = Damaged;
-        else if (isFirst)
-            ReadPngHeader(info, bytes.substr(8, length));
-        isFirst = false;
-        hasData = hasData || type == "IDAT";
+            return;
+        }
+        reader.take(type, bytes.substr(8, length));
         if (type == "IEND")
             break;
         bytes.remove_prefix(length + FrameBytes);
     }
-    if (info.problem.isEmpty() && !hasData)
-        info.problem = Damaged;
+    reader.finish();
 }
 
 // ---------------------------------------------------------------- JPEG
 
 bool IsFrameMarker(uint32_t marker)
 {
-    // All of this range but the tables for Huffman and arithmetic coding, and one that is reserved.
+    // The range without the tables for Huffman and arithmetic coding and a reserved code.
     return marker >= 0xc0 && marker <= 0xcf && marker != 0xc4 && marker != 0xc8 && marker != 0xcc;
 }
 
@@ -120,7 +160,7 @@ bool StandsAlone(uint32_t marker)
     return marker == 0x01 || (marker >= 0xd0 && marker <= 0xd8);
 }
 
-/// Position of the next marker's code; compressed data on the way is skipped.
+/// Returns the position of the code of the next marker; skips compressed data.
 std::optional<size_t> NextMarker(std::string_view bytes, size_t from)
 {
     for (size_t at = bytes.find('\xff', from); at != std::string_view::npos && at + 1 < bytes.size();
@@ -134,7 +174,7 @@ std::optional<size_t> NextMarker(std::string_view bytes, size_t from)
     return std::nullopt;
 }
 
-/// Segments follow each other up to the end marker; compressed data follows the header of each scan.
+/// A file is a sequence of segments up to the end marker. Compressed data follows the header of each scan.
 void ReadJpeg(PictureInfo& info, std::string_view bytes)
 {
     constexpr uint32_t ScanMarker = 0xda;

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-/// What the bytes of a picture say about it, read without decoding it and without a window library.
+/// The format, size and faults of a picture, read from its bytes without a window library.
 namespace vmk {
 
 enum class PictureFormat
@@ -18,21 +18,22 @@ enum class PictureFormat
 struct PictureInfo
 {
     PictureFormat format = PictureFormat::Unknown;
-    /// Pixels; 0 when unknown.
+    /// Pixels; 0 if unknown.
     int width = 0;
     int height = 0;
-    /// Why the bytes do not decode as their format; empty when nothing is wrong.
+    /// Why the bytes cannot be decoded; empty if no fault was found.
     QString problem;
 };
 
-/// Reads the size and checks the structure: all parts of the file are there and, in a PNG file, undamaged.
-/// Takes time in proportion to the bytes, whatever the size of the picture.
+/// Reads the size and checks that no part of the file is missing. The data of a PNG file is decompressed and
+/// checked row by row, up to 1 GB of pixels; the compressed data of a JPEG or GIF file is not decoded. The
+/// memory used does not depend on the size of the picture.
 [[nodiscard]] PictureInfo ReadPictureInfo(std::string_view bytes);
 
-/// "PNG", "JPEG", "GIF"; empty for `Unknown`.
+/// Returns "PNG", "JPEG" or "GIF"; empty for `Unknown`.
 [[nodiscard]] QString FormatName(PictureFormat format);
 
-/// The format that a content type or a file extension names: "image/png", "png", "jpg". `Unknown` for others.
+/// Returns the format of a content type or a file extension such as "image/png", "png" or "jpg".
 [[nodiscard]] PictureFormat FormatOfType(QStringView type);
 
 } // namespace vmk

@@ -39,7 +39,8 @@ protected:
                      Binary("cut.png", SmallPng().substr(0, 40)) + Binary("spare.png", SmallPng())
                          + Binary("spare.png", SmallPng())
                          + "<binary content-type=\"image/png\" id=\"text.png\">no base64!</binary>"
-                         + Binary("word.jpg", "a word", "image/jpeg")));
+                         + "<binary content-type=\"image/png\" id=\"blanks.png\">AA AA\r\n\tBBBB</binary>"
+                         + Binary("torn.png", TornPng()) + Binary("word.jpg", "a word", "image/jpeg")));
     }
 
     std::string Path(const char* name) { return workplace.Path(QString::fromUtf8(name)).toStdString(); }
@@ -85,13 +86,16 @@ TEST_F(ImagesCommand, CheckFindsEveryFault)
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(
         Lines(run, "bad.fb2"),
-        (QStringList{u"reference without a resource: gone.png"_s,
-                     u"undecodable data: cut.png: the data ends early"_s,
-                     u"resource without a reference: spare.png"_s, u"id used more than once: spare.png"_s,
-                     u"resource without a reference: text.png"_s,
-                     u"undecodable data: text.png: the content is not base64"_s,
-                     u"resource without a reference: word.jpg"_s,
-                     u"undecodable data: word.jpg: the content is no picture"_s}));
+        (QStringList{
+            u"reference without a resource: gone.png"_s, u"undecodable data: cut.png: the data ends early"_s,
+            u"resource without a reference: spare.png"_s, u"id used more than once: spare.png"_s,
+            u"resource without a reference: text.png"_s,
+            u"undecodable data: text.png: the content is not base64"_s,
+            u"resource without a reference: blanks.png"_s,
+            u"undecodable data: blanks.png: the base64 text contains blanks"_s,
+            u"resource without a reference: torn.png"_s, u"undecodable data: torn.png: the data is damaged"_s,
+            u"resource without a reference: word.jpg"_s,
+            u"undecodable data: word.jpg: the content is no picture"_s}));
     const ProgramRun good = RunProgram("vmk", {"images", "--check", Path("good.fb2")});
     EXPECT_EQ(good.exitCode, 0);
     EXPECT_EQ(Lines(good, "good.fb2"), QStringList{u"No errors"_s});

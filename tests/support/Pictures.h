@@ -16,6 +16,13 @@ inline std::string SmallPng()
         "gg==");
 }
 
+/// A PNG file with valid checksums around data that cannot be decompressed.
+inline std::string TornPng()
+{
+    return *Base64Decode(
+        "iVBORw0KGgoAAAANSUhEUgAAAAIAAAADCAIAAAA2iEnWAAAADElEQVRub3QgZGVmbGF0ZWS4103nAAAAAElFTkSuQmCC");
+}
+
 /// A red JPEG file of 2 by 3 pixels.
 inline std::string SmallJpeg()
 {
