@@ -24,8 +24,8 @@ namespace {
 constexpr QChar LessMask(1);
 constexpr QChar GreaterMask(2);
 
-/// A row whose result would be longer than this, in UTF-16 units, and than `LargestGrowth` times the text
-/// that it began with is not applied: a few rows could otherwise fill any memory.
+/// UTF-16 units. A row is not applied if its result is longer than this and longer than `LargestGrowth` times
+/// the text before the run: a few rows could otherwise fill the memory.
 constexpr qsizetype AlwaysAllowed = qsizetype(16) * 1024 * 1024;
 constexpr qsizetype LargestGrowth = 8;
 
@@ -34,7 +34,7 @@ qsizetype LargestResult(qsizetype size)
     return std::max(AlwaysAllowed, size * LargestGrowth);
 }
 
-/// The range that the scope names.
+/// Returns the range of a scope.
 TextRange RangeOfScope(DisplayDocument& document, const QString& scope)
 {
     TextRange range = page::createRange(document);
@@ -89,8 +89,8 @@ CleanUpRowResult ApplyPlain(QString& html, const CleanUpRow& row, qsizetype limi
     return {CleanUpRowState::Applied, count};
 }
 
-/// True for a tag that can be part of a page without hiding text.
-/// \param inner  what is between its brackets
+/// Returns true for a tag that can be part of a page without hiding text.
+/// \param inner  the text between its brackets
 bool IsSafeTag(QStringView inner)
 {
     const bool isEnd = inner.startsWith(u'/');
@@ -100,7 +100,7 @@ bool IsSafeTag(QStringView inner)
         return false;
     if (inner.count(u'"') % 2 != 0 || inner.count(u'\'') % 2 != 0)
         return false;
-    // Elements whose text a page does not show.
+    // Elements whose text is not visible on a page.
     static constexpr std::array Hidden
         = {"script"_L1, "style"_L1,  "title"_L1,  "head"_L1,     "textarea"_L1,  "xmp"_L1,  "noscript"_L1,
            "iframe"_L1, "select"_L1, "object"_L1, "template"_L1, "plaintext"_L1, "body"_L1, "html"_L1};
@@ -108,7 +108,8 @@ bool IsSafeTag(QStringView inner)
         Hidden, [name](QLatin1StringView hidden) { return name.startsWith(hidden, Qt::CaseInsensitive); });
 }
 
-/// The length of the tag that begins a text, with its brackets; 0 for a bracket that begins none.
+/// Returns the length of the tag at the beginning of a text, with its brackets; 0 if the bracket does not
+/// begin a tag.
 qsizetype TagLength(QStringView text)
 {
     constexpr qsizetype LongestTag = 65536;
@@ -122,7 +123,7 @@ qsizetype TagLength(QStringView text)
     return 0;
 }
 
-/// Applies `change` to each piece of the text that `pattern` matches and to each piece between.
+/// Applies `change` to each match of `pattern` in a text and to each piece between matches.
 template <class Change>
 QString ByPieces(const QString& text, const QString& pattern, const Change& change)
 {
@@ -166,7 +167,7 @@ CleanUpRun CleanUpBookFragment(DisplayDocument& document, const CleanUpTable& ta
     CleanUpRun run;
     UndoSteps = 0;
 
-    // The lines that the scope touches.
+    // Find the lines of the scope.
     SelectedLines lines;
     {
         const TextRange range = RangeOfScope(document, table.CleanWhere);
@@ -179,8 +180,8 @@ CleanUpRun CleanUpBookFragment(DisplayDocument& document, const CleanUpTable& ta
         return run;
     }
 
-    // The rows work on bare lines; the painting is made anew.
-    // Each form of the text is freed before the next one but one is made: a book is large.
+    // Apply the rows to the lines without painting, and paint the result. Each form of the text is released
+    // early, because a book is large.
     QString html = MaskShownAngles(BareHtml(document, lines.first - 1, lines.last - lines.first + 1));
     html = ApplyCleanUpRows(std::move(html), table.rows, run.rows, progress);
     std::string unmasked = UnmaskShownAngles(html);

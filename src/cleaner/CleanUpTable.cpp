@@ -1,6 +1,8 @@
 #include "CleanUpTable.h"
 
 #include "CodePages.h"
+#include "FileOperations.h"
+#include "SettingsVariables.h"
 
 #include <QStringView>
 #include <QtEndian>
@@ -13,8 +15,8 @@ namespace vmk {
 namespace {
 
 constexpr char16_t LineEnd = u'\r';
-constexpr qsizetype LinesOfFront = 3;
-constexpr qsizetype LinesOfRow = 5;
+constexpr qsizetype HeaderLines = 3;
+constexpr qsizetype LinesPerRow = 5;
 
 void AppendLine(QString& text, QString value)
 {
@@ -27,7 +29,7 @@ QString Flag(bool set)
     return set ? u"1"_s : u"0"_s;
 }
 
-/// The lines of a text in which each line ends with `LineEnd`; a last line without its end counts.
+/// Splits a text after each `LineEnd`. A last line without a line end counts as a line.
 QList<QStringView> LinesOf(QStringView text)
 {
     QList<QStringView> lines = text.split(QChar(LineEnd));
@@ -36,15 +38,15 @@ QList<QStringView> LinesOf(QStringView text)
     return lines;
 }
 
-/// The decimal number that a line begins with; 0 when there is none, and for one that is negative.
+/// Returns the decimal number at the beginning of a line; 0 if there is none or it is negative.
 qsizetype LeadingNumber(QStringView line)
 {
-    constexpr qsizetype Enough = 1'000'000'000;
+    constexpr qsizetype Limit = 1'000'000'000;
     qsizetype number = 0;
     for (const QChar c : line.trimmed()) {
         if (c < u'0' || c > u'9')
             break;
-        number = std::min(number * 10 + (c.unicode() - u'0'), Enough);
+        number = std::min(number * 10 + (c.unicode() - u'0'), Limit);
     }
     return number;
 }
@@ -105,10 +107,11 @@ std::optional<CleanUpTable> CleanUpTableOfBytes(std::string_view bytes)
 
     CleanUpTable table;
     table.CleanWhere = line(1).toString();
-    const qsizetype begun = std::max<qsizetype>(lines.size() - LinesOfFront + LinesOfRow - 1, 0) / LinesOfRow;
+    const qsizetype begun
+        = std::max<qsizetype>(lines.size() - HeaderLines + LinesPerRow - 1, 0) / LinesPerRow;
     const qsizetype count = std::min(LeadingNumber(line(2)), begun);
     table.rows.reserve(size_t(count));
-    for (qsizetype at = LinesOfFront; at < LinesOfFront + count * LinesOfRow; at += LinesOfRow) {
+    for (qsizetype at = HeaderLines; at < HeaderLines + count * LinesPerRow; at += LinesPerRow) {
         table.rows.push_back({.RepWhat = line(at).toString(),
                               .RepBy = line(at + 1).toString(),
                               .Case = line(at + 2) == u'1',
@@ -116,6 +119,19 @@ std::optional<CleanUpTable> CleanUpTableOfBytes(std::string_view bytes)
                               .Enabled = line(at + 4) == u'1'});
     }
     return table;
+}
+
+QString CleanWhereData;
+
+void ReadCleanWhereData()
+{
+    CleanWhereData = u"-1"_s;
+    if (!FileExists(CurrentCleanUpFile))
+        return;
+    const std::string bytes = ReadFileText(CurrentCleanUpFile);
+    const std::string_view line = std::string_view(bytes).substr(0, bytes.find_first_of("\r\n"));
+    CleanWhereData
+        = line == "0" || line == "2" ? QString::fromLatin1(line.data(), qsizetype(line.size())) : u"1"_s;
 }
 
 } // namespace vmk

@@ -7,8 +7,8 @@ using namespace Qt::StringLiterals;
 namespace vmk {
 namespace {
 
-/// Holds only between the tags of the book, and not in elements whose text is no prose: a tag begins after
-/// the place before any tag ends. `\x3c` and `\x3e` are the brackets of the page's own tags.
+/// Matches only between tags of the book, and not in elements whose text is not prose: after the position a
+/// tag begins before any tag ends. `\x3c` and `\x3e` are the brackets of the page's own tags.
 const QString& InText()
 {
     static const QString guard
@@ -21,7 +21,7 @@ CleanUpRow InTextRow(const QString& what, const QString& by, bool matchCase = fa
     return {.RepWhat = what + InText(), .RepBy = by, .Case = matchCase, .RegExp = true, .Enabled = true};
 }
 
-/// Three dots, and blanks before punctuation: the same in both languages.
+/// Three dots, and blanks before punctuation; the same in both languages.
 std::vector<CleanUpRow> CommonRows()
 {
     return {InTextRow(u"([^.])\\.{3}(?!\\.)"_s, u"$1\u2026"_s),
@@ -31,7 +31,7 @@ std::vector<CleanUpRow> CommonRows()
 std::vector<CleanUpRow> RussianRows()
 {
     std::vector<CleanUpRow> rows = CommonRows();
-    // Dashes: at the beginning of a line of dialogue, and between words.
+    // Dashes at the beginning of a line of dialogue and between words.
     rows.push_back(InTextRow(u"(<p(?: [^<>]*)?>)\\s*(?:-{1,3}|\u2013|\u2014)\\s+"_s, u"$1\u2014&nbsp;"_s));
     rows.push_back(InTextRow(u"([^\\s<>\\x3c\\x3e])(?: |&nbsp;)(?:-{1,3}|\u2013|\u2014)(?= |&nbsp;)"_s,
                              u"$1&nbsp;\u2014"_s));
@@ -39,7 +39,7 @@ std::vector<CleanUpRow> RussianRows()
     rows.push_back(InTextRow(u"([>\\s(\u00ab\u2014]|&nbsp;)\"(?=[^\\s<\"])"_s, u"$1\u00ab"_s));
     rows.push_back(
         InTextRow(u"([^\\s<>(\u00ab\\d])\"(?=[\\s<.,;:!?)\u2026\u00bb\u2014-]|&nbsp;)"_s, u"$1\u00bb"_s));
-    // Blanks that do not break.
+    // Non-breaking spaces.
     rows.push_back(
         InTextRow(u"([\\s>(])([А-ЯЁ]\\.) ?([А-ЯЁ]\\.) ?(?=[А-ЯЁ][а-яё])"_s, u"$1$2&nbsp;$3&nbsp;"_s, true));
     rows.push_back(InTextRow(u"([\\s>(]т\\.) ?([едпк]\\.)"_s, u"$1&nbsp;$2"_s, true));
@@ -62,10 +62,10 @@ std::vector<CleanUpRow> EnglishRows()
     return rows;
 }
 
-/// A character that was recognised in the middle of a Cyrillic word, and the letter that it looks like.
+/// A character that was recognised inside a Cyrillic word, and the letter that it resembles.
 struct Lookalike
 {
-    char16_t read;
+    char16_t recognised;
     char16_t letter;
 };
 
@@ -82,9 +82,9 @@ std::vector<CleanUpRow> RecognitionRows()
     static constexpr Lookalike Lookalikes[]
         = {{u'0', u'о'}, {u'3', u'з'}, {u'6', u'б'}, {u'a', u'а'}, {u'c', u'с'},
            {u'e', u'е'}, {u'o', u'о'}, {u'p', u'р'}, {u'x', u'х'}, {u'y', u'у'}};
-    for (const auto [read, letter] : Lookalikes)
+    for (const auto [recognised, letter] : Lookalikes)
         rows.push_back(
-            InTextRow(u"([а-яё])"_s + QChar(read) + u"(?=[а-яё])"_s, u"$1"_s + QChar(letter), true));
+            InTextRow(u"([а-яё])"_s + QChar(recognised) + u"(?=[а-яё])"_s, u"$1"_s + QChar(letter), true));
     return rows;
 }
 

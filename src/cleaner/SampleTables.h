@@ -15,11 +15,13 @@ struct SampleTable
     CleanUpTable table;
 };
 
-/// Russian typography, English typography, and traces of optical character recognition. The rows change text
-/// between tags only: no tag, attribute, comment, identifier, address or style sheet.
+/// Returns the tables for Russian typography, English typography, and traces of optical character
+/// recognition. Their rows change only text between tags: no tag, attribute, comment, identifier, address or
+/// style sheet.
 [[nodiscard]] std::vector<SampleTable> SampleCleanUpTables();
 
-/// Writes the tables into a folder, under the code page of the system. Existing files stay as they are.
+/// Writes the tables into a folder, with the signature of the system's code page. Existing files are
+/// unchanged.
 /// \return false if a file cannot be written
 bool WriteSampleCleanUpTables(const QString& folder);
 

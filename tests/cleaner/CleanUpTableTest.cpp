@@ -1,6 +1,8 @@
 #include "CleanUpTable.h"
 
 #include "QtPrinting.h"
+#include "SettingsVariables.h"
+#include "Workplace.h"
 
 #include <gtest/gtest.h>
 
@@ -155,6 +157,26 @@ TEST_F(CleanUpFile, CutAnywhereItReadsTheRowsBeforeTheCut)
         for (size_t i = 0; i + 1 < table->rows.size(); ++i)
             EXPECT_EQ(table->rows[i], Sample.rows[i]) << length;
     }
+}
+
+TEST_F(CleanUpFile, TheScopeOfAFileWithoutASignatureIsANumberInItsFirstLine)
+{
+    const Workplace workplace;
+    CurrentCleanUpFile = workplace.Path(u"missing.dat"_s);
+    ReadCleanWhereData();
+    EXPECT_EQ(CleanWhereData, u"-1"_s);
+    CurrentCleanUpFile = workplace.Path(u"t.dat"_s);
+    const std::pair<std::string, QString> cases[] = {{"0\r\n5", u"0"_s}, {"2", u"2"_s},    {"2\n", u"2"_s},
+                                                     {"1\r\n", u"1"_s},  {"20\r", u"1"_s}, {"", u"1"_s}};
+    for (const auto& [content, expected] : cases) {
+        workplace.Make(u"t.dat"_s, content);
+        ReadCleanWhereData();
+        EXPECT_EQ(CleanWhereData, expected) << content;
+    }
+    workplace.Make(u"t.dat"_s, CleanUpFileBytes(Sample));
+    ReadCleanWhereData();
+    EXPECT_EQ(CleanWhereData, u"1"_s);
+    CurrentCleanUpFile.clear();
 }
 
 TEST_F(CleanUpFile, RandomTablesComeBack)

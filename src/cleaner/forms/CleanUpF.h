@@ -21,14 +21,14 @@ class DisplayView;
 /// The book cleaner: a table of replacements that is edited in place, and applied to the book or a part of
 /// it.
 ///
-/// Rows that are not in a file are kept in a recovery copy in `UserCleanUpFolder`, from a second after each
-/// change on, so that closing the window or loading another table does not lose them.
+/// A second after each change, unsaved rows are written to a recovery copy in `UserCleanUpFolder`, so that
+/// closing the window or loading another table does not lose them.
 class CleanUpF : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// What the window needs of the program around it.
+    /// The parts of the program that the window uses.
     struct Context
     {
         QWidget* owner = nullptr;
@@ -36,9 +36,9 @@ public:
         std::function<void()> openFragmentEditor;
     };
 
-    /// Opens the window, or brings the open one to the front.
+    /// Opens the window, or raises the open one.
     static void Open(const Context& context);
-    /// The open window; null while there is none.
+    /// Returns the open window; null if there is none.
     [[nodiscard]] static CleanUpF* Instance();
 
     ~CleanUpF() override;
@@ -46,8 +46,8 @@ public:
     // ---- the file
 
     void SaveCleanUpFile();
-    /// Reads `CurrentCleanUpFile`. \return false for a missing file and, after a box, for a bad signature;
-    /// then the rows stay.
+    /// Reads `CurrentCleanUpFile`. Reports a bad signature in a box.
+    /// \return false if the file is missing or has a bad signature; the rows are unchanged then
     bool ReadCleanUpFile();
     void SaveCleanUpFileAs();
     void LoadCleanUpFile();
@@ -56,7 +56,7 @@ public:
 
     // ---- the table
 
-    /// Where a new row goes.
+    /// The position of a new row.
     enum class RowPlace
     {
         Last,
@@ -71,7 +71,7 @@ public:
     void SetAllEnabled(bool enabled);
     void ChangeCleanUpFont();
 
-    /// Runs the table over the book.
+    /// Applies the table to the book.
     void CleanUpBookFragment();
 
     // ---- controls
@@ -117,13 +117,13 @@ private:
     Context context;
     CleanUpModel* model = nullptr;
     QTimer* recoveryTimer = nullptr;
-    QString recoveryFile; ///< Of this window; empty until rows had to be kept.
-    QString droppedFile; ///< Between its drop and `TimerWBDrop`.
-    int menuRow = -1; ///< The row under the last right click.
+    QString recoveryFile; ///< The recovery copy of this window; empty until one was written.
+    QString droppedFile; ///< Set from a drop until `TimerWBDrop`.
+    int menuRow = -1; ///< The row under the last right click; -1 for none.
 };
 
-/// Runs when the display loses the focus, and after a load: marks the cleaner's scope as the selected
-/// fragment if something is selected.
+/// Sets the scope of the open cleaner to the selected fragment if something is selected. Called when the
+/// display loses the focus, and after a table was loaded.
 void NoteSelectionForCleaner(bool somethingSelected);
 
 } // namespace vmk

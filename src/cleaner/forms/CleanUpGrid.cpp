@@ -29,8 +29,8 @@ bool IsText(const QModelIndex& index)
     return index.column() == RepWhatColumn || index.column() == RepByColumn;
 }
 
-/// Edits text without a frame in the cell, and draws check boxes in the middle of theirs; a click anywhere in
-/// the cell, or the space bar, toggles them.
+/// Edits texts without a frame, and draws check boxes in the centre of their cells. A click anywhere in the
+/// cell, or the space bar, toggles a check box.
 class CellDelegate : public QStyledItemDelegate
 {
 public:
@@ -103,7 +103,7 @@ CleanUpGrid::CleanUpGrid(QWidget* parent)
     horizontalHeader()->setHighlightSections(false);
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setHighlightSections(false);
-    // The captions and the results offer the menu too; no row is under it there.
+    // The headers show the menu too. The captions belong to no row.
     for (QHeaderView* header : {horizontalHeader(), verticalHeader()}) {
         header->setContextMenuPolicy(Qt::CustomContextMenu);
         connect(header, &QWidget::customContextMenuRequested, this, [this, header](QPoint at) {
@@ -118,18 +118,19 @@ void CleanUpGrid::FitColumns()
     const int frame = 2 * frameWidth();
     const int available
         = width() - frame - verticalHeader()->width() - style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-    const int text = std::max((available - (2 * CheckWidth + RegExpWidth)) / 2 - Margins, SmallestTextWidth);
+    // With a large font the captions of the check boxes need more than their given width.
+    const QFontMetrics metrics(horizontalHeader()->font());
+    int checks = 0;
+    for (const int column : {CaseColumn, RegExpColumn, EnabledColumn}) {
+        const QString caption = model()->headerData(column, Qt::Horizontal).toString();
+        const int least = column == RegExpColumn ? RegExpWidth : CheckWidth;
+        const int width = std::max(least, metrics.horizontalAdvance(caption) + Margins);
+        setColumnWidth(column, width);
+        checks += width;
+    }
+    const int text = std::max((available - checks) / 2 - Margins, SmallestTextWidth);
     setColumnWidth(RepWhatColumn, text);
     setColumnWidth(RepByColumn, text);
-    // Their captions need more than that with a larger font.
-    const QFontMetrics metrics(horizontalHeader()->font());
-    const auto width = [&](int column, int least) {
-        const QString caption = model()->headerData(column, Qt::Horizontal).toString();
-        return std::max(least, metrics.horizontalAdvance(caption) + Margins);
-    };
-    setColumnWidth(CaseColumn, width(CaseColumn, CheckWidth));
-    setColumnWidth(RegExpColumn, width(RegExpColumn, RegExpWidth));
-    setColumnWidth(EnabledColumn, width(EnabledColumn, CheckWidth));
 }
 
 void CleanUpGrid::resizeEvent(QResizeEvent* event)
@@ -233,7 +234,7 @@ void CleanUpGrid::mouseReleaseEvent(QMouseEvent* event)
 
 void CleanUpGrid::mouseMoveEvent(QMouseEvent* event)
 {
-    // Dragging does not select cells.
+    // A drag does not select cells.
     if (event->buttons() == Qt::NoButton)
         QTableView::mouseMoveEvent(event);
 }
@@ -283,7 +284,7 @@ void CleanUpGrid::keyPressEvent(QKeyEvent* event)
     } else if (event->modifiers() == Qt::ShiftModifier && event->key() == Qt::Key_Up) {
         extendBlock(-1);
     } else if (isEnter && state() == EditingState) {
-        // The editor has taken it.
+        // The editor has handled the key.
     } else if (isEnter && index.isValid() && IsText(index)) {
         EditCell(index.row(), index.column());
     } else if (event->key() == Qt::Key_Escape) {

@@ -5,15 +5,15 @@
 
 namespace vmk {
 
-/// A run of whole rows.
+/// A range of whole rows.
 struct RowBlock
 {
     int first = -1;
     int count = 0;
 };
 
-/// The grid of the clean-up table. A click edits a text or toggles a check box; with Ctrl or Shift it selects
-/// whole rows instead.
+/// The grid of the clean-up table. A click edits a text or toggles a check box. A click with Ctrl or Shift
+/// selects whole rows.
 class CleanUpGrid : public QTableView
 {
     Q_OBJECT
@@ -21,26 +21,26 @@ class CleanUpGrid : public QTableView
 public:
     explicit CleanUpGrid(QWidget* parent);
 
-    /// The rows selected as a block; none while a cell is edited or chosen.
+    /// Returns the rows that are selected as a block; none while a single cell is selected or edited.
     [[nodiscard]] RowBlock Block() const;
     void ClearBlock();
-    /// Puts the text of an open editor into the model.
+    /// Writes the text of an open editor to the model and closes the editor.
     void CommitEditor();
-    /// Makes a cell the current one, in view, and opens its editor.
+    /// Selects a cell, scrolls to it, and opens its editor if it contains text.
     void EditCell(int row, int column);
-    /// Gives the text columns the width that the check boxes and the scroll bar leave.
+    /// Divides the width that the check boxes and the scroll bar leave between the text columns.
     void FitColumns();
 
 Q_SIGNALS:
     /// Tab was pressed in the last cell.
     void rowWanted();
-    /// Keys for whole rows.
+    /// A key for whole rows was pressed.
     void copyWanted();
     void pasteWanted();
     void removeWanted();
     void undoWanted();
-    /// The context menu is wanted, at a global position.
-    /// \param row  the row under it, -1 for none
+    /// The context menu was requested, at a global position.
+    /// \param row  the row at this position, -1 for none
     void menuWanted(QPoint at, int row);
     /// A file was dropped.
     void fileDropped(const QString& path);
@@ -64,8 +64,8 @@ private:
     bool moveByTab(bool forward);
     bool runRowKey(const QKeyEvent& event);
 
-    bool blockStarted = false; ///< One row, chosen with Ctrl, or with Shift where none was.
-    bool blockExtended = false; ///< Several rows, chosen with Shift.
+    bool blockStarted = false; ///< The block is one row, selected with Ctrl.
+    bool blockExtended = false; ///< The block was extended with Shift.
     QPersistentModelIndex blockAnchor;
 };
 

@@ -29,7 +29,7 @@ bool CleanUpRow::*FlagOf(int column)
     }
 }
 
-/// A value without the line ends that a field of one line cannot have.
+/// Returns a value on one line: each line end becomes a blank.
 QString OneLine(QString value)
 {
     return value.replace("\r\n"_L1, " "_L1).replace(u'\r', u' ').replace(u'\n', u' ');
@@ -42,8 +42,9 @@ QString Quoted(QString field)
     return isPlain ? field : u'"' + field.replace(u'"', "\"\""_L1) + u'"';
 }
 
-/// Takes one field off the front of a text, with the tab or line end after it.
-/// \param endsLine  set when a line end, or the end of the text, was after it
+/// Removes one field from the beginning of a text, with the tab or line end after it.
+/// \param endsLine  set to true if the field is the last of its line
+/// \return the field
 QString TakeField(QStringView& text, bool& endsLine)
 {
     QString field;

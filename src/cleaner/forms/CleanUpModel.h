@@ -20,9 +20,9 @@ enum CleanUpColumn : int
 };
 
 /// The rows of a clean-up table as an editable model. After a run the row headers show the number of
-/// replacements, and the expressions that are not valid are marked.
+/// replacements, and invalid expressions are marked.
 ///
-/// Every change of the user can be taken back by `Undo`, a whole one at a time.
+/// `Undo` reverts the changes of the user one by one.
 class CleanUpModel : public QAbstractTableModel
 {
     Q_OBJECT
@@ -31,21 +31,21 @@ public:
     using QAbstractTableModel::QAbstractTableModel;
 
     [[nodiscard]] const std::vector<CleanUpRow>& Rows() const { return rows; }
-    /// Puts other rows in place of all; nothing is left to undo.
+    /// Replaces all rows and clears the undo history.
     void SetRows(std::vector<CleanUpRow> newRows);
-    /// Whether the rows differ from those of the last `SetRows` or `MarkSaved`.
+    /// Returns true if the rows differ from those of the last `SetRows` or `MarkSaved`.
     [[nodiscard]] bool IsModified() const { return rows != saved; }
     void MarkSaved() { saved = rows; }
 
-    /// \param before  row from 0; the number of rows appends
+    /// \param before  from 0; the number of rows to append
     void InsertRows(int before, const std::vector<CleanUpRow>& inserted);
     void RemoveRows(int first, int count);
     void RemoveAllRows();
     void SetAllEnabled(bool enabled);
-    /// Takes the last change back. \return false when there is none.
+    /// Reverts the last change. \return false if there is none
     bool Undo();
 
-    /// Shows what a run did, until the next change.
+    /// Shows the outcome of a run until the next change.
     void ShowRun(const CleanUpRun& run);
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
@@ -56,7 +56,7 @@ public:
     bool setData(const QModelIndex& index, const QVariant& value, int role) override;
 
 Q_SIGNALS:
-    /// The user has changed the rows.
+    /// The user changed the rows.
     void edited();
 
 private:
@@ -66,14 +66,15 @@ private:
 
     std::vector<CleanUpRow> rows;
     std::vector<CleanUpRow> saved;
-    std::vector<std::vector<CleanUpRow>> past; ///< The rows before each change, the oldest first.
+    std::vector<std::vector<CleanUpRow>> past; ///< The rows before each change, oldest first.
     std::vector<CleanUpRowResult> results; ///< Of the last run; empty after a change.
 };
 
-/// Rows as text for the clipboard: a line each, its fields separated by tabs, quoted as spreadsheets do.
+/// Returns rows as text for the clipboard: one line per row, with fields separated by tabs and quoted as in
+/// spreadsheets.
 [[nodiscard]] QString TextOfRows(const std::vector<CleanUpRow>& rows);
-/// The reverse. A line of one field is no row.
-/// \return nothing if a line is no row.
+/// Reverses `TextOfRows`.
+/// \return nothing if the text is empty or a line has fewer than two fields
 [[nodiscard]] std::vector<CleanUpRow> RowsOfText(const QString& text);
 
 } // namespace vmk

@@ -1,6 +1,7 @@
 #include "CleanUpF.h"
 #include "CleanUpGrid.h"
 #include "CleanUpModel.h"
+#include "FileDrops.h"
 #include "SaveBook.h"
 #include "SettingsVariables.h"
 #include "UndoCommands.h"
@@ -395,12 +396,48 @@ TEST_F(BookCleaner, ADroppedFileIsLoadedAfterTheDrop)
     OpenBook();
     CleanUpF& cleaner = OpenCleaner();
     const QString path = MakeTable(u"dropped.dat"_s, {Two}, u"selected fragment"_s);
-    Q_EMIT cleaner.ListDH->fileDropped(path);
+    EXPECT_TRUE(DropFile(*cleaner.ListDH->viewport(), path));
     EXPECT_TRUE(Rows().empty());
     ASSERT_TRUE(WaitFor([] { return Rows().size() == 1; }));
     EXPECT_EQ(CurrentCleanUpFile, path);
     EXPECT_EQ(cleaner.windowTitle(), u"dropped.dat "_s);
     EXPECT_EQ(cleaner.CleanWhere->currentText(), u"selected fragment"_s);
+}
+
+TEST_F(BookCleaner, ADroppedFileWithABadSignatureKeepsTheTable)
+{
+    OpenBook();
+    CleanUpF& cleaner = OpenCleaner();
+    CurrentCleanUpFile = MakeTable(u"good.dat"_s, {One});
+    cleaner.ReloadCleanUpFile();
+    workplace.Make(u"bad.dat"_s, "no table");
+    EXPECT_TRUE(DropFile(*cleaner.ListDH->viewport(), workplace.Path(u"bad.dat"_s)));
+    ASSERT_TRUE(WaitFor([this] { return !boxTexts.isEmpty(); }));
+    EXPECT_EQ(boxTexts, QStringList{u"cannot load file: bad file signature"_s});
+    EXPECT_EQ(Rows(), std::vector<CleanUpRow>({One}));
+    EXPECT_EQ(cleaner.windowTitle(), u"good.dat "_s);
+}
+
+TEST_F(BookCleaner, OnlyLocalFilesCanBeDropped)
+{
+    OpenBook();
+    CleanUpF& cleaner = OpenCleaner();
+    EXPECT_FALSE(DropUrls(*cleaner.ListDH->viewport(), {QUrl(u"https://example.org/t.dat"_s)}));
+    EXPECT_FALSE(cleaner.TimerWBDrop->isActive());
+}
+
+TEST_F(BookCleaner, AllColumnsAreVisibleWithALargeFont)
+{
+    OpenBook();
+    CleanUpF& cleaner = OpenCleaner();
+    QFont large = cleaner.ListDH->horizontalHeader()->font();
+    large.setPointSize(22);
+    cleaner.ListDH->horizontalHeader()->setFont(large);
+    cleaner.ListDH->FitColumns();
+    int columns = 0;
+    for (int column = 0; column < CleanUpColumnCount; ++column)
+        columns += cleaner.ListDH->columnWidth(column);
+    EXPECT_LE(columns, cleaner.ListDH->viewport()->width());
 }
 
 TEST_F(BookCleaner, DeletingTheOpenFileLeavesAnEmptyTableWithoutAName)
@@ -483,8 +520,9 @@ TEST_F(BookCleaner, TheFontIsChosenInADialog)
 {
     OpenBook();
     CleanUpF& cleaner = OpenCleaner();
-    const SeamGuard font(FontDialogSeam(), [](const FontChoice& current) {
-        EXPECT_EQ(current, (FontChoice{u"Ms Sans Serif"_s, 9, true, false}));
+    const SeamGuard font(FontDialogSeam(), [](const FontDialogRequest& request) {
+        EXPECT_EQ(request.title, u"Change viewer font"_s);
+        EXPECT_EQ(request.current, (FontChoice{u"Ms Sans Serif"_s, 9, true, false}));
         return FontChoice{u"DejaVu Sans"_s, 14, false, false};
     });
     cleaner.ChangeCleanUpFont();
