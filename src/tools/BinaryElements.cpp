@@ -16,7 +16,7 @@ constexpr std::string_view TagStart = "<binary";
 constexpr std::string_view ElementEnd = "</binary>";
 constexpr size_t None = std::string_view::npos;
 
-/// True when nothing but line ends is left, give or take a few characters.
+/// Returns true for a short text that consists of line ends and at most a few other characters.
 bool IsNearlyEmpty(std::string_view text)
 {
     constexpr size_t ShortText = 500;
@@ -25,7 +25,7 @@ bool IsNearlyEmpty(std::string_view text)
     return text.size() < ShortText && std::ranges::count_if(text, isContent) < LeastContent;
 }
 
-/// The reference or mark that stands for a character which cannot be written as it is; empty for the others.
+/// Returns the reference for a character that cannot be written literally; empty for other characters.
 QString ReferenceFor(char32_t character, int codePage)
 {
     switch (character) {

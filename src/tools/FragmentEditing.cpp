@@ -16,13 +16,13 @@ namespace {
 using namespace Qt::StringLiterals;
 
 constexpr QStringView LineBreak = u"\r\n";
-/// The element around each marker, which tells it from the same character in the book.
+/// The element around each marker, which distinguishes it from the same character in the book.
 constexpr QStringView MarkerElement = u"TT";
 constexpr QStringView FontElement = u"FONT";
 constexpr QStringView BlueFont = u"color=#0000FF";
 constexpr QStringView GreyFont = u"color=#808080";
 
-/// Some displays wrap long lines after a blank; these breaks are not the book's.
+/// Removes line breaks after a blank: some displays wrap long lines there, the book does not.
 QString WithoutWraps(QString html)
 {
     return ReplaceAll(std::move(html), u" \r\n", u" ");
@@ -37,7 +37,7 @@ void ReplaceAllLines(DisplayDocument& document, std::vector<LinePtr> lines)
     document.splice(0, document.lineCount(), std::move(lines), map);
 }
 
-/// True when what the display holds is the source already.
+/// Returns true if the display already contains the source.
 bool IsUnchanged(DisplayDocument& display, const Fragment& fragment, const QString& source)
 {
     if (WithoutWraps(page::createRange(display).htmlText()) == source)
@@ -46,14 +46,14 @@ bool IsUnchanged(DisplayDocument& display, const Fragment& fragment, const QStri
         && page::item(display, fragment.firstNode).outerHTML() == source;
 }
 
-/// True when the selection of the display is still the fragment's run of lines.
+/// Returns true if the lines of the fragment are still selected in the display.
 bool IsStillSelected(DisplayDocument& display, const Fragment& fragment)
 {
     const TextRange range = page::createRange(display);
     return NodeAtRangeStart(range) == fragment.firstNode && NodeAtRangeEnd(range) == fragment.lastNode;
 }
 
-/// Puts the source in place of the fragment's lines.
+/// Replaces the lines of the fragment by the source.
 void ReplaceFragmentLines(DisplayDocument& display, const Fragment& fragment, const QString& source)
 {
     if (fragment.firstNode == fragment.lastNode)
@@ -61,13 +61,13 @@ void ReplaceFragmentLines(DisplayDocument& display, const Fragment& fragment, co
     else
         page::clear(display);
     page::item(display, fragment.firstNode).insertAdjacentHTML(Adjacent::BeforeBegin, source);
-    // Without a source there is no second step to take back.
+    // An empty source makes no second undo step.
     MarkEdit(source.isEmpty() ? 1 : 2);
 }
 
 // ---------------------------------------------------------------- painting
 
-/// Makes the marks of one painted line. The state "inside a tag" goes on from line to line.
+/// Makes the marks of painted lines, in order. A tag can continue on the next line.
 class LinePainter
 {
 public:
@@ -79,7 +79,9 @@ public:
     {
     }
 
-    /// @param closed whether a ">" follows for each "<" of this line
+    /// \param isMarker    for each character, whether it is a marker
+    /// \param lastTagEnd  the offset after which no ">" follows in the text; a "<" from there on begins no
+    /// tag
     [[nodiscard]] LinePtr paint(const Line& line, const std::vector<bool>& isMarker, int lastTagEnd)
     {
         Line painted{line.block, line.text, {}};
@@ -121,7 +123,7 @@ private:
     bool inTag = false;
 };
 
-/// For each character of a line, whether it is a marker of ours.
+/// Returns for each character of a line whether it is a marker of the editor.
 std::vector<bool> MarkersOf(const DisplayDocument& editor, const Line& line, QChar marker)
 {
     std::vector<bool> isMarker(size_t(line.text.size()));
@@ -238,7 +240,7 @@ void ApplyFragment(DisplayDocument& display, Fragment& fragment, const QString& 
 void PaintFragment(DisplayDocument& editor)
 {
     const QChar marker = LineEndMarker();
-    // A "<" counts where a ">" follows, in its own line or a later one.
+    // A "<" begins a tag only if a ">" follows, on this line or a later one.
     int lastEndLine = editor.lineCount() - 1;
     while (lastEndLine >= 0 && !editor.line(lastEndLine).text.contains(u'>'))
         --lastEndLine;
@@ -271,14 +273,14 @@ ShownCodes CodesInFragment(DisplayDocument& editor)
     if (first == LineEndMarker())
         return {u"line end"_s, u"line end"_s};
     const std::string byte = EncodeText(QStringView(text).first(1), CodePageSystem);
-    // The 16-bit code as a signed number, negative from 32768 on, which is meant.
+    // The 16-bit code is shown as a signed number, negative from 32768 on, by design.
     return {QString::number(static_cast<unsigned char>(byte.front())),
             QString::number(int16_t(first.unicode()))};
 }
 
 QByteArray PaintedSourcePage(const QString& source)
 {
-    // Characters 2 and 3 stand for the angle brackets of the page's own tags, 4 and 5 for the tags around a
+    // Characters 2 and 3 represent the angle brackets of the page's tags, 4 and 5 the tags around a
     // reference.
     const QString open = Char(2);
     const QString close = Char(3);

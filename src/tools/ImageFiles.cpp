@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 namespace vmk {
 namespace {
 
-/// Replaces the file `path`. A link or a pipe gives way to the file: nothing is written through it.
+/// Replaces the file `path`. A link or a pipe is replaced by the file; nothing is written through it.
 bool WriteInFolder(const QString& path, std::string_view bytes)
 {
     const QFileInfo entry(path);
@@ -57,7 +57,7 @@ QString PictureExtension(const QString& id, std::string_view bytes)
 QString PictureBaseName(const QString& id)
 {
     const QString name = FileOperation(BaseNameMode, id);
-    // Not every system refuses such names, but no program shows them as they are.
+    // Some systems accept such names, but programs cannot show them.
     if (std::ranges::any_of(name, [](QChar c) { return c.category() == QChar::Other_Control; }))
         return {};
     const auto isNoBlank = [](QChar c) { return c != u' '; };

@@ -27,7 +27,7 @@ QStringList ReadTagFile(const QString& path)
     QString text = DecodeUserText(ReadFileText(path));
     if (text.size() <= LongestEmptyText)
         return {};
-    // Files from other editors may have line ends of the other kinds.
+    // Other editors write other line ends.
     return FilledLines(text.replace(u'\r', u'\n').split(u'\n'));
 }
 

@@ -41,7 +41,7 @@ constexpr SingleSymbol SingleSymbolRows[] = {
     {"Mu", 181, "micro sign"},
 };
 
-/// The number that a text begins with; 0 if it begins with none or with one beyond Unicode.
+/// Returns the number at the beginning of a text; 0 if there is none or it is not in Unicode.
 char32_t LeadingNumber(QStringView text)
 {
     char32_t number = 0;
@@ -55,7 +55,7 @@ char32_t LeadingNumber(QStringView text)
     return number;
 }
 
-/// Puts text in the range's place and the caret after it.
+/// Replaces the range by a text, and puts the caret after it.
 void SetTextAndCaret(TextRange& range, const QString& text)
 {
     range.setText(text);

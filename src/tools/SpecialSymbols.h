@@ -6,17 +6,17 @@
 
 #include <span>
 
-/// Typographic characters to insert. Codes are those of the system's single-byte code page.
+/// Typographic characters for insertion. Codes are those of the system's single-byte code page.
 namespace vmk {
 
-/// A pair of characters that goes around the selection.
+/// A pair of characters for insertion around the selection.
 struct WrappingSymbols
 {
-    const char* button; ///< the button's name, which is the kind of the insertion
+    const char* button; ///< The name of the button; also the kind of the insertion.
     int left;
     int right;
-    int blanks; ///< between the two on the button
-    const char* name; ///< for the tool tip
+    int blanks; ///< The number of blanks between both characters on the button.
+    const char* name; ///< For the tool tip.
 };
 
 struct SingleSymbol
@@ -29,26 +29,25 @@ struct SingleSymbol
 [[nodiscard]] std::span<const WrappingSymbols> WrappingSymbolTable();
 [[nodiscard]] std::span<const SingleSymbol> SingleSymbolTable();
 
-/// The character of a code.
+/// Returns the character of a code.
 [[nodiscard]] QString SymbolText(int code);
 
-/// Puts the character of a code after the selection, which stays as it is.
+/// Inserts the character of a code after the selection, which is unchanged.
 void InsertSpecialCharacter(DisplayDocument& document, int code);
 
 /// The kind that inserts characters by number.
 inline constexpr char UserAsciiKind[] = "UserAscii";
 
-/// Puts a pair around the selected text, or characters by number after the selection.
+/// Inserts a pair around the selected text, or characters by number after the selection.
 ///
-/// Lines that are selected in part or in whole come back as bare text: their painting is lost, which is
-/// meant.
-/// @param kind  the name of a wrapping button, or `UserAsciiKind`; others do nothing
-/// @param extra the numbers for `UserAsciiKind`
+/// A pair replaces the selection by plain text: several selected lines lose their painting, by design.
+/// \param kind   the name of a button for a pair, or `UserAsciiKind`; other texts have no effect
+/// \param extra  the numbers for `UserAsciiKind`
 void InsertSpecialSymbols(DisplayDocument& document, const QString& kind, const QString& extra);
 
-/// The characters of decimal numbers that are separated by single blanks. The leading digits of a piece
-/// count. Code 0, which an empty piece stands for too, has no character in a book and gives none; neither do
-/// halves of a surrogate pair without the other and numbers beyond Unicode.
+/// Returns the characters of decimal numbers that are separated by single blanks. Each number consists of the
+/// leading digits of its piece; it is 0 without digits. Number 0, unpaired surrogates and numbers that are
+/// not in Unicode produce no character.
 [[nodiscard]] QString TextOfNumbers(const QString& numbers);
 
 } // namespace vmk

@@ -11,7 +11,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// The tag without blanks that do no good.
+/// Returns the tag without superfluous blanks.
 QString TidyTag(const QString& line)
 {
     QString tag = CollapseRepeats(line, u" ");
@@ -21,7 +21,7 @@ QString TidyTag(const QString& line)
     return tag;
 }
 
-/// The name of the end tag that belongs to a tag; empty for one that needs none.
+/// Returns the name of the end tag for a tag; empty if the tag needs none.
 QString EndTagName(const QString& tag)
 {
     if (tag.contains("/>"_L1) || tag.contains("</"_L1))
@@ -52,7 +52,7 @@ void InsertTagFromList(DisplayDocument& document, const QString& line, bool clos
     QString startTag = Painted(tag, paint);
 
     TextRange range = page::createRange(document);
-    // The line break at the end of whole lines stays where it is.
+    // The line break after selected lines is not part of the replaced text.
     if (range.end().line > range.start().line && range.end().offset == 0)
         range.moveEnd(u"character", -1);
     const bool selected = !range.isEmpty();

@@ -7,14 +7,13 @@
 
 namespace vmk {
 
-/// Puts a tag of the user's list into the book.
+/// Inserts a tag of the user's list into the book.
 ///
-/// The tag goes in place of the caret or in front of the selected text, which stays; selected lines get it on
-/// a line of its own before them. With the caret inside a tag, only the words of the tag go in, as one adds
-/// an attribute. What was put in at a selection is selected afterwards.
-/// @param line      the tag as it is in the list
-/// @param paint     how tags are painted
-/// @param closeTags adds the end tag after the selection, for a tag that needs one
+/// The tag is inserted at the caret or before the selected text. Before selected lines it is inserted as a
+/// separate line. If the caret is inside a tag, only the words without the brackets are inserted, as for a
+/// new attribute. After an insertion at a selection within a line, the selection contains the inserted tags
+/// too. \param line       the tag, as in the list \param paint      how tags are painted \param closeTags
+/// also inserts the end tag after the selection, if the tag needs one
 void InsertTagFromList(DisplayDocument& document, const QString& line, bool closeTags, const TagPaint& paint);
 
 } // namespace vmk

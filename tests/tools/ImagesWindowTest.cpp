@@ -256,7 +256,7 @@ TEST_F(Images, ContentThatIsNotBase64IsShownAsABrokenPicture)
 TEST_F(Images, AnIdOfOtherContentIsShownFromTheTagOnly)
 {
     OpenBook(BookWith(ImageTag("a.png"), Binary("a.png", SmallPng(), "application/octet-stream")));
-    ShowPicture("a.png", OtherContent::PassOver);
+    ShowPicture("a.png", OtherContent::Ignore);
     EXPECT_FALSE(Viewer().isVisible());
     EXPECT_TRUE(boxTexts.isEmpty());
     RightClick(u"a.png"_s);
@@ -401,11 +401,24 @@ TEST_F(Images, AFileThatDoesNotDecodeIsAddedAndTold)
     AddImageResource();
     EXPECT_EQ(BinaryPart, "\r\n" + Binary("x.png", SmallJpeg()));
     EXPECT_EQ(Message(), u"image resource added, but the file is not a valid PNG picture: x.png"_s);
+    workplace.Make(u"x.png"_s, TornPng());
+    ShowStatus(QString());
+    AddImageResource();
+    EXPECT_EQ(Message(), u"image resource added, but the file is not a valid PNG picture: x.png"_s);
     ShowStatus(QString());
     workplace.Make(u"x.png"_s, SmallPng());
     AddImageResource();
     EXPECT_EQ(Message(), QString());
     EXPECT_TRUE(boxTexts.isEmpty());
+}
+
+TEST_F(Images, ABookThatIsLoadedDuringAnExtractionDoesNotDisturbIt)
+{
+    OpenBook(BookWith("", Binary("a.png", SmallPng()) + Binary("b.jpg", SmallJpeg())));
+    QTimer::singleShot(0, form.get(), [] { BinaryPart.clear(); });
+    ExtractAllImages();
+    EXPECT_TRUE(BinaryPart.empty());
+    EXPECT_EQ(FilesIn(ExtractedImagesFolder), (QStringList{u"a.png"_s, u"b.jpg"_s}));
 }
 
 TEST_F(Images, ALinkWithMarkUpCharactersLeavesTheBookWellFormed)

@@ -10,6 +10,7 @@
 #include "WindowTest.h"
 
 #include <QCheckBox>
+#include <QDialog>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
@@ -202,6 +203,32 @@ TEST_F(ToolWindows, AnEmptyInLineListLeavesNoFile)
     EXPECT_EQ(InLineTags, QStringList{QString()});
 }
 
+TEST_F(ToolWindows, AnInLineListThatCannotBeWrittenStaysInItsWindow)
+{
+    Open();
+    InLineTagsF& tool = OpenBy<InLineTagsF>("uInLineTags");
+    FileOperation(DeleteFileMode, InLineTagsFile);
+    MakeFolder(InLineTagsFile);
+    ClickRow(*tool.InLineListL, 0);
+    Click(tool.RemoveB);
+    Click(tool.DoneB);
+    EXPECT_EQ(boxTexts, QStringList{u"cannot write file: "_s + InLineTagsFile});
+    EXPECT_TRUE(tool.isVisible());
+    EXPECT_EQ(tool.InLineListL->count(), 13);
+    EXPECT_EQ(InLineTagCount, 13);
+}
+
+TEST_F(ToolWindows, AClickBelowTheInLineTagsEndsTheInput)
+{
+    Open();
+    InLineTagsF& tool = OpenBy<InLineTagsF>("uInLineTags");
+    tool.InLineListL->clear();
+    Click(tool.AddB);
+    EXPECT_TRUE(tool.AddTextT->isEnabled());
+    QTest::mouseClick(tool.InLineListL->viewport(), Qt::LeftButton);
+    EXPECT_FALSE(tool.AddTextT->isEnabled());
+}
+
 TEST_F(ToolWindows, TagsThatTheCodePageLacksAreKept)
 {
     Open();
@@ -343,6 +370,33 @@ TEST_F(ToolWindows, EachActivationReadsTheSelectionAnew)
     EXPECT_EQ(FragmentText(tool.HtmlEditor->document()), QString());
 }
 
+TEST_F(ToolWindows, AReturnFromADialogOrAnotherProgramKeepsTheText)
+{
+    OpenBook();
+    SelectText(u"words"_s);
+    EditHtmlWbF& tool = OpenBy<EditHtmlWbF>("uHtmlFragmentEditor");
+    tool.HtmlEditor->setFocus();
+    ASSERT_TRUE(WaitFor([&] { return tool.HtmlEditor->isEditable(); }));
+    QTest::keyClicks(tool.HtmlEditor, u"typed "_s);
+    {
+        QDialog dialog(&tool);
+        dialog.show();
+        EXPECT_TRUE(HasKeyboard(dialog));
+    }
+    Return(tool);
+    EXPECT_EQ(FragmentText(tool.HtmlEditor->document()), u"typed words"_s);
+    // Another program is active, then this window again.
+    QEvent deactivated(QEvent::WindowDeactivate);
+    QCoreApplication::sendEvent(&tool, &deactivated);
+    QEvent activated(QEvent::WindowActivate);
+    QCoreApplication::sendEvent(&tool, &activated);
+    EXPECT_EQ(FragmentText(tool.HtmlEditor->document()), u"typed words"_s);
+    // Another tool window is another window of the program.
+    OpenBy<SpecialCharactersF>("uInsertSpecialSymbols");
+    Return(tool);
+    EXPECT_EQ(FragmentText(tool.HtmlEditor->document()), u"words"_s);
+}
+
 TEST_F(ToolWindows, AnEditedLineComesBackIntoTheBook)
 {
     OpenBook();
@@ -401,8 +455,10 @@ TEST_F(ToolWindows, FontFindAndHelpChangeNothing)
     SelectText(u"words"_s);
     EditHtmlWbF& tool = OpenBy<EditHtmlWbF>("uHtmlFragmentEditor");
     int asked = 0;
-    const SeamGuard font(FontDialogSeam(), [&](const FontChoice&) {
+    const SeamGuard font(FontDialogSeam(), [&](const FontDialogRequest& request) {
         ++asked;
+        EXPECT_EQ(request.title, u"Change viewer font"_s);
+        EXPECT_EQ(request.current, FontChoice());
         return std::optional(FontChoice{u"DejaVu Sans"_s, 40, true, false});
     });
     const int before = page::createTextRange(tool.HtmlEditor->document()).boundingWidth();

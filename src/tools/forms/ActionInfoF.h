@@ -6,7 +6,7 @@ class QLabel;
 
 namespace vmk {
 
-/// A small note without a frame, beside the main window, that tells what is going on.
+/// A small frameless note beside the main window that shows the current activity.
 class ActionInfoF : public QWidget
 {
     Q_OBJECT

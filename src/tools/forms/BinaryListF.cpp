@@ -44,7 +44,7 @@ void BinaryListF::GetBinaryTags()
     QStringList lines;
     size_t position = 0;
     for (int round = 0; round < MostBinaryElements && !BinaryPart.empty(); ++round) {
-        // The words are those of the extraction, as is meant.
+        // The text is that of the extraction, by design.
         ShowStatus(u"...extracting images..."_s + QString::number(lines.size() + 1));
         const std::optional<BinaryTag> tag = NextBinaryTag(BinaryPart, position);
         if (!tag)
@@ -73,7 +73,7 @@ void BinaryListF::TagListF_Click()
 void BinaryListF::ExtractAndShowImage(const std::string& id)
 {
     const HourglassScope hourglass;
-    ShowPicture(id, OtherContent::PassOver);
+    ShowPicture(id, OtherContent::Ignore);
 }
 
 void BinaryListF::keyPressEvent(QKeyEvent* event)

@@ -9,8 +9,8 @@ class QListWidget;
 
 namespace vmk {
 
-/// The list of the book's `binary` elements by their start tags. A click on a picture's tag, or Enter, shows
-/// the picture. Closing the form removes `TempImagesFolder`.
+/// Lists the start tags of the book's `binary` elements. A click on the tag of a picture, or Enter, shows the
+/// picture. Closing the form removes `TempImagesFolder`.
 class BinaryListF : public ToolForm
 {
     Q_OBJECT
@@ -18,10 +18,10 @@ class BinaryListF : public ToolForm
 public:
     BinaryListF();
 
-    /// Fills the list from `BinaryPart` and shows the form, unless there is nothing to list.
+    /// Fills the list from `BinaryPart` and shows the form. Does nothing if the book has no element.
     void GetBinaryTags();
-    /// Shows the picture whose id begins with `id`, given in the bytes of `BinaryPart`; does nothing for
-    /// other content.
+    /// Shows the picture whose id begins with `id`; ignores other content.
+    /// \param id  in the encoding of `BinaryPart`
     void ExtractAndShowImage(const std::string& id);
 
     QListWidget* TagListF = nullptr;
@@ -33,7 +33,7 @@ protected:
 private:
     void TagListF_Click();
 
-    /// The tags as they are in `BinaryPart`, one for each line of the list.
+    /// The bytes of the tags in `BinaryPart`, one for each line of the list.
     std::vector<std::string> tags;
 };
 

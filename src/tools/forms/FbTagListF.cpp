@@ -104,7 +104,7 @@ void FbTagListF::DefaultB_Click()
 
 void FbTagListF::DoneB_Click()
 {
-    // A list that could not be written stays in the window.
+    // If the list could not be written, the window keeps it.
     if (writeList())
         close();
 }

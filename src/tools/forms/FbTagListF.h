@@ -9,8 +9,8 @@ class QPushButton;
 
 namespace vmk {
 
-/// The user's tags, to be put into the book at the caret or around the selection. The file is written by
-/// "done" and by "default".
+/// The user's list of tags for insertion into the book at the caret or around the selection. "done" and
+/// "default" write its file.
 class FbTagListF : public ToolForm
 {
     Q_OBJECT
@@ -38,7 +38,7 @@ private:
     void DefaultB_Click();
     void DoneB_Click();
     void InsertB_Click();
-    /// Writes the list to its file; reports a failure.
+    /// Writes the list to its file. \return false, after a box, if it could not be written
     bool writeList();
 };
 

@@ -19,6 +19,8 @@
 #include "UnsavedText.h"
 
 #include <QBuffer>
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QImageReader>
 
 namespace vmk {
@@ -43,7 +45,7 @@ QString PictureFilter(const QString& extension)
     return u"(*.jpg;*.png)|*.jpg;*.png|JPG - JPEG|*.jpg|PNG - Portable Network Graphics|*.png|"_s;
 }
 
-/// True when the bytes decode as the picture that the extension names.
+/// Returns true if the bytes can be decoded in the format of the extension.
 bool Decodes(const std::string& bytes, const QString& extension)
 {
     const PictureInfo info = ReadPictureInfo(bytes);
@@ -53,16 +55,16 @@ bool Decodes(const std::string& bytes, const QString& extension)
     QBuffer buffer(&data);
     QImageReader reader(&buffer, extension.toLatin1());
     const qint64 memory = qint64(4) * info.width * info.height;
-    // A picture too large to be decoded here may be a good one; its parts are complete.
+    // A picture that is too large to be decoded here can be valid; `ReadPictureInfo` has checked its parts.
     return memory > qint64(QImageReader::allocationLimit()) * 1024 * 1024 || !reader.read().isNull();
 }
 
-/// The message of a file that cannot be the picture of the link; empty for one that can.
+/// Returns the message for a file whose extension does not fit the link; empty if it fits.
 QString Refusal(const QString& extension, const QString& href)
 {
     if (extension != "png"_L1 && extension != "jpg"_L1)
         return NotAdded;
-    // The extension may be anywhere in the link, in small letters, which is meant.
+    // The extension can be anywhere in the link, in lower case, by design.
     if (!href.contains(extension))
         return NotAdded + u"\r\nimage file extension does not correspond to href"_s;
     return {};
@@ -82,6 +84,24 @@ void AppendResource(const QString& file, const QString& extension)
                    + FormatName(FormatOfType(extension)) + u" picture: "_s + FileOperation(NameMode, file));
 }
 
+/// Lets the windows paint themselves and answer the window manager during a long command, ten times a second.
+/// Input of the user waits until the command has finished.
+class WindowsKeptAlive
+{
+public:
+    void step()
+    {
+        constexpr int Interval = 100;
+        if (sinceLast.isValid() && sinceLast.elapsed() < Interval)
+            return;
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        sinceLast.start();
+    }
+
+private:
+    QElapsedTimer sinceLast;
+};
+
 } // namespace
 
 void ExtractAllImages()
@@ -89,9 +109,14 @@ void ExtractAllImages()
     if (BinaryPart.empty())
         return;
     const HourglassScope hourglass;
+    // An event can load another book meanwhile.
+    const std::string binaryPart = BinaryPart;
+    WindowsKeptAlive windows;
     const ExtractedPictures pictures = ExtractPictures(
-        BinaryPart, BinaryCodePage, ExtractedImagesFolder, MostBinaryElements,
-        [](int number) { ShowStatus(u"...extracting images..."_s + QString::number(number)); });
+        binaryPart, BinaryCodePage, ExtractedImagesFolder, MostBinaryElements, [&](int number) {
+            ShowStatus(u"...extracting images..."_s + QString::number(number));
+            windows.step();
+        });
     if (pictures.count == 0) {
         PlayProgramSound(u"ParseError.wav"_s, true);
         ShowStatus(u"no images extracted"_s);
@@ -133,7 +158,7 @@ void ShowPicture(std::string_view id, OtherContent other)
         StopBox(NotFound);
         return;
     }
-    if (other == OtherContent::PassOver && !IsPictureTag(element->tag))
+    if (other == OtherContent::Ignore && !IsPictureTag(element->tag))
         return;
     const std::string bytes = PictureBytes(element->data);
     file += PictureExtension(DecodeBytes(id, BinaryCodePage), bytes);

@@ -4,12 +4,12 @@
 
 #include <string_view>
 
-/// The commands on the pictures of the open book. The pictures are in `BinaryPart`; what these commands
-/// change there reaches the file with the next save. Commands on one picture take its id from the link of the
-/// tag under the last right click.
+/// The commands for the pictures of the open book. The pictures are in `BinaryPart`; the next save writes a
+/// change to the file. A command for one picture takes its id from the link of the tag under the last right
+/// click.
 namespace vmk {
 
-/// Writes every picture to `ExtractedImagesFolder`; earlier files of the same names are replaced.
+/// Writes each picture to `ExtractedImagesFolder` and replaces files with the same names.
 void ExtractAllImages();
 
 /// Removes `ExtractedImagesFolder` with its content, without a question.
@@ -18,22 +18,22 @@ void DeleteExtractedImages();
 /// Shows the picture in the viewer.
 void ShowImage();
 
-/// Asks for a picture file and appends it as an element.
+/// Asks for a picture file and appends an element for it.
 void AddImageResource();
 
-/// Takes the element out, without a question.
+/// Removes the element, without a question.
 void RemoveImageResource();
 
-/// What `ShowPicture` does with an element that is not a picture.
+/// Whether `ShowPicture` shows an element that is not a picture.
 enum class OtherContent
 {
     Show,
-    PassOver
+    Ignore
 };
 
 /// Writes the content of the element whose id begins with `id` to a file in `TempImagesFolder`, which is
 /// emptied first, and shows it in the viewer. Reports an id that is not found.
-/// @param id in the bytes of `BinaryPart`
+/// \param id  in the encoding of `BinaryPart`
 void ShowPicture(std::string_view id, OtherContent other);
 
 } // namespace vmk

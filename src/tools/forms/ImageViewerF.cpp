@@ -19,8 +19,8 @@ constexpr QSize FormSize(500, 400);
 constexpr int BarHeight = 20;
 constexpr float SizePanelWidth = 900;
 constexpr int EdgePixels = 10;
-/// What one decoded picture may take, in megabytes: 64 million pixels. Larger ones are refused before any
-/// memory is taken for them.
+/// The memory limit of a decoded picture, in megabytes: 64 million pixels. A larger picture is refused before
+/// memory is allocated for it.
 constexpr int MemoryLimit = 256;
 
 QString SizeText(const QSize& size)
@@ -28,7 +28,7 @@ QString SizeText(const QSize& size)
     return size.isValid() ? QString::number(size.width()) + u'x' + QString::number(size.height()) : QString();
 }
 
-/// Why a picture is not shown.
+/// Returns why a picture is not shown.
 QString ReasonNotShown(const QImageReader& reader, const QSize& size)
 {
     constexpr qint64 BytesOfPixel = 4;
@@ -79,7 +79,7 @@ void ImageViewerF::ShowImageInViewer(const QString& imagePath, const QString& bi
 
     QImageReader::setAllocationLimit(MemoryLimit);
     QImageReader reader(imagePath);
-    // The name's extension need not be that of the content.
+    // The extension can differ from the format of the content.
     reader.setDecideFormatFromContent(true);
     const QSize size = reader.size();
     const QImage picture = reader.read();

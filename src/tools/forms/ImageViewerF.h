@@ -9,7 +9,8 @@ namespace vmk {
 class PanelBar;
 class PictureView;
 
-/// Shows one picture file at its own size and tells the size. Closing it removes `TempImagesFolder`.
+/// Shows a picture file in its original size, and the size as text. Closing the form removes
+/// `TempImagesFolder`.
 class ImageViewerF : public ToolForm
 {
     Q_OBJECT
@@ -17,9 +18,9 @@ class ImageViewerF : public ToolForm
 public:
     ImageViewerF();
 
-    /// Shows a picture file; does nothing if there is none. A file that cannot be shown, or whose picture is
-    /// too large for the memory, shows as a line of text.
-    /// @param binaryTag the start tag of the picture's element
+    /// Shows a picture file; does nothing if it is missing. Shows a message if the file cannot be decoded or
+    /// the picture is too large for the memory.
+    /// \param binaryTag  the start tag of the picture's element
     void ShowImageInViewer(const QString& imagePath, const QString& binaryTag);
 
     PictureView* ImVi = nullptr;

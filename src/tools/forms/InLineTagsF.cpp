@@ -17,17 +17,22 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// Makes `tags` the list in force and writes its file; no file is left for an empty list.
-void UseTags(const QStringList& tags)
+/// Makes `tags` the current list and writes its file; an empty list deletes the file.
+/// \return false, after a box, if the file could not be written
+bool UseTags(const QStringList& tags)
 {
     InLineTags = tags;
     InLineTagCount = int(tags.size());
     QStringList kept;
-    FileOperation(DeleteFileMode, tags.isEmpty() ? InLineTagsFile : QString());
-    if (!tags.isEmpty() && !WriteTagFile(tags, InLineTagsFile, kept))
+    if (tags.isEmpty()) {
+        FileOperation(DeleteFileMode, InLineTagsFile);
+    } else if (!WriteTagFile(tags, InLineTagsFile, kept)) {
         StopBox(u"cannot write file: "_s + InLineTagsFile);
-    else
-        ReadInLineTags();
+        return false;
+    }
+    // The list has the form that it has after a start.
+    ReadInLineTags();
+    return true;
 }
 
 } // namespace
@@ -43,7 +48,7 @@ InLineTagsF::InLineTagsF()
     RemoveB = design.addButton(u"RemoveB"_s, u"remove"_s);
     DefaultB = design.addButton(u"DefaultB"_s, u"default"_s);
     DoneB = design.addButton(u"DoneB"_s, u"done"_s);
-    connect(InLineListL, &QListWidget::itemPressed, this, [this] { AddTextT->setEnabled(false); });
+    InLineListL->viewport()->installEventFilter(this);
     connect(AddTextT, &QLineEdit::returnPressed, this, &InLineTagsF::AddTextT_Enter);
     connect(AddB, &QPushButton::clicked, this, &InLineTagsF::AddB_Click);
     connect(RemoveB, &QPushButton::clicked, this, &InLineTagsF::RemoveB_Click);
@@ -89,7 +94,7 @@ void InLineTagsF::AddB_Click()
 void InLineTagsF::AddTextT_Enter()
 {
     addTag();
-    // Without the focus first, it would go to whatever comes next.
+    // Disabling a field that has the focus would move the focus to the next control.
     AddB->setFocus();
     AddTextT->setEnabled(false);
 }
@@ -103,7 +108,7 @@ void InLineTagsF::RemoveB_Click()
 void InLineTagsF::DefaultB_Click()
 {
     AddTextT->setEnabled(false);
-    UseTags(DefaultInLineTags());
+    (void)UseTags(DefaultInLineTags());
     fillList();
 }
 
@@ -114,8 +119,17 @@ void InLineTagsF::DoneB_Click()
         if (const QString tag = InLineListL->item(row)->text().trimmed(); !tag.isEmpty())
             tags.append(tag);
     }
-    UseTags(tags);
-    close();
+    // If the list could not be written, the window keeps it.
+    if (UseTags(tags))
+        close();
+}
+
+bool InLineTagsF::eventFilter(QObject* watched, QEvent* event)
+{
+    // A click anywhere in the list ends the input of a tag.
+    if (event->type() == QEvent::MouseButtonPress)
+        AddTextT->setEnabled(false);
+    return ToolForm::eventFilter(watched, event);
 }
 
 } // namespace vmk

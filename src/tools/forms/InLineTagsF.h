@@ -8,8 +8,8 @@ class QPushButton;
 
 namespace vmk {
 
-/// Edits the list of the tags that count as in-line: no line is broken around them when a book is loaded.
-/// What was changed is taken over by "done" alone; "default" writes the list at once.
+/// Edits the list of the in-line tags: when a book is loaded, no line is broken around them. "done" applies
+/// the changes; "default" writes its list immediately.
 class InLineTagsF : public ToolForm
 {
     Q_OBJECT
@@ -26,6 +26,7 @@ public:
 
 protected:
     void Form_Load() override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void AddB_Click();

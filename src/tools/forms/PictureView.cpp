@@ -31,16 +31,16 @@ QSize PictureView::sizeHint() const
 {
     if (!image.isNull())
         return image.deviceIndependentSize().toSize().expandedTo({1, 1});
-    const QRect place = fontMetrics().boundingRect(QRect(0, 0, TextWidth, 0), Qt::TextWordWrap, text);
-    return place.size() + QSize(2 * TextMargin, 2 * TextMargin);
+    const QRect area = fontMetrics().boundingRect(QRect(0, 0, TextWidth, 0), Qt::TextWordWrap, text);
+    return area.size() + QSize(2 * TextMargin, 2 * TextMargin);
 }
 
 void PictureView::fit()
 {
     fittedRatio = devicePixelRatioF();
-    // Dots for each pixel of the picture, in each direction.
-    const qreal dots = std::max(1.0, std::floor(fittedRatio));
-    image.setDevicePixelRatio(fittedRatio / dots);
+    // The device pixels of each pixel of the picture, in each direction.
+    const qreal devicePixels = std::max(1.0, std::floor(fittedRatio));
+    image.setDevicePixelRatio(fittedRatio / devicePixels);
     resize(sizeHint());
     updateGeometry();
 }
@@ -56,7 +56,7 @@ void PictureView::paintEvent(QPaintEvent*)
                          int(Qt::AlignCenter) | int(Qt::TextWordWrap), text);
         return;
     }
-    // What is transparent shows the paper of a page.
+    // Transparent pixels are white, as on a page.
     painter.fillRect(rect(), Qt::white);
     painter.drawImage(QPointF(0, 0), image);
 }

@@ -6,10 +6,10 @@
 
 namespace vmk {
 
-/// Draws a picture at its own size, or a line of text where there is none.
+/// Draws a picture in its original size, or a message if there is no picture.
 ///
-/// One pixel of the picture is one pixel of a plain screen. On a screen with more dots it is a whole number
-/// of dots in each direction, so that nothing is blurred.
+/// A pixel of the picture is one device-independent pixel. On a screen with a higher density it covers a
+/// whole number of device pixels in each direction, so that the picture is not blurred.
 class PictureView : public QWidget
 {
     Q_OBJECT
@@ -17,7 +17,7 @@ class PictureView : public QWidget
 public:
     explicit PictureView(QWidget* parent = nullptr);
 
-    /// A null picture shows `message`.
+    /// Shows the picture, or the message if the picture is null.
     void Show(const QImage& newPicture, const QString& newMessage);
 
     [[nodiscard]] const QImage& picture() const { return image; }
@@ -28,7 +28,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    /// Fits the size of the widget to the picture and the screen.
+    /// Adapts the size of the widget to the picture and the screen.
     void fit();
 
     QImage image;

@@ -22,7 +22,7 @@ constexpr int Columns = 6;
 constexpr QSize ButtonSize(52, 40);
 constexpr qreal SymbolScale = 1.5;
 
-/// The book, or null while none is open for editing.
+/// Returns the document of the book; null if no book is open for editing.
 DisplayDocument* Book()
 {
     DisplayView& display = *Form1::Instance()->HTMLread;
@@ -124,7 +124,7 @@ void SpecialCharactersF::InsertAsciiB_Click()
 
 void SpecialCharactersF::keyPressEvent(QKeyEvent* event)
 {
-    // Enter presses the button with the focus, as the space bar does.
+    // Enter clicks the focused button, as the space bar does.
     auto* button = qobject_cast<QPushButton*>(focusWidget());
     const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (isEnter && button)

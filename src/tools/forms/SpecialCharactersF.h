@@ -8,7 +8,7 @@ class QPushButton;
 
 namespace vmk {
 
-/// A palette of typographic characters that go into the book at the caret or around the selection.
+/// A palette of typographic characters for insertion into the book at the caret or around the selection.
 class SpecialCharactersF : public ToolForm
 {
     Q_OBJECT
@@ -16,7 +16,7 @@ class SpecialCharactersF : public ToolForm
 public:
     SpecialCharactersF();
 
-    /// The numbers of characters to insert.
+    /// The numbers of the characters that `InsertAsciiB` inserts.
     QLineEdit* AsciiCodeT = nullptr;
     QPushButton* InsertAsciiB = nullptr;
 

@@ -11,14 +11,14 @@ class QWidget;
 
 namespace vmk {
 
-/// The common look of the windows with a list of tags: the list, under it a field with its button, and a row
-/// of buttons. The Tab key goes through the controls in the order in which they are added.
+/// The common layout of the windows with a list of tags: the list, below it a field with its button, and a
+/// row of buttons. The tab order is the order in which the controls are added.
 class TagListLayout
 {
 public:
     explicit TagListLayout(QWidget& ofForm);
 
-    /// @param label what a screen reader calls the control
+    /// \param label  the accessible name of the control
     [[nodiscard]] QListWidget* addList(const QString& name, const QString& label);
     [[nodiscard]] QLineEdit* addField(const QString& name, const QString& label);
     [[nodiscard]] QPushButton* addFieldButton(const QString& name, const QString& caption);

@@ -9,7 +9,7 @@
 namespace vmk {
 
 ToolForm::ToolForm(const QString& name, const QString& title)
-    // A dialog for the window manager: it stays above the main window, to which it belongs.
+    // The window manager keeps a dialog above its owner.
     : QWidget(Form1::Instance(), Qt::Dialog | Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint)
 {
     setObjectName(name);
@@ -36,7 +36,7 @@ void ToolForm::ShowForm()
 
 void ToolForm::showEvent(QShowEvent* event)
 {
-    // The window manager's own showing, after minimising, is not a load.
+    // When the window manager restores a minimised form, the form is not loaded again.
     if (!event->spontaneous() && !loaded) {
         loaded = true;
         Form_Load();

@@ -5,25 +5,25 @@
 
 namespace vmk {
 
-/// A tool window: modeless, beside the main window, to which it belongs. There is one instance of each, see
-/// `InstanceOf`. Escape closes it.
+/// A modeless tool window, owned by the main window. Each form has a single instance, see `InstanceOf`.
+/// Escape closes it.
 class ToolForm : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// Shows the form and gives it the keyboard. A form that was closed is placed beside the main window.
+    /// Shows and activates the form. A closed form is placed beside the main window first.
     void ShowForm();
 
 protected:
-    /// @param name the form's name, also for tests
+    /// \param name  the object name
     ToolForm(const QString& name, const QString& title);
 
-    /// Runs each time the closed form is shown.
+    /// Called each time the closed form is shown.
     virtual void Form_Load() { }
-    /// Runs when the form is closed.
+    /// Called when the form is closed.
     virtual void Form_Unload() { }
-    /// Where the form is placed; a position of `PlaceFormBeside`.
+    /// Returns the position of the form, as a number of `PlaceFormBeside`.
     [[nodiscard]] virtual int placement() const;
 
     void showEvent(QShowEvent* event) override;
@@ -34,7 +34,7 @@ private:
     bool loaded = false;
 };
 
-/// The form if it was made already, else null.
+/// Returns the instance of a form; null if it was not created yet.
 template <typename Form>
 QPointer<Form>& ExistingForm()
 {
@@ -42,7 +42,7 @@ QPointer<Form>& ExistingForm()
     return form;
 }
 
-/// The only instance of a form, made when it is first asked for; it is destroyed with the main window.
+/// Returns the single instance of a form, created at the first call. It is destroyed with the main window.
 template <typename Form>
 Form& InstanceOf()
 {

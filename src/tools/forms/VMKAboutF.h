@@ -4,7 +4,7 @@
 
 namespace vmk {
 
-/// Name, version and licence of the program. A click or Escape closes it.
+/// Shows name, version and licence of the program. A click, Enter or Escape closes it.
 class VMKAboutF : public ToolForm
 {
     Q_OBJECT
