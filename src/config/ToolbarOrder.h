@@ -42,7 +42,8 @@ struct ToolbarLists
 [[nodiscard]] ToolbarLists MakeLists(const ToolbarOrder& shown, int designCount);
 
 /// Moves a row of `available` into `shown`, before the row `before`, or to the end if there is no such row.
-/// The separator stays available. @return the new row in `shown`; -1 if there is no such row to add.
+/// The separator remains available.
+/// \return the new row in `shown`; -1 if there is no such row to add.
 int AddButton(ToolbarLists& lists, int availableRow, int before);
 
 /// Moves a row of `shown` back to its design position in `available`; a separator is removed.

@@ -30,9 +30,9 @@ public:
     {
     }
 
-    void paint(QPainter* painter, const QRect& place, QIcon::Mode mode, QIcon::State state) override
+    void paint(QPainter* painter, const QRect& area, QIcon::Mode mode, QIcon::State state) override
     {
-        look(mode).paint(painter, place, Qt::AlignCenter, mode, state);
+        look(mode).paint(painter, area, Qt::AlignCenter, mode, state);
     }
 
     QPixmap pixmap(const QSize& pixels, QIcon::Mode mode, QIcon::State state) override

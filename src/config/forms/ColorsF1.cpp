@@ -143,8 +143,8 @@ void ColorsF1::moveTo(int cell)
     if (cell < 0 || cell >= ColorCellCount)
         return;
     chooseCell(cell);
-    const QRect place = ColorCell(cell);
-    QToolTip::showText(mapToGlobal(place.bottomRight()), HtmlOfColor(table.color(cell)), this, place);
+    const QRect area = ColorCell(cell);
+    QToolTip::showText(mapToGlobal(area.bottomRight()), HtmlOfColor(table.color(cell)), this, area);
 }
 
 void ColorsF1::chooseCell(int cell)

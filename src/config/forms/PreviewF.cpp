@@ -11,11 +11,11 @@
 #include "PreviewPage.h"
 #include "SettingsF.h"
 #include "StartUpVariables.h"
-#include "WindowFunctions.h"
 
 #include <QCheckBox>
 #include <QKeyEvent>
 #include <QPointer>
+#include <QPushButton>
 #include <QScreen>
 
 #include <array>
@@ -51,9 +51,53 @@ private:
     QString message;
 };
 
+int AreaOf(const QRect& area)
+{
+    return area.isEmpty() ? 0 : area.width() * area.height();
+}
+
 } // namespace
 
-PreviewF::PreviewF(QWidget& owner)
+QRect PreviewGeometry(const QSize& wanted, const QMargins& frame, const QRect& dialog, const QRect& buttons,
+                      const QRect& screen)
+{
+    const QSize outer = wanted.grownBy(frame);
+    const std::array<QPoint, 4> beside = {
+        QPoint(dialog.right() + 1, dialog.top()),
+        QPoint(dialog.left() - outer.width(), dialog.top()),
+        QPoint(dialog.left(), dialog.bottom() + 1),
+        QPoint(dialog.left(), dialog.top() - outer.height()),
+    };
+    for (const QPoint& corner : beside) {
+        if (screen.contains(QRect(corner, outer)))
+            return QRect(corner, outer).marginsRemoved(frame);
+    }
+
+    // Try the corners of the screen, and lower sizes if no corner leaves the buttons visible.
+    constexpr int LeastHeight = 150;
+    constexpr int Step = 10;
+    QRect best;
+    for (int height = outer.height(); height >= LeastHeight && best.isEmpty(); height -= Step) {
+        QRect area(QPoint(), QSize(outer.width(), height).boundedTo(screen.size()));
+        int covered = AreaOf(screen) + 1;
+        for (const Qt::Corner corner :
+             {Qt::TopRightCorner, Qt::TopLeftCorner, Qt::BottomRightCorner, Qt::BottomLeftCorner}) {
+            const bool isRight = corner == Qt::TopRightCorner || corner == Qt::BottomRightCorner;
+            const bool isBottom = corner == Qt::BottomLeftCorner || corner == Qt::BottomRightCorner;
+            area.moveLeft(isRight ? screen.right() - area.width() + 1 : screen.left());
+            area.moveTop(isBottom ? screen.bottom() - area.height() + 1 : screen.top());
+            if (area.intersects(buttons) || AreaOf(area & dialog) >= covered)
+                continue;
+            covered = AreaOf(area & dialog);
+            best = area;
+        }
+    }
+    if (best.isEmpty())
+        best = QRect(screen.topLeft(), outer.boundedTo(screen.size()));
+    return best.marginsRemoved(frame);
+}
+
+PreviewF::PreviewF(SettingsF& owner)
     : QWidget(&owner, Qt::Window)
     , samplePage(SamplePageFile())
 {
@@ -71,8 +115,7 @@ PreviewF::PreviewF(QWidget& owner)
     };
     FbPreview->events.ondocumentcomplete = [this](const QString&) { FbPreview->scroll(0, keptScrollTop); };
     ThePreview = this;
-    resize(FormSize);
-    place();
+    placeBeside(owner);
     ShowEmptyPage({.preview = true, .skipStatus = true});
 }
 
@@ -104,26 +147,16 @@ void PreviewF::Unload()
         ThePreview->close();
 }
 
-void PreviewF::place()
+void PreviewF::placeBeside(const SettingsF& owner)
 {
-    // Right of the dialog, left of it, below or above it; if there is no room, in the corner of the screen.
-    constexpr int ScreenCorner = 8;
-    constexpr float BorderTwips = 8 * 15;
-    const QRect dialog = parentWidget()->frameGeometry();
-    const QSizeF screen = parentWidget()->screen()->size();
-    const std::array<QPointF, 4> corners = {
-        QPointF(dialog.right() + 1, dialog.top()),
-        QPointF(dialog.left() - width(), dialog.top()),
-        QPointF(dialog.left(), dialog.bottom() + 1),
-        QPointF(dialog.left(), dialog.top() - height()),
-    };
-    for (const QPointF& corner : corners) {
-        if (QRectF({0, 0}, screen).contains(QRectF(corner, QSizeF(size())))) {
-            move(corner.toPoint());
-            return;
-        }
-    }
-    PlaceFormBeside(*this, *parentWidget(), ScreenCorner, -BorderTwips, -BorderTwips);
+    const QRect outer = owner.frameGeometry();
+    const QRect inner = owner.geometry();
+    const QMargins frame(inner.left() - outer.left(), inner.top() - outer.top(),
+                         outer.right() - inner.right(), outer.bottom() - inner.bottom());
+    QRect buttons;
+    for (const QPushButton* button : {owner.DefaultB, owner.DeleteIniFile, owner.ReloadB, owner.DoneB})
+        buttons |= QRect(button->mapToGlobal(QPoint()), button->size());
+    setGeometry(PreviewGeometry(FormSize, frame, outer, buttons, owner.screen()->availableGeometry()));
 }
 
 void PreviewF::ShowSample()

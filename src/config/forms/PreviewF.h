@@ -5,6 +5,18 @@
 namespace vmk {
 
 class DisplayView;
+class SettingsF;
+
+/// Returns the position and size of the preview, without its frame: beside the dialog if there is room there,
+/// otherwise in the corner of the screen where it covers no button and the least of the dialog. It is lower
+/// than wanted if it would cover the buttons in every corner.
+/// \param wanted   the size of the preview
+/// \param frame    the frame that the window manager adds
+/// \param dialog   the dialog with its frame
+/// \param buttons  the part of the dialog that must remain visible
+/// \param screen   the available part of the screen; all in pixels of the desktop
+[[nodiscard]] QRect PreviewGeometry(const QSize& wanted, const QMargins& frame, const QRect& dialog,
+                                    const QRect& buttons, const QRect& screen);
 
 /// The preview: shows the sample book with the values in the controls of the settings dialog. The page is
 /// read-only.
@@ -13,7 +25,7 @@ class PreviewF : public QWidget
     Q_OBJECT
 
 public:
-    explicit PreviewF(QWidget& owner);
+    explicit PreviewF(SettingsF& owner);
     ~PreviewF() override;
 
     /// Returns the window; null if it is not loaded.
@@ -36,7 +48,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    void place();
+    void placeBeside(const SettingsF& owner);
 
     /// The file of the sample's page; written anew at each preview.
     QString samplePage;
