@@ -1,5 +1,6 @@
 // Opens every window that a menu entry opens, and draws all windows on one picture:
-//     windowsheet light|dark sheet.png
+//     windowsheet light|dark sheet.png [FOLDER]
+// With FOLDER, each window has a picture there too, with the name of its form.
 // QT_SCALE_FACTOR and QT_QPA_PLATFORM work as in any program of the toolkit.
 #include "Boxes.h"
 #include "ColorsF1.h"
@@ -57,6 +58,7 @@ QPalette DarkPalette()
 struct Picture
 {
     QString caption;
+    QString form;
     QPixmap pixels;
 };
 
@@ -72,7 +74,7 @@ public:
             const bool known = std::ranges::any_of(
                 pictures, [&caption](const Picture& picture) { return picture.caption == caption; });
             if (window->isVisible() && !caption.isEmpty() && !known)
-                pictures.push_back({caption, window->grab()});
+                pictures.push_back({caption, window->objectName(), window->grab()});
         }
     }
 
@@ -90,6 +92,13 @@ public:
         });
         painter.end();
         return image.save(path);
+    }
+
+    bool saveEach(const QString& folder) const
+    {
+        return std::ranges::all_of(pictures, [&folder](const Picture& picture) {
+            return picture.form.isEmpty() || picture.pixels.save(folder + u'/' + picture.form + u".png"_s);
+        });
     }
 
 private:
@@ -164,8 +173,8 @@ void TakeAll(Form1& form, Sheet& sheet)
 int main(int argc, char* argv[])
 {
     const QApplication application(argc, argv);
-    if (argc != 3) {
-        std::fputs("usage: windowsheet light|dark sheet.png\n", stderr);
+    if (argc != 3 && argc != 4) {
+        std::fputs("usage: windowsheet light|dark sheet.png [FOLDER]\n", stderr);
         return 1;
     }
     const bool dark = QByteArray(argv[1]) == "dark";
@@ -193,5 +202,7 @@ int main(int argc, char* argv[])
     QTest::qWait(500);
     Sheet sheet;
     TakeAll(form, sheet);
-    return sheet.save(QString::fromLocal8Bit(argv[2]), dark) ? 0 : 1;
+    const bool saved = sheet.save(QString::fromLocal8Bit(argv[2]), dark)
+        && (argc == 3 || sheet.saveEach(QString::fromLocal8Bit(argv[3])));
+    return saved ? 0 : 1;
 }
