@@ -4,7 +4,7 @@ _vmk() {
     local word=${COMP_WORDS[COMP_CWORD]} command=${COMP_WORDS[1]}
     local words
     if [ "$COMP_CWORD" -eq 1 ]; then
-        words=$(vmk --help 2>/dev/null | sed -nE 's/^  ([a-z]+) .*/\1/p')
+        words=$(vmk --help 2>/dev/null | sed -nE 's/^  ([a-z]+)  +.*/\1/p')
         words+=' --help --version'
     elif [[ $word == -* ]]; then
         words=$(vmk "$command" --help 2>/dev/null | grep -oE -- '(^|[^-[:alnum:]])--[a-z][-a-z]*' | grep -oE -- '--[-a-z]+' | sort -u)

@@ -37,7 +37,7 @@ completed() {
         "_$1"
         printf "%s\n" "${COMPREPLY[@]}" | LC_ALL=C sort' "$completions" "$@"
 }
-commands=$("$bin/vmk" --help | sed -nE 's/^  ([a-z]+) .*/\1/p' | LC_ALL=C sort)
+commands=$("$bin/vmk" --help | sed -nE 's/^  ([a-z]+)  +.*/\1/p' | LC_ALL=C sort)
 [ "$(wc -l <<<"$commands")" -ge 7 ] || fail "the help names few commands: $commands"
 expect "the commands" "$commands" "$(completed vmk '' | grep -v '^-')"
 expect "a command" validate "$(completed vmk val)"
