@@ -1,6 +1,7 @@
 #include "SettingsTest.h"
 
 #include "ColorsF1.h"
+#include "PreviewPage.h"
 #include "ShownFont.h"
 
 #include <QAbstractItemView>
