@@ -30,7 +30,9 @@ extern const Command ConvertCommand;
 extern const Command DisplayCommand;
 extern const Command FindCommand;
 extern const Command ImagesCommand;
+extern const Command RecoverCommand;
 extern const Command SpellCommand;
 extern const Command ValidateCommand;
+extern const Command VersionsCommand;
 
 } // namespace vmk

@@ -19,8 +19,9 @@ using namespace vmk;
 
 namespace {
 
-constexpr std::array Commands = {&ValidateCommand, &DisplayCommand, &FindCommand, &ConvertCommand,
-                                 &ImagesCommand,   &CleanCommand,   &SpellCommand};
+constexpr std::array Commands
+    = {&ValidateCommand, &DisplayCommand, &FindCommand,     &ConvertCommand, &ImagesCommand,
+       &CleanCommand,    &SpellCommand,   &VersionsCommand, &RecoverCommand};
 
 QString GeneralHelp()
 {

@@ -7,6 +7,7 @@
 #include "FbFunctions.h"
 #include "FilePaths.h"
 #include "MainWindowSeams.h"
+#include "OpenSession.h"
 #include "UnsavedText.h"
 
 using namespace Qt::StringLiterals;
@@ -22,25 +23,6 @@ void ReportProblem(const QString& problem)
     ShowStatusPanel(GeneralPanel,
                     problem.isEmpty() ? u"unsaved text is safe again"_s
                                       : u"unsaved text is not safe: "_s + problem);
-}
-
-/// Sets the variables of the open book; see `BookVariables.h`.
-void TakeFacts(const JournalBase& session)
-{
-    const BookFacts& facts = session.facts;
-    BinaryPart = *session.binary;
-    BinaryCodePage = facts.binaryCodePage;
-    WorkCodePage = facts.workCodePage;
-    FileCodePage = facts.fileCodePage;
-    BookKeepsText = facts.keepsText;
-    BookHasCharRefs = facts.hasCharRefs;
-    WorkEncodingName = facts.workEncodingName;
-    WorkMetaTag = facts.workMetaTag;
-    FileEncodingName = facts.fileEncodingName;
-    FileMetaTag = facts.fileMetaTag;
-    XmlDeclaration = facts.xmlDeclaration;
-    BadBinaryPart = false;
-    OpenBookOnDisk = {facts.path, facts.onDisk, facts.checksum, false};
 }
 
 /// The page of a session, as the display shows it.

@@ -14,7 +14,7 @@ namespace vmk {
 /// Writes the journal of one session. Keeps the present state of the book, so that it can write a new base at
 /// any time: when the journal becomes long, and after a failure.
 ///
-/// A journal is never longer than three times the book (or 64 KB, if that is more), including a new base that
+/// A journal is never longer than three times the book (or 96 KB, if that is more), including a new base that
 /// is being written beside the old journal.
 class JournalWriter
 {

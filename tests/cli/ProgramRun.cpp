@@ -61,7 +61,7 @@ void LimitResource(__rlimit_resource resource, long most)
 ProgramRun RunProgram(const std::string& name, const std::vector<std::string>& arguments,
                       const ProgramSetting& setting)
 {
-    const std::string path = std::string(VMK_BIN_DIR) + "/" + name;
+    const std::string path = name.starts_with("/") ? name : std::string(VMK_BIN_DIR) + "/" + name;
     std::vector<char*> values = {const_cast<char*>(path.c_str())};
     for (const std::string& argument : arguments)
         values.push_back(const_cast<char*>(argument.c_str()));

@@ -29,7 +29,7 @@ struct ProgramSetting
     bool closedHandles = false; ///< without standard input, output and error
 };
 
-/// Runs a program of the build folder, such as "vmk", to its end.
+/// Runs a program to its end: one of the build folder, such as "vmk", or one given by its full path.
 [[nodiscard]] ProgramRun RunProgram(const std::string& name, const std::vector<std::string>& arguments,
                                     const ProgramSetting& setting = {});
 
