@@ -12,7 +12,9 @@ portable=$folder/program
 open_display() {
     start_x_display
     mkdir "$portable"
-    cp -r "$bin/vellumark" "$bin/VMK Office" "$portable/"
+    cp -r "$bin/vellumark" "$bin/vmk" "$bin/VMK Office" "$portable/"
+    # What other tests have left.
+    rm -rf "$portable/VMK Office/Backup" "$portable/VMK Office/Recovery"
 }
 
 # launch BOOK: starts the program with a book and sets "$program" to its process.

@@ -76,6 +76,9 @@ protected:
     {
         FileOperation(CopyFolderMode, QStringLiteral(VMK_BIN_DIR "/VMK Office"),
                       workplace.Path(QStringLiteral("VMK Office")));
+        // What other programs of the build folder have left.
+        for (const char* name : {"VMK Office/Backup", "VMK Office/Recovery"})
+            FileOperation(DeleteFolderMode, workplace.Path(QString::fromLatin1(name)));
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
                            workplace.Path(QStringLiteral("config")));
         InitGlobals({workplace.Path(QStringLiteral("vellumark")), workplace.Path(QStringLiteral("user"))});
