@@ -1,7 +1,6 @@
 #include "SettingsTest.h"
 
 #include "ColorsF1.h"
-#include "PreviewPage.h"
 
 #include <QScreen>
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "PreviewF.h"
+#include "PreviewPage.h"
 #include "SettingsF.h"
 #include "SettingsVariables.h"
 #include "WindowTest.h"

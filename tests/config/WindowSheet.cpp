@@ -1,27 +1,34 @@
 // Opens every window that a menu entry opens, and draws all windows on one picture:
 //     windowsheet light|dark sheet.png [FOLDER]
 // With FOLDER, each window has a picture there too, with the name of its form.
-// QT_SCALE_FACTOR and QT_QPA_PLATFORM work as in any program of the toolkit.
+// QT_SCALE_FACTOR and QT_QPA_PLATFORM have their usual effect.
 #include "Boxes.h"
+#include "CleanUpF.h"
+#include "CleanUpTable.h"
 #include "ColorsF1.h"
 #include "Commands.h"
 #include "Desktop.h"
 #include "Dialogs.h"
 #include "DisplayView.h"
+#include "EditHtmlWbF.h"
 #include "FbFunctions.h"
 #include "FileOperations.h"
 #include "Form1.h"
+#include "ImageFunctions.h"
 #include "InitGlobals.h"
 #include "PreviewF.h"
 #include "ProcessEnd.h"
+#include "SampleTables.h"
 #include "Settings.h"
 #include "SettingsF.h"
+#include "SettingsVariables.h"
 #include "StartUpVariables.h"
 #include "TestPaths.h"
 #include "WidgetSeams.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QPainter>
 #include <QPushButton>
 #include <QSettings>
@@ -107,9 +114,9 @@ private:
         return arrange([](const Picture&, const QPoint&) {});
     }
 
-    /// Calls `place` for each picture, in rows. \return the sheet's height
-    template <typename Place>
-    int arrange(Place place) const
+    /// Calls `draw` for each picture, in rows. \return the height of the sheet
+    template <typename Draw>
+    int arrange(Draw draw) const
     {
         QPoint corner(Gap, Gap);
         int rowHeight = 0;
@@ -119,7 +126,7 @@ private:
                 corner = {Gap, corner.y() + rowHeight};
                 rowHeight = 0;
             }
-            place(picture, corner);
+            draw(picture, corner);
             rowHeight = std::max(rowHeight, size.height());
             corner.rx() += size.width();
         }
@@ -136,6 +143,35 @@ void CloseWindows(const Form1& form)
             window->close();
     }
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+/// A run of a sample table over the book, with an invalid expression.
+void FillCleaner()
+{
+    const QString folder = UserCleanUpFolder;
+    CleanUpTable table = SampleCleanUpTables().front().table;
+    table.rows.insert(table.rows.begin(), {.RepWhat = u"(a"_s, .RepBy = {}, .RegExp = true});
+    table.rows.push_back({.RepWhat = u"mill"_s, .RepBy = u"Mill"_s, .Case = true, .Enabled = false});
+    CurrentCleanUpFile = folder + u"/Sheet.dat"_s;
+    if (!WriteScratchFile(CurrentCleanUpFile, CleanUpFileBytes(table)))
+        return;
+    CleanUpF::Instance()->ReloadCleanUpFile();
+    CleanUpF::Instance()->ApplyB->click();
+}
+
+/// Fills a window that has just opened, as its user does.
+void FillWindow(Command command)
+{
+    if (command == Command::BookCleaner && CleanUpF::Instance())
+        FillCleaner();
+    if (command == Command::HtmlFragmentEditor) {
+        EditHtmlWbF& editor = InstanceOf<EditHtmlWbF>();
+        editor.ValidateSelectionB->setChecked(true);
+        editor.Refresh();
+        editor.PaintFragment();
+    }
+    if (command == Command::ShowBinaryList)
+        ShowPicture("cover", OtherContent::Show);
 }
 
 /// The settings dialog with the windows that it opens.
@@ -161,7 +197,9 @@ void TakeAll(Form1& form, Sheet& sheet)
             if (row.hidden || row.command == Command::ReadInHaaliReader)
                 continue;
             form.Entry(row.name)->setEnabled(ProcedureOf(row.command));
+            form.HTMLread->document().setSelection({7, 0}, {9, 0});
             form.Entry(row.name)->trigger();
+            FillWindow(row.command);
             sheet.takeWindows();
             CloseWindows(form);
         }
