@@ -68,7 +68,7 @@ TEST_F(CleanUp, ReplacesInAllLinesOfTheBook)
     EXPECT_EQ(result.rows[0].replacements, 3);
 }
 
-TEST_F(CleanUp, PaintsTheLinesAnew)
+TEST_F(CleanUp, RepaintsTheLines)
 {
     show("<DIV>&lt;p&gt;old&lt;/p&gt;</DIV>");
     run({Plain(u"old"_s, u"new"_s)});
@@ -107,7 +107,7 @@ TEST_F(CleanUp, APlainRowRewritesShownTags)
     EXPECT_EQ(text(0), "<div>one Two</p>");
 }
 
-TEST_F(CleanUp, APlainRowIgnoresCaseUnlessItIsAskedFor)
+TEST_F(CleanUp, APlainRowIgnoresCaseUnlessCaseIsSet)
 {
     show("<DIV>abc Abc ABC</DIV>");
     run({Plain(u"aBC"_s, u"x"_s)});
@@ -161,7 +161,7 @@ TEST_F(CleanUp, APlainRowExpandsCodesOnBothSides)
     EXPECT_EQ(text(0), "Я");
 }
 
-TEST_F(CleanUp, ABadExpressionLeavesTheTextAndTheRunGoesOn)
+TEST_F(CleanUp, ABadExpressionChangesNothingAndTheRunContinues)
 {
     show("<DIV>ab</DIV>");
     const CleanUpRun result = run({Expression(u"(a"_s, u"x"_s), Plain(u"b"_s, u"c"_s)});
@@ -170,7 +170,7 @@ TEST_F(CleanUp, ABadExpressionLeavesTheTextAndTheRunGoesOn)
     EXPECT_EQ(text(0), "ac");
 }
 
-TEST_F(CleanUp, AnExpressionThatRunsAwayLeavesTheTextAndTheRunGoesOn)
+TEST_F(CleanUp, AnExpressionThatTakesTooLongChangesNothingAndTheRunContinues)
 {
     show(("<DIV>" + QByteArray(5000, 'a') + "!b</DIV>").constData());
     const CleanUpRun result = run({Expression(u"(a+)+$"_s, u"x"_s), Plain(u"!b"_s, u"c"_s)});
@@ -228,7 +228,7 @@ TEST_F(CleanUp, AScopeWithAnUnknownNameMeansTheSelection)
     EXPECT_EQ(allText(), "<p>one Two</p>\ntw0 & three\n<p>three\u00a0two</p>");
 }
 
-TEST_F(CleanUp, APageWithoutLinesIsReportedAndLeftAlone)
+TEST_F(CleanUp, APageWithoutLinesIsReportedAndUnchanged)
 {
     show("");
     const CleanUpRun result = run({Plain(u"o"_s, u"0"_s)});
@@ -239,7 +239,7 @@ TEST_F(CleanUp, APageWithoutLinesIsReportedAndLeftAlone)
     EXPECT_FALSE(document.canUndo());
 }
 
-TEST_F(CleanUp, OneUndoCommandTakesBackTheWholeRun)
+TEST_F(CleanUp, OneUndoCommandRevertsTheWholeRun)
 {
     show(ThreeLines);
     const std::string before = lines();
@@ -268,7 +268,7 @@ TEST_F(CleanUp, ARunThatRemovesAllTextCanBeUndone)
     EXPECT_EQ(lines(), before);
 }
 
-TEST_F(CleanUp, TellsEachStepInTheStatus)
+TEST_F(CleanUp, ReportsEachStepInTheStatus)
 {
     show(ThreeLines);
     CleanUpRow unused = Plain(u"x"_s, u"y"_s);
@@ -280,7 +280,7 @@ TEST_F(CleanUp, TellsEachStepInTheStatus)
                            u"user clean-up: RegExp t(w) -> $1"_s}));
 }
 
-TEST_F(CleanUp, ATagThatARowHasCutBecomesText)
+TEST_F(CleanUp, ADamagedTagBecomesText)
 {
     show("<DIV style=\"MARGIN-LEFT: 5px\">first</DIV>\r\n<DIV>second</DIV>");
     run({Expression(u"(MARGIN[^\\x3e]*)\\x3e"_s, u"$1"_s)});
@@ -298,7 +298,7 @@ TEST_F(CleanUp, ATagThatWouldHideItsTextBecomesText)
     EXPECT_EQ(allText(), "<!-->first</!-->");
 }
 
-TEST_F(CleanUp, ALostEndTagLeavesTheTextInPlace)
+TEST_F(CleanUp, ALostEndTagKeepsTheText)
 {
     show("<DIV>first</DIV>\r\n<DIV>second</DIV>");
     run({Expression(u"\\x3c/DIV\\x3e"_s, QString())});
@@ -344,7 +344,7 @@ TEST_F(CleanUp, NoLetterDisappearsWhateverRowsDoToTheTags)
     }
 }
 
-TEST_F(CleanUp, AgreesWithThePlainStepsOnRandomPages)
+TEST_F(CleanUp, IsEqualToThePlainStepsOnRandomPages)
 {
     const QStringList words = {u"one"_s,
                                u"Two "_s,
@@ -441,7 +441,7 @@ TEST(CleanUpNotation, ChrIsTheCharacterOfAByte)
     qunsetenv("VELLUMARK_CODEPAGE");
 }
 
-TEST(CleanUpNotation, AFunctionIsWhatIsBetweenItsParentheses)
+TEST(CleanUpNotation, AFunctionReturnsTheTextBetweenItsParentheses)
 {
     EXPECT_EQ(ParseCleanUpFunction(u"a name(b c) d"_s, u"name"_s), u"b c"_s);
     EXPECT_EQ(ParseCleanUpFunction(u"a name() d"_s, u"name"_s), QString());

@@ -22,7 +22,7 @@ protected:
     CleanUpFile& operator=(const CleanUpFile&) = delete;
 };
 
-/// Lines as a file holds them, each with its end.
+/// Returns the bytes of a file with this text.
 std::string Utf16(QStringView text)
 {
     std::string bytes;
@@ -47,7 +47,7 @@ TEST_F(CleanUpFile, IsUtf16LinesThatEndWithACarriageReturnAlone)
                     u"тире\r\u2014\u00a0\r0\r0\r1\r"));
 }
 
-TEST_F(CleanUpFile, ComesBackAsItWasWritten)
+TEST_F(CleanUpFile, IsReadAsItWasWritten)
 {
     EXPECT_EQ(CleanUpTableOfBytes(CleanUpFileBytes(Sample)), Sample);
 }
@@ -179,7 +179,7 @@ TEST_F(CleanUpFile, TheScopeOfAFileWithoutASignatureIsANumberInItsFirstLine)
     CurrentCleanUpFile.clear();
 }
 
-TEST_F(CleanUpFile, RandomTablesComeBack)
+TEST_F(CleanUpFile, RandomTablesAreReadAsTheyWereWritten)
 {
     std::mt19937 random(7);
     const auto value = [&random] {

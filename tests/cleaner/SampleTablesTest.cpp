@@ -60,7 +60,7 @@ TEST_F(SampleTables, AllExpressionsAreValid)
     }
 }
 
-TEST_F(SampleTables, RussianTextGetsItsSigns)
+TEST_F(SampleTables, RussianTextGetsItsTypography)
 {
     EXPECT_EQ(Russian("- Да, - сказал он."), "<p>—\u00a0Да,\u00a0— сказал он.</p>");
     EXPECT_EQ(Russian("Роман \"Мы\" (\"антиутопия\")."), "<p>Роман «Мы» («антиутопия»).</p>");
@@ -69,7 +69,7 @@ TEST_F(SampleTables, RussianTextGetsItsSigns)
               "<p>Писал А.\u00a0С.\u00a0Пушкин в 1830\u00a0г. и т.\u00a0д.</p>");
 }
 
-TEST_F(SampleTables, EnglishTextGetsItsSigns)
+TEST_F(SampleTables, EnglishTextGetsItsTypography)
 {
     EXPECT_EQ(English("\"Don't\", he said--\"never\" ..."), "<p>“Don’t”, he said—“never”…</p>");
     EXPECT_EQ(English("One - two , three"), "<p>One – two, three</p>");
@@ -81,7 +81,7 @@ TEST_F(SampleTables, TracesOfRecognitionAreRemoved)
     EXPECT_EQ(Ocr("к0т и мoре"), "<p>кот и море</p>");
 }
 
-TEST_F(SampleTables, TagsAttributesCommentsAndIdentifiersStay)
+TEST_F(SampleTables, TagsAttributesCommentsAndIdentifiersAreUnchanged)
 {
     const char* const untouched[] = {
         "<DIV>&lt;?xml version=\"1.0\" encoding=\"utf-8\"?&gt;</DIV>",

@@ -134,7 +134,7 @@ TEST_F(ClTBTest, ACrashLosesTheChangesSinceTheStart)
     EXPECT_EQ(Keys(), DesignKeys());
 }
 
-TEST_F(ClTBTest, ReloadingTheFormTakesTheStoredOrder)
+TEST_F(ClTBTest, ReloadingTheFormAppliesTheStoredOrder)
 {
     StoreCustom(u"3,2"_s);
     Open();
@@ -155,7 +155,7 @@ TEST_F(ClTBTest, AnEmptyToolbarIsTheDesignAfterARestart)
     EXPECT_EQ(Keys(), DesignKeys());
 }
 
-TEST_F(ClTBTest, LoadDefsBringsTheDesignBackAndLeavesTheCustomOrderStored)
+TEST_F(ClTBTest, LoadDefsRestoresTheDesignAndKeepsTheStoredCustomOrder)
 {
     StoreCustom(u"2,1"_s);
     Open();
@@ -165,7 +165,7 @@ TEST_F(ClTBTest, LoadDefsBringsTheDesignBackAndLeavesTheCustomOrderStored)
     EXPECT_EQ(Stored(ToolbarStore::CustomToolbarKey), u"2,1"_s);
 }
 
-TEST_F(ClTBTest, AStoreWithUseDefaultsGoesToTheDefaultsKeyOnce)
+TEST_F(ClTBTest, AStoreWithUseDefaultsIsWrittenToTheDefaultKeyOnce)
 {
     Open();
     Toolbar().ShowOrder({4, 2});

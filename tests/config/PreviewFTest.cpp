@@ -9,7 +9,7 @@ namespace vmk {
 
 // ---------------------------------------------------------------- preview
 
-TEST_F(SettingsFTest, ThePreviewShowsTheSampleWithWhatTheControlsHold)
+TEST_F(SettingsFTest, ThePreviewShowsTheSampleWithTheValuesInTheControls)
 {
     Open();
     Push(Dialog().PreviewB);
@@ -332,7 +332,7 @@ TEST_F(ColorsF1Test, APickedColourShowsInThePreviewIfItFollowsChanges)
     EXPECT_EQ(Preview(), nullptr);
 }
 
-TEST_F(ColorsF1Test, TheArrowKeysChooseACellAndEnterTakesIt)
+TEST_F(ColorsF1Test, TheArrowKeysSelectACellAndEnterAppliesIt)
 {
     Open();
     ColorsF1& palette = Palette(Dialog().TagColorP);

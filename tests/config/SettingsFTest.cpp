@@ -134,7 +134,7 @@ TEST_F(SettingsFTest, TheDialogFitsItsScreen)
     EXPECT_TRUE(screen.contains(dialog.geometry().center()));
     EXPECT_LE(dialog.width(), 1024);
     EXPECT_LE(dialog.height(), 768);
-    // Half the screen: the frames scroll, the buttons stay.
+    // Half the screen: the frames scroll, the buttons remain visible.
     dialog.resize(512, 384);
     EXPECT_EQ(dialog.size(), QSize(512, 384));
     QCoreApplication::processEvents();
@@ -228,7 +228,7 @@ TEST_F(SettingsFTest, OpeningItTwiceShowsOneDialog)
 
 // ---------------------------------------------------------------- done, reload, default, delete
 
-TEST_F(SettingsFTest, DoneTakesTheValuesAndLeavesTheDisplayAsItIs)
+TEST_F(SettingsFTest, DoneAppliesTheValuesAndDoesNotChangeTheDisplay)
 {
     OpenBook();
     const QString page = Page();
@@ -312,7 +312,7 @@ TEST_F(SettingsFTest, DeleteIniDeletesTheFileWithoutAQuestionAndReloadsTheForm)
     EXPECT_TRUE(boxTexts.isEmpty());
     EXPECT_EQ(SettingsF::Existing(), nullptr);
     EXPECT_TRUE(WaitFor([this] { return View().location() == EmptyPageFile; }));
-    // The variables stay, and the program's end writes them again.
+    // The variables are unchanged, and the end of the program writes them again.
     EXPECT_EQ(DisplayFontSize, u"14pt"_s);
     form->close();
     EXPECT_TRUE(FileExists(IniFilePath));

@@ -46,7 +46,7 @@ protected:
         ASSERT_TRUE(button->isEnabled());
         QTest::mouseClick(button, Qt::LeftButton);
     }
-    /// Types a text into a field in place of what it holds.
+    /// Replaces the text of a field by typing.
     static void TypeInto(QLineEdit* field, const QString& text)
     {
         field->setFocus();
@@ -75,7 +75,7 @@ protected:
         Push(Dialog().ReloadB);
         ASSERT_TRUE(WaitFor([this] { return Message() == "document complete"_L1; }));
     }
-    /// The page that the display holds.
+    /// Returns the page of the display.
     QString Page() { return QString::fromUtf8(Document().savePage()); }
     QString Head() { return Document().head(); }
     static PreviewF* Preview() { return PreviewF::Existing(); }

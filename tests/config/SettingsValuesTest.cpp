@@ -94,7 +94,7 @@ TEST(PixelNumberTest, TheUnitIsOptional)
     EXPECT_EQ(PixelNumber(u"10000"), 10000);
 }
 
-TEST(PixelNumberTest, WhatIsNoNumberOrTooLargeIsNone)
+TEST(PixelNumberTest, OtherTextsAndLargeNumbersAreRejected)
 {
     for (const char* none :
          {"", "x", "px", "2em", "two", "1,5", "32768", "-32769", "1e99", "nan", "inf", "2 3", "0x10"})
@@ -114,7 +114,7 @@ TEST_F(SettingsValuesTest, ALeftMarginIsANumberOrZero)
 
 // ---------------------------------------------------------------- values and shared variables
 
-TEST_F(SettingsValuesTest, TakingWhatTheSettingsHoldChangesNothing)
+TEST_F(SettingsValuesTest, ApplyingTheCurrentValuesChangesNothing)
 {
     NodeShift = 7;
     TagHighlighting = 0;
@@ -181,7 +181,7 @@ TEST_F(SettingsValuesTest, NoTypedTextMakesTheSettingsFileUnreadable)
         ASSERT_TRUE(WriteSettings({}));
         ReadSettings(false);
         const SettingsValues after = ValuesOfSettings();
-        // Half of a surrogate pair is the one text that no encoding holds.
+        // No encoding can represent half of a surrogate pair.
         const auto readable = [](QString text) { return text.replace(QChar(0xd800), QChar(0xfffd)); };
         ASSERT_EQ(after.fontSize, readable(before.fontSize));
         ASSERT_EQ(after.nodeShift, before.nodeShift);
@@ -199,7 +199,7 @@ TEST_F(SettingsValuesTest, NoTypedTextChangesTheStructureOfThePage)
         const std::optional<XmlTreeText> tree = TreeOfBook(text, request);
         ASSERT_TRUE(tree);
         const QString page = QString::fromStdString(PageWithTree(*tree, request));
-        // One body tag, closed by the first ">" behind it, with three quoted attributes.
+        // One body tag, closed by the first ">" after it, with three quoted attributes.
         const qsizetype body = page.indexOf(u"<BODY"_s);
         const QString tag = page.mid(body, page.indexOf(u'>', body) - body);
         ASSERT_TRUE(tag.endsWith(u'"')) << tag.toStdString();

@@ -35,7 +35,7 @@ TEST(ToolbarOrderText, NumbersAreSeparatedByCommasWithoutATrailingOne)
     EXPECT_EQ(FormatOrder({}), QString());
 }
 
-TEST(ToolbarOrderText, AStoredOrderComesBack)
+TEST(ToolbarOrderText, AStoredOrderIsReadBack)
 {
     const ToolbarOrder order{19, S, 1, 2, S, S, 18};
     EXPECT_EQ(Parsed(FormatOrder(order)), order);
@@ -211,7 +211,7 @@ protected:
 
 } // namespace
 
-TEST_F(ToolbarStoreTest, ValuesComeBackFromTheUsersFolder)
+TEST_F(ToolbarStoreTest, ValuesAreReadFromTheUsersFolder)
 {
     const ToolbarStore store({}, {});
     EXPECT_EQ(store.value(ToolbarStore::CustomToolbarKey), QString());

@@ -166,6 +166,8 @@ void FillWindow(Command command)
         FillCleaner();
     if (command == Command::HtmlFragmentEditor) {
         EditHtmlWbF& editor = InstanceOf<EditHtmlWbF>();
+        // The activation of the window fills the editor.
+        QTest::qWait(150);
         editor.ValidateSelectionB->setChecked(true);
         editor.Refresh();
         editor.PaintFragment();
@@ -197,7 +199,8 @@ void TakeAll(Form1& form, Sheet& sheet)
             if (row.hidden || row.command == Command::ReadInHaaliReader)
                 continue;
             form.Entry(row.name)->setEnabled(ProcedureOf(row.command));
-            form.HTMLread->document().setSelection({7, 0}, {9, 0});
+            if (row.command == Command::HtmlFragmentEditor)
+                form.HTMLread->document().setSelection({7, 0}, {14, 0});
             form.Entry(row.name)->trigger();
             FillWindow(row.command);
             sheet.takeWindows();

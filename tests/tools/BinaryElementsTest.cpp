@@ -33,7 +33,7 @@ TEST(BinaryElements, UpperCaseIsAnotherId)
     EXPECT_FALSE(FindBinaryElement(Binary("a.png", "A"), "A.png"));
 }
 
-TEST(BinaryElements, AnIdInFrontOfTheTypeFindsItsOwnTag)
+TEST(BinaryElements, AnIdBeforeTheTypeFindsItsTag)
 {
     const std::string part
         = Binary("z.png", "Z") + "<binary id=\"x.png\" content-type=\"image/png\">WA==</binary>";
@@ -57,14 +57,14 @@ TEST(BinaryElements, OnlyAnImageTypeInDoubleQuotesIsAPicture)
 
 // ---------------------------------------------------------------- removing
 
-TEST(BinaryElements, RemovingTheOnlyPictureLeavesNothing)
+TEST(BinaryElements, RemovalOfTheOnlyPictureLeavesAnEmptyText)
 {
     std::string part = "\r\n" + Binary("a.png", SmallPng()) + "\r\n";
     EXPECT_TRUE(RemoveBinaryElement(part, "a.png"));
     EXPECT_EQ(part, "");
 }
 
-TEST(BinaryElements, RemovingTakesTheEmptyLinesWithIt)
+TEST(BinaryElements, RemovalAlsoRemovesEmptyLines)
 {
     std::string part
         = Binary("a.png", "A") + "\r\n" + Binary("b.png", "B") + "\r\n\r\n\r\n" + Binary("c.png", "C");
@@ -72,7 +72,7 @@ TEST(BinaryElements, RemovingTakesTheEmptyLinesWithIt)
     EXPECT_EQ(part, Binary("a.png", "A") + "\r\n" + Binary("c.png", "C"));
 }
 
-TEST(BinaryElements, WhatIsNotFoundLeavesAllAsItIs)
+TEST(BinaryElements, AMissingIdChangesNothing)
 {
     for (const std::string& before :
          {std::string(), Binary("a.png", "A"), std::string("<binary id=\"x\">AAAA"),
@@ -83,7 +83,7 @@ TEST(BinaryElements, WhatIsNotFoundLeavesAllAsItIs)
     }
 }
 
-TEST(BinaryElements, ARestWithContentStays)
+TEST(BinaryElements, ARemainderWithContentIsKept)
 {
     std::string part = Binary("a.png", "A") + "\r\nabcde";
     EXPECT_TRUE(RemoveBinaryElement(part, "a.png"));
@@ -108,7 +108,7 @@ TEST(BinaryElements, AnElementIsOneLineOfTheTypeOfItsExtension)
               std::string::npos);
 }
 
-TEST(BinaryElements, WhatIsAddedIsFoundAndHoldsTheSameBytes)
+TEST(BinaryElements, AnAddedElementIsFoundWithTheSameBytes)
 {
     const std::string part = "\r\n" + MakeBinaryElement(u"jpg"_s, "a.jpg", SmallJpeg());
     EXPECT_EQ(PictureBytes(FindBinaryElement(part, "a.jpg")->data), SmallJpeg());
@@ -116,7 +116,7 @@ TEST(BinaryElements, WhatIsAddedIsFoundAndHoldsTheSameBytes)
 
 // ---------------------------------------------------------------- ids
 
-TEST(BinaryElements, AnIdIsSoughtInTheEncodingOfTheBook)
+TEST(BinaryElements, AnIdIsSearchedInTheEncodingOfTheBook)
 {
     const std::string part = Utf8ToBytes(Binary("обложка.jpg", "A"), CodePageCyrillic);
     EXPECT_NE(FindBinaryId(part, IdInBinaryPart(u"обложка"_s, CodePageCyrillic)), std::string::npos);

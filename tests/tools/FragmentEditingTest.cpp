@@ -73,7 +73,7 @@ TEST_F(FragmentEditing, TheMarkerIsCharacter128OfTheCodePage)
     EXPECT_EQ(LineEndMarker(), QChar(u'\u20AC'));
 }
 
-TEST_F(FragmentEditing, ACaretGivesAnEmptyFragment)
+TEST_F(FragmentEditing, ACaretReturnsAnEmptyFragment)
 {
     const Fragment fragment = Take({1, 2}, {1, 2}, true);
     EXPECT_EQ(fragment.source, QString());
@@ -91,7 +91,7 @@ TEST_F(FragmentEditing, TheSourceIsTextWithAMarkerAtEachLinesEnd)
     EXPECT_EQ(editor.selection().focus, Position());
 }
 
-TEST_F(FragmentEditing, WithoutValidationJustTheSelectionIsReplaced)
+TEST_F(FragmentEditing, WithoutValidationOnlyTheSelectionIsReplaced)
 {
     Fragment fragment = Take({1, 1}, {1, 4}, false);
     EXPECT_EQ(fragment.source, u"hre"_s);
@@ -180,7 +180,7 @@ TEST_F(FragmentEditing, AnUnchangedFragmentChangesNothing)
     EXPECT_TRUE(BookUnchanged);
 }
 
-TEST_F(FragmentEditing, ASecondApplyGoesIntoTheSelection)
+TEST_F(FragmentEditing, ASecondApplyReplacesTheSelection)
 {
     Fragment fragment = Take({1, 0}, {1, 5}, true);
     Edit(u"three"_s, u"3"_s);
@@ -192,7 +192,7 @@ TEST_F(FragmentEditing, ASecondApplyGoesIntoTheSelection)
     EXPECT_EQ(LinesOf(display), once);
 }
 
-TEST_F(FragmentEditing, AnEmptiedFragmentTakesItsLinesOutInOneStep)
+TEST_F(FragmentEditing, AnEmptiedFragmentRemovesItsLinesInOneStep)
 {
     Fragment fragment = Take({1, 0}, {2, 4}, true);
     ShowFragment(editor, QString());
@@ -224,7 +224,7 @@ TEST_F(FragmentEditing, AMarkerOfAJoinedLineIsNotBookText)
     EXPECT_EQ(FragmentText(editor), u"<DIV>three</DIV><DIV>four</DIV>"_s);
 }
 
-TEST_F(FragmentEditing, TheSameCharacterInTheBookAndFromTheKeyboardStays)
+TEST_F(FragmentEditing, TheSameCharacterInTheBookAndFromTheKeyboardIsKept)
 {
     display.loadPage("<HTML><BODY><DIV>\xD0\x82or\xD1\x92\x65 \xD0\x82</DIV><DIV>two</DIV></BODY></HTML>");
     Fragment fragment = Take({0, 0}, {1, 3}, true);
@@ -342,7 +342,7 @@ TEST_F(FragmentEditing, CodesOfTheCharacterAtTheCaret)
 
 // ---------------------------------------------------------------- no text is lost
 
-TEST_F(FragmentEditing, WhateverIsTypedTheWordsArrive)
+TEST_F(FragmentEditing, AnyTypedTextReachesTheDisplay)
 {
     std::mt19937 random(11);
     const QStringList pieces = {u"word"_s,
@@ -391,7 +391,7 @@ TEST_F(FragmentEditing, AnOpenBracketIsText)
 
 // ---------------------------------------------------------------- the page for reading
 
-TEST_F(FragmentEditing, TheReadingPageShowsTheSourceInColours)
+TEST_F(FragmentEditing, ThePaintedPageShowsTheSourceInColours)
 {
     const QString source = u"<DIV id=x>a&nbsp;b</DIV>\r\n<P>"_s;
     const QByteArray page = PaintedSourcePage(source);

@@ -41,7 +41,7 @@ protected:
 
 } // namespace
 
-TEST_F(ImageFiles, EveryPictureGoesIntoAFileOfItsIdsName)
+TEST_F(ImageFiles, EachPictureIsWrittenToAFileNamedByItsId)
 {
     const ExtractedPictures result
         = Extract(Binary("cover.png", SmallPng()) + "\r\n" + Binary("two.jpg", SmallJpeg()));
@@ -81,7 +81,7 @@ TEST_F(ImageFiles, TheOrderOfTheAttributesDoesNotMatter)
     EXPECT_EQ(Content(u"x.png"_s), SmallPng());
 }
 
-TEST_F(ImageFiles, LineEndsInTheDataAreTakenOut)
+TEST_F(ImageFiles, LineEndsInTheDataAreRemoved)
 {
     std::string text = Base64Encode(SmallPng());
     for (size_t at = 10; at < text.size(); at += 12)
@@ -90,13 +90,13 @@ TEST_F(ImageFiles, LineEndsInTheDataAreTakenOut)
     EXPECT_EQ(Content(u"x.png"_s), SmallPng());
 }
 
-TEST_F(ImageFiles, ContentThatIsNotBase64IsWrittenAsItStands)
+TEST_F(ImageFiles, ContentThatIsNotBase64IsWrittenUnchanged)
 {
     Extract("<binary content-type=\"image/gif\" id=\"x.gif\">no base64!\r\n</binary>");
     EXPECT_EQ(Content(u"x.jpg"_s), "no base64!");
 }
 
-TEST_F(ImageFiles, OfTwoPicturesOfOneNameTheLaterStaysAndBothCount)
+TEST_F(ImageFiles, TheLaterOfTwoPicturesWithOneNameIsKeptAndBothCount)
 {
     EXPECT_EQ(Extract(Binary("a.png", SmallPng()) + Binary("dir/a.png", SmallPng() + "later")).count, 2);
     EXPECT_EQ(Content(u"a.png"_s), SmallPng() + "later");
@@ -110,7 +110,7 @@ TEST_F(ImageFiles, AnElementWithoutItsEndEndsTheExtraction)
     EXPECT_EQ(Extract(Binary("a.png", SmallPng()) + "<binary content-type=\"image/png\"").count, 1);
 }
 
-TEST_F(ImageFiles, NoMoreElementsThanTheLimitAreLookedAt)
+TEST_F(ImageFiles, NoMoreElementsThanTheLimitAreRead)
 {
     std::string part;
     for (int i = 0; i < 12; ++i)
@@ -173,21 +173,21 @@ TEST_F(ImageFiles, NothingIsWrittenOutsideTheFolder)
     }
 }
 
-TEST_F(ImageFiles, ANameThatTheFileSystemRefusesGivesWayToANumber)
+TEST_F(ImageFiles, ANameThatTheFileSystemRefusesIsReplacedByANumber)
 {
     Extract(Binary("a.png", SmallPng()) + Binary(std::string(5000, 'n') + ".png", SmallPng())
             + Binary("bell\a.jpg", SmallJpeg()));
     EXPECT_EQ(Files(), (QStringList{u"FbImage_2.png"_s, u"FbImage_3.jpg"_s, u"a.png"_s}));
 }
 
-TEST_F(ImageFiles, AFolderOfTheNameStaysAndThePictureGetsANumber)
+TEST_F(ImageFiles, AFolderWithTheNameIsKeptAndThePictureGetsANumber)
 {
     workplace.MakeFolders(u"Extracted Images/a.png"_s);
     Extract(Binary("a.png", SmallPng()));
     EXPECT_EQ(Files(), (QStringList{u"FbImage_1.png"_s, u"a.png"_s}));
 }
 
-TEST_F(ImageFiles, ALinkOfTheNameIsNotWrittenThrough)
+TEST_F(ImageFiles, ALinkWithTheNameIsNotWrittenThrough)
 {
     workplace.Make(u"precious"_s, "text");
     workplace.MakeFolders(u"Extracted Images"_s);
@@ -198,7 +198,7 @@ TEST_F(ImageFiles, ALinkOfTheNameIsNotWrittenThrough)
     EXPECT_EQ(Content(u"a.png"_s), SmallPng());
 }
 
-TEST_F(ImageFiles, WhatCannotBeWrittenIsCountedApart)
+TEST_F(ImageFiles, PicturesThatCannotBeWrittenAreCountedSeparately)
 {
     workplace.Make(u"Extracted Images"_s, "a file");
     const ExtractedPictures result = Extract(Binary("a.png", SmallPng()));

@@ -51,7 +51,7 @@ std::string MakePng(QSize size)
 class Images : public WindowTest
 {
 protected:
-    /// Opens the context menu on the tag that holds `text`, as a right click does.
+    /// Opens the context menu on the tag that contains `text`, as a right click does.
     void RightClick(const QString& text)
     {
         const Position at = PlaceOf(text);
@@ -106,7 +106,7 @@ TEST_F(Images, ABookWithoutPicturesOffersNothing)
     EXPECT_EQ(Message(), before);
 }
 
-TEST_F(Images, TheContextMenuOffersWhatFitsTheTag)
+TEST_F(Images, TheContextMenuOffersTheCommandsForTheTag)
 {
     OpenBook(BookWith(ImageTag("a.png") + ImageTag("none.png"), Binary("a.png", SmallPng())));
     RightClick(u"a.png"_s);
@@ -169,7 +169,7 @@ TEST_F(Images, WithoutAPictureNothingIsExtractedAndTheBeepIsHeardWithSoundsOff)
     EXPECT_EQ(beepCount, 1);
 }
 
-TEST_F(Images, AFailedWriteIsTold)
+TEST_F(Images, AFailedWriteIsReported)
 {
     OpenBook(BookWith("", Binary("a.png", SmallPng())));
     workplace.Make(u"VMK Office/Extracted Images"_s, "a file in the way");
@@ -203,7 +203,7 @@ TEST_F(Images, ShowImageOpensTheViewerWithSizeAndTags)
     EXPECT_FALSE(FileExists(TempImagesFolder));
 }
 
-TEST_F(Images, OnlyThePictureOnShowIsInTheFolder)
+TEST_F(Images, OnlyTheShownPictureIsInTheFolder)
 {
     OpenBook(BookWith(ImageTag("a.png"), Binary("a.png", SmallPng()) + Binary("b.jpg", SmallJpeg())));
     ShowPicture("a.png", OtherContent::Show);
@@ -213,7 +213,7 @@ TEST_F(Images, OnlyThePictureOnShowIsInTheFolder)
     EXPECT_TRUE(files[0].endsWith(u".jpg"_s));
 }
 
-TEST_F(Images, ALargePictureHasScrollBarsAndASmallOneIsInTheMiddle)
+TEST_F(Images, ALargePictureHasScrollBarsAndASmallOneIsCentred)
 {
     OpenBook(BookWith("", Binary("big.png", MakePng({900, 20})) + Binary("small.png", SmallPng())));
     ShowPicture("big.png", OtherContent::Show);
@@ -225,7 +225,7 @@ TEST_F(Images, ALargePictureHasScrollBarsAndASmallOneIsInTheMiddle)
     EXPECT_NEAR(Viewer().ImVi->geometry().center().y(), Viewer().scrolled->viewport()->height() / 2, 2);
 }
 
-TEST_F(Images, APictureTooLargeForTheMemoryIsToldInTheViewer)
+TEST_F(Images, APictureTooLargeForTheMemoryIsReportedInTheViewer)
 {
     // A header of 50 000 by 50 000 pixels with a little data.
     std::string bomb = SmallPng();
@@ -253,7 +253,7 @@ TEST_F(Images, ContentThatIsNotBase64IsShownAsABrokenPicture)
     EXPECT_EQ(ReadFileText(TempImagesFolder + u'/' + FilesIn(TempImagesFolder).value(0)), "no base64!");
 }
 
-TEST_F(Images, AnIdOfOtherContentIsShownFromTheTagOnly)
+TEST_F(Images, OtherContentIsShownFromTheTagOnly)
 {
     OpenBook(BookWith(ImageTag("a.png"), Binary("a.png", SmallPng(), "application/octet-stream")));
     ShowPicture("a.png", OtherContent::Ignore);
@@ -264,10 +264,10 @@ TEST_F(Images, AnIdOfOtherContentIsShownFromTheTagOnly)
     EXPECT_TRUE(Viewer().isVisible());
 }
 
-TEST_F(Images, AnIdThatIsNotThereIsReported)
+TEST_F(Images, AMissingIdIsReported)
 {
     OpenBook(BookWith(ImageTag("A.PNG"), Binary("a.png", SmallPng())));
-    // The menu ignores case and the commands do not, as is meant.
+    // The menu ignores case and the commands do not, by design.
     RightClick(u"A.PNG"_s);
     Trigger("Ed_ShowImage");
     Trigger("Ed_RemoveImageResource");
@@ -316,7 +316,7 @@ TEST_F(Images, TheBinaryListShowsPicturesOnAClickOrEnter)
     EXPECT_FALSE(FileExists(TempImagesFolder));
 }
 
-TEST_F(Images, TheListIsFilledAnewEachTime)
+TEST_F(Images, TheListIsRefilledEachTime)
 {
     OpenBook(BookWith("", Binary("a.png", SmallPng())));
     List().GetBinaryTags();
@@ -392,7 +392,7 @@ TEST_F(Images, AFileOfAnotherExtensionIsRefused)
     EXPECT_EQ(add(u" "_s, u"x.jpg"_s, SmallJpeg()), u"cannot add image resource: href not specified"_s);
 }
 
-TEST_F(Images, AFileThatDoesNotDecodeIsAddedAndTold)
+TEST_F(Images, AFileThatCannotBeDecodedIsAddedAndReported)
 {
     Open();
     workplace.Make(u"x.png"_s, SmallJpeg());

@@ -38,7 +38,7 @@ TEST(PictureInfo, OtherContentIsUnknown)
     }
 }
 
-TEST(PictureInfo, EveryCutIsNoticed)
+TEST(PictureInfo, EachTruncationIsReported)
 {
     for (const std::string& whole : {SmallPng(), SmallJpeg()}) {
         for (size_t length = 4; length < whole.size(); ++length)
@@ -47,7 +47,7 @@ TEST(PictureInfo, EveryCutIsNoticed)
     EXPECT_NE(ReadPictureInfo("GIF89a").problem, QString());
 }
 
-TEST(PictureInfo, EveryChangedByteOfAPngIsNoticed)
+TEST(PictureInfo, EachChangedByteOfAPngIsReported)
 {
     for (size_t at = 8; at < SmallPng().size(); ++at) {
         std::string changed = SmallPng();
@@ -56,7 +56,7 @@ TEST(PictureInfo, EveryChangedByteOfAPngIsNoticed)
     }
 }
 
-TEST(PictureInfo, AnyBytesBehindASignatureAreSafe)
+TEST(PictureInfo, AnyBytesAfterASignatureAreSafe)
 {
     std::mt19937 random(7);
     for (int round = 0; round < 3000; ++round) {

@@ -64,7 +64,7 @@ TEST_F(TagTools, ALineIsATagAndEmptyLinesAreDropped)
     EXPECT_EQ(ReadTagFile(workplace.Path(u"unix"_s)), (QStringList{u"<p>"_s, u"<a>"_s}));
 }
 
-TEST_F(TagTools, AMissingFileAndOneOfFourCharactersGiveAnEmptyList)
+TEST_F(TagTools, AMissingFileAndOneOfFourCharactersReturnAnEmptyList)
 {
     EXPECT_EQ(ReadTagFile(workplace.Path(u"none"_s)), QStringList());
     workplace.Make(u"short"_s, "<ab>");
@@ -93,13 +93,13 @@ TEST_F(TagTools, WordsThatTheCodePageLacksAreKept)
     EXPECT_EQ(ReadFileText(path), u"<p>\r\n<日本>\r\n<é>\r\n"_s.toStdString());
 }
 
-TEST_F(TagTools, AnUnwritableFileIsTold)
+TEST_F(TagTools, AnUnwritableFileIsReported)
 {
     QStringList kept;
     EXPECT_FALSE(WriteTagFile({u"<p>"_s}, workplace.Path(u"no/such/folder"_s), kept));
 }
 
-TEST_F(TagTools, AnInLineTagIsSmallAndHasOnePairOfBrackets)
+TEST_F(TagTools, AnInLineTagIsInLowerCaseWithOnePairOfBrackets)
 {
     EXPECT_EQ(InLineTagOf(u"emphasis"_s), u"<emphasis>"_s);
     EXPECT_EQ(InLineTagOf(u" <Emphasis> "_s), u"<emphasis>"_s);
@@ -111,7 +111,7 @@ TEST_F(TagTools, AnInLineTagIsSmallAndHasOnePairOfBrackets)
 
 // ---------------------------------------------------------------- inserting tags
 
-TEST_F(TagTools, ATagGoesToTheCaret)
+TEST_F(TagTools, ATagIsInsertedAtTheCaret)
 {
     Caret({1, 2});
     InsertTagFromList(document, u"<strong>"_s, false, Paint);
@@ -124,7 +124,7 @@ TEST_F(TagTools, ATagGoesToTheCaret)
     EXPECT_EQ(Lines(), Before);
 }
 
-TEST_F(TagTools, ATagAndItsEndGoAroundTheSelectionWhichStaysSelected)
+TEST_F(TagTools, ATagAndItsEndTagAreInsertedAroundTheSelectionAndSelected)
 {
     Select({0, 3}, {0, 6});
     InsertTagFromList(document, u"<strong>"_s, true, Paint);
@@ -135,14 +135,14 @@ TEST_F(TagTools, ATagAndItsEndGoAroundTheSelectionWhichStaysSelected)
     EXPECT_EQ(Lines(), Before);
 }
 
-TEST_F(TagTools, WithoutClosingATagGoesInFrontOfTheSelection)
+TEST_F(TagTools, WithoutAnEndTagATagIsInsertedBeforeTheSelection)
 {
     Select({0, 3}, {0, 6});
     InsertTagFromList(document, u"<sup>"_s, false, Paint);
     EXPECT_EQ(Lines()[0], u"<p><sup>one two"_s);
 }
 
-TEST_F(TagTools, AttributesArePaintedAndTheEndTagHasTheNameAlone)
+TEST_F(TagTools, AttributesArePaintedAndTheEndTagHasOnlyTheName)
 {
     Select({1, 0}, {1, 5});
     InsertTagFromList(document, u"<a :href=\"#\" type=\"\">"_s, true, Paint);
@@ -151,7 +151,7 @@ TEST_F(TagTools, AttributesArePaintedAndTheEndTagHasTheNameAlone)
         << Html(1).toStdString();
 }
 
-TEST_F(TagTools, ATagThatIsEmptyOrAnEndGetsNoEndTag)
+TEST_F(TagTools, AnEmptyElementOrAnEndTagGetsNoEndTag)
 {
     Select({1, 0}, {1, 5});
     InsertTagFromList(document, u"<image :href=\"#\"/>"_s, true, Paint);
@@ -161,7 +161,7 @@ TEST_F(TagTools, ATagThatIsEmptyOrAnEndGetsNoEndTag)
     EXPECT_EQ(Lines()[2], u"</p>four"_s);
 }
 
-TEST_F(TagTools, SelectedLinesGetTheTagsOnLinesOfTheirOwn)
+TEST_F(TagTools, TagsAroundSelectedLinesAreSeparateLines)
 {
     Select({0, 4}, {2, 2});
     InsertTagFromList(document, u"<section id=\"\">"_s, true, Paint);
@@ -172,7 +172,7 @@ TEST_F(TagTools, SelectedLinesGetTheTagsOnLinesOfTheirOwn)
     EXPECT_EQ(Lines(), Before);
 }
 
-TEST_F(TagTools, SelectedLinesWithoutClosingGetOneLineBefore)
+TEST_F(TagTools, WithoutAnEndTagSelectedLinesGetOneLineBeforeThem)
 {
     Select({1, 0}, {2, 4});
     InsertTagFromList(document, u"<section>"_s, false, Paint);
@@ -187,19 +187,19 @@ TEST_F(TagTools, ALineSelectedWithItsBreakKeepsTheBreak)
     EXPECT_EQ(Lines(), (QStringList{u"<p>one two"_s, u"<sub>three</sub>"_s, u"four"_s}));
 }
 
-TEST_F(TagTools, InsideATagOnlyTheWordsGoIn)
+TEST_F(TagTools, InsideATagOnlyTheWordsAreInserted)
 {
     Caret({0, 2});
     InsertTagFromList(document, u"< id=\"\" >"_s, false, Paint);
     EXPECT_EQ(Lines()[0], u"<pid=\"\">one two"_s);
-    // With an end tag the whole tag goes in, inside a tag too.
+    // With an end tag the whole tag is inserted, inside a tag too.
     Undo();
     Caret({0, 2});
     InsertTagFromList(document, u"<b>"_s, true, Paint);
     EXPECT_EQ(Lines()[0], u"<p<b></b>>one two"_s);
 }
 
-TEST_F(TagTools, BlanksInATagAreTidied)
+TEST_F(TagTools, SuperfluousBlanksInATagAreRemoved)
 {
     Caret({1, 0});
     InsertTagFromList(document, u"< image   :href=\"#\" />"_s, false, Paint);
@@ -218,7 +218,7 @@ TEST_F(TagTools, AmpersandsOfATagAreText)
 
 // ---------------------------------------------------------------- special symbols
 
-TEST_F(TagTools, ASymbolGoesBehindTheSelection)
+TEST_F(TagTools, ASymbolIsInsertedAfterTheSelection)
 {
     Select({1, 0}, {1, 3});
     InsertSpecialCharacter(document, 151);
@@ -231,7 +231,7 @@ TEST_F(TagTools, ASymbolGoesBehindTheSelection)
     EXPECT_EQ(Lines(), Before);
 }
 
-TEST_F(TagTools, EverySymbolIsThatOfItsCode)
+TEST_F(TagTools, EachSymbolIsTheCharacterOfItsCode)
 {
     const QHash<QString, QString> expected = {{u"FrenchLeft"_s, u"«"_s},
                                               {u"FrenchRight"_s, u"»"_s},
@@ -256,7 +256,7 @@ TEST_F(TagTools, EverySymbolIsThatOfItsCode)
         EXPECT_EQ(SymbolText(row.code), expected[QLatin1StringView(row.button)]) << row.button;
 }
 
-TEST_F(TagTools, APairGoesAroundTheSelection)
+TEST_F(TagTools, APairIsInsertedAroundTheSelection)
 {
     Select({0, 3}, {0, 6});
     InsertSpecialSymbols(document, u"FrenchBrackets"_s, QString());
@@ -281,7 +281,7 @@ TEST_F(TagTools, APairAroundLinesKeepsTheTextAndLosesThePainting)
     EXPECT_EQ(Lines(), Before);
 }
 
-TEST_F(TagTools, NumbersInsertTheirCharactersInOneGo)
+TEST_F(TagTools, NumbersInsertTheirCharactersInOneStep)
 {
     EXPECT_EQ(TextOfNumbers(u"65 66"_s), u"AB"_s);
     EXPECT_EQ(TextOfNumbers(u"171 8212 187"_s), u"«\u2014»"_s);
@@ -293,7 +293,7 @@ TEST_F(TagTools, NumbersInsertTheirCharactersInOneGo)
     EXPECT_EQ(Lines()[1], u"ABthree"_s);
 }
 
-TEST_F(TagTools, NumbersWithoutACharacterGiveNone)
+TEST_F(TagTools, NumbersWithoutACharacterInsertNothing)
 {
     // A double blank is a piece that counts as code 0.
     EXPECT_EQ(TextOfNumbers(u"65  66"_s), u"AB"_s);

@@ -104,7 +104,7 @@ TEST_F(ToolWindows, EscapeClosesEachAndTheEntryOpensItAgain)
     EXPECT_TRUE(form->ToolbarAction(u"html fragment editor"_s)->isEnabled());
 }
 
-TEST_F(ToolWindows, TitlesAreAsTheyAreKnown)
+TEST_F(ToolWindows, TheFormsHaveTheirTitles)
 {
     Open();
     EXPECT_EQ(InstanceOf<InLineTagsF>().windowTitle(), u" InLine Tags"_s);
@@ -273,7 +273,7 @@ TEST_F(ToolWindows, TheTagListIsEditedAndWritten)
     EXPECT_EQ(ReadTagFile(FbTagsListFile), DefaultFbTags());
 }
 
-TEST_F(ToolWindows, ADoubleClickOrInsertPutsTheTagIntoTheBook)
+TEST_F(ToolWindows, ADoubleClickOrInsertInsertsTheTag)
 {
     OpenBook();
     FbTagListF& tool = OpenBy<FbTagListF>("uInsertTags");
@@ -315,7 +315,7 @@ TEST_F(ToolWindows, WithoutABookNothingIsInserted)
 
 // ---------------------------------------------------------------- special symbols
 
-TEST_F(ToolWindows, SymbolsGoIntoTheBook)
+TEST_F(ToolWindows, SymbolsAreInsertedIntoTheBook)
 {
     OpenBook();
     SpecialCharactersF& tool = OpenBy<SpecialCharactersF>("uInsertSpecialSymbols");
@@ -350,7 +350,7 @@ TEST_F(ToolWindows, SymbolsGoIntoTheBook)
 
 // ---------------------------------------------------------------- fragment editor
 
-TEST_F(ToolWindows, EachActivationReadsTheSelectionAnew)
+TEST_F(ToolWindows, EachActivationReadsTheSelectionAgain)
 {
     OpenBook();
     SelectText(u"words"_s);
@@ -397,7 +397,7 @@ TEST_F(ToolWindows, AReturnFromADialogOrAnotherProgramKeepsTheText)
     EXPECT_EQ(FragmentText(tool.HtmlEditor->document()), u"words"_s);
 }
 
-TEST_F(ToolWindows, AnEditedLineComesBackIntoTheBook)
+TEST_F(ToolWindows, AnEditedLineIsWrittenBackToTheBook)
 {
     OpenBook();
     SelectText(u"words"_s);
@@ -473,7 +473,7 @@ TEST_F(ToolWindows, FontFindAndHelpChangeNothing)
     EXPECT_TRUE(boxTexts.isEmpty());
 }
 
-TEST_F(ToolWindows, TheReadingPageOfTheSelection)
+TEST_F(ToolWindows, ThePaintedPageShowsTheSourceOfTheSelection)
 {
     OpenBook();
     SelectText(u"line"_s);
@@ -486,7 +486,7 @@ TEST_F(ToolWindows, TheReadingPageOfTheSelection)
 
 // ---------------------------------------------------------------- small forms
 
-TEST_F(ToolWindows, AboutTellsNameVersionAndLicenceAndClosesOnAClick)
+TEST_F(ToolWindows, AboutShowsNameVersionAndLicenceAndClosesOnAClick)
 {
     Open();
     VMKAboutF& tool = OpenBy<VMKAboutF>("uAbout");

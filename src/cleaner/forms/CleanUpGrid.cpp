@@ -23,6 +23,7 @@ constexpr int CheckWidth = 40;
 constexpr int RegExpWidth = 50;
 constexpr int Margins = 12;
 constexpr int SmallestTextWidth = 40;
+constexpr float OutlineOpacity = 0.4F;
 
 bool IsText(const QModelIndex& index)
 {
@@ -55,6 +56,13 @@ public:
         box.rect = QStyle::alignedRect(cell.direction, Qt::AlignCenter, size, cell.rect);
         box.palette = cell.palette;
         style->drawPrimitive(QStyle::PE_IndicatorCheckBox, &box, painter, cell.widget);
+
+        // On a dark desktop some styles draw a box that is not visible on the cell.
+        QColor outline = cell.palette.color(QPalette::Text);
+        outline.setAlphaF(OutlineOpacity);
+        painter->setPen(outline);
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(box.rect.adjusted(0, 0, -1, -1));
     }
 
     QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem&,

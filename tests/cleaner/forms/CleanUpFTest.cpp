@@ -150,7 +150,7 @@ TEST_F(BookCleaner, AnOpenEditorCountsWhenTheTableIsApplied)
     EXPECT_GE(FindLine(u"Third y."_s), 0);
 }
 
-TEST_F(BookCleaner, ShowsForEachRowWhatItDid)
+TEST_F(BookCleaner, ShowsTheOutcomeOfEachRow)
 {
     OpenBook();
     CleanUpF& cleaner = OpenCleaner();
@@ -171,7 +171,7 @@ TEST_F(BookCleaner, ShowsForEachRowWhatItDid)
                 testing::HasSubstr("not a valid regular expression"));
 }
 
-TEST_F(BookCleaner, APageWithoutLinesFailsAndIsDoneAtOnce)
+TEST_F(BookCleaner, APageWithoutLinesIsReportedAsFailedAndAsDone)
 {
     OpenBook();
     Document().loadPage("<HTML><BODY></BODY></HTML>");
@@ -214,7 +214,7 @@ TEST_F(BookCleaner, TabMovesThroughTheCellsAndAddsARowAtTheEnd)
     EXPECT_EQ(cleaner.ListDH->currentIndex(), Model().index(0, EnabledColumn));
 }
 
-TEST_F(BookCleaner, CtrlAndShiftSelectABlockOfRowsThatRemoveTakes)
+TEST_F(BookCleaner, CtrlAndShiftSelectABlockOfRowsThatRemoveDeletes)
 {
     OpenBook();
     CleanUpF& cleaner = OpenCleaner();
@@ -229,7 +229,7 @@ TEST_F(BookCleaner, CtrlAndShiftSelectABlockOfRowsThatRemoveTakes)
     EXPECT_EQ(Rows(), std::vector<CleanUpRow>({One, Two}));
 }
 
-TEST_F(BookCleaner, ABlockReachesUpwardsToo)
+TEST_F(BookCleaner, ABlockCanExtendUpwards)
 {
     OpenBook();
     CleanUpF& cleaner = OpenCleaner();
@@ -271,7 +271,7 @@ TEST_F(BookCleaner, TheMenuAddsAndRemovesAtItsRow)
     EXPECT_EQ(Rows().back(), CleanUpRow());
 }
 
-TEST_F(BookCleaner, OnTheCaptionsTheMenuNeitherAddsBesideNorRemoves)
+TEST_F(BookCleaner, OnTheCaptionsTheMenuDoesNotAddBesideOrRemove)
 {
     OpenBook();
     CleanUpF& cleaner = OpenCleaner();
@@ -297,7 +297,7 @@ TEST_F(BookCleaner, AllRowsAreCheckedUncheckedAndRemovedByTheMenu)
     EXPECT_TRUE(Rows().empty());
 }
 
-TEST_F(BookCleaner, UndoTakesBackARemovedRow)
+TEST_F(BookCleaner, UndoRestoresARemovedRow)
 {
     OpenBook();
     CleanUpF& cleaner = OpenCleaner();
