@@ -92,7 +92,7 @@ void PrintResource(const Results& results, const BookResource& resource)
     results.print(std::move(object), text);
 }
 
-/// Prints what is wrong with the resources. @return how many faults there are.
+/// Prints the faults of the resources. \return their number
 int CheckResources(const Results& results, const BookResources& book)
 {
     int faults = 0;
@@ -119,7 +119,7 @@ int CheckResources(const Results& results, const BookResources& book)
     return faults;
 }
 
-/// The folder for a book's pictures: of several books each has one of its own.
+/// Returns the folder for the pictures of a book. Each of several books has a separate folder.
 QString FolderOf(const ImagesOptions& options, qsizetype book)
 {
     if (options.books.size() == 1)
@@ -149,7 +149,7 @@ bool Extract(const Results& results, const BookBytes& book, const QString& folde
     return pictures.unwritten == 0;
 }
 
-/// Does what the options ask for with one book. @return the exit code for it.
+/// Applies the options to one book. \return its exit code
 int HandleBook(const ImagesOptions& options, qsizetype index)
 {
     std::optional<std::string> bytes = ReadBook(options.books[index]);

@@ -15,7 +15,7 @@ namespace vmk {
 [[nodiscard]] QString SamplePageFile();
 
 /// Converts the sample with the display values of `PreviewValuesSeam`. The open book, its pictures and
-/// the message in the status bar stay as they are.
+/// the message in the status bar are unchanged.
 /// \param page  receives the page, in UTF-8.
 /// \return false if the sample cannot be shown
 [[nodiscard]] bool MakeSamplePage(std::string& page);

@@ -30,7 +30,7 @@ using ToolbarOrder = std::vector<int>;
 /// The two lists of the customising dialog.
 struct ToolbarLists
 {
-    /// The separator, then the buttons that the toolbar does not hold, in the design's order.
+    /// The separator, then the buttons that the toolbar does not show, in the design's order.
     ToolbarOrder available;
     /// The toolbar's buttons.
     ToolbarOrder shown;

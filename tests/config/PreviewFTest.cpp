@@ -215,6 +215,15 @@ TEST(PreviewGeometry, LeavesTheButtonsVisibleOnASmallScreen)
     }
 }
 
+TEST(PreviewGeometry, IsLowerThanWantedIfThatCoversNothingOfTheDialog)
+{
+    const QRect screen(0, 0, 1024, 768);
+    EXPECT_EQ(PreviewGeometry({480, 420}, {}, {0, 41, 826, 405}, {0, 410, 826, 30}, screen),
+              QRect(0, 446, 480, 322));
+    EXPECT_EQ(PreviewGeometry({480, 420}, {}, {150, 300, 826, 405}, {150, 670, 826, 30}, screen),
+              QRect(150, 0, 480, 300));
+}
+
 TEST(PreviewGeometry, AlwaysFitsTheScreen)
 {
     const QRect screen(0, 0, 300, 200);

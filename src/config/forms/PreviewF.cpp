@@ -18,6 +18,7 @@
 #include <QPushButton>
 #include <QScreen>
 
+#include <algorithm>
 #include <array>
 
 namespace vmk {
@@ -71,6 +72,18 @@ QRect PreviewGeometry(const QSize& wanted, const QMargins& frame, const QRect& d
     for (const QPoint& corner : beside) {
         if (screen.contains(QRect(corner, outer)))
             return QRect(corner, outer).marginsRemoved(frame);
+    }
+
+    // Try a lower preview below or above the dialog.
+    constexpr int LowHeight = 240;
+    const QRect below(QPoint(dialog.left(), dialog.bottom() + 1),
+                      QSize(outer.width(), screen.bottom() - dialog.bottom()));
+    const QRect above(QPoint(dialog.left(), screen.top()), QSize(outer.width(), dialog.top() - screen.top()));
+    for (QRect area : {below, above}) {
+        area.moveLeft(std::clamp(area.left(), screen.left(),
+                                 std::max(screen.left(), screen.right() - outer.width() + 1)));
+        if (area.height() >= LowHeight && screen.contains(area))
+            return area.marginsRemoved(frame);
     }
 
     // Try the corners of the screen, and lower sizes if no corner leaves the buttons visible.

@@ -7,9 +7,9 @@ namespace vmk {
 class DisplayView;
 class SettingsF;
 
-/// Returns the position and size of the preview, without its frame: beside the dialog if there is room there,
-/// otherwise in the corner of the screen where it covers no button and the least of the dialog. It is lower
-/// than wanted if it would cover the buttons in every corner.
+/// Returns the position and size of the preview, without its frame: beside the dialog if there is room there;
+/// otherwise below or above the dialog with a smaller height; otherwise in the corner of the screen where it
+/// covers no button and the least of the dialog, with a smaller height if necessary.
 /// \param wanted   the size of the preview
 /// \param frame    the frame that the window manager adds
 /// \param dialog   the dialog with its frame
@@ -50,7 +50,7 @@ protected:
 private:
     void placeBeside(const SettingsF& owner);
 
-    /// The file of the sample's page; written anew at each preview.
+    /// The file of the sample's page; rewritten at each preview.
     QString samplePage;
     int keptScrollTop = 0;
 };
