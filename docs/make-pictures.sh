@@ -5,7 +5,9 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 mkdir -p docs/pictures
 cmake --build build/release --target windowsheet >/dev/null
-QT_QPA_PLATFORM=offscreen build/release/bin/windowsheet light docs/pictures/all-windows.png docs/pictures 2>/dev/null
+# The screen of the offscreen platform is too small for some windows.
+QT_QPA_PLATFORM=xcb xvfb-run -a -s "-screen 0 1600x1000x24" \
+    build/release/bin/windowsheet light docs/pictures/all-windows.png docs/pictures 2>/dev/null
 # Each picture of the guide exists.
 missing=0
 while read -r picture; do
