@@ -142,7 +142,7 @@ void DisplayDocument::reset(std::vector<LinePtr> newLines)
     currentSelection = {};
     for (TextRange* range : liveRanges)
         range->first = range->last = {};
-    tell([](DisplayListener& told) { told.documentReset(); });
+    notify([](DisplayListener& observer) { observer.documentReset(); });
 }
 
 Position DisplayDocument::end() const
@@ -209,7 +209,7 @@ void DisplayDocument::setSelection(Position anchor, Position focus)
     if (wanted == currentSelection)
         return;
     currentSelection = wanted;
-    tell([](DisplayListener& told) { told.selectionChanged(); });
+    notify([](DisplayListener& observer) { observer.selectionChanged(); });
 }
 
 // ---------------------------------------------------------------- splice, undo, redo
@@ -274,10 +274,10 @@ void DisplayDocument::exchange(int first, const std::vector<LinePtr>& removed,
     const Selection moved{carried(currentSelection.anchor), carried(currentSelection.focus)};
     const bool selectionMoved = moved != currentSelection;
     currentSelection = moved;
-    tell([&](DisplayListener& told) {
-        told.linesChanged(first, removed, inserted);
+    notify([&](DisplayListener& observer) {
+        observer.linesChanged(first, removed, inserted);
         if (selectionMoved)
-            told.selectionChanged();
+            observer.selectionChanged();
     });
 }
 

@@ -185,7 +185,7 @@ private:
     friend class TextRange;
 
     template <typename Call>
-    void tell(Call call) const
+    void notify(Call call) const
     {
         if (recorder)
             call(*recorder);

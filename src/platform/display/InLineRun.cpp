@@ -171,11 +171,11 @@ void DisplayDocument::moveRun(InLineRun& run, std::size_t done)
         }
         carry(currentSelection.anchor);
         carry(currentSelection.focus);
-        tell([&](DisplayListener& told) { told.linesChanged(changed.index, removed, inserted); });
+        notify([&](DisplayListener& observer) { observer.linesChanged(changed.index, removed, inserted); });
     }
     run.setDone(done);
     if (oldSelection != currentSelection)
-        tell([](DisplayListener& told) { told.selectionChanged(); });
+        notify([](DisplayListener& observer) { observer.selectionChanged(); });
 }
 
 } // namespace vmk
