@@ -17,6 +17,7 @@ enum XmlErrorCode : int
     XmlDuplicateId,
     XmlNoParser,
     XmlTagTooLarge,
+    XmlDocTypeTooLarge,
 };
 
 /// The first error of a text: `parseError` of the document.

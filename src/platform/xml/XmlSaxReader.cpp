@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace vmk {
@@ -114,6 +115,16 @@ private:
     void processingInstruction(std::string_view target, std::string_view data);
     void reference(const xmlChar* name);
     xmlEntityPtr countExpansion(xmlEntityPtr entity);
+    void countDeclarations(std::string_view subset);
+    void countDeclaredAttribute(const xmlChar* element, const xmlChar* value);
+    struct Defaults // of one element
+    {
+        qsizetype count = 0;
+        qsizetype bytes = 0;
+    };
+    [[nodiscard]] qsizetype workOf(const Defaults& added) const;
+    [[nodiscard]] bool countDefaults(qsizetype work);
+    [[nodiscard]] bool countDefaultsOf(const std::string& element);
     void parserError(const xmlError& error);
 
     static xmlSAXHandler callbacks();
@@ -130,6 +141,13 @@ private:
     qsizetype expanded = 0; // bytes of expanded entities
     qsizetype references = 0; // to entities, including those within entities
     int depth = 0;
+    qsizetype docTypeBytes = 0;
+    qsizetype declarationCount = 0;
+    qsizetype alternatives = 0;
+    int declaredAttributes = 0;
+    std::unordered_map<std::string, Defaults> defaults; // by the name of the element
+    qsizetype mostDefaultWork = 0; // of one element
+    qsizetype defaultWork = 0; // for attributes that the document type adds to elements
 };
 
 XmlParseError Pass::run()
@@ -147,8 +165,9 @@ void Pass::parse()
     InitLibXml();
     const std::unique_ptr<xmlParserCtxt, LibXmlDeleter<xmlFreeParserCtxt>> owner(xmlNewParserCtxt());
     context = owner.get();
-    const auto read = [](void* pass, char* out, int capacity) {
-        return static_cast<int>(of(pass).readOn(out, capacity));
+    context->_private = this;
+    const auto read = [](void* data, char* out, int capacity) {
+        return static_cast<int>(of(data).readOn(out, capacity));
     };
     xmlParserInputBufferPtr buffer
         = xmlParserInputBufferCreateIO(read, nullptr, this, XML_CHAR_ENCODING_NONE);
@@ -179,14 +198,72 @@ void Pass::parse()
 /// that would take minutes.
 qsizetype Pass::readOn(char* out, qsizetype capacity)
 {
-    constexpr int MostAttributes = 10'000;
-    constexpr int MostNamespaces = 2000;
+    constexpr int MostAttributes = 2000;
+    constexpr int MostNamespaces = 640;
     constexpr int SlotsOfAttribute = 5;
     constexpr int SlotsOfNamespace = 2;
     if (context->maxatts > MostAttributes * SlotsOfAttribute
         || context->nsMax > MostNamespaces * SlotsOfNamespace)
         fail(XmlTagTooLarge, Place::StartTag, "The tag has too many attributes");
-    return input.read(out, capacity);
+    const qsizetype length = input.read(out, capacity);
+    constexpr int InternalSubset = 1;
+    if (context->inSubset != InternalSubset)
+        return length;
+    countDeclarations({out, static_cast<size_t>(length)});
+    return found ? 0 : length;
+}
+
+/// Counts a piece of the document type. A piece is counted before it is parsed: one declaration may be long
+/// enough to take minutes.
+void Pass::countDeclarations(std::string_view subset)
+{
+    docTypeBytes += static_cast<qsizetype>(subset.size());
+    declarationCount += std::count(subset.begin(), subset.end(), '<');
+    alternatives += std::count(subset.begin(), subset.end(), '|');
+    if (docTypeBytes > XmlMaxDocTypeBytes || declarationCount > XmlMaxDeclarations
+        || alternatives > XmlMaxAlternatives)
+        fail(XmlDocTypeTooLarge, Place::Here, "The document type has too many declarations");
+}
+
+/// \param value  the default value; null if there is none
+void Pass::countDeclaredAttribute(const xmlChar* element, const xmlChar* value)
+{
+    if (++declaredAttributes > XmlMaxDeclaredAttributes)
+        fail(XmlDocTypeTooLarge, Place::Here, "The document type declares too many attributes");
+    if (value == nullptr)
+        return;
+    Defaults& ofElement = defaults[std::string(View(element))];
+    ++ofElement.count;
+    ofElement.bytes += static_cast<qsizetype>(View(value).size());
+    mostDefaultWork = std::max(mostDefaultWork, workOf(ofElement));
+}
+
+/// The parser's work for the default values of an element: it compares them with each other and with the
+/// namespaces in scope, also if the tag itself contains them.
+qsizetype Pass::workOf(const Defaults& added) const
+{
+    constexpr qsizetype WorkPerAttribute = 16;
+    constexpr qsizetype ComparisonsPerWork = 8;
+    return added.bytes
+        + added.count * (WorkPerAttribute + (added.count + context->nsNr) / ComparisonsPerWork);
+}
+
+/// Counts work for default values; returns false if it exceeds a multiple of the text's size.
+bool Pass::countDefaults(qsizetype work)
+{
+    constexpr qsizetype WorkPerByte = 4;
+    defaultWork += work;
+    return defaultWork <= XmlMaxEntityExpansion + WorkPerByte * offset();
+}
+
+/// Counts the work for the default values of an element.
+bool Pass::countDefaultsOf(const std::string& element)
+{
+    const auto known = defaults.find(element);
+    if (known == defaults.end() || countDefaults(workOf(known->second)))
+        return true;
+    fail(XmlDocTypeTooLarge, Place::StartTag, "The document type adds too many attributes");
+    return false;
 }
 
 void Pass::fail(int code, Place place, std::string reason)
@@ -257,7 +334,10 @@ xmlSAXHandler Pass::callbacks()
     xmlSAXHandler sax = {};
     sax.initialized = XML_SAX2_MAGIC;
     sax.startDocument = [](void* pass) { of(pass).startDocument(); };
-    sax.serror = [](void* pass, xmlErrorPtr error) { of(pass).parserError(*error); };
+    // Some errors are reported with the parser's context as the first argument, whatever `userData` is.
+    sax.serror = [](void*, xmlErrorPtr error) {
+        of(static_cast<xmlParserCtxtPtr>(error->ctxt)->_private).parserError(*error);
+    };
 
     // libxml2 keeps the declarations of the document type in a document without elements.
     sax.internalSubset = [](void* pass, const xmlChar* name, const xmlChar* id, const xmlChar* location) {
@@ -273,6 +353,12 @@ xmlSAXHandler Pass::callbacks()
                                 const xmlChar* notation) {
         xmlSAX2UnparsedEntityDecl(of(pass).context, name, id, location, notation);
     };
+    // The parser itself keeps the default values; a document has no use for the enumerations.
+    sax.attributeDecl = [](void* pass, const xmlChar* element, const xmlChar*, int, int, const xmlChar* value,
+                           xmlEnumerationPtr alternatives) {
+        xmlFreeEnumeration(alternatives);
+        of(pass).countDeclaredAttribute(element, value);
+    };
     sax.getEntity = [](void* pass, const xmlChar* name) {
         return of(pass).countExpansion(xmlSAX2GetEntity(of(pass).context, name));
     };
@@ -286,6 +372,9 @@ xmlSAXHandler Pass::callbacks()
              const xmlChar** namespaces, int attributeCount, int defaulted, const xmlChar** attributes) {
               of(pass).startElement(name, prefix, uri, namespaceCount, namespaces, attributeCount, defaulted,
                                     attributes);
+              // The rest of the buffer may contain a thousand tags, each with the work of its default values.
+              if (of(pass).found && !of(pass).insideEntity())
+                  xmlStopParser(of(pass).context);
           };
     sax.endElementNs = [](void* pass, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
         of(pass).endElement(name, prefix, uri);
@@ -303,8 +392,9 @@ xmlSAXHandler Pass::callbacks()
 
 void Pass::parserError(const xmlError& error)
 {
-    // The name of a namespace is compared, never resolved: it does not have to be a URI.
-    if (error.level < XML_ERR_ERROR || error.code == XML_WAR_NS_URI)
+    // The name of a namespace is compared, never resolved: it does not have to be a URI. Declarations need
+    // not be valid, for example without duplicates, as long as they are well-formed.
+    if (error.level < XML_ERR_ERROR || error.code == XML_WAR_NS_URI || error.domain == XML_FROM_DTD)
         return;
     Place place = Place::Here;
     if (error.domain == XML_FROM_NAMESPACE)
@@ -324,6 +414,19 @@ xmlEntityPtr Pass::countExpansion(xmlEntityPtr entity)
         return nullptr;
     expanded += entity->length;
     ++references;
+    if (entity->etype == XML_INTERNAL_PARAMETER_ENTITY) {
+        countDeclarations(View(entity->content, entity->length));
+        if (found)
+            return nullptr;
+    }
+    // Before the parser starts with the elements of the entity: it cannot be stopped there.
+    if (mostDefaultWork > 0) {
+        const std::string_view content = View(entity->content, entity->length);
+        if (!countDefaults(mostDefaultWork * std::count(content.begin(), content.end(), '<')))
+            fail(XmlDocTypeTooLarge, Place::Reference, "The document type adds too many attributes");
+        if (found)
+            return nullptr;
+    }
     if (expanded <= XmlMaxEntityExpansion && references <= FreeReferences + offset() / ShortestReference)
         return entity;
     fail(XmlEntityTooLarge, Place::Reference, "The entities of the document type expand to too much text");
@@ -369,6 +472,8 @@ void Pass::startElement(const xmlChar* name, const xmlChar* prefix, const xmlCha
 {
     flushText();
     if (!listening())
+        return;
+    if (!defaults.empty() && !countDefaultsOf(QName(name, prefix)))
         return;
     if (++depth > XmlMaxDepth) {
         fail(XmlTooDeep, Place::StartTag, "Elements are nested deeper than " + std::to_string(XmlMaxDepth));
