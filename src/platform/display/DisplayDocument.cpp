@@ -364,10 +364,13 @@ Position DisplayDocument::replaceHtml(Position from, Position to, QStringView ht
 
 Position DisplayDocument::replaceHtml(int line, Cut from, Cut to, QStringView html)
 {
-    const HtmlContent read = ReadFragment(tagTable, html);
+    HtmlContent read = ReadFragment(tagTable, html);
     std::vector<Line> content;
-    for (const LinePtr& piece : read.lines)
+    content.reserve(read.lines.size() + 2);
+    for (LinePtr& piece : read.lines) {
         content.push_back(*piece);
+        piece.reset();
+    }
     if (!content.empty())
         return replaceBlocks(line, from, to, std::move(content), read.openEnded);
     if (from.offset == to.offset && from.mark == to.mark)

@@ -1,7 +1,8 @@
 #include "HtmlReader.h"
 
 #include "HtmlCharacters.h"
-#include "HtmlElements.h"
+#include "HtmlLineBuilder.h"
+#include "HtmlScanner.h"
 #include "Utf8.h"
 
 #include <QStringDecoder>
@@ -16,39 +17,7 @@ namespace vmk {
 
 namespace {
 
-/// Deeper nesting is flattened: no page needs it, and the cost of hostile input must be linear in its size.
-constexpr std::size_t MaxBlockDepth = 256;
-/// The maximum number of in-line elements that continue in the following lines; others end with their line.
-constexpr std::size_t MaxCarriedDepth = 24;
-/// The maximum length of a quoted attribute value with a `>`; beyond it, the quote counts as unclosed.
-constexpr std::size_t LongestQuotedValue = 4096;
-
-enum class Spacing
-{
-    Collapse,
-    Keep
-};
-
-constexpr bool IsLetter(char32_t c)
-{
-    return (c >= U'a' && c <= U'z') || (c >= U'A' && c <= U'Z');
-}
-
-/// The characters that end the name of an element. A quote in a name would hide the text after the end tag.
-constexpr bool EndsName(char32_t c)
-{
-    return IsHtmlSpace(c) || c == U'/' || c == U'>' || c == U'=' || c == U'"' || c == U'\'';
-}
-
-/// The properties of a tag that the reader uses.
-struct TagFacts
-{
-    TagId tag = NoTag; ///< The interned start tag; for an end tag, the one without attributes.
-    TagId name = NoTag; ///< The interned tag with this name and without attributes: equal for equal names.
-    ElementKind kind = ElementKind::Inline;
-    bool isEnd = false;
-};
-
+/// Reads tags and text and passes them to the builder of lines.
 /// \tparam Char  `char` for UTF-8, `char16_t` for UTF-16
 template <class Char>
 class Reader
@@ -60,37 +29,26 @@ public:
         : tags(tagTable)
         , input(html)
         , spacing(spacingRule)
+        , scanner(html)
+        , builder(tagTable, spacingRule)
     {
     }
 
     HtmlContent read();
 
 private:
-    struct OpenBlock
+    // Tags.
+    [[nodiscard]] std::size_t find(Char c, std::size_t from) const
     {
-        TagId tag = NoTag;
-        TagId name = NoTag;
-        ElementKind kind = ElementKind::Block;
-        bool filled = false; ///< A line or a block inside it exists already.
-        std::size_t inlineDepth = 0; ///< In-line elements open around it.
-    };
-    struct OpenInline
-    {
-        TagId tag = NoTag;
-        TagId name = NoTag;
-        bool everMarked = false; ///< Its start tag is in a line already.
-    };
-
-    // Tokens.
-    std::size_t find(Char c, std::size_t from) const;
-    std::size_t findTagEnd(std::size_t start);
+        return std::min(input.find(c, from), input.size());
+    }
     bool readMarkup();
     bool readDeclaration();
+    void startTag(const TagFacts& facts);
     const TagFacts& tagFacts(View inner);
     TagFacts makeTagFacts(View inner);
     bool skipElement(TagId name);
-    [[nodiscard]] bool isProgramText(TagId name) const;
-    [[nodiscard]] std::size_t findEndTag(QStringView name) const;
+    [[nodiscard]] bool isProgramText(TagId name);
 
     // Text.
     void readText(std::size_t stop);
@@ -98,60 +56,32 @@ private:
     void readSpace();
     void readReferenceAt();
     void readCharacter();
-    void put(char32_t c);
-    void putSpace(QStringView run, bool collapsible);
+    [[nodiscard]] bool isTooCostly() const;
+    void readRestAsText();
     QString toText(View piece) const;
 
-    // Structure.
-    void startTag(const TagFacts& facts);
-    void endTag(const TagFacts& facts);
-    void startBlock(const TagFacts& facts);
-    void closeBlock();
-    void startInline(const TagFacts& facts);
-    void endInline(TagId name);
-    void lineBreak();
-    void beginLine();
-    void markOpenElements();
-    void endLine();
+    // The head of a page.
+    [[nodiscard]] bool isInFront() const { return builder.isInFront() && content.body == NoTag; }
     bool takeHead(std::size_t end);
-    TagId plainBlock(TagId container);
-    [[nodiscard]] bool inFrontOfPage() const
-    {
-        return content.lines.empty() && !lineOpen && blocks.empty() && content.body == NoTag;
-    }
-    [[nodiscard]] bool inPre() const { return !blocks.empty() && blocks.back().name == preName; }
+    [[nodiscard]] QString head() const;
 
     TagTable& tags;
     View input;
     Spacing spacing;
+    HtmlScanner<Char> scanner;
+    HtmlLineBuilder builder;
     std::size_t at = 0;
+    std::size_t tagCost = 0; ///< Of the distinct tags.
+    bool restIsText = false;
 
     HtmlContent content;
-    std::vector<OpenBlock> blocks;
-    std::vector<OpenInline> inlines;
-    std::size_t markedInlines
-        = 0; ///< The number of elements of `inlines`, from the bottom, that are in the current line.
-
-    bool lineOpen = false;
-    bool endsCollapsible = false; ///< The text ends with a blank that collapses with the following one.
-    std::u16string text;
-    std::vector<Mark> marks;
-    std::u16string heldSpace; ///< White space that belongs to the next line, if one begins.
-    bool heldCollapsible = false;
-
+    std::size_t headEnd = 0;
     struct StrayQuote
     {
         std::size_t tagEnd = 0;
         Char quote = {};
     };
     std::vector<StrayQuote> strayQuotes; ///< Unclosed quotes in tags of the head, in order.
-
-    // Results of searches to the end of the input: no further occurrence exists.
-    bool noBracket = false;
-    bool noCommentEnd = false;
-    std::vector<TagId> neverEnded;
-
-    const TagId preName = tags.intern(u"PRE", {});
 
     struct CacheEntry
     {
@@ -161,74 +91,54 @@ private:
     std::array<CacheEntry, 512> cache;
 };
 
-// ---------------------------------------------------------------- the main loop
-
 template <class Char>
 HtmlContent Reader<Char>::read()
 {
     while (at < input.size()) {
-        const std::size_t next = find(Char('<'), at);
-        readText(next);
-        if (at < input.size() && !readMarkup())
+        readText(find(Char('<'), at));
+        if (!isTooCostly() && at < input.size() && !readMarkup())
             readCharacter();
+        if (isTooCostly())
+            readRestAsText();
     }
-
-    // All open elements end here as if their end tags followed.
-    while (!blocks.empty())
-        closeBlock();
-    const bool onlySpace = content.lines.empty() && !lineOpen && !heldSpace.empty();
-    if (onlySpace && !heldCollapsible && spacing == Spacing::Keep)
-        beginLine();
-    // An empty element at the end of the input is content too.
-    if (std::any_of(inlines.begin(), inlines.end(), [](const OpenInline& open) { return !open.everMarked; }))
-        markOpenElements();
-    content.openEnded = lineOpen;
-    endLine();
+    content.lines = builder.finish(content.openEnded);
+    content.head = head();
     return std::move(content);
 }
 
+/// True if the lines of a fragment have become much larger than its text. A page is not limited: it is
+/// written by the program itself.
 template <class Char>
-std::size_t Reader<Char>::find(Char c, std::size_t from) const
+bool Reader<Char>::isTooCostly() const
 {
-    return std::min(input.find(c, from), input.size());
+    constexpr std::size_t Allowance = 256 * 1024;
+    constexpr std::size_t MostPerCharacter = 6;
+    return spacing == Spacing::Keep && !restIsText
+        && builder.cost() + tagCost > Allowance + MostPerCharacter * at;
+}
+
+/// Reads the rest of the input without its tags: each of their characters is text, each line end ends a line.
+template <class Char>
+void Reader<Char>::readRestAsText()
+{
+    constexpr std::array<Char, 3> Stops = {Char('<'), Char('\r'), Char('\n')};
+    restIsText = true;
+    builder.closeAll();
+    while (at < input.size()) {
+        if (input[at] == Char('<')) {
+            readCharacter();
+        } else if (input[at] == Char('\r') || input[at] == Char('\n')) {
+            const bool isPair = input[at] == Char('\r') && input.substr(at + 1, 1) == View(&Stops[2], 1);
+            at += isPair ? 2 : 1;
+            builder.lineBreak();
+        } else {
+            const std::size_t next = input.find_first_of(View(Stops.data(), Stops.size()), at);
+            readText(std::min(next, input.size()));
+        }
+    }
 }
 
 // ---------------------------------------------------------------- tags
-
-/// The position of the `>` that ends the tag at `start`, or `npos`. A `>` inside a quoted value does not
-/// count, unless the quote is never closed.
-template <class Char>
-std::size_t Reader<Char>::findTagEnd(std::size_t start)
-{
-    const std::size_t first = noBracket ? View::npos : input.find(Char('>'), start);
-    noBracket = first == View::npos;
-    if (noBracket)
-        return first;
-    const std::size_t limit = std::min(input.size(), first + LongestQuotedValue);
-    Char quote = Char('"');
-    std::size_t i = start;
-    while (i < limit) {
-        if (input[i] == Char('>'))
-            return i;
-        if (input[i] != Char('=')) {
-            ++i;
-            continue;
-        }
-        for (++i; i < limit && IsHtmlSpace(char32_t(input[i]));)
-            ++i;
-        if (i < limit && (input[i] == Char('"') || input[i] == Char('\''))) {
-            if (i < first)
-                quote = input[i];
-            const std::size_t close = input.substr(0, limit).find(input[i], i + 1);
-            if (close == View::npos)
-                break;
-            i = close + 1;
-        }
-    }
-    if (inFrontOfPage())
-        strayQuotes.push_back({first, quote});
-    return first;
-}
 
 /// Reads the tag, comment or declaration at `at`; returns false if its `<` is a plain character.
 template <class Char>
@@ -240,20 +150,22 @@ bool Reader<Char>::readMarkup()
     if (next == Char('!') || next == Char('?'))
         return readDeclaration();
     const bool isEnd = next == Char('/');
-    if (isEnd && (at + 2 >= input.size() || !IsLetter(char32_t(input[at + 2]))))
+    if (isEnd && (at + 2 >= input.size() || !IsHtmlLetter(char32_t(input[at + 2]))))
         return false;
-    if (!isEnd && !IsLetter(char32_t(next)))
+    if (!isEnd && !IsHtmlLetter(char32_t(next)))
         return false;
-    const std::size_t end = findTagEnd(at + 1);
+    const auto [end, strayQuote] = scanner.tagEnd(at + 1);
     if (end == View::npos)
         return false;
+    if (strayQuote != Char() && isInFront())
+        strayQuotes.push_back({end, strayQuote});
 
     const TagFacts facts = tagFacts(input.substr(at + 1, end - at - 1));
     if (facts.kind == ElementKind::Body && !facts.isEnd && takeHead(at))
         content.body = facts.tag;
     at = end + 1;
     if (facts.isEnd)
-        endTag(facts);
+        builder.endTag(facts);
     else
         startTag(facts);
     return true;
@@ -264,7 +176,6 @@ template <class Char>
 bool Reader<Char>::readDeclaration()
 {
     constexpr std::array<Char, 4> CommentStart = {Char('<'), Char('!'), Char('-'), Char('-')};
-    constexpr std::array<Char, 3> CommentEnd = {Char('-'), Char('-'), Char('>')};
     // The section's text is content of a pasted book.
     constexpr std::array<Char, 9> CDataStart
         = {Char('<'), Char('!'), Char('['), Char('C'), Char('D'), Char('A'), Char('T'), Char('A'), Char('[')};
@@ -272,16 +183,14 @@ bool Reader<Char>::readDeclaration()
         && input.substr(at, CDataStart.size()) == View(CDataStart.data(), CDataStart.size()))
         return false;
     if (input.substr(at, 4) == View(CommentStart.data(), 4)) {
-        const std::size_t end = noCommentEnd ? View::npos : input.find(View(CommentEnd.data(), 3), at + 4);
-        noCommentEnd = end == View::npos;
-        if (noCommentEnd)
+        const std::size_t end = scanner.commentEnd(at + 4);
+        if (end == View::npos)
             return false;
-        at = end + 3;
+        at = end;
         return true;
     }
-    const std::size_t end = noBracket ? View::npos : input.find(Char('>'), at);
-    noBracket = end == View::npos;
-    if (noBracket)
+    const std::size_t end = scanner.bracket(at);
+    if (end == View::npos)
         return false;
     at = end + 1;
     return true;
@@ -312,59 +221,61 @@ TagFacts Reader<Char>::makeTagFacts(View inner)
     if (facts.isEnd)
         tagText.remove(0, 1);
     const auto nameEnd
-        = std::find_if(tagText.cbegin(), tagText.cend(), [](QChar c) { return EndsName(c.unicode()); });
+        = std::find_if(tagText.cbegin(), tagText.cend(), [](QChar c) { return EndsHtmlName(c.unicode()); });
     const QStringView name(tagText.cbegin(), nameEnd);
+    const int known = tags.size();
     facts.name = tags.intern(name, {});
     facts.tag = facts.isEnd ? facts.name : tags.intern(name, QStringView(nameEnd, tagText.cend()));
     facts.kind = KindOfElement(tags[facts.name].name);
+    facts.cost = HtmlLineBuilder::costOf(tags[facts.tag]);
+    // The table keeps each distinct tag several times.
+    constexpr std::size_t CostOfNewTag = 64;
+    if (tags.size() > known)
+        tagCost += CostOfNewTag + facts.cost;
     return facts;
 }
 
-/// The position of the next end tag with that name after `at`, or `npos`.
 template <class Char>
-std::size_t Reader<Char>::findEndTag(QStringView name) const
+void Reader<Char>::startTag(const TagFacts& facts)
 {
-    for (std::size_t i = find(Char('<'), at); i + 2 < input.size(); i = find(Char('<'), i + 1)) {
-        if (input[i + 1] != Char('/') || input.size() - i - 2 < std::size_t(name.size()))
-            continue;
-        const auto matches = [&](qsizetype k) {
-            const auto c = char32_t(input[i + 2 + std::size_t(k)]);
-            return IsLetter(c) && (c & ~0x20U) == name[k].unicode();
-        };
-        qsizetype k = 0;
-        while (k < name.size() && matches(k))
-            ++k;
-        const std::size_t behind = i + 2 + std::size_t(k);
-        if (k == name.size() && (behind == input.size() || EndsName(char32_t(input[behind]))))
-            return i;
+    switch (facts.kind) {
+    case ElementKind::Head:
+        if (skipElement(facts.name))
+            takeHead(at);
+        return;
+    case ElementKind::Dropped:
+        // A fragment may be the source of a book, which has elements of these names.
+        if (spacing == Spacing::Collapse || isProgramText(facts.name))
+            static_cast<void>(skipElement(facts.name));
+        return;
+    case ElementKind::Body:
+    case ElementKind::Ignored:
+        return;
+    default:
+        return builder.startTag(facts);
     }
-    return View::npos;
 }
 
 /// Skips an element whose content is not displayed; returns false if it never ends and is therefore text.
 template <class Char>
 bool Reader<Char>::skipElement(TagId name)
 {
-    if (std::find(neverEnded.begin(), neverEnded.end(), name) != neverEnded.end())
+    const std::size_t end = scanner.endTag(tags[name].name, at);
+    const std::size_t close = end == View::npos ? end : scanner.bracket(end);
+    if (close == View::npos)
         return false;
-    const std::size_t end = findEndTag(tags[name].name);
-    const std::size_t close = end == View::npos ? end : input.find(Char('>'), end);
-    if (close == View::npos) {
-        neverEnded.push_back(name);
-        return false;
-    }
     at = close + 1;
     return true;
 }
 
 /// True for an element whose content is no text to read: scripts, and style sheets with their rules.
 template <class Char>
-bool Reader<Char>::isProgramText(TagId name) const
+bool Reader<Char>::isProgramText(TagId name)
 {
     if (tags[name].name == u"SCRIPT")
         return true;
-    const std::size_t end = findEndTag(tags[name].name);
-    return end != View::npos && input.substr(at, end - at).find(Char('{')) != View::npos;
+    const std::size_t end = scanner.endTag(tags[name].name, at);
+    return end != View::npos && scanner.hasBrace(at, end);
 }
 
 template <class Char>
@@ -381,7 +292,7 @@ QString Reader<Char>::toText(View piece) const
 template <class Char>
 void Reader<Char>::readText(std::size_t stop)
 {
-    while (at < stop) {
+    while (at < stop && !isTooCostly()) {
         const auto c = char32_t(std::make_unsigned_t<Char>(input[at]));
         if (IsHtmlSpace(c))
             readSpace();
@@ -417,10 +328,7 @@ bool Reader<Char>::readRun(std::size_t stop)
     }
     if (length == 0)
         return false;
-    if (!lineOpen || markedInlines < inlines.size())
-        markOpenElements();
-    endsCollapsible = false;
-    text.append(run.data(), length);
+    builder.append(run.data(), length);
     return true;
 }
 
@@ -429,50 +337,29 @@ template <class Char>
 void Reader<Char>::readSpace()
 {
     // One blank between two words, the common case.
-    if (lineOpen && !endsCollapsible && !text.empty() && input[at] == Char(' ')
-        && markedInlines == inlines.size() && at + 1 < input.size()
-        && !IsHtmlSpace(char32_t(std::make_unsigned_t<Char>(input[at + 1])))) {
+    if (input[at] == Char(' ') && at + 1 < input.size()
+        && !IsHtmlSpace(char32_t(std::make_unsigned_t<Char>(input[at + 1]))) && builder.putLoneBlank()) {
         ++at;
-        text.push_back(u' ');
-        endsCollapsible = spacing == Spacing::Collapse && !inPre();
         return;
     }
     std::u16string run;
     bool hasLineEnd = false;
     for (; at < input.size() && IsHtmlSpace(char32_t(std::make_unsigned_t<Char>(input[at]))); ++at) {
         const auto c = char16_t(input[at]);
-        if (inPre() && c == u'\n') {
-            putSpace(QStringView(run), false);
+        if (builder.inPre() && c == u'\n') {
+            builder.putSpace(QStringView(run), false);
             run.clear();
-            lineBreak();
-            continue;
+            builder.lineBreak();
+            if (!isTooCostly())
+                continue;
+            ++at;
+            return;
         }
         hasLineEnd = hasLineEnd || c == u'\n' || c == u'\r';
         if (c != u'\n' && c != u'\r')
             run.push_back(c);
     }
-    putSpace(QStringView(run), !inPre() && (hasLineEnd || spacing == Spacing::Collapse));
-}
-
-template <class Char>
-void Reader<Char>::putSpace(QStringView run, bool collapsible)
-{
-    if (collapsible)
-        run = u" ";
-    if (run.isEmpty())
-        return;
-    if (!lineOpen && (collapsible || inlines.empty())) {
-        // It counts only if text follows in the same line.
-        heldCollapsible = heldCollapsible || collapsible;
-        heldSpace.append(run.utf16(), std::size_t(run.size()));
-        return;
-    }
-    if (collapsible && (endsCollapsible || text.empty()))
-        return;
-    // A blank that is kept inside an element is part of its text.
-    markOpenElements();
-    text.append(run.utf16(), std::size_t(run.size()));
-    endsCollapsible = collapsible;
+    builder.putSpace(QStringView(run), !builder.inPre() && (hasLineEnd || spacing == Spacing::Collapse));
 }
 
 template <class Char>
@@ -485,7 +372,7 @@ void Reader<Char>::readReferenceAt()
     const bool isLess = four == View(LessThan.data(), 4);
     if (isLess || four == View(GreaterThan.data(), 4)) {
         at += 4;
-        return put(isLess ? U'<' : U'>');
+        return builder.put(isLess ? U'<' : U'>');
     }
 
     constexpr std::size_t LongestReference = 64;
@@ -500,9 +387,9 @@ void Reader<Char>::readReferenceAt()
     // White space remains white space if it is written as a numeric reference.
     const auto space = char16_t(c);
     if (IsHtmlSpace(c))
-        putSpace(QStringView(&space, 1), c == U'\r' || c == U'\n' || spacing == Spacing::Collapse);
+        builder.putSpace(QStringView(&space, 1), c == U'\r' || c == U'\n' || spacing == Spacing::Collapse);
     else
-        put(c == 0 ? U'&' : c);
+        builder.put(c == 0 ? U'&' : c);
 }
 
 /// Reads one character as text, whatever it is.
@@ -510,245 +397,41 @@ template <class Char>
 void Reader<Char>::readCharacter()
 {
     if constexpr (std::is_same_v<Char, char16_t>) {
-        markOpenElements();
-        endsCollapsible = false;
-        text.push_back(input[at++]);
+        builder.append(&input[at++], 1);
     } else {
         const Utf8Character decoded = DecodeUtf8(input.substr(at));
         at += std::max<std::size_t>(decoded.length, 1);
-        put(decoded.character);
+        builder.put(decoded.character);
     }
 }
 
-template <class Char>
-void Reader<Char>::put(char32_t c)
-{
-    if (!lineOpen || markedInlines < inlines.size())
-        markOpenElements();
-    endsCollapsible = false;
-    if (c < 0x10000) {
-        text.push_back(char16_t(c));
-    } else {
-        text.push_back(QChar::highSurrogate(c));
-        text.push_back(QChar::lowSurrogate(c));
-    }
-}
+// ---------------------------------------------------------------- the head
 
-// ---------------------------------------------------------------- elements
-
-template <class Char>
-void Reader<Char>::startTag(const TagFacts& facts)
-{
-    switch (facts.kind) {
-    case ElementKind::Inline:
-        return startInline(facts);
-    case ElementKind::Void:
-        startInline(facts);
-        return endInline(facts.name);
-    case ElementKind::Block:
-    case ElementKind::Container:
-        return startBlock(facts);
-    case ElementKind::Break:
-        return lineBreak();
-    case ElementKind::Rule:
-        startBlock(facts);
-        return closeBlock();
-    case ElementKind::Head:
-        if (skipElement(facts.name))
-            takeHead(at);
-        return;
-    case ElementKind::Dropped:
-        // A fragment may be the source of a book, which has elements of these names.
-        if (spacing == Spacing::Collapse || isProgramText(facts.name))
-            static_cast<void>(skipElement(facts.name));
-        return;
-    case ElementKind::Body:
-    case ElementKind::Ignored:
-        return;
-    }
-}
-
-template <class Char>
-void Reader<Char>::endTag(const TagFacts& facts)
-{
-    if (facts.kind == ElementKind::Inline)
-        return endInline(facts.name);
-    if (facts.kind != ElementKind::Block && facts.kind != ElementKind::Container)
-        return;
-    const auto open = std::find_if(blocks.rbegin(), blocks.rend(),
-                                   [&facts](const OpenBlock& block) { return block.name == facts.name; });
-    if (open == blocks.rend())
-        return;
-    const auto depth = std::size_t(blocks.rend() - open);
-    while (blocks.size() >= depth)
-        closeBlock();
-}
-
-template <class Char>
-void Reader<Char>::startBlock(const TagFacts& facts)
-{
-    endLine();
-    const QString& name = tags[facts.name].name;
-    while (!blocks.empty() && EndsImplicitly(tags[blocks.back().name].name, name))
-        closeBlock();
-    if (blocks.size() >= MaxBlockDepth) {
-        // It would contain the block that replaces it, so it is not an empty line.
-        blocks.back().filled = true;
-        closeBlock();
-    }
-
-    OpenBlock block{facts.tag, facts.name, facts.kind, false, inlines.size()};
-    if (!blocks.empty()) {
-        blocks.back().filled = true;
-        const QString align = tags[blocks.back().tag].value(u"align");
-        if (!align.isEmpty() && tags[facts.tag].value(u"align").isEmpty())
-            block.tag = tags.withAttribute(facts.tag, u"align", align);
-    }
-    blocks.push_back(block);
-}
-
-/// Ends the innermost block and the in-line elements opened in it.
-template <class Char>
-void Reader<Char>::closeBlock()
-{
-    const OpenBlock& block = blocks.back();
-    const bool emptyInline
-        = std::any_of(inlines.begin() + std::ptrdiff_t(std::min(block.inlineDepth, inlines.size())),
-                      inlines.end(), [](const OpenInline& open) { return !open.everMarked; });
-    if (emptyInline)
-        markOpenElements();
-    if (!lineOpen && !block.filled && block.kind != ElementKind::Container)
-        beginLine();
-    endLine();
-    if (inlines.size() > block.inlineDepth)
-        inlines.resize(block.inlineDepth);
-    markedInlines = std::min(markedInlines, inlines.size());
-    blocks.pop_back();
-}
-
-template <class Char>
-void Reader<Char>::startInline(const TagFacts& facts)
-{
-    if (inlines.size() < MaxInlineDepth)
-        inlines.push_back({facts.tag, facts.name, false});
-}
-
-template <class Char>
-void Reader<Char>::endInline(TagId name)
-{
-    std::size_t i = inlines.size();
-    while (i > 0 && inlines[i - 1].name != name)
-        --i;
-    if (i == 0)
-        return;
-    const std::size_t index = i - 1;
-    // An element without text is kept too: it may be a field or an anchor.
-    if (!inlines[index].everMarked)
-        markOpenElements();
-    // Elements that were opened inside and are still open continue after the end tag.
-    while (markedInlines > index)
-        marks.push_back(Mark::closing(int(text.size()), inlines[--markedInlines].tag));
-    inlines.erase(inlines.begin() + std::ptrdiff_t(index));
-    for (auto block = blocks.rbegin(); block != blocks.rend() && block->inlineDepth > index; ++block)
-        --block->inlineDepth;
-}
-
-/// Handles `BR`, or a line end in preformatted text.
-template <class Char>
-void Reader<Char>::lineBreak()
-{
-    if (!lineOpen)
-        beginLine();
-    endLine();
-}
-
-template <class Char>
-void Reader<Char>::beginLine()
-{
-    lineOpen = true;
-    if (!heldCollapsible && (spacing == Spacing::Keep || inPre()))
-        text.append(heldSpace);
-    heldSpace.clear();
-    heldCollapsible = false;
-}
-
-/// Opens all open elements that are not in the current line yet; begins a line if necessary.
-template <class Char>
-void Reader<Char>::markOpenElements()
-{
-    if (!lineOpen)
-        beginLine();
-    for (; markedInlines < inlines.size(); ++markedInlines) {
-        OpenInline& open = inlines[markedInlines];
-        open.everMarked = true;
-        marks.push_back(Mark::opening(int(text.size()), open.tag));
-    }
-}
-
-template <class Char>
-void Reader<Char>::endLine()
-{
-    heldSpace.clear();
-    heldCollapsible = false;
-    if (!lineOpen)
-        return;
-    while (markedInlines > 0)
-        marks.push_back(Mark::closing(int(text.size()), inlines[--markedInlines].tag));
-    if (endsCollapsible)
-        text.pop_back();
-    const auto length = std::int32_t(text.size());
-    for (auto mark = marks.rbegin(); mark != marks.rend() && mark->pos > length; ++mark)
-        mark->pos = length;
-
-    TagId block = NoTag;
-    if (!blocks.empty()) {
-        OpenBlock& around = blocks.back();
-        // Only one line has the identifier.
-        if (around.filled)
-            around.tag = tags.withAttribute(around.tag, u"id", QString());
-        block = around.kind == ElementKind::Container ? plainBlock(around.tag) : around.tag;
-        around.filled = true;
-    }
-    content.lines.push_back(std::make_shared<const Line>(
-        Line{block, QString(reinterpret_cast<const QChar*>(text.data()), qsizetype(text.size())),
-             std::vector<Mark>(marks.begin(), marks.end())}));
-    text.clear();
-    marks.clear();
-    endsCollapsible = false;
-    lineOpen = false;
-    if (inlines.size() > MaxCarriedDepth)
-        inlines.resize(MaxCarriedDepth);
-}
-
-/// The block of a line that is directly in a list or table, outside its items or cells.
-template <class Char>
-TagId Reader<Char>::plainBlock(TagId container)
-{
-    const QString align = tags[container].value(u"align");
-    const TagId div = tags.intern(u"DIV", {});
-    return align.isEmpty() ? div : tags.withAttribute(div, u"align", align);
-}
-
-/// If no content of the page has begun, everything up to here is its head. The head is kept as written,
-/// except that unclosed quotes are closed: in another page they could match a later quote.
+/// If no content of the page has begun, everything up to here is its head.
 template <class Char>
 bool Reader<Char>::takeHead(std::size_t end)
 {
-    if (!inFrontOfPage())
+    if (!isInFront())
         return false;
-    content.head.clear();
+    headEnd = end;
+    builder.dropFront();
+    return true;
+}
+
+/// The head as written, except that unclosed quotes are closed: in another page they could match a later
+/// quote.
+template <class Char>
+QString Reader<Char>::head() const
+{
+    QString head;
     std::size_t from = 0;
     for (const StrayQuote& stray : strayQuotes) {
-        if (stray.tagEnd >= end)
+        if (stray.tagEnd >= headEnd)
             break;
-        content.head += toText(input.substr(from, stray.tagEnd - from)) + QChar(char16_t(stray.quote));
+        head += toText(input.substr(from, stray.tagEnd - from)) + QChar(char16_t(stray.quote));
         from = stray.tagEnd;
     }
-    content.head += toText(input.substr(from, end - from));
-    inlines.clear();
-    heldSpace.clear();
-    heldCollapsible = false;
-    return true;
+    return head + toText(input.substr(from, headEnd - from));
 }
 
 } // namespace

@@ -112,11 +112,11 @@ QString CanonicalAttributes(QStringView written)
     text.replace(u'\r', u' ').replace(u'\n', u' ');
     CloseLastQuote(text);
     // The slash of `<BR/>`, but not one that ends an unquoted address; repeated if another one is found.
-    const auto endsInSlash = [&text] {
-        return text == u"/" || text.endsWith(QStringLiteral(" /")) || text.endsWith(QStringLiteral("\"/"));
-    };
-    while (endsInSlash())
-        text = WithoutOuterSpace(QStringView(text).chopped(1)).toString();
+    QStringView kept = text;
+    while (kept == u"/" || kept.endsWith(u" /") || kept.endsWith(u"\"/"))
+        kept = WithoutOuterSpace(kept.chopped(1));
+    if (kept.size() < text.size())
+        text = kept.toString();
     CompleteLastValue(text);
     return text;
 }
@@ -150,6 +150,23 @@ bool FindAttribute(QStringView attributes, QStringView name, AttributePlace& pla
             return true;
     }
     return false;
+}
+
+/// The attribute text without the attributes of that name that it contains.
+QString WithoutAttribute(QStringView attributes, QStringView name)
+{
+    QString rest;
+    qsizetype copied = 0;
+    AttributePlace place;
+    while (NextAttribute(attributes, place.end, place)) {
+        const QStringView found = attributes.sliced(place.nameStart, place.nameEnd - place.nameStart);
+        if (found.compare(name, Qt::CaseInsensitive) != 0)
+            continue;
+        rest += attributes.sliced(copied, place.nameStart - copied);
+        copied = place.end;
+    }
+    rest += attributes.sliced(copied);
+    return rest;
 }
 
 } // namespace
@@ -223,6 +240,7 @@ TagId TagTable::intern(QStringView name, QStringView attributes)
     tag->id = tag->value(u"id");
     tag->className = tag->value(u"class");
     tag->style = tag->value(u"style");
+    tag->align = tag->value(u"align");
     const auto number = TagId(tags.size());
     tags.push_back(std::move(tag));
     numbers.insert(key, number);
@@ -240,8 +258,9 @@ TagId TagTable::withAttribute(TagId id, QStringView attribute, const QString& va
     QString attributes = tag.attributes;
     AttributePlace place;
     if (value.isNull()) {
+        // Repeated: without it, the texts around an attribute can form another one.
         while (FindAttribute(attributes, attribute, place))
-            attributes.remove(place.nameStart, place.end - place.nameStart);
+            attributes = WithoutAttribute(attributes, attribute);
     } else if (FindAttribute(attributes, attribute, place)) {
         attributes.replace(place.nameStart, place.end - place.nameStart, written);
     } else {

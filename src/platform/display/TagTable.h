@@ -21,6 +21,7 @@ struct Tag
     QString id; ///< The value of the attribute `id`, without quotes; empty if it has none.
     QString className; ///< Value of the attribute `class`.
     QString style; ///< Value of the attribute `style`.
+    QString align; ///< Value of the attribute `align`.
 
     /// Returns the value of any attribute, without quotes and with its character references resolved.
     /// \param attribute  the name, in any case
