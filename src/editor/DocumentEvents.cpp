@@ -4,6 +4,7 @@
 #include "CaretStatus.h"
 #include "CleanUpF.h"
 #include "CommLineInfoF.h"
+#include "Desktop.h"
 #include "DisplayView.h"
 #include "EditorState.h"
 #include "FbFunctions.h"
@@ -12,9 +13,12 @@
 #include "FindReplaceWbF.h"
 #include "Form1.h"
 #include "MainWindowSeams.h"
+#include "NonBreakingSpace.h"
 #include "PanelBar.h"
+#include "PasteRules.h"
 #include "ScrollPositions.h"
 #include "SelectionFunctions.h"
+#include "SettingsVariables.h"
 #include "Sounds.h"
 #include "SpellCheckF.h"
 #include "StartUpVariables.h"
@@ -35,6 +39,7 @@ using namespace Qt::StringLiterals;
 
 constexpr int LeftButton = 1;
 constexpr int RightButton = 2;
+constexpr int MiddleButton = 4;
 
 /// Keys identified by the code of a letter.
 namespace Key {
@@ -205,6 +210,8 @@ void Form1::FileDoc_onmouseup(DisplayEvent& event)
     if (!OnScrollBar(*HTMLread, event)) {
         if (event.button == RightButton)
             TimerPopUp->start();
+        if (event.button == MiddleButton)
+            pastePrimary();
         if (event.button == LeftButton) {
             if (event.shiftKey && ShiftClickSelect()) {
                 event.returnValue = false;
@@ -219,6 +226,22 @@ void Form1::FileDoc_onmouseup(DisplayEvent& event)
         }
     }
     DoubleClickSeen = false;
+}
+
+void Form1::pastePrimary()
+{
+    const QString text = PrimaryText();
+    if (text.isEmpty() || HTMLread->designMode() != "On"_L1)
+        return;
+    StoreOffsets();
+    BookUnchanged = false;
+    PasteText(HTMLread->document(), text, {CaretOffsetLeft, CaretOffsetTop}, ShownNbsp(ShowNbsp == 1));
+}
+
+void Form1::runFileKey(int keyCode)
+{
+    if (!HandleFindKey(keyCode, 0, false, false))
+        RunCommand(CommandOf(PlainKeys, keyCode));
 }
 
 void Form1::thirdClick()

@@ -21,8 +21,7 @@ QStringList DroppedFiles(const QDropEvent& event)
     QStringList files;
     for (const QUrl& url : event.mimeData()->urls()) {
         if (url.isLocalFile())
-            files.append(
-                DecodeFileName(QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1())));
+            files.append(PathOfUrl(url));
     }
     return files;
 }

@@ -199,8 +199,8 @@ void ShowFb2TextPreview()
     }
     MakeFolder(TempFolder);
     const QString copy = TempFolder + u'/' + ReadableName(FileNameOf(CurrentBook));
-    if (SaveBook(copy, SaveReport::None))
-        OpenWithSystem(copy);
+    if (SaveBook(copy, SaveReport::None) && !OpenWithSystem(copy))
+        PlainBox(u"no program for reading Fiction Book files found"_s);
 }
 
 // ---------------------------------------------------------------- validation
@@ -270,6 +270,7 @@ void ValidateDisplay()
             ShowStatusPanel(GeneralPanel, u"Error pos: %1"_s.arg(found.filepos));
             error = SelectPlace(DisplayOffset(View().document(), found.fileByte));
             atEndTag = std::string_view(text).substr(0, static_cast<size_t>(found.fileByte)).ends_with("</");
+            View().centerCaret();
             View().focus();
         }
     }

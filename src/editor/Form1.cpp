@@ -36,6 +36,7 @@
 #include "StartUpVariables.h"
 #include "ToolbarPictures.h"
 #include "UnsavedText.h"
+#include "VirtualKeys.h"
 #include "WelcomePage.h"
 
 #include <QApplication>
@@ -43,7 +44,6 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QMenuBar>
-#include <QScreen>
 #include <QShortcut>
 #include <QTimer>
 #include <QToolBar>
@@ -56,36 +56,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// Measures of the window, in twips.
-constexpr float BarHeight = 300;
-constexpr float ExtraHeight = 120;
-constexpr float ExtraWidth = 200;
-constexpr float EdgesWidth = 120;
-
-constexpr float StatusPanelWidths[] = {4000, 1500, 600, 1000};
-
 Form1* TheForm = nullptr;
-
-int PixelsX(float twips)
-{
-    return qRound(twips / TwipsPerPixelX);
-}
-
-int PixelsY(float twips)
-{
-    return qRound(twips / TwipsPerPixelY);
-}
-
-/// True if enough of a window's upper edge is on a screen for the mouse to move it.
-bool IsOnAScreen(const QRect& window)
-{
-    constexpr int Grip = 40;
-    const QRect edge(window.topLeft(), QSize(window.width(), Grip));
-    return std::ranges::any_of(QGuiApplication::screens(), [&](const QScreen* screen) {
-        const QRect part = screen->geometry().intersected(edge);
-        return part.width() >= Grip && part.height() > 0;
-    });
-}
 
 void SetColors(QWidget& widget, const QColor& background, const QColor& text)
 {
@@ -184,6 +155,14 @@ void Form1::makeMenus()
     fillMenu(*MnRightClick, ContextMenu());
 
     auto* toMenuBar = new QShortcut(Qt::Key_F10, this);
+    // The display handles these keys itself; elsewhere in the window, a list would open at F4.
+    for (const Qt::Key key : {Qt::Key_F3, Qt::Key_F4, Qt::Key_F5}) {
+        for (const QKeySequence& sequence : {QKeySequence(key), QKeySequence(Qt::ShiftModifier | key)}) {
+            const auto* shortcut = new QShortcut(sequence, this);
+            connect(shortcut, &QShortcut::activated, this,
+                    [this, key] { runFileKey(VirtualKey::F1 + (key - Qt::Key_F1)); });
+        }
+    }
     // The display keeps the focus, so that typing continues at the same position when the menu closes.
     connect(toMenuBar, &QShortcut::activated, menuBar(),
             [this] { menuBar()->setActiveAction(menuBar()->actions().first()); });
@@ -217,6 +196,9 @@ void Form1::makeSchemaControls()
     ValidateOptL->setAccessibleName(u"validate against"_s);
     ValidateOptL->setToolTip(u"validate against"_s);
     ValidateOptL->setCurrentIndex(ValidateAgainstOf(ValidateOption) == ValidateAgainst::Schema ? 0 : 1);
+    // The wheel would change the mode by accident.
+    ValidateOptL->installEventFilter(this);
+    connect(ValidateOptL, &QComboBox::activated, this, [this] { HTMLread->setFocus(); });
     connect(ValidateOptL, &QComboBox::currentTextChanged, this, [this](const QString& text) {
         ValidateOption = text;
         RefreshSchemaField();
@@ -226,6 +208,8 @@ void Form1::makeSchemaControls()
     SchemaFileL->setObjectName(u"SchemaFileL"_s);
     SchemaFileL->setAccessibleName(u"schema file"_s);
     SchemaFileL->installEventFilter(this);
+    // Typing has no effect here: only a click gives it the focus.
+    SchemaFileL->setFocusPolicy(Qt::ClickFocus);
     RefreshSchemaField();
 }
 
@@ -303,6 +287,8 @@ void Form1::Load()
     KeepUnsavedText();
     buildToolbar();
     PlaceForm(MainFormLeft, MainFormTop, MainFormWidth, MainFormHeight);
+    if (!isVisible())
+        restoreWindowState();
     show();
     UndoSteps = 0;
     RemoveDisplayFiles(true);
@@ -334,6 +320,7 @@ void Form1::closeEvent(QCloseEvent* event)
         spellCheck->close();
     SetPointer(Pointer::Default);
     MainFormWindowState = isMaximized() ? 2 : isMinimized() ? 1 : 0;
+    storeWindowState();
     RemoveDisplayFiles(false);
     (void)WriteSettings({FormLeft(), FormTop(), FormWidth(), FormHeight()});
     event->accept();
@@ -346,6 +333,11 @@ void Form1::changeEvent(QEvent* event)
     // The field's colours depend on the desktop, which may switch between light and dark at any time.
     if (event->type() == QEvent::PaletteChange && SchemaFileL)
         RefreshSchemaField();
+    if (event->type() == QEvent::FontChange && StatusMsg && !isMinimized()) {
+        StatusMsg->takeDesktopFont();
+        Status->takeDesktopFont();
+        layOut();
+    }
 }
 
 // ---------------------------------------------------------------- commands
@@ -391,7 +383,9 @@ void Form1::SaveFileAs_Dialog()
         PlainBox(u"empty book - nothing to save"_s);
         return;
     }
-    const QString name = AskFile({FileDialogRequest::Save, u"Save Fiction Book file as"_s, LastSaveFolder,
+    const QString folder
+        = KindOfFile(LastSaveFolder) == FileKind::Folder ? LastSaveFolder : FolderOf(CurrentBook);
+    const QString name = AskFile({FileDialogRequest::Save, u"Save Fiction Book file as"_s, folder,
                                   FileNameOf(CurrentBook), u"Fiction Book Files (*.fb2)|*.fb2|"_s});
     if (name.isEmpty() || !mayReplace(name) || !SaveBook(name))
         return;
@@ -405,7 +399,7 @@ bool Form1::mayReplace(const QString& path)
 {
     // The open book is saved without a question; another file is not overwritten by accident.
     return path == CurrentBook || !FileExists(path)
-        || YesNoBox(path + u" exists\r\nDo you want to replace it?"_s, u"File Exists"_s);
+        || ConfirmBox(path + u" exists\r\nDo you want to replace it?"_s, u"File Exists"_s);
 }
 
 void Form1::OpenLastBook()
@@ -468,81 +462,6 @@ void Form1::toolsMenuOpens()
     enable("uShowBinaryList", Command::ShowBinaryList, !BinaryPart.empty());
     enable("uDeleteExtractedImages", Command::DeleteExtractedImages,
            FileExists(ExtractedImagesFolder + u"/*"_s));
-}
-
-// ---------------------------------------------------------------- the window's measures
-
-float Form1::FormLeft() const
-{
-    return float(pos().x()) * TwipsPerPixelX;
-}
-
-float Form1::FormTop() const
-{
-    return float(pos().y()) * TwipsPerPixelY;
-}
-
-float Form1::FormWidth() const
-{
-    return float(client->width()) * TwipsPerPixelX + EdgesWidth;
-}
-
-float Form1::FormHeight() const
-{
-    return (float(client->height()) + CaptionHeight) * TwipsPerPixelY + BarHeight + ExtraHeight;
-}
-
-void Form1::PlaceForm(float left, float top, float width, float height)
-{
-    const auto inside = [this](float formWidth, float formHeight) {
-        const float clientHeight = formHeight - CaptionHeight * TwipsPerPixelY - BarHeight - ExtraHeight;
-        return QSize(PixelsX(formWidth - EdgesWidth), PixelsY(clientHeight) + menuBar()->sizeHint().height());
-    };
-    setMinimumSize(inside(MainFormMinWidth, MainFormMinHeight));
-    resize(inside(width, height).expandedTo(minimumSize()));
-    QPoint corner(PixelsX(left), PixelsY(top));
-    // Not at the position of a screen that no longer exists: the window would be out of reach.
-    if (!IsOnAScreen({corner, size()}))
-        corner = QGuiApplication::primaryScreen()->availableGeometry().topLeft();
-    move(corner);
-}
-
-void Form1::resizeEvent(QResizeEvent* event)
-{
-    QMainWindow::resizeEvent(event);
-    if (!isMinimized())
-        layOut();
-}
-
-void Form1::layOut()
-{
-    // Marks the reading position while the old layout is still valid.
-    SetTemporalBookmark();
-
-    const float width = FormWidth();
-    const float height = FormHeight();
-    float general = width;
-    for (int panel = 2; panel <= 5; ++panel) {
-        Status->setPanelWidth(panel, StatusPanelWidths[panel - 2]);
-        general -= StatusPanelWidths[panel - 2];
-    }
-    general -= ExtraWidth;
-    if (general >= 0)
-        Status->setPanelWidth(1, general);
-    const float statusTop = height - CaptionHeight * TwipsPerPixelY - 2 * BarHeight - ExtraHeight;
-    Status->setGeometry(0, PixelsY(statusTop), PixelsX(width + ExtraWidth), PixelsY(BarHeight));
-
-    StatusMsg->setPanelWidth(1, width - 130);
-    StatusMsg->setGeometry(0, PixelsY(statusTop - BarHeight), PixelsX(width + ExtraWidth),
-                           PixelsY(BarHeight));
-
-    const float band = float(toolbarBand()) * TwipsPerPixelY;
-    const float shown = height - CaptionHeight * TwipsPerPixelY - 3 * BarHeight - 100 - band;
-    HTMLread->setGeometry(0, toolbarBand(), PixelsX(width - 10 * TwipsPerPixelX), PixelsY(shown));
-
-    MoveSchemaControls();
-    // The scroll position that the resize causes is not recorded.
-    SkipPositionRemember = true;
 }
 
 void Form1::RefreshSchemaField(const QString& problem)
@@ -623,6 +542,8 @@ bool Form1::eventFilter(QObject* watched, QEvent* event)
             return true;
         }
     }
+    if (watched == ValidateOptL && event->type() == QEvent::Wheel)
+        return true;
     if (watched == TB && event->type() == QEvent::MouseButtonDblClick) {
         RunCommand(Command::Toolbar);
         return true;

@@ -155,14 +155,21 @@ private:
     void makeToolbar();
     void buildToolbar();
     [[nodiscard]] int toolbarBand() const;
+    [[nodiscard]] int controlHeight() const;
     void makeSchemaControls();
     void makeDisplay();
     void makeBars();
     void makeTimers();
     void connectDisplay();
     void thirdClick();
+    void pastePrimary();
+    void runFileKey(int keyCode);
     [[nodiscard]] bool isAccelerator(const QKeyEvent& key) const;
     void layOut();
+    /// The height of a status bar in twips; larger for a large desktop font.
+    [[nodiscard]] float barHeight() const;
+    void storeWindowState() const;
+    void restoreWindowState();
     void fileMenuOpens();
     void toolsMenuOpens();
     [[nodiscard]] static bool mayReplace(const QString& path);

@@ -88,9 +88,19 @@ void Form1::CustomiseToolbar()
     customising->activateWindow();
 }
 
+/// The height that the controls need for a large desktop font; 0 if that of the buttons is enough.
+int Form1::controlHeight() const
+{
+    constexpr int LargestUsual = 18;
+    constexpr int Padding = 6;
+    const int text = ValidateOptL->fontMetrics().height();
+    return text <= LargestUsual ? 0 : text + Padding;
+}
+
 int Form1::toolbarBand() const
 {
-    return BandPixels + TB->iconSize().height() - SmallPicture;
+    // A large desktop font needs more than the pictures.
+    return std::max(BandPixels + TB->iconSize().height() - SmallPicture, controlHeight() + 2);
 }
 
 void Form1::MoveSchemaControls()
@@ -107,10 +117,12 @@ void Form1::MoveSchemaControls()
     const QRect last
         = buttons.isEmpty() ? QRect(0, 0, 0, TB->height()) : TB->widgetForAction(buttons.last())->geometry();
     const QRect band = needed > most ? QRect(0, 0, TB->width(), TB->height()) : last;
-    ValidateOptL->setGeometry(band.x() + band.width() + Gap, band.y(), listWidth, band.height());
+    const int height = std::max(band.height(), controlHeight());
+    const int top = height > band.height() ? (toolbarBand() - height) / 2 : band.y();
+    ValidateOptL->setGeometry(band.x() + band.width() + Gap, top, listWidth, height);
     const int after = ValidateOptL->x() + ValidateOptL->width();
-    SchemaFileL->setGeometry(after + Gap, band.y(), qRound(FormWidth() / TwipsPerPixelX) - after - RightRoom,
-                             band.height());
+    SchemaFileL->setGeometry(after + Gap, top, qRound(FormWidth() / TwipsPerPixelX) - after - RightRoom,
+                             height);
     SchemaFileL->update();
 }
 

@@ -5,6 +5,7 @@
 #include "DroppedFiles.h"
 #include "StartUpVariables.h"
 
+#include <QApplication>
 #include <QDragEnterEvent>
 #include <QPainter>
 #include <QStyle>
@@ -61,12 +62,18 @@ PanelBar::PanelBar(const QStringList& names, QWidget* parent)
         label->setAccessibleName(name);
         panels.push_back({label, 0});
     }
-    // Slightly smaller than the desktop's font, as usual for status bars.
-    QFont small = font();
-    small.setPointSizeF(small.pointSizeF() * 0.9);
-    setFont(small);
+    takeDesktopFont();
     setAutoFillBackground(true);
     setAcceptDrops(true);
+}
+
+void PanelBar::takeDesktopFont()
+{
+    // Slightly smaller than the desktop's font, as usual for status bars.
+    QFont small = QApplication::font("QLabel");
+    if (small.pointSizeF() > 0)
+        small.setPointSizeF(small.pointSizeF() * 0.9);
+    setFont(small);
 }
 
 void PanelBar::setPanelText(int panel, const QString& newText)

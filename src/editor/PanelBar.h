@@ -16,6 +16,8 @@ public:
     /// Creates one panel per name. Screen readers read the name of a panel.
     PanelBar(const QStringList& names, QWidget* parent);
 
+    /// Follows a change of the desktop's font.
+    void takeDesktopFont();
     /// Sets the text of a panel. A text wider than the panel is elided; the tool tip then shows all of it.
     void setPanelText(int panel, const QString& text);
     [[nodiscard]] QString panelText(int panel) const;

@@ -116,7 +116,7 @@ TEST_F(Accessibility, ThePanelsHaveANameAndTheirText)
     EXPECT_FALSE(texts.filter(u"file length|file len"_s).isEmpty()) << texts.join(u';').toStdString();
 }
 
-TEST_F(Accessibility, TheTabKeyMovesThroughTheToolbarAndTheSchemaToTheBook)
+TEST_F(Accessibility, TheTabKeyMovesThroughTheToolbarAndTheListToTheBook)
 {
     OpenBook();
     form->activateWindow();
@@ -125,7 +125,7 @@ TEST_F(Accessibility, TheTabKeyMovesThroughTheToolbarAndTheSchemaToTheBook)
         if (button->isEnabled() && !button->isSeparator())
             expected.append(button->objectName());
     }
-    expected << u"ValidateOptL"_s << u"SchemaFileL"_s << u"HTMLread"_s;
+    expected << u"ValidateOptL"_s << u"HTMLread"_s;
     EXPECT_EQ(TabOrder(), expected);
 }
 
@@ -134,7 +134,7 @@ TEST_F(Accessibility, TheKeyboardMovesTheFocusOutOfTheBookAndBack)
     OpenBook();
     ASSERT_TRUE(View().hasFocus());
     QTest::keyClick(&View(), Qt::Key_Tab, Qt::ShiftModifier);
-    EXPECT_EQ(NameOf(QApplication::focusWidget()), u"SchemaFileL"_s);
+    EXPECT_EQ(NameOf(QApplication::focusWidget()), u"ValidateOptL"_s);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     EXPECT_TRUE(View().hasFocus());
 }

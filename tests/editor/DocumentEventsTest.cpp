@@ -408,6 +408,15 @@ TEST_F(Events, LineAndColumnChangeWithTheWindowsWidth)
     const auto [narrowLine, narrowColumn] = lineAndColumn();
     EXPECT_GT(narrowLine, wideLine);
     EXPECT_LT(narrowColumn, wideColumn);
+
+    // In the first row of a line, no column changes.
+    PutCaret(PlaceOf(u"word0 "_s));
+    const auto [firstLine, firstColumn] = lineAndColumn();
+    form->resize(1600, 600);
+    const auto [sameLine, sameColumn] = lineAndColumn();
+    EXPECT_EQ(firstColumn, sameColumn);
+    EXPECT_EQ(firstColumn, 4) << "after the tag";
+    EXPECT_GE(firstLine, sameLine);
 }
 
 // ---------------------------------------------------------------- positions

@@ -129,6 +129,8 @@ public:
 
     /// Removes text; several complete lines are removed with their line breaks.
     int erase(int from, int to);
+    /// The same by a key: of the whole page one line stays.
+    int eraseByUser(int from, int to);
     /// Replaces complete lines.
     void replaceLines(int first, int count, const Tokens& lines);
     void wrap(int from, int to, const QString& tag);
@@ -433,6 +435,15 @@ inline int PlainDocument::erase(int from, int to)
         return replace(from, to, {Tokens()}, {QString()}, true);
     replaceLines(first, last - first + 1, {});
     return std::min(from, length());
+}
+
+inline int PlainDocument::eraseByUser(int from, int to)
+{
+    const QString first = tokens[0].tag;
+    const int end = erase(from, to);
+    if (tokens.size() == 1 && tokens[0].tag.isEmpty())
+        tokens[0].tag = first;
+    return end;
 }
 
 inline void PlainDocument::replaceLines(int first, int count, const Tokens& lines)

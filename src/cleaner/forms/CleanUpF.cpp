@@ -326,8 +326,8 @@ void CleanUpF::SaveCleanUpFileAs()
     if (!NameOf(path).contains(u'.'))
         path += u".dat"_s;
     if (FileExists(path)
-        && !YesNoBox(path + u" exists"_s + QLatin1StringView("\r\n") + u"Do you want to replace it?"_s,
-                     u"File Exists"_s))
+        && !ConfirmBox(path + u" exists"_s + QLatin1StringView("\r\n") + u"Do you want to replace it?"_s,
+                       u"File Exists"_s))
         return;
     CurrentCleanUpFile = path;
     SaveCleanUpFile();

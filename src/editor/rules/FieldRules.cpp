@@ -122,8 +122,14 @@ void InsertInlineTag(DisplayDocument& document, InlineTag kind)
 {
     const QString name = NameOf(kind);
     TextRange range = page::createRange(document);
+    const bool hasText = range.start() != range.end();
+    const Position start = range.start();
     range.pasteHTML(PaintedTag(name) + range.htmlText() + PaintedTag(u'/' + name));
-    range.select();
+    // A selection remains selected with its tags: the key a second time nests.
+    if (hasText)
+        TextRange(document, start, range.end()).select();
+    else
+        range.select();
     MarkEdit(1);
 }
 

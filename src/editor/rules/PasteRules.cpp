@@ -80,6 +80,15 @@ SplitLine SplitAt(DisplayDocument& document, const TextRange& caret, int node)
     return split;
 }
 
+/// Inserts lines after a line. The empty line that is left of a page without text gives way to them.
+void InsertAfter(DisplayDocument& document, DisplayElement& line, const QString& html)
+{
+    if (document.lineCount() == 1 && document.line(0).text.isEmpty())
+        line.setOuterHTML(html);
+    else
+        line.insertAdjacentHTML(Adjacent::AfterEnd, html);
+}
+
 /// Moves the caret after the pasted text, counted from the last press.
 void PositionAfter(TextRange& range, QPoint lastPress, int characters)
 {
@@ -130,7 +139,7 @@ void PasteText(DisplayDocument& document, QString clipboard, QPoint lastPress, Q
         html = ReplaceAll(std::move(html), u"</DIV>", u"");
         split.line.setOuterHTML(split.opening + split.left + html + split.right + LineEnd);
     } else {
-        split.line.insertAdjacentHTML(Adjacent::AfterEnd, html);
+        InsertAfter(document, split.line, html);
         ++length;
     }
     PositionAfter(range, lastPress, length);
@@ -163,7 +172,7 @@ void PasteHtml(DisplayDocument& document, QString clipboard, QPoint lastPress, Q
             split.line.setOuterHTML(split.opening + split.left + LineEnd + html + split.alike + split.right
                                     + LineEnd);
         else
-            split.line.insertAdjacentHTML(Adjacent::AfterEnd, html);
+            InsertAfter(document, split.line, html);
         PositionAfter(range, lastPress, length);
     }
     MarkEdit(1);

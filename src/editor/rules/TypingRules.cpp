@@ -43,7 +43,7 @@ void InsertNbsp(DisplayDocument& document, QChar nbsp)
 
 void DeleteSelection(DisplayDocument& document)
 {
-    document.deleteSelection();
+    document.eraseSelection();
     MarkEdit(1);
 }
 

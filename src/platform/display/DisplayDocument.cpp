@@ -473,7 +473,7 @@ void DisplayDocument::insertLineBreak()
 void DisplayDocument::deleteBackward()
 {
     if (!currentSelection.isEmpty())
-        return deleteSelection();
+        return eraseSelection();
     const Position to = currentSelection.focus;
     if (to == Position())
         return;
@@ -487,7 +487,7 @@ void DisplayDocument::deleteBackward()
 void DisplayDocument::deleteForward()
 {
     if (!currentSelection.isEmpty())
-        return deleteSelection();
+        return eraseSelection();
     const Position from = currentSelection.focus;
     if (from == end())
         return;
@@ -508,6 +508,15 @@ void DisplayDocument::deleteSelection()
     const EditGroup group(*this);
     const Position caret = deleteRange(currentSelection.start(), currentSelection.end());
     setSelection(caret, caret);
+}
+
+void DisplayDocument::eraseSelection()
+{
+    const EditGroup group(*this);
+    const TagId block = lines[0]->block;
+    deleteSelection();
+    if (lineCount() == 1 && lines[0]->block == NoTag && block != NoTag)
+        setBlock(0, block);
 }
 
 // ---------------------------------------------------------------- undo and redo

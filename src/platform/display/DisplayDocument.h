@@ -106,6 +106,9 @@ public:
     void deleteForward();
     /// Deletes the selected text as `deleteRange` does. Without a selection, does nothing.
     void deleteSelection();
+    /// The same for a deletion by the user: of the whole page one line without text stays, so that something
+    /// can be pasted at the caret.
+    void eraseSelection();
 
     // ---- editing anywhere; each call is one undo step
 

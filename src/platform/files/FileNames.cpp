@@ -60,6 +60,11 @@ QByteArray EncodeFileName(const QString& name)
     return rest.isValidUtf16() ? bytes + rest.toUtf8() : QByteArray();
 }
 
+QString PathOfUrl(const QUrl& url)
+{
+    return DecodeFileName(QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()));
+}
+
 QString ReadableName(QString name)
 {
     if (name.isValidUtf16())

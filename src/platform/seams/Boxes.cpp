@@ -44,4 +44,9 @@ bool YesNoBox(const QString& text, const QString& title)
     return BoxSeam()(BoxKind::YesNo, text, title);
 }
 
+bool ConfirmBox(const QString& text, const QString& title)
+{
+    return BoxSeam()(BoxKind::Confirm, text, title);
+}
+
 } // namespace vmk

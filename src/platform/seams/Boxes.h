@@ -12,7 +12,8 @@ enum class BoxKind
     Plain, ///< no icon, OK
     Information, ///< information icon, OK
     Stop, ///< stop (error) icon, OK
-    YesNo ///< question, Yes and No
+    YesNo, ///< question, Yes and No
+    Confirm ///< the same with No as the default button
 };
 
 /// The default title of a box.
@@ -27,5 +28,7 @@ void InformationBox(const QString& text, const QString& title = ProgramTitle);
 void StopBox(const QString& text, const QString& title = ProgramTitle);
 /// Returns true for Yes; closing the box means No.
 [[nodiscard]] bool YesNoBox(const QString& text, const QString& title = ProgramTitle);
+/// Asks before something is replaced: like `YesNoBox`, but Enter means No.
+[[nodiscard]] bool ConfirmBox(const QString& text, const QString& title = ProgramTitle);
 
 } // namespace vmk

@@ -62,4 +62,26 @@ void SetClipboardText(const QString& text)
     SetClipboardTextSeam()(text);
 }
 
+Seam<QString()>& PrimaryTextSeam()
+{
+    static Seam<QString()> seam([] { return QString(); });
+    return seam;
+}
+
+Seam<void(const QString&)>& SetPrimaryTextSeam()
+{
+    static Seam<void(const QString&)> seam([](const QString&) {});
+    return seam;
+}
+
+QString PrimaryText()
+{
+    return PrimaryTextSeam()();
+}
+
+void SetPrimaryText(const QString& text)
+{
+    SetPrimaryTextSeam()(text);
+}
+
 } // namespace vmk

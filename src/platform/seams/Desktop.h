@@ -25,4 +25,11 @@ bool OpenWithSystem(const QString& target);
 [[nodiscard]] QString ClipboardText();
 void SetClipboardText(const QString& text);
 
+/// The text that was selected last in any program, on desktops that have this second clipboard: the middle
+/// button pastes it. Without a window or on another desktop, always empty.
+[[nodiscard]] Seam<QString()>& PrimaryTextSeam();
+[[nodiscard]] Seam<void(const QString& text)>& SetPrimaryTextSeam();
+[[nodiscard]] QString PrimaryText();
+void SetPrimaryText(const QString& text);
+
 } // namespace vmk

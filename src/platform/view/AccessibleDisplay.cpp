@@ -129,7 +129,7 @@ public:
     void deleteText(int start, int end) override
     {
         select(start, end);
-        document().deleteSelection();
+        document().eraseSelection();
     }
     void insertText(int offset, const QString& text) override
     {

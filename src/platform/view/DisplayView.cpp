@@ -1,6 +1,7 @@
 #include "DisplayView.h"
 
 #include "AccessibleDisplay.h"
+#include "FileNames.h"
 #include "PageFile.h"
 
 #include <QAccessible>
@@ -157,6 +158,8 @@ void DisplayView::linesChanged(int first, const std::vector<LinePtr>& removed,
     page.linesChanged(first, int(removed.size()), int(inserted.size()));
     scroller.linesChanged(first, int(removed.size()), int(inserted.size()));
     knownSelection = content.selection();
+    publishedSelection = {};
+    rememberedX.reset();
     if (updateHolds > 0)
         return;
     viewport()->update();
@@ -171,6 +174,7 @@ void DisplayView::selectionChanged()
     // view.
     if (content.selection() != knownSelection) {
         knownSelection = content.selection();
+        rememberedX.reset();
         scroller.reveal();
     }
     if (updateHolds > 0)
@@ -289,6 +293,11 @@ void DisplayView::scrollBy(int, int y)
 {
     settle();
     scroller.scrollBy(y);
+}
+
+void DisplayView::centerCaret()
+{
+    scrollBy(0, caretRect().center().y() - clientHeight() / 2);
 }
 
 int64_t DisplayView::rowNumber(Position place)
@@ -495,7 +504,7 @@ void DisplayView::dropEvent(QDropEvent* event)
     if (!acceptUrls(*event))
         return;
     const QUrl url = event->mimeData()->urls().constFirst();
-    Navigate(url.isLocalFile() ? url.toLocalFile() : url.toString());
+    Navigate(url.isLocalFile() ? PathOfUrl(url) : url.toString());
 }
 
 void DisplayView::focusInEvent(QFocusEvent* event)

@@ -74,6 +74,8 @@ public:
     void scroll(int x, int y);
     /// Scrolls by a distance. The visible part moves by exactly this distance unless the page ends.
     void scrollBy(int x, int y);
+    /// Scrolls so that the caret is in the middle of the view, as far as the page allows.
+    void centerCaret();
     /// Sets the keyboard focus.
     void focus() { setFocus(Qt::OtherFocusReason); }
 
@@ -215,6 +217,7 @@ private:
     void notifyInputMethod();
 
     // Mouse.
+    void publishSelection();
     void dragTo(QPoint point);
     void scrollWhileDragging();
 
@@ -238,6 +241,8 @@ private:
 
     /// The selection after the last edit. A different one was set explicitly and is scrolled into view.
     Selection knownSelection;
+    /// The selection that was offered last to the middle button; empty after an edit.
+    Selection publishedSelection;
     /// The target x of vertical caret moves; empty after any other move.
     std::optional<double> rememberedX;
 

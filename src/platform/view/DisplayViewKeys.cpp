@@ -61,6 +61,7 @@ void DisplayView::keyReleaseEvent(QKeyEvent* event)
     DisplayEvent up = makeEvent("keyup"_L1, event->modifiers());
     up.keyCode = VirtualKeyCode(*event);
     raise(events.onkeyup, up);
+    publishSelection();
 }
 
 bool DisplayView::focusNextPrevChild(bool)
@@ -271,7 +272,7 @@ void DisplayView::deleteTo(Position place)
 {
     if (content.selection().isEmpty())
         content.setSelection(content.selection().focus, place);
-    content.deleteSelection();
+    content.eraseSelection();
 }
 
 // ---------------------------------------------------------------- commands
@@ -308,7 +309,7 @@ void DisplayView::cut()
     copy();
     if (!editable)
         return;
-    content.deleteSelection();
+    content.eraseSelection();
     reveal();
 }
 

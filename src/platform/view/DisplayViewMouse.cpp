@@ -1,5 +1,6 @@
 // Mouse input of the display: events for the owner, then selection as in a browser.
 
+#include "Desktop.h"
 #include "DisplayView.h"
 #include "WordBreaks.h"
 
@@ -60,7 +61,8 @@ void DisplayView::mousePressEvent(QMouseEvent* event)
     // A right click inside the selection keeps it.
     if (event->button() == Qt::RightButton && inSelection)
         return;
-    if (event->button() != Qt::LeftButton && event->button() != Qt::RightButton)
+    const bool pastes = event->button() == Qt::MiddleButton && editable;
+    if (event->button() != Qt::LeftButton && event->button() != Qt::RightButton && !pastes)
         return;
     rememberedX.reset();
     const bool extend = event->button() == Qt::LeftButton && event->modifiers().testFlag(Qt::ShiftModifier);
@@ -106,6 +108,17 @@ void DisplayView::mouseReleaseEvent(QMouseEvent* event)
         raiseMouse(events.ondblclick, QLatin1StringView("dblclick"), *event);
     else
         raiseMouse(events.onclick, QLatin1StringView("click"), *event);
+    publishSelection();
+}
+
+/// Offers a new selection of the user to the middle button of the mouse.
+void DisplayView::publishSelection()
+{
+    const Selection& selection = content.selection();
+    if (selection.isEmpty() || selection == publishedSelection)
+        return;
+    publishedSelection = selection;
+    SetPrimaryText(selectedText().replace(QLatin1StringView("\r\n"), QLatin1StringView("\n")));
 }
 
 void DisplayView::mouseDoubleClickEvent(QMouseEvent* event)

@@ -1,6 +1,7 @@
 #include "PageStyle.h"
 
 #include <QFontMetricsF>
+#include <QGlyphRun>
 
 #include <algorithm>
 #include <cmath>
@@ -54,6 +55,23 @@ QString StyleText(const QString& head)
         css += QStringView(head).sliced(open + 1, close - open - 1);
         at = close;
     }
+}
+
+/// Whether the toolkit draws the accent of a Cyrillic letter far above it: for fonts without positions of
+/// accents over these letters, it computes one with the wrong sign.
+bool MisplacesAccents(const QFont& font)
+{
+    QTextLayout sample(u"\u0435\u0301"_s, font);
+    sample.beginLayout();
+    sample.createLine().setLineWidth(1000);
+    sample.endLayout();
+    QList<qreal> heights;
+    for (const QGlyphRun& run : sample.glyphRuns()) {
+        for (const QPointF& place : run.positions())
+            heights.append(place.y());
+    }
+    const auto [highest, lowest] = std::minmax_element(heights.begin(), heights.end());
+    return !heights.isEmpty() && *lowest - *highest > QFontMetricsF(font).xHeight();
 }
 
 } // namespace
@@ -168,7 +186,27 @@ QList<QTextLayout::FormatRange> PageStyle::formats(const Line& line, int from, i
         if (look != blockLook)
             ranges.append({begin - from, end - begin, format(look, blockLook)});
     });
+    separateMarks(line.text, from, length, fonts[size_t(blockLook)], ranges);
     return ranges;
+}
+
+/// Gives each accent a format of its own where the toolkit would place it wrongly: it is then drawn with its
+/// own bearings, over the letter before it.
+void PageStyle::separateMarks(const QString& text, int from, int length, const QFont& font,
+                              QList<QTextLayout::FormatRange>& ranges)
+{
+    for (int i = from; i < from + length; ++i) {
+        if (text[i] < QChar(0x300) || text[i] > QChar(0x36f))
+            continue;
+        const QString key = font.key();
+        if (!misplacesAccents.contains(key))
+            misplacesAccents.insert(key, MisplacesAccents(font));
+        if (!misplacesAccents.value(key))
+            return;
+        QTextCharFormat separate;
+        separate.setProperty(QTextFormat::UserProperty, true);
+        ranges.append({i - from, 1, separate});
+    }
 }
 
 LookId PageStyle::intern(const TextLook& look)

@@ -111,6 +111,8 @@ private:
     [[nodiscard]] const TagStyle& tagStyle(TagId tag);
     [[nodiscard]] TextLook lookWithin(const TextLook& outer, const TagStyle& style) const;
     [[nodiscard]] QTextCharFormat format(LookId id, LookId blockId);
+    void separateMarks(const QString& text, int from, int length, const QFont& font,
+                       QList<QTextLayout::FormatRange>& ranges);
 
     const DisplayDocument* document = nullptr;
     double dotsPerInch = 96;
@@ -127,6 +129,8 @@ private:
     QHash<TagId, BlockLook> blocks;
     QHash<std::pair<LookId, TagId>, LookId> insides;
     QHash<std::pair<LookId, LookId>, QTextCharFormat> charFormats;
+    /// Whether the toolkit places accents wrongly, by font.
+    QHash<QString, bool> misplacesAccents;
     // The tags that are open at the current position of `forEachRun`.
     std::vector<TagId> openTags;
     std::vector<LookId> openLooks;

@@ -22,6 +22,7 @@ QMessageBox::Icon IconOf(BoxKind kind)
     case BoxKind::Stop:
         return QMessageBox::Critical;
     case BoxKind::YesNo:
+    case BoxKind::Confirm:
         return QMessageBox::Question;
     }
     return QMessageBox::NoIcon;
@@ -58,10 +59,11 @@ bool ShowMessageBox(BoxKind kind, const QString& text, const QString& title)
     box.setWindowTitle(ReadableName(title));
     box.setTextFormat(Qt::PlainText);
     box.setText(ReadableName(text).replace(u"\r\n"_s, u"\n"_s));
-    if (kind == BoxKind::YesNo) {
+    if (kind == BoxKind::YesNo || kind == BoxKind::Confirm) {
         box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
         // Closing the box or Esc means No.
         box.setEscapeButton(QMessageBox::No);
+        box.setDefaultButton(kind == BoxKind::Confirm ? QMessageBox::No : QMessageBox::Yes);
     }
     const UsualPointerScope pointer;
     return box.exec() == QMessageBox::Yes;

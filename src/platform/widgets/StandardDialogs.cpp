@@ -5,6 +5,8 @@
 #include <QColorDialog>
 #include <QFileDialog>
 #include <QFontDialog>
+#include <QHeaderView>
+#include <QTreeView>
 
 using namespace Qt::StringLiterals;
 
@@ -21,6 +23,31 @@ QString ExtensionOf(const QString& filter)
     const QString pattern = filter.section(u'|', 1, 1);
     const QString extension = pattern.startsWith(u"*."_s) ? pattern.mid(2) : QString();
     return extension.contains(u'*') || extension.contains(u';') ? QString() : extension;
+}
+
+} // namespace
+
+namespace {
+
+/// The file name of a request; with the extension if only such a file exists.
+QString OfferedName(const FileDialogRequest& request)
+{
+    const QDir folder(request.folder);
+    const QString whole = request.fileName + u'.' + ExtensionOf(request.filter);
+    return request.kind != FileDialogRequest::Save && !folder.exists(request.fileName) && folder.exists(whole)
+        ? whole
+        : request.fileName;
+}
+
+/// Dates and sizes are completely visible; names have the remaining width.
+void FitColumns(const QFileDialog& dialog)
+{
+    const auto* list = dialog.findChild<QTreeView*>(u"treeView"_s);
+    if (list == nullptr)
+        return;
+    list->header()->setStretchLastSection(false);
+    list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
 }
 
 } // namespace
@@ -48,17 +75,18 @@ QStringList ShowFileDialog(const FileDialogRequest& request)
                                                                             : QFileDialog::ExistingFile);
     // The caller asks before replacing a file.
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
-    // A name typed without an extension gets the one that the program expects later.
-    if (saving)
-        dialog.setDefaultSuffix(ExtensionOf(request.filter));
+    // A name typed without an extension gets the one that the program expects; so does a name that is
+    // offered.
+    dialog.setDefaultSuffix(ExtensionOf(request.filter));
     dialog.resize(dialog.sizeHint().expandedTo(LeastFileDialog));
     if (const QStringList filters = NameFilters(request.filter); !filters.isEmpty())
         dialog.setNameFilters(filters);
     if (QDir(request.folder).exists() && !request.folder.isEmpty())
         dialog.setDirectory(request.folder);
     if (!request.fileName.isEmpty())
-        dialog.selectFile(request.fileName);
+        dialog.selectFile(OfferedName(request));
 
+    FitColumns(dialog);
     const QString folder = QDir::currentPath();
     const bool chosen = dialog.exec() == QDialog::Accepted;
     QDir::setCurrent(folder);

@@ -13,15 +13,49 @@
 #include <QClipboard>
 #include <QDesktopServices>
 #include <QFileInfo>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QUrl>
+
+#include <optional>
 
 namespace vmk {
 
 namespace {
 
+/// The output of a program; nothing if it is not installed or fails.
+std::optional<QByteArray> OutputOf(const QString& name, const QStringList& arguments)
+{
+    const QString program = QStandardPaths::findExecutable(name);
+    constexpr int MostMilliseconds = 3000;
+    QProcess process;
+    if (!program.isEmpty())
+        process.start(program, arguments, QIODevice::ReadOnly);
+    if (program.isEmpty() || !process.waitForFinished(MostMilliseconds)
+        || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
+        return std::nullopt;
+    return process.readAllStandardOutput().trimmed();
+}
+
+/// Whether the desktop says that it has no program for a file. The program that opens files only passes them
+/// on, and reports no failure.
+bool LacksProgramFor(const QString& path)
+{
+    const QString query = QStringLiteral("query");
+    const QString tool = QStringLiteral("xdg-mime");
+    const std::optional<QByteArray> type = OutputOf(tool, {query, QStringLiteral("filetype"), path});
+    if (!type || type->isEmpty())
+        return false;
+    const std::optional<QByteArray> program
+        = OutputOf(tool, {query, QStringLiteral("default"), QString::fromUtf8(*type)});
+    return program && program->isEmpty();
+}
+
 bool OpenTarget(const QString& target)
 {
     const QFileInfo file(target);
+    if (file.exists() && LacksProgramFor(file.absoluteFilePath()))
+        return false;
     return QDesktopServices::openUrl(file.exists() ? QUrl::fromLocalFile(file.absoluteFilePath())
                                                    : QUrl(target));
 }
@@ -49,6 +83,11 @@ void FillWidgetSeams()
     OpenSeam().Fill(OpenTarget);
     ClipboardTextSeam().Fill([] { return QGuiApplication::clipboard()->text(); });
     SetClipboardTextSeam().Fill([](const QString& text) { QGuiApplication::clipboard()->setText(text); });
+    if (QGuiApplication::clipboard()->supportsSelection()) {
+        PrimaryTextSeam().Fill([] { return QGuiApplication::clipboard()->text(QClipboard::Selection); });
+        SetPrimaryTextSeam().Fill(
+            [](const QString& text) { QGuiApplication::clipboard()->setText(text, QClipboard::Selection); });
+    }
     PointerSeam().Fill(ShowPointer);
     ScreenMeasuresSeam().Fill(ReadDesktopMeasures);
 }

@@ -257,7 +257,8 @@ void FindReplaceWbF::saveHistoryAs(Which which)
     const QString name = AskFile(HistoryDialog(FileDialogRequest::Save, u"Save history to file"_s, type));
     if (!name.isEmpty()) {
         const QString path = WithoutExtension(name) + u'.' + QLatin1StringView(type.key);
-        const bool mayWrite = !FileExists(path) || YesNoBox(u"File exists:\r\n"_s + path + u"\r\nReplace?"_s);
+        const bool mayWrite
+            = !FileExists(path) || ConfirmBox(u"File exists:\r\n"_s + path + u"\r\nReplace?"_s);
         if (mayWrite && !WriteHistoryFile(entries, path))
             ShowStatus(u"history could not be saved: "_s + path);
     }

@@ -37,10 +37,32 @@ TEST_F(Fields, EachKindInsertsItsTagsAndNestsTheSecondTime)
         select(0, 0, 0, 1);
         InsertInlineTag(document, kind);
         EXPECT_EQ(text(0), expected);
+        // The selection stays, so that the same key nests.
+        EXPECT_EQ(selected(), expected);
     }
-    select(0, 0, 0, int(document.line(0).text.size()));
     InsertInlineTag(document, InlineTag::Bold);
     EXPECT_EQ(text(0), "<strong><sub>x</sub></strong>");
+    InsertInlineTag(document, InlineTag::Bold);
+    EXPECT_EQ(text(0), "<strong><strong><sub>x</sub></strong></strong>");
+    undo();
+    EXPECT_EQ(text(0), "<strong><sub>x</sub></strong>");
+}
+
+TEST_F(Fields, TheCaretIsAfterAnEmptyPairOfTags)
+{
+    show("<DIV>ab</DIV>");
+    caret(0, 1);
+    InsertInlineTag(document, InlineTag::Italic);
+    EXPECT_EQ(document.selection(), (Selection{{0, 22}, {0, 22}}));
+}
+
+TEST_F(Fields, TheTagsArePaintedEvenWithHighlightingOff)
+{
+    show("<DIV>x</DIV>");
+    TagHighlighting = 0;
+    select(0, 0, 0, 1);
+    InsertInlineTag(document, InlineTag::Bold);
+    EXPECT_EQ(lines(), "<DIV><SPAN class=t>&lt;strong&gt;</SPAN>x<SPAN class=t>&lt;/strong&gt;</SPAN></DIV>");
 }
 
 TEST_F(Fields, BoldAcrossTwoLinesKeepsBothAndAllOfTheirText)
@@ -53,6 +75,20 @@ TEST_F(Fields, BoldAcrossTwoLinesKeepsBothAndAllOfTheirText)
     for (int line = 0; line < document.lineCount(); ++line)
         all += text(line);
     EXPECT_EQ(all, "o<strong>netw</strong>o");
+    // The lines stay lines, and only the tags are painted.
+    ASSERT_GE(document.lineCount(), 2);
+    int painted = 0;
+    for (int line = 0; line < document.lineCount(); ++line) {
+        EXPECT_EQ(document.tags()[document.line(line).block].name, QStringLiteral("DIV")) << line;
+        for (const Mark& mark : document.line(line).marks) {
+            painted += mark.open ? 1 : 0;
+            const std::string shown = text(line).substr(size_t(mark.pos), 1);
+            EXPECT_EQ(shown == "<", mark.open);
+        }
+    }
+    EXPECT_EQ(painted, 2);
+    EXPECT_EQ(selected().find("netw"), std::string::npos) << "the line end between them stays";
+    EXPECT_THAT(selected(), testing::MatchesRegex("<strong>\\s*ne\\s*tw\\s*</strong>"));
     undo();
     EXPECT_EQ(lines(), before);
 }

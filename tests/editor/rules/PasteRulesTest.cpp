@@ -127,7 +127,49 @@ TEST_F(Pasting, PasteAsHtmlAtTheStartPutsTheCaretBeforeTheLine)
     caret(1, 0);
     pasteHtml("<DIV>new</DIV>");
     EXPECT_EQ(allText(), "first\nnew\nsecond\n");
-    EXPECT_TRUE(document.selection().isEmpty());
+    EXPECT_EQ(lines(),
+              "<DIV id=FirstDiv>first</DIV>\n<DIV>new</DIV>\n<DIV style=\"MARGIN-LEFT: 5px\">second</DIV>");
+    EXPECT_EQ(document.selection(), (Selection{{1, 3}, {1, 3}}));
+    EXPECT_EQ(UndoSteps, 1);
+    EXPECT_FALSE(BookUnchanged);
+    undo();
+    EXPECT_EQ(allText(), "first\nsecond\n");
+}
+
+TEST_F(Pasting, AnEntityOfANonBreakingSpaceBecomesABlankBeforeBlanksCollapse)
+{
+    show("<DIV>ab</DIV>");
+    caret(0, 1);
+    pasteText("x&nbsp;&nbsp; &nbsp;y&nbsp;");
+    EXPECT_EQ(text(0), "ax y b");
+    // Paste as HTML keeps it.
+    show("<DIV>ab</DIV>");
+    caret(0, 2);
+    pasteHtml("x&nbsp;y");
+    EXPECT_EQ(text(1), "x\x7fy");
+    ShowNbsp = 0;
+    show("<DIV>ab</DIV>");
+    caret(0, 2);
+    pasteHtml("x&nbsp;y");
+    EXPECT_EQ(text(1), "x\xc2\xa0y");
+}
+
+TEST_F(Pasting, TheSourceOfABookKeepsTheTextOfEveryElement)
+{
+    const char* const source = "<title><p>Chapter one</p></title><style name=\"x\">styled words</style>"
+                               "<p>code <![CDATA[a < b && c]]> end</p>"
+                               "<textarea>typed</textarea><select><option>chosen</option></select>";
+    for (const bool asHtml : {false, true}) {
+        show(TwoLines);
+        caret(1, 6);
+        if (asHtml)
+            pasteHtml(source);
+        else
+            pasteText(source);
+        for (const char* words :
+             {"Chapter one", "styled words", "a < b && c", "end", "typed", "chosen"})
+            EXPECT_THAT(allText(), testing::HasSubstr(words)) << asHtml;
+    }
 }
 
 TEST_F(Pasting, AParagraphWithAClassBecomesAPlainLine)
@@ -169,17 +211,18 @@ TEST_F(Pasting, OutsideALineNothingIsPastedYetAnEditIsNoted)
 
 TEST_F(Pasting, ForeignTextsKeepEveryCharacterAndLine)
 {
-    const char* const texts[] = {
-        "plain\r\nwith line ends\r\n",
-        "a < b > c & d",
-        "<html><body><!--StartFragment--><p class=MsoNormal>Word "
-        "<o:p>text</o:p></p><p>two</p><!--EndFragment-->",
-        "<table><tr><td>cell</td><td>other</td></tr></table>",
-        "\xf0\x9d\x94\xbb plane one",
-        "<ul><li>item<li>item two</ul>",
-        "<DIV>nested <DIV>inner</DIV> tail</DIV>",
+    const std::pair<const char*, std::vector<std::string>> texts[] = {
+        {"plain\r\nwith line ends\r\n", {"plain", "with", "ends"}},
+        {"a < b > c & d", {"a <", "c & d"}},
+        {"<html><body><!--StartFragment--><p class=MsoNormal>Word "
+         "<o:p>text</o:p></p><p>two</p><!--EndFragment-->",
+         {"Word", "text", "two"}},
+        {"<table><tr><td>cell</td><td>other</td></tr></table>", {"cell", "other"}},
+        {"\xf0\x9d\x94\xbb plane one", {"\xf0\x9d\x94\xbb plane"}},
+        {"<ul><li>item<li>point two</ul>", {"item", "point two"}},
+        {"<DIV>nested <DIV>inner</DIV> tail</DIV>", {"nested", "inner", "tail"}},
     };
-    for (const char* foreign : texts) {
+    for (const auto& [foreign, words] : texts) {
         for (const int offset : {0, 3, 6}) {
             for (const bool asHtml : {false, true}) {
                 show(TwoLines);
@@ -191,6 +234,8 @@ TEST_F(Pasting, ForeignTextsKeepEveryCharacterAndLine)
                 std::string page = allText();
                 EXPECT_EQ(page.rfind("first\n", 0), 0U) << foreign;
                 std::erase(page, '\n');
+                for (const std::string& word : words)
+                    EXPECT_THAT(page, testing::HasSubstr(word)) << foreign;
                 EXPECT_THAT(page, testing::HasSubstr(std::string("second").substr(0, size_t(offset))));
                 EXPECT_THAT(page, testing::HasSubstr(std::string("second").substr(size_t(offset))));
                 undo();
@@ -248,6 +293,9 @@ TEST(HtmlToPlainText, DropsTheHeadTheTagsAndTheWraps)
                   u"<HTML><BODY text=x>\r\n<DIV>a \r\nb&nbsp;&lt;p&gt;</DIV>\r\n<DIV>c&amp;</DIV>"_s, true),
               u"a b\u00a0<p>\rc&amp;"_s);
     EXPECT_EQ(HtmlToPlainText(u"x</head>&lt;"_s, false), u"&lt;"_s);
+    // The first of the three that is found ends the head, wherever the others are.
+    EXPECT_EQ(HtmlToPlainText(u"<HEAD>a</HEAD><BODY>b<basefont size=2>\r\nc &nbsp;d"_s, true),
+              u"c \u00a0d"_s);
 }
 
 TEST_F(Pasting, TheIdentifierStaysWithTheFirstLineWhenItIsBroken)
@@ -449,4 +497,26 @@ TEST_F(Pasting, CopyAndCutDoNotChangeOtherState)
     CopySelection(document, true);
     EXPECT_EQ(UndoSteps, 1);
     EXPECT_FALSE(BookUnchanged);
+}
+
+TEST_F(Pasting, ThePageThatWasCutComesBack)
+{
+    for (const bool asHtml : {false, true}) {
+        show("<DIV id=FirstDiv><SPAN class=t>&lt;p&gt;</SPAN>one</DIV>\r<DIV style=\"MARGIN-LEFT: "
+             "5px\">two</DIV>");
+        const std::string before = lines();
+        document.setSelection({}, document.end());
+        CopySelection(document, true);
+        EXPECT_EQ(lines(), "<DIV id=FirstDiv></DIV>");
+        if (asHtml)
+            pasteHtml(ClipboardText().toUtf8().constData());
+        else
+            pasteText(ClipboardText().toUtf8().constData());
+        EXPECT_EQ(lines(), before);
+        EXPECT_EQ(caretPlace(), document.end());
+        undo();
+        EXPECT_EQ(lines(), "<DIV id=FirstDiv></DIV>");
+        document.undo();
+        EXPECT_EQ(lines(), before);
+    }
 }

@@ -54,6 +54,48 @@ TEST_F(Repainting, OneUndoCommandRestoresTheUnpaintedLineAndTheCaretStaysInIt)
     }
 }
 
+/// Records the points at which positions are searched.
+class PointRecorder final : public LayoutQuery
+{
+public:
+    explicit PointRecorder(LayoutQuery& layout)
+        : inner(layout)
+    {
+    }
+    std::vector<QRect> clientRects(Position from, Position to) override
+    {
+        return inner.clientRects(from, to);
+    }
+    Position positionAt(QPoint point) override
+    {
+        points.push_back(point);
+        return inner.positionAt(point);
+    }
+    int lineAt(QPoint point) override { return inner.lineAt(point); }
+    QPoint scrollOffset() override { return inner.scrollOffset(); }
+    void scrollTo(QPoint offset) override { inner.scrollTo(offset); }
+    void scrollIntoView(Position place) override { inner.scrollIntoView(place); }
+
+    std::vector<QPoint> points;
+
+private:
+    LayoutQuery& inner;
+};
+
+TEST_F(Repainting, AtACaretTheNewOneIsSearchedOnePixelToTheLeft)
+{
+    show("<DIV>one</DIV>\r<DIV>&lt;p&gt;two</DIV>");
+    caret(1, 2);
+    const QPoint stored(page::createRange(document).offsetLeft(), page::createRange(document).offsetTop());
+    PointRecorder recorder(layout);
+    document.setLayout(&recorder);
+    repaint();
+    document.setLayout(&layout);
+    ASSERT_FALSE(recorder.points.empty());
+    EXPECT_EQ(recorder.points.back(), stored - QPoint(1, 0));
+    EXPECT_EQ(caretPlace(), (Position{1, 2}));
+}
+
 TEST_F(Repainting, DamagedTagsAreNotColoured)
 {
     show("<DIV><SPAN class=t>p<FONT class=n> id=</FONT></SPAN>text<B>x</B></DIV>");

@@ -225,7 +225,7 @@ void Episode::pressKey()
     else
         document.deleteSelection();
     if (from != to)
-        edit([&] { putCaret(plain.erase(from, to)); });
+        edit([&] { putCaret(key == 3 ? plain.erase(from, to) : plain.eraseByUser(from, to)); });
     else if (key == 1 && from > 0)
         edit([&] { putCaret(plain.replace(from - 1, from, {Tokens()}, {QString()}, true)); });
     else if (key == 2 && to < plain.length())

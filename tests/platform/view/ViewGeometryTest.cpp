@@ -196,6 +196,34 @@ TEST_F(ViewGeometry, TheMarginOfAHeadingIsInsideTheMarginOfThePage)
     EXPECT_EQ(heading, 60);
 }
 
+TEST_F(ViewGeometry, AnAccentIsDirectlyAboveItsLetter)
+{
+    // The first row of ink in the line, from the top of its box.
+    const auto firstInk = [this](const char* text) {
+        show(QByteArray("<DIV>&nbsp;</DIV><DIV>&nbsp;</DIV><DIV>") + text + "</DIV>", {Width, 120});
+        view.setDesignMode(QStringLiteral("Off")); // without a caret
+        const QImage image = view.viewport()->grab().toImage();
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width() / 2; ++x) {
+                if (qGray(image.pixel(x, y)) < 160)
+                    return y;
+            }
+        }
+        return -1;
+    };
+    const int letters = firstInk("\u0430\u043e\u0435");
+    const int accents = firstInk("\u0430\u0301\u043e\u0301\u0435\u0301");
+    ASSERT_GT(letters, 0);
+    EXPECT_LT(accents, letters);
+    EXPECT_GE(accents, letters - 7) << "an accent is a few pixels high";
+    // The positions of the caret and the text stay as they are.
+    EXPECT_EQ(line(2).size(), 6);
+    view.setDesignMode(QStringLiteral("On"));
+    caretTo(2, 0);
+    key(Qt::Key_Right);
+    EXPECT_EQ(caret(), (Position{2, 2}));
+}
+
 TEST_F(ViewGeometry, TheMarkerOfANonBreakingSpaceIsVisible)
 {
     show("<DIV>a\x7f"

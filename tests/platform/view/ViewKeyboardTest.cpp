@@ -1,6 +1,7 @@
 // Keys, input methods and the clipboard.
 
 #include "Desktop.h"
+#include "TextRange.h"
 #include "ViewFixture.h"
 
 #include <QInputMethodEvent>
@@ -70,6 +71,31 @@ TEST_F(ViewKeyboard, UpAndDownKeepTheirColumnOverShortRows)
     key(Qt::Key_Up);
     key(Qt::Key_Up);
     EXPECT_EQ(caret(), (Position{0, 10}));
+}
+
+TEST_F(ViewKeyboard, AnyOtherMoveOfTheCaretForgetsTheColumn)
+{
+    const auto columnAfter = [this](auto move) {
+        show("<DIV>a long first line</DIV><DIV>ab</DIV><DIV>a long third line</DIV>");
+        caretTo(0, 12);
+        key(Qt::Key_Down);
+        EXPECT_EQ(caret(), (Position{1, 2}));
+        move();
+        key(Qt::Key_Down);
+        EXPECT_EQ(caret().line, 2);
+        return caret().offset;
+    };
+    EXPECT_GT(columnAfter([] {}), 8);
+    // Moves of the program: its keys Left and Right, a non-breaking space, a paste.
+    EXPECT_LE(columnAfter([this] { caretTo(1, 1); }), 2);
+    EXPECT_LE(columnAfter([this] { document().typeText(QStringLiteral("x")); }), 4);
+    EXPECT_LE(columnAfter([this] { view.insertText(QStringLiteral("x")); }), 4);
+    EXPECT_LE(columnAfter([this] {
+                  TextRange range(document(), {1, 0}, {1, 1});
+                  range.setText(QStringLiteral("b"));
+                  range.select();
+              }),
+              2);
 }
 
 TEST_F(ViewKeyboard, UpAndDownVisitEveryRowOfAParagraph)

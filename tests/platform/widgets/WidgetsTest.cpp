@@ -16,10 +16,13 @@
 #include <QElapsedTimer>
 #include <QFileDialog>
 #include <QFontDialog>
+#include <QHeaderView>
 #include <QMainWindow>
 #include <QMediaDevices>
 #include <QMessageBox>
+#include <QTest>
 #include <QTimer>
+#include <QTreeView>
 #include <QUrl>
 
 #include <gtest/gtest.h>
@@ -75,6 +78,24 @@ TEST(MessageBoxes, EachKindHasItsIconAndButtons)
               std::pair(B::Information, B::StandardButtons(B::Ok)));
     EXPECT_EQ(iconAndButtons([] { StopBox(u"t"_s); }), std::pair(B::Critical, B::StandardButtons(B::Ok)));
     EXPECT_EQ(iconAndButtons([] { EXPECT_FALSE(YesNoBox(u"t"_s)); }), std::pair(B::Question, B::Yes | B::No));
+}
+
+TEST(MessageBoxes, AConfirmationHasNoAsItsDefault)
+{
+    const auto defaultOf = [](auto show) {
+        QAbstractButton* button = nullptr;
+        QMessageBox::StandardButton kind = QMessageBox::NoButton;
+        WithNextDialog<QMessageBox>([&](QMessageBox& box) {
+            button = box.defaultButton();
+            kind = box.standardButton(button);
+            EXPECT_EQ(box.standardButtons(), QMessageBox::Yes | QMessageBox::No);
+            box.close();
+        });
+        EXPECT_FALSE(show());
+        return kind;
+    };
+    EXPECT_EQ(defaultOf([] { return ConfirmBox(u"t"_s); }), QMessageBox::No);
+    EXPECT_EQ(defaultOf([] { return YesNoBox(u"t"_s); }), QMessageBox::Yes);
 }
 
 TEST(MessageBoxes, TextIsPlainAndEitherLineEndSeparatesLines)
@@ -177,6 +198,45 @@ TEST_F(Dialogs, ASaveDialogAddsTheExtensionOfItsFilter)
     EXPECT_EQ(saved(u"Fiction Book Files (*.fb2)|*.fb2|"_s), u"new.fb2"_s);
     EXPECT_EQ(saved(u"All files|*.*"_s), u"new"_s);
     EXPECT_EQ(saved(u"Pictures|*.png;*.jpg"_s), u"new"_s);
+}
+
+TEST_F(Dialogs, AnOpenDialogAcceptsItsOfferedNameWithoutTheExtension)
+{
+    const Workplace place;
+    place.Make(u"FictionBook.xsd"_s, "x");
+    WithNextDialog<QFileDialog>([](QFileDialog& dialog) { static_cast<QDialog&>(dialog).accept(); });
+    const QString path = AskFile({.kind = FileDialogRequest::Open,
+                                  .title = {},
+                                  .folder = place.Folder(),
+                                  .fileName = u"FictionBook"_s,
+                                  .filter = u"Fiction Book Shemes Files (*.xsd)|*.xsd|"_s});
+    EXPECT_EQ(QFileInfo(path).fileName(), u"FictionBook.xsd"_s);
+}
+
+TEST_F(Dialogs, AnOpenDialogShowsSizesAndDatesCompletely)
+{
+    const Workplace place;
+    place.Make(u"a book with a rather long name.fb2"_s, "x");
+    WithNextDialog<QFileDialog>([](QFileDialog& dialog) {
+        EXPECT_GE(dialog.width(), 760);
+        const auto* list = dialog.findChild<QTreeView*>(u"treeView"_s);
+        ASSERT_NE(list, nullptr);
+        EXPECT_TRUE(QTest::qWaitFor([list] { return list->model()->rowCount(list->rootIndex()) == 1; }));
+        const auto fits = [list](int column) {
+            const QModelIndex cell = list->model()->index(0, column, list->rootIndex());
+            const QAbstractItemView& view = *list;
+            return list->columnWidth(column) >= view.sizeHintForIndex(cell).width();
+        };
+        for (const int column : {1, 2, 3})
+            EXPECT_TRUE(QTest::qWaitFor([&] { return fits(column); })) << column;
+        EXPECT_EQ(list->header()->sectionResizeMode(0), QHeaderView::Stretch);
+        dialog.reject();
+    });
+    (void)AskFile({.kind = FileDialogRequest::Open,
+                   .title = {},
+                   .folder = place.Folder(),
+                   .fileName = {},
+                   .filter = u"Books|*.fb2"_s});
 }
 
 TEST_F(Dialogs, ABoxDuringLongWorkHasTheDefaultPointer)
@@ -360,6 +420,29 @@ TEST(Opening, AFileIsOpenedAsALocalUrlAndAnAddressUnchanged)
     const UrlCatcher web(u"https"_s);
     EXPECT_TRUE(OpenWithSystem(u"https://example.org/a?b=c#d"_s));
     EXPECT_EQ(web.taken, QUrl(u"https://example.org/a?b=c#d"_s));
+}
+
+TEST(Opening, AFileWithoutAProgramIsNotOpened)
+{
+    // A stand-in for the desktop's own tool.
+    const Workplace place;
+    place.Make(u"a.fb2"_s, "x");
+    place.Make(u"xdg-mime"_s,
+               "#!/bin/sh\n[ \"$2\" = filetype ] && echo text/plain\n[ \"$2\" = default ] && echo "
+               "\"$HANDLER\"\nexit 0\n");
+    QFile::setPermissions(place.Path(u"xdg-mime"_s),
+                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadOther
+                              | QFile::ExeOther | QFile::ReadGroup | QFile::ExeGroup);
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", place.Folder().toUtf8() + ':' + path);
+    const UrlCatcher files(u"file"_s);
+    EXPECT_FALSE(OpenWithSystem(place.Path(u"a.fb2"_s)));
+    EXPECT_TRUE(files.taken.isEmpty());
+    qputenv("HANDLER", "reader.desktop");
+    EXPECT_TRUE(OpenWithSystem(place.Path(u"a.fb2"_s)));
+    EXPECT_FALSE(files.taken.isEmpty());
+    qunsetenv("HANDLER");
+    qputenv("PATH", path);
 }
 
 TEST(Clipboard, ContainsPlainText)
