@@ -166,8 +166,7 @@ TEST_F(Pasting, TheSourceOfABookKeepsTheTextOfEveryElement)
             pasteHtml(source);
         else
             pasteText(source);
-        for (const char* words :
-             {"Chapter one", "styled words", "a < b && c", "end", "typed", "chosen"})
+        for (const char* words : {"Chapter one", "styled words", "a < b && c", "end", "typed", "chosen"})
             EXPECT_THAT(allText(), testing::HasSubstr(words)) << asHtml;
     }
 }
