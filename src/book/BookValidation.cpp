@@ -4,6 +4,7 @@
 #include "FictionBookNamespace.h"
 #include "SettingsVariables.h"
 #include "XmlDocument.h"
+#include "XmlSaxReader.h"
 
 using namespace Qt::StringLiterals;
 
@@ -36,6 +37,11 @@ XmlParseError BookValidation::validate(std::string_view text, XmlEncoding encodi
     document.schemas = schemas;
     document.loadXML(text, encoding);
     return document.parseError();
+}
+
+std::vector<XmlParseError> BookValidation::validateAll(std::string_view text, XmlEncoding encoding) const
+{
+    return ReadAllXmlErrors(text, encoding, schemas.get());
 }
 
 BookValidation ValidationBySettings(ValidateAgainst against)

@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <string_view>
+#include <vector>
 
 namespace vmk {
 
@@ -39,6 +40,10 @@ public:
     /// Validates the bytes of a text.
     /// \return the first error; `errorCode` is 0 if there is none
     [[nodiscard]] XmlParseError validate(std::string_view text, XmlEncoding encoding) const;
+
+    /// Validates the bytes of a text to its end.
+    /// \return all errors against the schema, up to the first one of well-formedness or namespaces
+    [[nodiscard]] std::vector<XmlParseError> validateAll(std::string_view text, XmlEncoding encoding) const;
 
 private:
     ValidateAgainst kind;

@@ -3,15 +3,11 @@
 #include "CommandLine.h"
 #include "FictionBookNamespace.h"
 #include "FileNames.h"
-#include "Files.h"
 #include "XmlReason.h"
 
-#include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-
-#include <cstdio>
-#include <new>
 
 using namespace Qt::StringLiterals;
 
@@ -19,41 +15,29 @@ namespace vmk {
 
 namespace {
 
-FileContent ReadStandardInput()
+QJsonObject JsonOfError(const XmlParseError& error)
 {
-    FileContent content;
-    char piece[1 << 16];
-    while (const size_t length = std::fread(piece, 1, sizeof piece, stdin)) {
-        if (content.bytes.size() + length > MaxFileBytes) {
-            content.outcome = ReadOutcome::TooLarge;
-            return content;
-        }
-        content.bytes.append(piece, length);
-    }
-    if (std::ferror(stdin) != 0) {
-        content.outcome = ReadOutcome::Unreadable;
-        content.systemReason = u"standard input failed"_s;
-    }
-    return content;
+    return {{u"line"_s, error.line},        {u"column"_s, error.linepos}, {u"byte"_s, error.fileByte},
+            {u"position"_s, error.filepos}, {u"code"_s, error.errorCode}, {u"reason"_s, ShownReason(error)}};
 }
 
 } // namespace
 
-FileContent ReadBookContent(const QString& book)
+BookCheck CheckBook(const BookItem& book, const BookValidation& validation, ErrorsToFind errors)
 {
-    return book == u"-" ? ReadStandardInput() : ReadContent(book);
-}
-
-namespace {
-
-void ReadAndCheck(BookCheck& check, const BookValidation& validation)
-{
-    const FileContent content = ReadBookContent(check.book);
+    BookCheck check;
+    check.book = book.name;
+    const FileContent content = book.content();
     if (content.outcome != ReadOutcome::Ok) {
         check.failure = ReadFailureText(content);
-        return;
+    } else if (errors == ErrorsToFind::All) {
+        check.errors = validation.validateAll(content.bytes, XmlEncoding::byDeclaration());
+    } else {
+        XmlParseError first = validation.validate(content.bytes, XmlEncoding::byDeclaration());
+        if (first)
+            check.errors.push_back(std::move(first));
     }
-    check.error = validation.validate(content.bytes, XmlEncoding::byDeclaration());
+    return check;
 }
 
 QString ShownReason(const XmlParseError& error)
@@ -61,45 +45,31 @@ QString ShownReason(const XmlParseError& error)
     return WithoutNamespace(error.reason, FictionBookNamespace());
 }
 
-} // namespace
-
-BookCheck CheckBook(const QString& book, const BookValidation& validation)
-{
-    BookCheck check;
-    check.book = book;
-    try {
-        ReadAndCheck(check, validation);
-    } catch (const std::bad_alloc&) {
-        check.failure = u"not enough memory"_s;
-    }
-    return check;
-}
-
-QString ResultLine(const BookCheck& check, ValidateAgainst against)
+QStringList ResultLines(const BookCheck& check, ValidateAgainst against)
 {
     const QString name = ShownName(check.book);
-    if (!check.failure.isEmpty())
-        return name + u": "_s + check.failure;
-    if (!check.error)
-        return name + u": No errors (against "_s + NameOf(against) + u')';
-    return name + u':' + QString::number(check.error.line) + u':' + QString::number(check.error.linepos)
-        + u": Error against "_s + NameOf(against) + u". "_s + ShownReason(check.error);
+    if (check.errors.empty())
+        return {name + u": No errors (against "_s + NameOf(against) + u')'};
+    QStringList lines;
+    for (const XmlParseError& error : check.errors)
+        lines += name + u':' + QString::number(error.line) + u':' + QString::number(error.linepos)
+            + u": Error against "_s + NameOf(against) + u". "_s + ShownReason(error);
+    return lines;
 }
 
-QString ResultJson(const BookCheck& check, ValidateAgainst against)
+QString ResultJson(const BookCheck& check, ValidateAgainst against, ErrorsToFind errors)
 {
-    QJsonObject object{{u"book"_s, ReadableName(check.book)}};
-    if (!check.failure.isEmpty()) {
-        object[u"failure"_s] = check.failure;
-    } else {
-        object[u"against"_s] = NameOf(against);
-        object[u"valid"_s] = !check.error;
+    QJsonObject object{{u"book"_s, ReadableName(check.book)},
+                       {u"against"_s, NameOf(against)},
+                       {u"valid"_s, check.errors.empty()}};
+    if (!check.errors.empty())
+        object[u"error"_s] = JsonOfError(check.errors.front());
+    if (errors == ErrorsToFind::All) {
+        QJsonArray all;
+        for (const XmlParseError& error : check.errors)
+            all.append(JsonOfError(error));
+        object[u"errors"_s] = all;
     }
-    if (check.error)
-        object[u"error"_s]
-            = QJsonObject{{u"line"_s, check.error.line},      {u"column"_s, check.error.linepos},
-                          {u"byte"_s, check.error.fileByte},  {u"position"_s, check.error.filepos},
-                          {u"code"_s, check.error.errorCode}, {u"reason"_s, ShownReason(check.error)}};
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 

@@ -1,32 +1,42 @@
 #pragma once
 
+#include "BookItem.h"
 #include "BookValidation.h"
-#include "Files.h"
 
 #include <QString>
 
+#include <vector>
+
 namespace vmk {
+
+/// The errors that a check of a book looks for.
+enum class ErrorsToFind
+{
+    First,
+    All
+};
 
 /// The result of checking one book.
 struct BookCheck
 {
-    QString book; ///< as the user named it
+    QString book; ///< its name
     QString failure; ///< the reason why it could not be read; empty if it was read
-    XmlParseError error; ///< the first error; `errorCode` is 0 if there is none
+    std::vector<XmlParseError> errors;
 };
 
-/// Reads a book: a file, or for "-" standard input.
-[[nodiscard]] FileContent ReadBookContent(const QString& book);
-
 /// Reads and checks one book. Its declaration determines the encoding.
-/// \param book     path, or "-" for standard input
-[[nodiscard]] BookCheck CheckBook(const QString& book, const BookValidation& validation);
+[[nodiscard]] BookCheck CheckBook(const BookItem& book, const BookValidation& validation,
+                                  ErrorsToFind errors);
 
-/// Returns one result line: "BOOK: No errors (against schema)" or "BOOK:LINE:COLUMN: Error against schema.
-/// REASON"; for a book that could not be read, "BOOK: " and the reason.
-[[nodiscard]] QString ResultLine(const BookCheck& check, ValidateAgainst against);
+/// Returns the result lines of a book that was read: "BOOK: No errors (against schema)", or for each error
+/// "BOOK:LINE:COLUMN: Error against schema. REASON".
+[[nodiscard]] QStringList ResultLines(const BookCheck& check, ValidateAgainst against);
 
-/// Returns the same as one JSON object on one line.
-[[nodiscard]] QString ResultJson(const BookCheck& check, ValidateAgainst against);
+/// Returns the same as one JSON object on one line, with the first error as "error", and with
+/// `ErrorsToFind::All` all of them as "errors".
+[[nodiscard]] QString ResultJson(const BookCheck& check, ValidateAgainst against, ErrorsToFind errors);
+
+/// Returns the reason of an error as it is shown.
+[[nodiscard]] QString ShownReason(const XmlParseError& error);
 
 } // namespace vmk

@@ -1,10 +1,12 @@
 #include "CleanUpEngine.h"
+#include "CollectionRun.h"
 #include "Command.h"
 #include "CommandLine.h"
 #include "DisplayDocument.h"
 #include "DisplayText.h"
 #include "DisplayValuesOfSettings.h"
 #include "FileNames.h"
+#include "OutputPaths.h"
 #include "PageOfBook.h"
 #include "Settings.h"
 #include "SettingsVariables.h"
@@ -12,14 +14,10 @@
 #include "TextFunctions.h"
 #include "XmlDocument.h"
 
-#include <QCoreApplication>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 
 #include <algorithm>
-#include <deque>
-#include <memory>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -27,8 +25,6 @@ using namespace Qt::StringLiterals;
 namespace vmk {
 
 namespace {
-
-constexpr int MostJobs = 256;
 
 struct NamedTable
 {
@@ -39,35 +35,33 @@ struct NamedTable
 struct CleanOptions
 {
     QStringList tableFiles;
-    QStringList books;
-    QString file;
+    QString file; // --out; empty for none
     bool inPlace = false;
     bool dryRun = false;
     bool force = false;
-    bool json = false;
-    int jobs = 1;
+    CollectionOptions collection;
     BookReading reading = BookReading::Kept;
 };
 
 void TakeOption(CommandLine& line, CleanOptions& options)
 {
     const QString& option = line.option();
+    if (options.collection.take(line))
+        return;
     if (option == u"--table")
         options.tableFiles += line.value();
     else if (option == u"--out")
         options.file = line.value();
+    else if (option == u"--out-dir")
+        options.collection.outFolder = line.value();
     else if (option == u"--in-place")
         options.inPlace = true;
     else if (option == u"--dry-run")
         options.dryRun = true;
     else if (option == u"--force")
         options.force = true;
-    else if (option == u"--json")
-        options.json = true;
     else if (option == u"--as-editor")
         options.reading = BookReading::AsEditor;
-    else if (option == u"--jobs")
-        options.jobs = line.number(1, MostJobs);
     else
         line.failUnknownOption();
 }
@@ -77,20 +71,21 @@ CleanOptions ReadOptions(CommandLine& line)
     CleanOptions options;
     while (line.next()) {
         if (line.option().isEmpty())
-            options.books += line.operand();
+            options.collection.inputs += line.operand();
         else
             TakeOption(line, options);
     }
-    const bool writes = !options.file.isEmpty() || options.inPlace;
+    const bool hasFolder = !options.collection.outFolder.isEmpty();
+    const int targets = int(!options.file.isEmpty()) + int(options.inPlace) + int(hasFolder);
     if (options.tableFiles.isEmpty())
         line.fail(u"no table given (--table)"_s);
-    if (options.books.isEmpty())
-        line.fail(u"no book given"_s);
-    if (!writes && !options.dryRun)
-        line.fail(u"no file given to write to (--out, --in-place or --dry-run)"_s);
-    if (!options.file.isEmpty() && options.inPlace)
-        line.fail(u"--out and --in-place exclude each other"_s);
-    if (!options.file.isEmpty() && options.books.size() > 1)
+    options.collection.check(line);
+    if (targets == 0 && !options.dryRun)
+        line.fail(u"no file given to write to (--out, --out-dir, --in-place or --dry-run)"_s);
+    if (targets > 1)
+        line.fail(u"--out, --out-dir and --in-place exclude each other"_s);
+    if (!options.file.isEmpty()
+        && (options.collection.inputs.size() > 1 || options.collection.isCollection()))
         line.fail(u"--out takes one book"_s);
     return options;
 }
@@ -137,7 +132,7 @@ QLatin1StringView NameOf(CleanUpRowState state)
 void PrintRow(const CleanOptions& options, const QString& book, const QString& table, size_t row,
               const CleanUpRowResult& result)
 {
-    if (options.json) {
+    if (options.collection.json) {
         const QJsonObject object = {{u"book"_s, ReadableName(book)},
                                     {u"table"_s, ReadableName(table)},
                                     {u"row"_s, qint64(row)},
@@ -179,97 +174,53 @@ QString BreakingRow(DisplayDocument& document, const std::vector<NamedTable>& ta
     return {};
 }
 
-int CleanOneBook(const CleanOptions& options, const QString& book, const std::vector<NamedTable>& tables)
+/// Reads a book and finds the file to write. On failure, reports it and returns nothing.
+std::optional<std::string> ReadToClean(const BookItem& book, const CleanOptions& options,
+                                       OutputFolder& outputs, QString* file)
 {
-    std::optional<std::string> bytes = ReadBook(book);
-    if (!bytes)
-        return ExitFailure;
-    if (IsBlank(*bytes)) {
-        PrintErrorLine(u"vmk: "_s + ShownName(book) + u": empty book - nothing to save"_s);
-        return ExitFailure;
-    }
+    FileContent content = book.content();
+    QString problem = ReadFailureText(content);
+    if (problem.isEmpty() && IsBlank(content.bytes))
+        problem = u"empty book - nothing to save"_s;
+    if (problem.isEmpty() && options.inPlace && (book.packed || book.path == "-"))
+        problem = u"cannot be changed in place; --out-dir takes any book"_s;
+    if (problem.isEmpty() && !book.output.empty() && !options.dryRun)
+        *file = outputs.pathFor(book, &problem);
+    else
+        *file = options.inPlace ? book.name : options.file;
+    if (problem.isEmpty())
+        return std::move(content.bytes);
+    PrintFailure(book.name, problem, options.collection.json);
+    return std::nullopt;
+}
+
+int CleanOneBook(const BookItem& book, const CleanOptions& options, const std::vector<NamedTable>& tables,
+                 OutputFolder& outputs)
+{
+    QString target;
+    std::optional<std::string> bytes = ReadToClean(book, options, outputs, &target);
     DisplayDocument document;
-    if (!OpenBook(book, *std::move(bytes), document, options.reading))
+    if (!bytes || !OpenBook(book.name, *std::move(bytes), document, options.reading))
         return ExitFailure;
 
     const bool wasWellFormed = IsWellFormed(document);
     for (const NamedTable& named : tables) {
         const CleanUpRun run = CleanUpBookFragment(document, named.table, Paint(), NoProgress);
         for (size_t row = 0; row < run.rows.size(); ++row)
-            PrintRow(options, book, named.file, row + 1, run.rows[row]);
+            PrintRow(options, book.name, named.file, row + 1, run.rows[row]);
     }
     const bool isBroken = wasWellFormed && !IsWellFormed(document);
     const bool writes = !options.dryRun && (!isBroken || options.force);
     if (writes) {
-        const BookFile file = FileOfDocument(book, document, options.reading);
-        if (!WriteOutput(options.inPlace ? book : options.file, file.bytes, Durability::Flushed))
+        const BookFile file = FileOfDocument(book.name, document, options.reading);
+        if (!WriteOutput(target, file.bytes, Durability::Flushed))
             return ExitFailure;
     }
     if (!isBroken)
         return ExitClean;
-    PrintErrorLine(u"vmk: "_s + ShownName(book) + (writes ? u": written"_s : u": not written"_s)
+    PrintErrorLine(u"vmk: "_s + ShownName(book.name) + (writes ? u": written"_s : u": not written"_s)
                    + u": no longer well-formed after "_s + BreakingRow(document, tables));
     return ExitFaults;
-}
-
-/// The arguments for a process that cleans one of several books.
-QStringList ArgumentsForOne(const CleanOptions& options, const QString& book)
-{
-    // The process class replaces the bytes of a name that are not UTF-8.
-    const auto encoded
-        = [](const QString& name) { return QString::fromLatin1(EncodeFileName(name).toPercentEncoding()); };
-    QStringList arguments = {PercentEncoded, u"clean"_s};
-    for (const QString& table : options.tableFiles)
-        arguments += {u"--table"_s, encoded(table)};
-    if (options.inPlace)
-        arguments += u"--in-place"_s;
-    if (options.dryRun)
-        arguments += u"--dry-run"_s;
-    if (options.force)
-        arguments += u"--force"_s;
-    if (options.json)
-        arguments += u"--json"_s;
-    if (options.reading == BookReading::AsEditor)
-        arguments += u"--as-editor"_s;
-    return arguments + QStringList{u"--"_s, encoded(book)};
-}
-
-/// Prints what a process has printed, and returns its exit code.
-int Finish(QProcess& process)
-{
-    process.waitForFinished(-1);
-    const QByteArray errors = process.readAllStandardError();
-    const QByteArray output = process.readAllStandardOutput();
-    for (const QByteArray& line : output.split('\n')) {
-        if (!line.isEmpty())
-            PrintLine(DecodeFileName(line));
-    }
-    for (const QByteArray& line : errors.split('\n')) {
-        if (!line.isEmpty())
-            PrintErrorLine(DecodeFileName(line));
-    }
-    return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : int(ExitFailure);
-}
-
-/// Cleans several books, each in a process of its own, because the state of an open book is shared variables.
-/// The results keep the order of the books.
-int CleanInProcesses(const CleanOptions& options)
-{
-    int code = ExitClean;
-    std::deque<std::unique_ptr<QProcess>> running;
-    const auto finishFirst = [&] {
-        code = std::max(code, Finish(*running.front()));
-        running.pop_front();
-    };
-    for (const QString& book : options.books) {
-        if (running.size() == size_t(options.jobs))
-            finishFirst();
-        running.push_back(std::make_unique<QProcess>());
-        running.back()->start(QCoreApplication::applicationFilePath(), ArgumentsForOne(options, book));
-    }
-    while (!running.empty())
-        finishFirst();
-    return code;
 }
 
 int RunClean(const QStringList& arguments)
@@ -284,41 +235,50 @@ int RunClean(const QStringList& arguments)
     if (!tables)
         return ExitFailure;
 
-    int code = ExitClean;
-    if (options.jobs > 1 && options.books.size() > 1) {
-        code = CleanInProcesses(options);
-    } else {
-        ReadSettings(true);
-        InLineTags = DefaultInLineTags();
-        OutputEncoding = u"original"_s;
-        OutputStyle = u"tags tree"_s;
-        for (const QString& book : options.books)
-            code = std::max(code, CleanOneBook(options, book, *tables));
-    }
-    return FlushOutput() ? code : ExitFailure;
+    if (!options.collection.makeOutFolder())
+        return ExitFailure;
+    ReadSettings(true);
+    InLineTags = DefaultInLineTags();
+    OutputEncoding = u"original"_s;
+    OutputStyle = u"tags tree"_s;
+    CollectionJob job;
+    job.makeHandler = [&]() -> BookHandler {
+        return [&, outputs = OutputFolder(options.collection.outFolder)](const BookItem& book) mutable {
+            return CleanOneBook(book, options, *tables, outputs);
+        };
+    };
+    job.codeOfLine = [](const EarlierResult&, std::vector<std::string>&) { return ExitClean; };
+    return RunCollection(options.collection, job).worstCode();
 }
 
 } // namespace
 
 const Command CleanCommand = {"clean", "apply tables of replacements to books",
                               R"(usage: vmk clean --table FILE [--table FILE...] BOOK --out FILE
-       vmk clean --table FILE [--table FILE...] --in-place|--dry-run [--jobs N] BOOK...
+       vmk clean --table FILE [--table FILE...] --out-dir DIR|--in-place|--dry-run [OPTION...] BOOK...
 
 Applies the rows in use of each table to the whole of each BOOK, as the book cleaner of the editor does, and
 saves the book as "vmk convert" does. Writes one line for each row, with the number of replacements:
 
   BOOK: TABLE:ROW: COUNT
 
-  --table FILE   a clean-up file; several are applied one after another
-  --out FILE     the file to write, replaced whole or not at all
-  --in-place     replace each BOOK itself
-  --dry-run      write no book, only the counts
-  --force        write a book also if it was well-formed before and is not any more; without this option it
-                 is not written, and a line on standard error names the row
-  --as-editor    read the book by the editor's own rules, see vmk convert
-  --json         write one JSON object for each row
-  --jobs N       clean N books at a time; results stay in order
-  --help         show this text
+Each BOOK is a file, a folder (with all "*.fb2" and "*.zip" in it), a zip archive (with all "*.fb2" in it) or a
+member of one (ARCHIVE.zip:MEMBER).
+
+  --table FILE       a clean-up file; several are applied one after another
+  --out FILE         the file to write, replaced whole or not at all
+  --out-dir DIR      write each book below DIR, under its own path; DIR is made if it is missing
+  --in-place         replace each BOOK itself; not for books in archives
+  --dry-run          write no book, only the counts
+  --force            write a book also if it was well-formed before and is not any more; without this option
+                     it is not written, and a line on standard error names the row
+  --as-editor        read the book by the editor's own rules, see vmk convert
+  --json             write one JSON object for each row
+  --files-from FILE  take further paths from FILE, one in each line ("-": standard input)
+  -0                 the paths in FILE end with a NUL character
+  --jobs N           clean N books at a time (default: one for each processor); results keep their order
+  --resume FILE      write the results into FILE, and continue the run that has written it
+  --help             show this text
 
 Exit status: 0 done, 1 a book is not well-formed any more, 2 wrong use, or a file that cannot be read or
 written.

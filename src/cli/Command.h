@@ -22,9 +22,6 @@ struct Command
     int (*run)(const QStringList& arguments); ///< takes the arguments after the name; returns the exit code
 };
 
-/// The first argument of a process that the program starts itself: the others are percent-encoded.
-inline constexpr QLatin1StringView PercentEncoded("--percent-encoded");
-
 extern const Command CleanCommand;
 extern const Command ConvertCommand;
 extern const Command DisplayCommand;

@@ -1,10 +1,6 @@
 #include "CommandLine.h"
 
-#include "FileNames.h"
-
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -91,37 +87,6 @@ QString ShownName(const QString& name)
             shown += c;
     }
     return shown;
-}
-
-namespace {
-
-/// The names in a line keep their bytes.
-QByteArray BytesOfLine(const QString& line)
-{
-    const QByteArray bytes = EncodeFileName(line);
-    return bytes.isEmpty() ? line.toUtf8() : bytes;
-}
-
-} // namespace
-
-void PrintLine(const QString& line)
-{
-    const QByteArray bytes = BytesOfLine(line) + '\n';
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
-}
-
-void PrintErrorLine(const QString& line)
-{
-    const QByteArray bytes = BytesOfLine(line) + '\n';
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stderr);
-}
-
-bool FlushOutput()
-{
-    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
-        return true;
-    PrintErrorLine(u"vmk: cannot write the results: "_s + QString::fromLocal8Bit(std::strerror(errno)));
-    return false;
 }
 
 } // namespace vmk

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "BookReport.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -42,12 +44,5 @@ private:
 
 /// Returns a file name for one line of text: line ends and other control characters appear as `\n` or `\x1b`.
 [[nodiscard]] QString ShownName(const QString& name);
-
-/// Writes a line and a line end to standard output or standard error in the system's encoding.
-void PrintLine(const QString& line);
-void PrintErrorLine(const QString& line);
-
-/// Writes the buffered output of `PrintLine`. On failure, reports it on standard error and returns false.
-[[nodiscard]] bool FlushOutput();
 
 } // namespace vmk

@@ -1,11 +1,10 @@
-#include "BookCheck.h"
+#include "CollectionRun.h"
 #include "Command.h"
 #include "CommandLine.h"
 #include "DisplayCharacters.h"
 #include "FileNames.h"
 #include "FindReplaceFunctions.h"
 #include "FindReplaceRegExpFuncs.h"
-#include "OrderedJobs.h"
 #include "PageOfBook.h"
 #include "RegExp.h"
 #include "Settings.h"
@@ -17,15 +16,11 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <mutex>
-
 using namespace Qt::StringLiterals;
 
 namespace vmk {
 
 namespace {
-
-constexpr int MostJobs = 256;
 
 /// The exit codes are grep's.
 enum FindExit
@@ -39,10 +34,8 @@ struct FindOptions
 {
     QString text;
     bool regExp = false;
-    bool json = false;
-    int jobs = 1;
     SearchOptions search;
-    QStringList books;
+    CollectionOptions collection;
 };
 
 /// A match, in lines of the display.
@@ -52,12 +45,6 @@ struct Match
     int column = 0; ///< from 1
     QString text;
     QString lineText;
-};
-
-struct BookMatches
-{
-    bool isRead = false;
-    std::vector<Match> matches;
 };
 
 /// The options, or nothing with the reason in `problem`.
@@ -73,23 +60,16 @@ std::optional<FindOptions> ReadOptions(const QStringList& arguments, QString* pr
             options.search.matchCase = true;
         else if (line.option() == u"--whole-word")
             options.search.wholeWord = true;
-        else if (line.option() == u"--json")
-            options.json = true;
-        else if (line.option() == u"--jobs")
-            options.jobs = line.number(1, MostJobs);
-        else if (!line.option().isEmpty())
-            line.failUnknownOption();
-        else if (!std::exchange(hasText, true))
+        else if (line.option().isEmpty() && !std::exchange(hasText, true))
             options.text = line.operand();
-        else
-            options.books.append(line.operand());
+        else if (line.option().isEmpty())
+            options.collection.inputs.append(line.operand());
+        else if (!options.collection.take(line))
+            line.failUnknownOption();
     }
     if (options.text.isEmpty())
         line.fail(u"no text given"_s);
-    if (options.books.isEmpty())
-        line.fail(u"no book given"_s);
-    if (options.books.count(u"-"_s) > 1)
-        line.fail(u"standard input can be searched only once"_s);
+    options.collection.check(line);
     if (options.regExp && options.search.wholeWord)
         line.fail(u"--whole-word has no use with --regexp"_s);
     RegExp expression;
@@ -100,41 +80,35 @@ std::optional<FindOptions> ReadOptions(const QStringList& arguments, QString* pr
     return problem->isEmpty() ? std::optional(options) : std::nullopt;
 }
 
-/// Reads a book as the editor shows it. The conversion works on the shared variables.
-bool ReadInto(DisplayDocument& document, const QString& book)
+/// Reads a book as the editor shows it. Returns false, after a line about the reason, if it cannot be read.
+bool ReadInto(DisplayDocument& document, const BookItem& book, bool json)
 {
-    static std::mutex guard;
-    const std::lock_guard lock(guard);
-    FileContent content = ReadBookContent(book);
-    if (content.outcome == ReadOutcome::Ok) {
-        std::optional<std::string> page = PageOfBook(book, std::move(content.bytes), BookReading::Kept);
-        if (!page)
-            return false;
-        // Guards have no meaning for a book that is not saved, and would be between the characters to find.
-        *page = ReplaceAll(ReplaceAll(*std::move(page), DisplayGuard, ""), DisplayGuardEscape, "");
-        document.loadPage(QByteArray::fromStdString(*page));
-        return true;
+    FileContent content = book.content();
+    if (content.outcome != ReadOutcome::Ok) {
+        PrintFailure(book.name, ReadFailureText(content), json);
+        return false;
     }
-    PrintErrorLine(u"vmk: "_s + ShownName(book) + u": "_s + ReadFailureText(content));
-    return false;
+    std::optional<std::string> page = PageOfBook(book.name, std::move(content.bytes), BookReading::Kept);
+    if (!page)
+        return false;
+    // Guards have no meaning for a book that is not saved, and would be between the characters to find.
+    *page = ReplaceAll(ReplaceAll(*std::move(page), DisplayGuard, ""), DisplayGuardEscape, "");
+    document.loadPage(QByteArray::fromStdString(*page));
+    return true;
 }
 
-BookMatches SearchBook(const QString& book, const FindOptions& options)
+std::vector<Match> FindIn(DisplayDocument& document, const FindOptions& options)
 {
-    BookMatches result;
-    DisplayDocument document;
-    if (!ReadInto(document, book))
-        return result;
-    result.isRead = true;
+    std::vector<Match> matches;
     SearchState state(document);
     NewSearch(state, options.search, false);
     for (;;) {
         const FindResult found = options.regExp ? RegExpFind(state, options.text, options.search)
                                                 : Find_Text(state, options.text, options.search);
         if (found.outcome != FindResult::Hit)
-            return result;
+            return matches;
         const Position at = state.SearchRange.start();
-        result.matches.push_back(
+        matches.push_back(
             {at.line + 1, at.offset + 1, state.SearchRange.text(), document.line(at.line).text});
     }
 }
@@ -153,6 +127,18 @@ void Print(const QString& book, const Match& match, bool json)
     PrintLine(QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)));
 }
 
+/// Prints the matches in one book. Returns its exit code.
+int SearchBook(const BookItem& book, const FindOptions& options)
+{
+    DisplayDocument document;
+    if (!ReadInto(document, book, options.collection.json))
+        return ExitTrouble;
+    const std::vector<Match> matches = FindIn(document, options);
+    for (const Match& match : matches)
+        Print(book.name, match, options.collection.json);
+    return matches.empty() ? ExitNotFound : ExitFound;
+}
+
 int RunFind(const QStringList& arguments)
 {
     QString problem;
@@ -165,22 +151,17 @@ int RunFind(const QStringList& arguments)
     // Non-breaking spaces as themselves, so that they can be searched for and are printed.
     ShowNbsp = 0;
     InLineTags = DefaultInLineTags();
-    const QStringList& books = options->books;
-    OrderedJobs<BookMatches> searches(size_t(books.size()), options->jobs, [&] {
-        return [&](size_t index) { return SearchBook(books[qsizetype(index)], *options); };
-    });
-    bool isFound = false;
-    bool isTrouble = false;
-    for (qsizetype i = 0; i < books.size(); ++i) {
-        const BookMatches result = searches.take(size_t(i));
-        for (const Match& match : result.matches)
-            Print(books[i], match, options->json);
-        isFound = isFound || !result.matches.empty();
-        isTrouble = isTrouble || !result.isRead;
-    }
-    if (!FlushOutput() || isTrouble)
+    CollectionJob job;
+    job.makeHandler = [&options]() -> BookHandler {
+        return [&options](const BookItem& book) { return SearchBook(book, *options); };
+    };
+    job.codeOfLine = [](const EarlierResult& match, std::vector<std::string>&) {
+        return match.text.isEmpty() && match.object.isEmpty() ? ExitNotFound : ExitFound;
+    };
+    const RunTotals totals = RunCollection(options->collection, job);
+    if (totals.isIncomplete || totals.books[ExitTrouble] > 0)
         return ExitTrouble;
-    return isFound ? ExitFound : ExitNotFound;
+    return totals.books[ExitFound] > 0 ? ExitFound : ExitNotFound;
 }
 
 } // namespace
@@ -188,18 +169,24 @@ int RunFind(const QStringList& arguments)
 const Command FindCommand = {"find", "search books as the editor shows them",
                              R"(usage: vmk find [OPTION...] TEXT BOOK...
 
-Searches each BOOK ("-": standard input) for TEXT, as the find window of the editor does in the book that it
-shows: tags are text, and letters match in any case. Writes one line for each match, with the line and the
-column of the display, counted from 1:
+Searches each BOOK for TEXT, as the find window of the editor does in the book that it shows: tags are text,
+and letters match in any case. Writes one line for each match, with the line and the column of the display,
+counted from 1:
 
   BOOK:LINE:COLUMN: the line
 
-  --regexp       TEXT is a regular expression
-  --match-case   letters match only in the same case
-  --whole-word   match only whole words
-  --json         write one JSON object for each match: book, line, column, length, match
-  --jobs N       search N books at a time; results stay in order
-  --help         show this text
+Each BOOK is a file, a folder (with all "*.fb2" and "*.zip" in it), a zip archive (with all "*.fb2" in it), a
+member of one (ARCHIVE.zip:MEMBER), or "-" for standard input.
+
+  --regexp           TEXT is a regular expression
+  --match-case       letters match only in the same case
+  --whole-word       match only whole words
+  --json             write one JSON object for each match: book, line, column, length, match
+  --files-from FILE  take further paths from FILE, one in each line ("-": standard input)
+  -0                 the paths in FILE end with a NUL character
+  --jobs N           search N books at a time (default: one for each processor); results keep their order
+  --resume FILE      write the results into FILE, and continue the run that has written it
+  --help             show this text
 
 Columns and lengths count UTF-16 units. uni(N) in a TEXT that is not a regular expression is the character
 with number N.

@@ -1,15 +1,18 @@
 #include "BinaryElements.h"
 #include "BookImages.h"
+#include "CollectionRun.h"
 #include "Command.h"
 #include "CommandLine.h"
 #include "FileNames.h"
 #include "FileOperations.h"
 #include "ImageFiles.h"
-#include "PageOfBook.h"
+#include "OutputPaths.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
+#include <array>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -22,9 +25,10 @@ struct ImagesOptions
 {
     bool list = false;
     bool check = false;
-    bool json = false;
-    QString folder; // empty: nothing is extracted
-    QStringList books;
+    QString folder; // --out; empty for none
+    CollectionOptions collection;
+
+    [[nodiscard]] bool extracts() const { return !folder.isEmpty() || !collection.outFolder.isEmpty(); }
 };
 
 ImagesOptions ReadOptions(CommandLine& line)
@@ -33,21 +37,24 @@ ImagesOptions ReadOptions(CommandLine& line)
     while (line.next()) {
         const QString& option = line.option();
         if (option.isEmpty())
-            options.books.append(line.operand());
+            options.collection.inputs.append(line.operand());
         else if (option == u"--list")
             options.list = true;
         else if (option == u"--check")
             options.check = true;
-        else if (option == u"--json")
-            options.json = true;
         else if (option == u"--out")
             options.folder = line.value();
-        else
+        else if (option == u"--out-dir")
+            options.collection.outFolder = line.value();
+        else if (!options.collection.take(line))
             line.failUnknownOption();
     }
-    if (options.books.isEmpty())
-        line.fail(u"no book given"_s);
-    if (!options.check && options.folder.isEmpty())
+    options.collection.check(line);
+    if (!options.folder.isEmpty() && !options.collection.outFolder.isEmpty())
+        line.fail(u"--out and --out-dir exclude each other"_s);
+    if (!options.folder.isEmpty() && options.collection.isCollection())
+        line.fail(u"--out takes single books; folders, archives and lists need --out-dir"_s);
+    if (!options.check && !options.extracts())
         options.list = true;
     return options;
 }
@@ -120,15 +127,15 @@ int CheckResources(const Results& results, const BookResources& book)
 }
 
 /// Returns the folder for the pictures of a book. Each of several books has a separate folder.
-QString FolderOf(const ImagesOptions& options, qsizetype book)
+QString FolderOf(const ImagesOptions& options, const QString& book)
 {
-    if (options.books.size() == 1)
+    const QStringList& books = options.collection.inputs;
+    if (books.size() == 1)
         return options.folder;
-    const auto nameOf = [&options](qsizetype i) { return FileOperation(BaseNameMode, options.books[i]); };
-    const QString name = nameOf(book);
-    int before = 0;
-    for (qsizetype i = 0; i < book; ++i)
-        before += nameOf(i) == name ? 1 : 0;
+    const QString name = FileOperation(BaseNameMode, book);
+    const auto before
+        = std::count_if(books.begin(), std::ranges::find(books, book),
+                        [&name](const QString& other) { return FileOperation(BaseNameMode, other) == name; });
     return options.folder + u'/' + name + (before == 0 ? QString() : u" (%1)"_s.arg(before + 1));
 }
 
@@ -150,13 +157,19 @@ bool Extract(const Results& results, const BookBytes& book, const QString& folde
 }
 
 /// Applies the options to one book. \return its exit code
-int HandleBook(const ImagesOptions& options, qsizetype index)
+int HandleBook(const BookItem& item, const ImagesOptions& options, OutputFolder& outputs)
 {
-    std::optional<std::string> bytes = ReadBook(options.books[index]);
-    if (!bytes)
+    FileContent content = item.content();
+    QString problem = ReadFailureText(content);
+    QString folder;
+    if (problem.isEmpty() && options.extracts())
+        folder = item.output.empty() ? FolderOf(options, item.name) : outputs.pathFor(item.output, &problem);
+    if (!problem.isEmpty()) {
+        PrintFailure(item.name, problem, options.collection.json);
         return ExitFailure;
-    const BookBytes book = ReadableBook(*std::move(bytes));
-    const Results results(options.books[index], options.json);
+    }
+    const BookBytes book = ReadableBook(std::move(content.bytes));
+    const Results results(item.name, options.collection.json);
     int code = ExitClean;
     if (options.list || options.check) {
         const BookResources resources = ListResources(book);
@@ -167,9 +180,19 @@ int HandleBook(const ImagesOptions& options, qsizetype index)
         if (options.check && CheckResources(results, resources) > 0)
             code = ExitFaults;
     }
-    if (!options.folder.isEmpty() && !Extract(results, book, FolderOf(options, index)))
-        code = ExitFailure;
-    return code;
+    return options.extracts() && !Extract(results, book, folder) ? ExitFailure : code;
+}
+
+/// Returns the exit code of a result of an earlier run: 1 for one that --check has found.
+int CodeOfResult(const EarlierResult& result, std::vector<std::string>&)
+{
+    constexpr std::array Faults = {"reference without a resource"_L1, "id used more than once"_L1,
+                                   "resource without a reference"_L1, "undecodable data"_L1};
+    const bool isFault = result.object[u"fault"_s].isString()
+        || std::ranges::any_of(Faults, [&result](QLatin1StringView fault) {
+                             return result.text.startsWith(u": "_s + fault + u": "_s);
+                         });
+    return isFault ? ExitFaults : ExitClean;
 }
 
 int RunImages(const QStringList& arguments)
@@ -184,29 +207,42 @@ int RunImages(const QStringList& arguments)
         PrintErrorLine(u"vmk: "_s + ShownName(options.folder) + u": the folder cannot be made"_s);
         return ExitFailure;
     }
-    int worst = ExitClean;
-    for (qsizetype i = 0; i < options.books.size(); ++i)
-        worst = std::max(worst, HandleBook(options, i));
-    return FlushOutput() ? worst : int(ExitFailure);
+    if (!options.collection.makeOutFolder())
+        return ExitFailure;
+    CollectionJob job;
+    job.makeHandler = [&options]() -> BookHandler {
+        return [&options, outputs = OutputFolder(options.collection.outFolder)](
+                   const BookItem& item) mutable { return HandleBook(item, options, outputs); };
+    };
+    job.codeOfLine = CodeOfResult;
+    return RunCollection(options.collection, job).worstCode();
 }
 
 } // namespace
 
-const Command ImagesCommand = {"images", "list, check or extract the images of books",
-                               R"(usage: vmk images BOOK... [--list] [--check] [--out DIR] [--json]
+const Command ImagesCommand
+    = {"images", "list, check or extract the images of books",
+       R"(usage: vmk images BOOK... [--list] [--check] [--out DIR | --out-dir DIR] [OPTION...]
 
-Reads the binary resources of each BOOK. Without an option they are listed.
+Reads the binary resources of each BOOK. Without an option they are listed. Each BOOK is a file, a folder (with
+all "*.fb2" and "*.zip" in it), a zip archive (with all "*.fb2" in it), a member of one (ARCHIVE.zip:MEMBER), or
+"-" for standard input.
 
-  --list     print each resource: id, type, bytes, width and height, and how many tags refer to it
-  --check    print references without a resource, resources without a reference, ids used more than once
-             and data that cannot be decoded
-  --out DIR  write the images into DIR, under the names that the editor gives them; DIR is made if it is
-             missing. With several books each has a folder of its own in DIR.
-  --json     print each result as a JSON object on one line
-  --help     show this text
+  --list             print each resource: id, type, bytes, width and height, and how many tags refer to it
+  --check            print references without a resource, resources without a reference, ids used more than
+                     once and data that cannot be decoded
+  --out DIR          write the images into DIR, under the names that the editor gives them; DIR is made if it
+                     is missing. With several books each has a folder of its own in DIR.
+  --out-dir DIR      write the images of each book into a folder in DIR that has the path of the book
+  --json             print each result as a JSON object on one line
+  --files-from FILE  take further paths from FILE, one in each line ("-": standard input)
+  -0                 the paths in FILE end with a NUL character
+  --jobs N           read N books at a time (default: one for each processor); results keep their order
+  --resume FILE      write the results into FILE, and continue the run that has written it
+  --help             show this text
 
 Exit status: 0 success, 1 --check found something, 2 wrong use, or a file that cannot be read or written.
 )",
-                               RunImages};
+       RunImages};
 
 } // namespace vmk

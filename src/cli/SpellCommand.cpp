@@ -1,9 +1,9 @@
+#include "CollectionRun.h"
 #include "Command.h"
 #include "CommandLine.h"
 #include "CustomWords.h"
 #include "Files.h"
 #include "InitGlobals.h"
-#include "OrderedJobs.h"
 #include "SpellChecker.h"
 #include "SpellReport.h"
 
@@ -16,30 +16,25 @@ namespace vmk {
 
 namespace {
 
-constexpr int MostJobs = 256;
-
 struct SpellOptions
 {
     SpellReportOptions report;
-    int jobs = 1;
-    QStringList books;
+    CollectionOptions collection;
 };
 
 void TakeOption(CommandLine& line, SpellOptions& options)
 {
     const QString& option = line.option();
-    if (option == u"--suggest")
+    if (options.collection.take(line))
+        options.report.json = options.collection.json;
+    else if (option == u"--suggest")
         options.report.suggest = true;
-    else if (option == u"--json")
-        options.report.json = true;
     else if (option == u"--unique")
         options.report.unique = true;
     else if (option == u"--markup")
         options.report.markup = BookMarkup::Include;
     else if (option == u"--lang")
         options.report.language = line.value();
-    else if (option == u"--jobs")
-        options.jobs = line.number(1, MostJobs);
     else
         line.failUnknownOption();
 }
@@ -49,14 +44,11 @@ SpellOptions ReadOptions(CommandLine& line)
     SpellOptions options;
     while (line.next()) {
         if (line.option().isEmpty())
-            options.books.append(line.operand());
+            options.collection.inputs.append(line.operand());
         else
             TakeOption(line, options);
     }
-    if (options.books.isEmpty())
-        line.fail(u"no book given"_s);
-    if (options.books.count(u"-"_s) > 1)
-        line.fail(u"standard input can be checked only once"_s);
+    options.collection.check(line);
     const QString& language = options.report.language;
     const auto speaks
         = [&](const SpellDictionary& dictionary) { return dictionary.language() == LanguageOfTag(language); };
@@ -75,42 +67,39 @@ QStringList ReadCustomWords()
     return DecodeCustomWords(content.bytes);
 }
 
-/// A dictionary serves one thread at a time: each worker has its own.
+/// The dictionaries of one process.
 struct SpellWorker
 {
     SpellShelf shelf;
     SpellChecker checker = SpellChecker(shelf);
 };
 
+int CheckAndPrint(const BookItem& book, const SpellReportOptions& options, SpellWorker& worker)
+{
+    const SpellReport report = CheckSpelling(book, options, worker.checker);
+    for (const SuspiciousWord& word : report.words)
+        PrintLine(SpellLine(report, word, options));
+    for (const QString& problem : worker.shelf.problems())
+        PrintNotice(u"vmk: dictionary "_s + problem);
+    if (!report.failure.isEmpty()) {
+        PrintFailure(report.book, report.failure, options.json);
+        return ExitFailure;
+    }
+    return report.words.empty() ? ExitClean : ExitFaults;
+}
+
 int Spell(const SpellOptions& options)
 {
-    std::mutex guard;
-    QStringList problems;
-    OrderedJobs<SpellReport> jobs(static_cast<size_t>(options.books.size()), options.jobs, [&] {
-        return [&, own = std::make_shared<SpellWorker>()](size_t index) {
-            SpellReport report
-                = CheckSpelling(options.books[static_cast<qsizetype>(index)], options.report, own->checker);
-            const std::lock_guard lock(guard);
-            problems += own->shelf.problems();
-            return report;
+    CollectionJob job;
+    job.makeHandler = [&options]() -> BookHandler {
+        return [&options, worker = std::make_shared<SpellWorker>()](const BookItem& book) {
+            return CheckAndPrint(book, options.report, *worker);
         };
-    });
-    int code = ExitClean;
-    for (size_t i = 0; i < static_cast<size_t>(options.books.size()); ++i) {
-        const SpellReport report = jobs.take(i);
-        for (const SuspiciousWord& word : report.words)
-            PrintLine(SpellLine(report, word, options.report));
-        if (!report.failure.isEmpty())
-            PrintErrorLine(u"vmk: "_s + ShownName(report.book) + u": "_s + report.failure);
-        code = std::max<int>(code,
-                             !report.failure.isEmpty()  ? ExitFailure
-                                 : report.words.empty() ? ExitClean
-                                                        : ExitFaults);
-    }
-    problems.removeDuplicates();
-    for (const QString& problem : problems)
-        PrintErrorLine(u"vmk: dictionary "_s + problem);
-    return FlushOutput() ? code : ExitFailure;
+    };
+    job.codeOfLine = [](const EarlierResult& word, std::vector<std::string>&) {
+        return word.text.isEmpty() && word.object.isEmpty() ? ExitClean : ExitFaults;
+    };
+    return RunCollection(options.collection, job).worstCode();
 }
 
 int RunSpell(const QStringList& arguments)
@@ -127,28 +116,33 @@ int RunSpell(const QStringList& arguments)
 
 } // namespace
 
-const Command SpellCommand
-    = {"spell", "list the suspicious words of books",
-       R"(usage: vmk spell [--suggest] [--unique] [--markup] [--lang LANGUAGE] [--json] [--jobs N] BOOK...
+const Command SpellCommand = {"spell", "list the suspicious words of books",
+                              R"(usage: vmk spell [OPTION...] BOOK...
 
-Checks the spelling of each BOOK ("-": standard input) and writes one line for each suspicious word:
+Checks the spelling of each BOOK and writes one line for each suspicious word:
 
   BOOK:LINE:COLUMN: word
+
+Each BOOK is a file, a folder (with all "*.fb2" and "*.zip" in it), a zip archive (with all "*.fb2" in it), a
+member of one (ARCHIVE.zip:MEMBER), or "-" for standard input.
 
 The book's language decides the dictionary, then that of the locale. Words in another script are
 judged by English (Latin) or Russian (Cyrillic). Words with digits, words in capitals only, web and
 mail addresses, paths, and the words of the editor's custom dictionary are left out.
 
-  --suggest         add what may be meant: "word: one, two"
-  --unique          write each word of a book once, with its count after it, most frequent first
-  --markup          check the names of tags and attributes too
-  --lang LANGUAGE   take this language for the book's, such as ru or en-GB
-  --json            write one JSON object for each word
-  --jobs N          check N books at a time; results stay in order
-  --help            show this text
+  --suggest          add what may be meant: "word: one, two"
+  --unique           write each word of a book once, with its count after it, most frequent first
+  --markup           check the names of tags and attributes too
+  --lang LANGUAGE    take this language for the book's, such as ru or en-GB
+  --json             write one JSON object for each word
+  --files-from FILE  take further paths from FILE, one in each line ("-": standard input)
+  -0                 the paths in FILE end with a NUL character
+  --jobs N           check N books at a time (default: one for each processor); results keep their order
+  --resume FILE      write the results into FILE, and continue the run that has written it
+  --help             show this text
 
 Exit status: 0 no suspicious words, 1 some, 2 wrong use, a book that cannot be read, or no dictionary.
 )",
-       RunSpell};
+                              RunSpell};
 
 } // namespace vmk

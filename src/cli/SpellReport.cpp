@@ -1,6 +1,5 @@
 #include "SpellReport.h"
 
-#include "BookCheck.h"
 #include "BookLanguage.h"
 #include "CommandLine.h"
 #include "FileNames.h"
@@ -14,7 +13,6 @@
 #include <QSet>
 
 #include <algorithm>
-#include <new>
 
 using namespace Qt::StringLiterals;
 
@@ -56,12 +54,16 @@ void AddSuggestions(SpellReport& report, SpellChecker& checker)
     }
 }
 
-void ReadAndCheck(SpellReport& report, const SpellReportOptions& options, SpellChecker& checker)
+} // namespace
+
+SpellReport CheckSpelling(const BookItem& book, const SpellReportOptions& options, SpellChecker& checker)
 {
-    const FileContent content = ReadBookContent(report.book);
+    SpellReport report;
+    report.book = book.name;
+    const FileContent content = book.content();
     if (content.outcome != ReadOutcome::Ok) {
         report.failure = ReadFailureText(content);
-        return;
+        return report;
     }
     const QString xml = DecodeBook(content.bytes);
     const QString language = options.language.isEmpty() ? BookLanguage(QStringView(xml)) : options.language;
@@ -69,25 +71,11 @@ void ReadAndCheck(SpellReport& report, const SpellReportOptions& options, SpellC
         SpellDictionaries(InstalledDictionaries(DictionaryFolders()), language, QLocale::system().name()));
     if (!checker.hasDictionary()) {
         report.failure = u"cannot find a dictionary"_s;
-        return;
+        return report;
     }
     FindWords(report, xml, options, checker);
     if (options.suggest)
         AddSuggestions(report, checker);
-}
-
-} // namespace
-
-SpellReport CheckSpelling(const QString& book, const SpellReportOptions& options, SpellChecker& checker)
-{
-    SpellReport report;
-    report.book = book;
-    try {
-        ReadAndCheck(report, options, checker);
-    } catch (const std::bad_alloc&) {
-        report.words.clear();
-        report.failure = u"not enough memory"_s;
-    }
     return report;
 }
 

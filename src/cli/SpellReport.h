@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BookItem.h"
 #include "BookWords.h"
 
 #include <QString>
@@ -36,14 +37,13 @@ struct SuspiciousWord
 /// What a check of one book found.
 struct SpellReport
 {
-    QString book; ///< as the user named it
+    QString book; ///< its name
     QString failure; ///< why it could not be checked; empty when it was
     std::vector<SuspiciousWord> words;
 };
 
 /// Reads and checks one book.
-/// @param book path, or "-" for standard input
-[[nodiscard]] SpellReport CheckSpelling(const QString& book, const SpellReportOptions& options,
+[[nodiscard]] SpellReport CheckSpelling(const BookItem& book, const SpellReportOptions& options,
                                         SpellChecker& checker);
 
 /// "BOOK:LINE:COLUMN: word", with the count after it when each word is reported once, and then the

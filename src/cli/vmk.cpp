@@ -54,15 +54,13 @@ int ShowVersion()
     return FlushOutput() ? ExitClean : ExitFailure;
 }
 
-/// The command and its arguments. Not those of the application object, which replaces the bytes of a name
-/// that are not UTF-8.
+/// Returns the command and its arguments. Not those of the application object, which replaces the bytes of a
+/// name that are not UTF-8.
 QStringList ReadArguments(int count, char** values)
 {
-    const bool isEncoded = count > 1 && QLatin1StringView(values[1]) == PercentEncoded;
     QStringList arguments;
-    for (int i = isEncoded ? 2 : 1; i < count; ++i)
-        arguments.append(
-            DecodeFileName(isEncoded ? QByteArray::fromPercentEncoding(values[i]) : QByteArray(values[i])));
+    for (int i = 1; i < count; ++i)
+        arguments.append(DecodeFileName(values[i]));
     return arguments;
 }
 

@@ -7,9 +7,10 @@ namespace vmk {
 
 class DisplayDocument;
 
-/// Returns the language tag in the first `lang` element before the body of a book; empty without one.
+/// The language tag that a book's text names in its first `lang` element in front of its body; empty for
+/// none.
 [[nodiscard]] QString BookLanguage(QStringView xml);
-/// Returns the same for the current text of a display.
+/// The same of the text that a display shows now.
 [[nodiscard]] QString BookLanguage(const DisplayDocument& document);
 
 } // namespace vmk

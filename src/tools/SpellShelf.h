@@ -13,26 +13,25 @@
 
 namespace vmk {
 
-/// The dictionaries that are loaded or being loaded, each once. The shelf can be used by several threads at
-/// the same time; the spellers that it returns cannot (see `Speller`).
+/// Dictionaries that are loaded, or being loaded, each once. May be used from several threads; the spellers
+/// that it returns may not (see `Speller`).
 class SpellShelf
 {
 public:
     SpellShelf() = default;
-    /// Waits until no dictionary is being loaded.
+    /// Waits for the loads that are running.
     ~SpellShelf() = default;
     SpellShelf(const SpellShelf&) = delete;
     SpellShelf& operator=(const SpellShelf&) = delete;
 
-    /// Starts to load dictionaries on another thread, one after the other.
-    void prepare(const std::vector<SpellDictionary>& dictionaries);
-    /// Waits for a dictionary and returns it. Null if it cannot be loaded; `problems` then has a line about
-    /// it.
+    /// Begins to load a dictionary on another thread, unless that was done already.
+    void prepare(const SpellDictionary& dictionary);
+    /// Waits for a dictionary. Null if it cannot be loaded; `problems` then has a line about it.
     [[nodiscard]] std::shared_ptr<Speller> get(const SpellDictionary& dictionary);
-    /// Returns the first dictionary of a list that can be loaded; null for none.
+    /// The first dictionary of the list that can be loaded; null for none.
     [[nodiscard]] std::shared_ptr<Speller> firstOf(const std::vector<SpellDictionary>& dictionaries);
 
-    /// Returns one line for each requested dictionary that cannot be loaded: "FILE: reason".
+    /// One line for each dictionary that was asked for and cannot be loaded: "FILE: why".
     [[nodiscard]] QStringList problems() const;
 
 private:
@@ -47,10 +46,9 @@ private:
         std::shared_future<Loaded> loaded;
     };
 
-    std::shared_future<Loaded> entryOf(const SpellDictionary& dictionary,
-                                       const std::shared_future<Loaded>& after = {});
+    std::shared_future<Loaded> entryOf(const SpellDictionary& dictionary);
 
-    mutable std::mutex guard; ///< For all members below.
+    mutable std::mutex guard; ///< For all that follows.
     std::vector<Entry> entries;
     QStringList failures;
 };

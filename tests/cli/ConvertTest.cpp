@@ -225,7 +225,7 @@ TEST_F(Convert, WithoutEnoughMemoryTheOldFileStays)
     small.mostMemory = 200'000'000;
     const ProgramRun run = RunProgram("vmk", {"convert", book, "--out", path("out.fb2")}, small);
     EXPECT_EQ(run.exitCode, 2);
-    EXPECT_EQ(run.errors, "vmk: not enough memory\n");
+    EXPECT_EQ(run.errors, "vmk: " + book + ": not enough memory\n");
     EXPECT_EQ(read("out.fb2"), "old");
     small.mostMemory = 100'000'000;
     EXPECT_EQ(RunProgram("vmk", {"validate", book}, small).errors, "vmk: " + book + ": not enough memory\n");

@@ -86,6 +86,8 @@ ProgramRun RunProgram(const std::string& name, const std::vector<std::string>& a
         for (const int handle : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
             if (setting.closedHandles)
                 close(handle);
+        if (!setting.workingFolder.empty() && chdir(setting.workingFolder.c_str()) != 0)
+            _exit(125);
         const auto user = static_cast<uid_t>(setting.userId);
         if (setting.userId >= 0 && setuid(user) != 0)
             _exit(126);

@@ -20,6 +20,7 @@ struct ProgramSetting
 {
     std::string input; ///< for standard input
     std::string outputFile; ///< target of standard output instead of `ProgramRun::output`
+    std::string workingFolder; ///< empty for the current one
     int userId = -1; ///< the user; -1 for the current one
     std::string locale = "C.UTF-8"; ///< for LC_ALL
     std::string dataFolder; ///< for XDG_DATA_HOME, if it is not empty

@@ -231,7 +231,7 @@ TEST_F(Validate, AResultIsOneLineWhateverTheFileIsCalled)
 TEST_F(Validate, ABadBookAmongSeveralHidesNoneOfThem)
 {
     const std::string clean = write("clean.fb2", BookWith("<p/>"));
-    const ProgramRun run = validate({path("none.fb2"), clean, folder.path().toStdString(), clean});
+    const ProgramRun run = validate({path("none.fb2"), clean, "/dev/null/x.fb2", clean});
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_EQ(run.output, Repeated(clean + ": No errors (against schema)\n", 2));
     EXPECT_EQ(std::ranges::count(run.errors, '\n'), 2);
@@ -350,11 +350,11 @@ TEST_F(Validate, AMissingFileIsAPlainLine)
     EXPECT_EQ(run.errors, "vmk: " + path("none.fb2") + ": file not found\n");
 }
 
-TEST_F(Validate, AFolderInsteadOfAFileIsReportedInOneLine)
+TEST_F(Validate, AFolderWithoutBooksIsReportedInOneLine)
 {
     const ProgramRun run = validate({folder.path().toStdString()});
     EXPECT_EQ(run.exitCode, 2);
-    EXPECT_EQ(run.errors, "vmk: " + folder.path().toStdString() + ": is a folder\n");
+    EXPECT_EQ(run.errors, "vmk: " + folder.path().toStdString() + ": contains no book\n");
 }
 
 TEST_F(Validate, AnUnreadableFileIsAPlainLine)

@@ -1,6 +1,7 @@
 #include "Files.h"
 
 #include "FileNames.h"
+#include "FolderListing.h"
 #include "InPlaceWrite.h"
 #include "PendingFile.h"
 #include "PosixFile.h"
@@ -47,7 +48,9 @@ bool IsFolderWritable(const QString& folder)
         && ::faccessat(AT_FDCWD, EncodeFileName(folder).constData(), W_OK | X_OK, AT_EACCESS) == 0;
 }
 
-FileContent ReadContent(const QString& path)
+namespace {
+
+FileContent ReadPath(const QByteArray& path)
 {
     FileContent content;
     const auto fail = [&content](ReadOutcome outcome) {
@@ -58,7 +61,7 @@ FileContent ReadContent(const QString& path)
         return content;
     };
 
-    const Descriptor handle = OpenFile(EncodeFileName(path), O_RDONLY);
+    const Descriptor handle = OpenFile(path, O_RDONLY);
     if (!handle)
         return fail(errno == ENOENT || errno == ENOTDIR ? ReadOutcome::Missing : ReadOutcome::Unreadable);
     struct stat status = {};
@@ -86,6 +89,18 @@ FileContent ReadContent(const QString& path)
     }
     content.bytes.resize(used);
     return content;
+}
+
+} // namespace
+
+FileContent ReadContent(const QString& path)
+{
+    return ReadPath(EncodeFileName(path));
+}
+
+FileContent ReadContentAt(const std::string& systemPath)
+{
+    return ReadPath(QByteArray::fromStdString(systemPath));
 }
 
 QString ReadFailureText(const FileContent& content)

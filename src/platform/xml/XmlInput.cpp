@@ -344,24 +344,31 @@ bool XmlInput::refill()
 
 namespace {
 
-/// Decodes the first `length` bytes of UTF-8 again, piece by piece, for `take`; returns the number of bytes
-/// read.
+/// The front of a text that is decoded again.
+struct DecodedFront
+{
+    size_t consumed = 0; ///< bytes of the text
+    size_t produced = 0; ///< bytes of UTF-8
+};
+
+/// Decodes up to byte `length` of UTF-8, piece by piece, for `take`. `front` is what was decoded before.
 template <typename Take>
-size_t DecodeFront(XmlInput::Decoder& decoder, std::string_view bytes, size_t length, Take take)
+void DecodeFront(XmlInput::Decoder& decoder, std::string_view bytes, size_t length, DecodedFront& front,
+                 Take take)
 {
     std::array<char, PieceSize> piece;
-    size_t consumed = 0;
-    decoder.reset();
-    while (length > 0) {
-        const XmlInput::Decoder::Step step
-            = decoder.decode(bytes.substr(consumed), piece.data(), std::min(length, piece.size()));
-        consumed += step.consumed;
-        length -= step.produced;
+    if (front.consumed == 0)
+        decoder.reset();
+    while (front.produced < length) {
+        const size_t room = std::min(length - front.produced, piece.size());
+        const XmlInput::Decoder::Step step = decoder.decode(bytes.substr(front.consumed), piece.data(), room);
+        front.consumed += step.consumed;
+        front.produced += step.produced;
         take(std::string_view(piece.data(), step.produced));
-        if (step.end != XmlInput::Decoder::End::OfRoom || (step.produced == 0 && length < LongestCharacter))
+        if (step.end != XmlInput::Decoder::End::OfRoom
+            || (step.produced == 0 && length - front.produced < LongestCharacter))
             break;
     }
-    return consumed;
 }
 
 /// Counts units, lines and columns of a UTF-8 text that arrives in pieces.
@@ -432,24 +439,37 @@ std::string_view XmlInput::prefix(qsizetype length, std::string& room) const
     if (!decoder)
         return bytes.substr(0, limit);
     room.clear();
-    DecodeFront(*decoder, bytes, limit, [&room](std::string_view piece) { room += piece; });
+    DecodedFront front;
+    DecodeFront(*decoder, bytes, limit, front, [&room](std::string_view piece) { room += piece; });
     return room;
 }
 
 XmlPosition XmlInput::locate(qsizetype offset) const
 {
+    return locate(std::span(&offset, 1)).front();
+}
+
+std::vector<XmlPosition> XmlInput::locate(std::span<const qsizetype> offsets) const
+{
+    std::vector<XmlPosition> positions;
+    positions.reserve(offsets.size());
     XmlPosition position;
     PositionCounter counter(position);
-    const size_t limit = static_cast<size_t>(std::max<qsizetype>(offset, 0));
-    size_t before = std::min(limit, bytes.size());
-    if (decoder)
-        before = DecodeFront(*decoder, bytes, limit,
-                             [&counter](std::string_view piece) { counter.count(piece); });
-    else
-        counter.count(bytes.substr(0, before));
-    position.fileByte = static_cast<qsizetype>(before) + markBytes;
-    position.filepos += markBytes > 0 ? 1 : 0;
-    return position;
+    DecodedFront front;
+    for (const qsizetype offset : offsets) {
+        const size_t limit = static_cast<size_t>(std::max<qsizetype>(offset, 0));
+        if (decoder) {
+            DecodeFront(*decoder, bytes, limit, front,
+                        [&counter](std::string_view piece) { counter.count(piece); });
+        } else if (const size_t end = std::min(limit, bytes.size()); end > front.consumed) {
+            counter.count(bytes.substr(front.consumed, end - front.consumed));
+            front.consumed = end;
+        }
+        positions.push_back(position);
+        positions.back().fileByte = static_cast<qsizetype>(front.consumed) + markBytes;
+        positions.back().filepos += markBytes > 0 ? 1 : 0;
+    }
+    return positions;
 }
 
 } // namespace vmk

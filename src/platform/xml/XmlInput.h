@@ -4,8 +4,10 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vmk {
 
@@ -100,6 +102,8 @@ public:
     [[nodiscard]] std::string_view prefix(qsizetype length, std::string& room) const;
     /// Returns the position in the given text of byte `offset` of the stream.
     [[nodiscard]] XmlPosition locate(qsizetype offset) const;
+    /// Returns the positions of several offsets, which ascend, in one pass over the text.
+    [[nodiscard]] std::vector<XmlPosition> locate(std::span<const qsizetype> offsets) const;
 
 private:
     void choose(XmlEncoding encoding);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace vmk {
 
 namespace {
@@ -82,6 +84,48 @@ QString WithoutNamespace(QString reason, const QString& namespaceUri)
     reason.remove(u'{' + namespaceUri + u'}', Qt::CaseInsensitive);
     reason.remove(namespaceUri, Qt::CaseInsensitive);
     return reason;
+}
+
+namespace {
+
+/// Removes what stands before the message: "Element 'p', attribute 'id': ".
+QString WithoutSubject(const QString& reason)
+{
+    const qsizetype end = reason.startsWith(u"Element '"_s) ? reason.indexOf(u"': "_s) : -1;
+    return end < 0 ? reason : reason.mid(end + 3);
+}
+
+/// The position after a text in quotes that begins at `open`; 0 if it does not end.
+qsizetype EndOfQuote(const QString& text, qsizetype open)
+{
+    for (qsizetype i = text.indexOf(u'\'', open + 1); i >= 0; i = text.indexOf(u'\'', i + 1))
+        if (i + 1 == text.size() || u" .,:)]"_s.contains(text[i + 1]))
+            return i + 1;
+    return 0;
+}
+
+} // namespace
+
+QString KindOfReason(const QString& reason)
+{
+    const QString text = WithoutSubject(reason);
+    QString kind;
+    // The name of a facet is a part of the kind.
+    qsizetype at = text.startsWith(u"[facet "_s) ? text.indexOf(u']') + 1 : 0;
+    kind = text.left(at);
+    while (at < text.size()) {
+        const QChar c = text[at];
+        const bool isEnd = (c == u'.' || c == u':') && (at + 1 == text.size() || text[at + 1] == u' ');
+        if (isEnd || c == u'{')
+            break;
+        const qsizetype end = c == u'\'' ? EndOfQuote(text, at) : 0;
+        kind += end > 0 ? u"'…'"_s : QString(c);
+        at = end > 0 ? end : at + 1;
+    }
+    // The parser writes these names without quotes.
+    if (kind.startsWith(u"Namespace prefix "_s))
+        return u"Namespace prefix is not defined"_s;
+    return kind.trimmed();
 }
 
 } // namespace vmk

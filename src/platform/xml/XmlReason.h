@@ -18,4 +18,8 @@ inline constexpr int XmlReasonListLength = 160;
 /// Removes every "{" + `namespaceUri` + "}" and every bare `namespaceUri`, in any case.
 [[nodiscard]] QString WithoutNamespace(QString reason, const QString& namespaceUri);
 
+/// Returns the kind of an error: its reason without the names, values and positions of the book, such as
+/// "This element is not expected".
+[[nodiscard]] QString KindOfReason(const QString& reason);
+
 } // namespace vmk

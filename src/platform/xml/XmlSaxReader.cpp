@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -66,7 +67,10 @@ public:
     {
     }
 
+    /// Returns the first error.
     XmlParseError run();
+    /// Returns all errors of validity, and the first of any other kind.
+    std::vector<XmlParseError> runToTheEnd();
 
 private:
     /// The position of an error, relative to the parser's position at that moment.
@@ -84,15 +88,18 @@ private:
         Place place;
         qsizetype offset; // of the parser in the stream
         std::string reason;
+        qsizetype markupEnd = 0; // the parser's position after the last event before the error
     };
 
+    void read();
     void parse();
+    [[nodiscard]] bool passes(const std::vector<Validation::Problem>& problems, Place place);
     [[nodiscard]] qsizetype readOn(char* out, qsizetype capacity);
     void fail(int code, Place place, std::string reason);
     [[nodiscard]] qsizetype offset() const;
     void noteMarkupEnd();
-    [[nodiscard]] qsizetype placeOf(const Found& error) const;
-    [[nodiscard]] XmlParseError report() const;
+    [[nodiscard]] static qsizetype placeOf(const Found& error, std::string_view before);
+    [[nodiscard]] std::vector<XmlParseError> report(std::span<const Found> errors) const;
     [[nodiscard]] bool listening() const { return !found && context->inSubset == 0; }
     [[nodiscard]] bool insideEntity() const;
 
@@ -135,7 +142,9 @@ private:
     const XmlSchemaCache* schemas;
     xmlParserCtxtPtr context = nullptr;
     std::unique_ptr<Validation> validation;
-    std::optional<Found> found;
+    std::optional<Found> found; // the error that ends the pass
+    bool continues = false; // after errors of validity
+    std::vector<Found> invalid; // errors after which the pass has continued
     std::string text; // characters since the last other event
     qsizetype markupEnd = 0; // the parser's position after the last other event
     qsizetype expanded = 0; // bytes of expanded entities
@@ -152,12 +161,26 @@ private:
 
 XmlParseError Pass::run()
 {
+    read();
+    return found ? report(std::span(&*found, 1)).front() : XmlParseError();
+}
+
+std::vector<XmlParseError> Pass::runToTheEnd()
+{
+    continues = true;
+    read();
+    if (found)
+        invalid.push_back(*std::move(found));
+    return report(invalid);
+}
+
+void Pass::read()
+{
     if (!input.failure())
         parse();
     // Bytes that cannot be decoded end the text; the parser's own error at that end is not reported.
     if (const auto& failure = input.failure(); failure && (!found || found->offset >= failure->offset))
         found = Found{failure->errorCode, Place::Here, failure->offset, failure->reason};
-    return report();
 }
 
 void Pass::parse()
@@ -270,8 +293,23 @@ void Pass::fail(int code, Place place, std::string reason)
 {
     if (found)
         return;
-    found = Found{code, insideEntity() ? Place::Reference : place, offset(), std::move(reason)};
+    found = Found{code, insideEntity() ? Place::Reference : place, offset(), std::move(reason), markupEnd};
     input.stop();
+}
+
+/// Records errors of validity. Returns false if the pass ends at them.
+bool Pass::passes(const std::vector<Validation::Problem>& problems, Place place)
+{
+    if (problems.empty())
+        return true;
+    if (!continues) {
+        fail(problems.front().code, place, problems.front().reason);
+        return false;
+    }
+    for (const Validation::Problem& problem : problems)
+        invalid.push_back(
+            {problem.code, insideEntity() ? Place::Reference : place, offset(), problem.reason, markupEnd});
+    return true;
 }
 
 qsizetype Pass::offset() const
@@ -291,19 +329,19 @@ bool Pass::insideEntity() const
     return context->depth > 0;
 }
 
-qsizetype Pass::placeOf(const Found& error) const
+/// \param before  the stream up to the error or farther
+qsizetype Pass::placeOf(const Found& error, std::string_view before)
 {
     if (error.place == Place::Here)
         return error.offset;
-    std::string room;
-    const std::string_view before = input.prefix(error.offset, room);
+    before = before.substr(0, static_cast<size_t>(error.offset));
     const auto orHere
         = [&error](size_t at) { return at == std::string_view::npos ? error.offset : qsizetype(at); };
     if (error.place == Place::Reference)
         return orHere(before.rfind('&'));
     if (error.place == Place::Text) {
         // After a start tag the parser's position is before its ">".
-        auto at = static_cast<size_t>(markupEnd);
+        auto at = static_cast<size_t>(error.markupEnd);
         if (at < before.size() && before[at] == '/')
             ++at;
         if (at < before.size() && before[at] == '>')
@@ -316,15 +354,33 @@ qsizetype Pass::placeOf(const Found& error) const
     return orHere(open) + (behindSlash ? 2 : 0);
 }
 
-XmlParseError Pass::report() const
+/// The errors of one tag have the same position, which is searched for once.
+std::vector<XmlParseError> Pass::report(std::span<const Found> errors) const
 {
-    XmlParseError error;
-    if (!found)
-        return error;
-    static_cast<XmlPosition&>(error) = input.locate(placeOf(*found));
-    error.errorCode = found->code;
-    error.reason = QString::fromUtf8(found->reason.data(), static_cast<qsizetype>(found->reason.size()));
-    return error;
+    std::string room;
+    const bool isSearched
+        = std::ranges::any_of(errors, [](const Found& e) { return e.place != Place::Here; });
+    const std::string_view before
+        = isSearched ? input.prefix(errors.back().offset, room) : std::string_view();
+    std::vector<qsizetype> places;
+    places.reserve(errors.size());
+    for (size_t i = 0; i < errors.size(); ++i) {
+        const bool isSame
+            = i > 0 && errors[i].offset == errors[i - 1].offset && errors[i].place == errors[i - 1].place;
+        places.push_back(isSame ? places.back() : placeOf(errors[i], before));
+        // The positions are found in one pass. Only an error in an entity can be before an earlier one.
+        if (i > 0)
+            places.back() = std::max(places.back(), places[i - 1]);
+    }
+    const std::vector<XmlPosition> positions = input.locate(places);
+    std::vector<XmlParseError> reported(errors.size());
+    for (size_t i = 0; i < errors.size(); ++i) {
+        static_cast<XmlPosition&>(reported[i]) = positions[i];
+        reported[i].errorCode = errors[i].code;
+        reported[i].reason
+            = QString::fromUtf8(errors[i].reason.data(), static_cast<qsizetype>(errors[i].reason.size()));
+    }
+    return reported;
 }
 
 // ---------------------------------------------------------------- the parser's events
@@ -482,11 +538,10 @@ void Pass::startElement(const xmlChar* name, const xmlChar* prefix, const xmlCha
     if (depth == 1 && schemas != nullptr)
         validation = std::make_unique<Validation>(*schemas->find(View(uri)), context->dict);
     if (validation) {
-        if (const auto problem = validation->startElement(name, prefix, uri, namespaceCount, namespaces,
-                                                          attributeCount, defaulted, attributes)) {
-            fail(problem->code, Place::StartTag, problem->reason);
+        const auto& problems = validation->startElement(name, prefix, uri, namespaceCount, namespaces,
+                                                        attributeCount, defaulted, attributes);
+        if (!passes(problems, Place::StartTag))
             return;
-        }
     }
     if (handler != nullptr)
         sendStart(name, prefix, namespaceCount, namespaces, attributeCount, attributes);
@@ -499,12 +554,8 @@ void Pass::endElement(const xmlChar* name, const xmlChar* prefix, const xmlChar*
     if (!listening())
         return;
     --depth;
-    if (validation) {
-        if (const auto problem = validation->endElement(name, prefix, uri)) {
-            fail(problem->code, Place::EndTag, problem->reason);
-            return;
-        }
-    }
+    if (validation && !passes(validation->endElement(name, prefix, uri), Place::EndTag))
+        return;
     if (handler != nullptr)
         handler->endElement(QName(name, prefix));
     noteMarkupEnd();
@@ -582,12 +633,7 @@ void Pass::flushText()
 
 bool Pass::sendToSchema(std::string_view piece)
 {
-    if (!validation)
-        return true;
-    const auto problem = validation->characters(piece);
-    if (problem)
-        fail(problem->code, Place::Text, problem->reason);
-    return !problem;
+    return !validation || passes(validation->characters(piece), Place::Text);
 }
 
 void Pass::cdata(std::string_view piece)
@@ -624,6 +670,12 @@ XmlParseError ReadXml(std::string_view bytes, XmlEncoding encoding, XmlSaxHandle
                       const XmlSchemaCache* schemas)
 {
     return Pass(bytes, encoding, handler, schemas).run();
+}
+
+std::vector<XmlParseError> ReadAllXmlErrors(std::string_view bytes, XmlEncoding encoding,
+                                            const XmlSchemaCache* schemas)
+{
+    return Pass(bytes, encoding, nullptr, schemas).runToTheEnd();
 }
 
 } // namespace vmk

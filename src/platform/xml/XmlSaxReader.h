@@ -4,6 +4,7 @@
 #include "XmlSaxHandler.h"
 
 #include <string_view>
+#include <vector>
 
 namespace vmk {
 
@@ -36,5 +37,11 @@ inline constexpr int XmlMaxAlternatives = 2000;
 [[nodiscard]] XmlParseError ReadXml(std::string_view bytes, XmlEncoding encoding,
                                     XmlSaxHandler* handler = nullptr,
                                     const XmlSchemaCache* schemas = nullptr);
+
+/// Parses `bytes` once, as `ReadXml` does, and continues after errors of validity, up to the first error of
+/// any other kind. The content of an element that the schema does not know is not validated. \return all
+/// errors in the order of the text
+[[nodiscard]] std::vector<XmlParseError> ReadAllXmlErrors(std::string_view bytes, XmlEncoding encoding,
+                                                          const XmlSchemaCache* schemas = nullptr);
 
 } // namespace vmk

@@ -12,9 +12,9 @@ Validation::Validation(const XmlSchema& schema, xmlDictPtr names)
     : context(xmlSchemaNewValidCtxt(schema.parts().schema.get()))
 {
     const auto take = [](void* self, xmlErrorPtr error) {
-        auto& first = static_cast<Validation*>(self)->problem;
-        if (!first && error->level >= XML_ERR_ERROR)
-            first = Problem{error->code, TidyReason(error->message == nullptr ? "" : error->message)};
+        if (error->level >= XML_ERR_ERROR)
+            static_cast<Validation*>(self)->problems.push_back(
+                {error->code, TidyReason(error->message == nullptr ? "" : error->message)});
     };
     xmlSchemaSetValidStructuredErrors(context.get(), take, this);
     plug = xmlSchemaSAXPlug(context.get(), &events, &eventData);
@@ -28,40 +28,37 @@ Validation::~Validation()
     xmlSchemaSAXUnplug(plug);
 }
 
-std::optional<Validation::Problem> Validation::startElement(const xmlChar* name, const xmlChar* prefix,
-                                                            const xmlChar* uri, int namespaceCount,
-                                                            const xmlChar** namespaces, int attributeCount,
-                                                            int defaulted, const xmlChar** attributes)
+const std::vector<Validation::Problem>& Validation::startElement(const xmlChar* name, const xmlChar* prefix,
+                                                                 const xmlChar* uri, int namespaceCount,
+                                                                 const xmlChar** namespaces,
+                                                                 int attributeCount, int defaulted,
+                                                                 const xmlChar** attributes)
 {
+    problems.clear();
     events->startElementNs(eventData, name, prefix, uri, namespaceCount, namespaces, attributeCount,
                            defaulted, attributes);
-    if (problem)
-        return takeProblem();
-    return checkIds(name, attributeCount, attributes);
+    checkIds(name, attributeCount, attributes);
+    return problems;
 }
 
-std::optional<Validation::Problem> Validation::endElement(const xmlChar* name, const xmlChar* prefix,
-                                                          const xmlChar* uri)
+const std::vector<Validation::Problem>& Validation::endElement(const xmlChar* name, const xmlChar* prefix,
+                                                               const xmlChar* uri)
 {
+    problems.clear();
     events->endElementNs(eventData, name, prefix, uri);
-    return takeProblem();
+    return problems;
 }
 
-std::optional<Validation::Problem> Validation::characters(std::string_view text)
+const std::vector<Validation::Problem>& Validation::characters(std::string_view text)
 {
+    problems.clear();
     events->characters(eventData, reinterpret_cast<const xmlChar*>(text.data()),
                        static_cast<int>(text.size()));
-    return takeProblem();
-}
-
-std::optional<Validation::Problem> Validation::takeProblem()
-{
-    return std::exchange(problem, std::nullopt);
+    return problems;
 }
 
 // libxml2 checks the uniqueness of identifiers only if it builds a tree.
-std::optional<Validation::Problem> Validation::checkIds(const xmlChar* element, int attributeCount,
-                                                        const xmlChar** attributes)
+void Validation::checkIds(const xmlChar* element, int attributeCount, const xmlChar** attributes)
 {
     constexpr std::string_view Blanks = " \t\r\n";
     for (ptrdiff_t i = 0; i < attributeCount; ++i) {
@@ -76,11 +73,10 @@ std::optional<Validation::Problem> Validation::checkIds(const xmlChar* element, 
             continue;
         const auto text
             = [](const xmlChar* name) { return std::string(reinterpret_cast<const char*>(name)); };
-        return Problem{XmlDuplicateId,
-                       "Element '" + text(element) + "', attribute '" + text(attribute[0])
-                           + "': The identifier '" + std::string(id) + "' is used a second time."};
+        problems.push_back({XmlDuplicateId,
+                            "Element '" + text(element) + "', attribute '" + text(attribute[0])
+                                + "': The identifier '" + std::string(id) + "' is used a second time."});
     }
-    return std::nullopt;
 }
 
 } // namespace vmk

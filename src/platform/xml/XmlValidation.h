@@ -3,7 +3,6 @@
 #include "LibXml.h"
 #include "XmlSchemaCache.h"
 
-#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -27,25 +26,24 @@ public:
     Validation(const Validation&) = delete;
     Validation& operator=(const Validation&) = delete;
 
-    // Arguments as in the parser's own events; each returns the first problem that it finds.
-    [[nodiscard]] std::optional<Problem> startElement(const xmlChar* name, const xmlChar* prefix,
-                                                      const xmlChar* uri, int namespaceCount,
-                                                      const xmlChar** namespaces, int attributeCount,
-                                                      int defaulted, const xmlChar** attributes);
-    [[nodiscard]] std::optional<Problem> endElement(const xmlChar* name, const xmlChar* prefix,
-                                                    const xmlChar* uri);
-    [[nodiscard]] std::optional<Problem> characters(std::string_view text);
+    // Arguments as in the parser's own events; each returns the problems that it finds, valid until the next
+    // event.
+    [[nodiscard]] const std::vector<Problem>& startElement(const xmlChar* name, const xmlChar* prefix,
+                                                           const xmlChar* uri, int namespaceCount,
+                                                           const xmlChar** namespaces, int attributeCount,
+                                                           int defaulted, const xmlChar** attributes);
+    [[nodiscard]] const std::vector<Problem>& endElement(const xmlChar* name, const xmlChar* prefix,
+                                                         const xmlChar* uri);
+    [[nodiscard]] const std::vector<Problem>& characters(std::string_view text);
 
 private:
-    [[nodiscard]] std::optional<Problem> checkIds(const xmlChar* element, int attributeCount,
-                                                  const xmlChar** attributes);
-    [[nodiscard]] std::optional<Problem> takeProblem();
+    void checkIds(const xmlChar* element, int attributeCount, const xmlChar** attributes);
 
     std::unique_ptr<xmlSchemaValidCtxt, LibXmlDeleter<xmlSchemaFreeValidCtxt>> context;
     xmlSchemaSAXPlugPtr plug = nullptr;
     xmlSAXHandlerPtr events = nullptr;
     void* eventData = nullptr;
-    std::optional<Problem> problem;
+    std::vector<Problem> problems;
     std::vector<const xmlChar*> idNames; // from the dictionary: compared as pointers
     std::unordered_set<std::string> seenIds;
 };

@@ -42,7 +42,7 @@ QPointer<SpellCheckF>& TheForm()
 
 } // namespace
 
-// ---------------------------------------------------------------- opening and closing
+// ---------------------------------------------------------------- life
 
 void SpellCheckF::ShowForm(Form1& owner)
 {
@@ -65,7 +65,7 @@ SpellCheckF* SpellCheckF::Instance()
 }
 
 SpellCheckF::SpellCheckF(Form1& owner)
-    // With a parent, so that it is above the main window.
+    // Stays above the main window.
     : QWidget(&owner, Qt::Dialog | Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint)
     , form(owner)
     , check(*this, shelf)
@@ -83,7 +83,7 @@ SpellCheckF::SpellCheckF(Form1& owner)
     setDictionaryMode(false);
 
     check.Custom.LoadCustomWords(CustomDictionaryFile);
-    // In the background, so that they are loaded at the first start.
+    // In the background, so that they are there at the first start.
     check.Prepare(display());
 }
 
@@ -288,7 +288,7 @@ void SpellCheckF::Form_Activate()
     check.TakeArea(display());
 }
 
-// ---------------------------------------------------------------- called by the walk
+// ---------------------------------------------------------------- what the walk shows
 
 void SpellCheckF::showReport(const QString& text)
 {
@@ -296,13 +296,13 @@ void SpellCheckF::showReport(const QString& text)
         return;
     ReportL->setText(text);
     ReportL->setVisible(true);
-    // The window processes no paint events during a check.
+    // The window does not paint by itself while a check works.
     ReportL->repaint();
 }
 
 void SpellCheckF::hideReport()
 {
-    // The label keeps its space.
+    // Its place stays.
     ReportL->clear();
 }
 
@@ -343,7 +343,7 @@ void SpellCheckF::suggestionsFound(const QString& word)
     const SuggestionWorker::Found found = suggestions.found(word);
     if (!found.complete)
         return;
-    // Late suggestions are shown only if there were none, and if the user has done nothing meanwhile.
+    // What comes late is shown only if there was nothing, and nothing was done meanwhile.
     const bool isLate = pendingWord.isEmpty() && check.isAtHit() && txtWord->text() == word
         && !replacementEdited && lstWords->count() == 1 && lstWords->item(0)->text() == NoSuggestions
         && !found.words.isEmpty();
