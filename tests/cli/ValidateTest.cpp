@@ -507,8 +507,10 @@ TEST_F(Validate, WritesNothingIntoTheWorkspace)
 {
     const auto listing = [] {
         std::vector<std::string> names;
+        // Other tests convert books at the same time, and the program keeps earlier versions of them.
         for (const auto& entry : std::filesystem::recursive_directory_iterator(VMK_BIN_DIR "/VMK Office"))
-            names.push_back(entry.path().string());
+            if (entry.path().string().find("/Backup") == std::string::npos)
+                names.push_back(entry.path().string());
         std::ranges::sort(names);
         return names;
     };
