@@ -13,10 +13,10 @@ QString BookLanguage(QStringView xml)
         xml.truncate(body);
     constexpr QLatin1StringView Tag("<lang");
     for (qsizetype at = xml.indexOf(Tag); at >= 0; at = xml.indexOf(Tag, at + 1)) {
-        const qsizetype behind = at + Tag.size();
-        if (behind >= xml.size() || (xml[behind] != u'>' && !xml[behind].isSpace()))
+        const qsizetype after = at + Tag.size();
+        if (after >= xml.size() || (xml[after] != u'>' && !xml[after].isSpace()))
             continue;
-        const qsizetype start = xml.indexOf(u'>', behind) + 1;
+        const qsizetype start = xml.indexOf(u'>', after) + 1;
         const qsizetype end = start > 0 ? xml.indexOf(u'<', start) : -1;
         return end > start ? xml.mid(start, end - start).trimmed().toString() : QString();
     }
@@ -25,7 +25,7 @@ QString BookLanguage(QStringView xml)
 
 QString BookLanguage(const DisplayDocument& document)
 {
-    // A description is a small part of a book, and the rest need not be copied.
+    // The description is a small part of the book; the rest is not copied.
     QString description;
     for (int i = 0; i < document.lineCount(); ++i) {
         const QString& text = document.line(i).text;

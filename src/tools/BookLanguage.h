@@ -7,10 +7,9 @@ namespace vmk {
 
 class DisplayDocument;
 
-/// The language tag that a book's text names in its first `lang` element in front of its body; empty for
-/// none.
+/// Returns the language tag in the first `lang` element before the body of a book; empty without one.
 [[nodiscard]] QString BookLanguage(QStringView xml);
-/// The same of the text that a display shows now.
+/// Returns the same for the current text of a display.
 [[nodiscard]] QString BookLanguage(const DisplayDocument& document);
 
 } // namespace vmk

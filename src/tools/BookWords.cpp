@@ -14,7 +14,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// A place in a text that only moves on, as line and column.
+/// A position in a text as line and column; it only moves forward.
 class LineCounter
 {
 public:
@@ -46,7 +46,7 @@ private:
     qsizetype at = 0;
 };
 
-/// The character of a reference without "&" and ";"; 0 for one that is not known.
+/// Returns the character of a reference without "&" and ";"; 0 for an unknown one.
 char32_t ReferencedCharacter(QStringView name)
 {
     struct Entity
@@ -68,7 +68,7 @@ char32_t ReferencedCharacter(QStringView name)
     return isNumber && number <= QChar::LastValidCodePoint && !QChar::isSurrogate(number) ? number : 0;
 }
 
-/// A piece of a file with its references resolved, and where each unit comes from.
+/// A piece of a file with its references resolved, and the position of each unit in the file.
 struct ResolvedPiece
 {
     QString text;
@@ -97,7 +97,7 @@ ResolvedPiece Resolve(QStringView piece)
     return resolved;
 }
 
-/// Goes through the file once, from tag to tag.
+/// Reads the file once, from tag to tag.
 class BookScanner
 {
 public:
@@ -145,7 +145,7 @@ private:
         }
     }
 
-    /// Comments and character data hold no references.
+    /// Comments and character data contain no references.
     void takeUpTo(qsizetype from, QStringView end)
     {
         const qsizetype stop = indexOf(end, from);

@@ -8,8 +8,8 @@
 
 namespace vmk {
 
-/// Decodes the bytes of a book: by its byte order mark or XML declaration; where these fail, as UTF-8 if the
-/// bytes are that, else as windows-1251. Any bytes do.
+/// Decodes the bytes of a book by its byte order mark or XML declaration; if these fail, as UTF-8 if the
+/// bytes are valid, otherwise as windows-1251. Accepts any bytes.
 [[nodiscard]] QString DecodeBook(std::string_view bytes);
 
 /// A word of a book's file.
@@ -20,14 +20,14 @@ struct BookWord
     int column = 1; ///< From 1, in characters.
 };
 
-/// Which words of a book are looked at.
+/// The words of a book that are checked.
 enum class BookMarkup
 {
     LeaveOut, ///< text and attribute values
     Include ///< names of elements and attributes too
 };
 
-/// Calls `take` for each word that a spell check looks at, in the order of the file. The content of `binary`
+/// Calls `take` for each word that a spell check checks, in the order of the file. The content of `binary`
 /// elements and of document type declarations is left out. The text need not be well-formed.
 void ForEachBookWord(QStringView xml, BookMarkup markup, const std::function<void(const BookWord&)>& take);
 

@@ -14,6 +14,15 @@ QString DecodeWord(std::string_view bytes)
     return DecodeBytes(bytes, IsValidUtf8(bytes) ? CodePageUtf8 : CodePageSystem);
 }
 
+/// Returns a word without blanks around it and without byte order marks before it, which editors write.
+QStringView WithoutMarks(QStringView word)
+{
+    word = word.trimmed();
+    while (word.startsWith(QChar::ByteOrderMark))
+        word = word.sliced(1).trimmed();
+    return word;
+}
+
 std::string EncodeWord(const QString& word)
 {
     std::string bytes = EncodeText(word, CodePageSystem);
@@ -25,12 +34,10 @@ std::string EncodeWord(const QString& word)
 QStringList DecodeCustomWords(std::string_view bytes)
 {
     QStringList words;
-    constexpr std::string_view Utf8Mark = "\xef\xbb\xbf";
-    if (bytes.starts_with(Utf8Mark))
-        bytes.remove_prefix(Utf8Mark.size());
     while (!bytes.empty()) {
         const size_t end = bytes.find_first_of("\r\n");
-        const QString word = DecodeWord(bytes.substr(0, end)).trimmed();
+        const QString line = DecodeWord(bytes.substr(0, end));
+        const QString word = WithoutMarks(line).toString();
         if (!word.isEmpty())
             words.append(word);
         bytes.remove_prefix(end == std::string_view::npos ? bytes.size() : end + 1);

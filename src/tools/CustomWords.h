@@ -8,12 +8,13 @@
 
 namespace vmk {
 
-/// The custom dictionary: words that the user has declared right. One word a line, CR LF, in the system's
-/// code page; a word that the page lacks, or whose bytes would read as UTF-8, is in UTF-8.
+/// The custom dictionary: words that the user has added. The file has one word per line, CR LF, in the
+/// system's code page; a word that the code page lacks, or whose bytes would be valid UTF-8, is in UTF-8.
 
-/// The words of the file's bytes, trimmed, without empty ones. A line that is valid UTF-8 is taken as such,
-/// any other as the system's code page.
+/// Returns the words of the bytes of the file, trimmed, without empty ones. A line that is valid UTF-8 is
+/// decoded as such, any other by the system's code page. Byte order marks before a word are ignored.
 [[nodiscard]] QStringList DecodeCustomWords(std::string_view bytes);
+/// Returns the bytes of the file.
 [[nodiscard]] std::string EncodeCustomWords(const QStringList& words);
 
 /// The custom dictionary in memory. The number of entries is kept apart from the entries themselves, and the
@@ -21,9 +22,9 @@ namespace vmk {
 class CustomDictionary
 {
 public:
-    /// The entries; their number is the upper bound of the lookup.
+    /// The entries; the lookup searches all of them.
     QStringList CustomWords;
-    /// What `AddWord` and `ListedWords` go by.
+    /// The number that `AddWord` and `ListedWords` use.
     qsizetype CustomWordCount = 0;
 
     /// Reads a file; one that is missing, or cannot be read, is an empty dictionary.
@@ -34,16 +35,16 @@ public:
     /// Writes the trimmed words of a list, without empty ones, in the same way.
     void SaveCustomWordsFromList(const QStringList& words, const QString& file) const;
 
-    /// True if the trimmed word is an entry, in the same case. Never with a count of 0.
+    /// Returns true if the trimmed word is an entry, in the same case. False with a count of 0.
     [[nodiscard]] bool IsCustomWord(const QString& word) const;
-    /// Counts one more and makes the trimmed word the entry of that number; entries up to it that do not
-    /// exist become empty, entries after it are dropped. Nothing for blanks.
+    /// Increases the count and sets the entry with that number to the trimmed word. Missing entries before it
+    /// are empty, entries after it are removed. Does nothing for blanks.
     void AddWord(const QString& word);
-    /// The entries from the first to number `CustomWordCount`, as far as they exist.
+    /// Returns the entries up to number `CustomWordCount` that exist.
     [[nodiscard]] QStringList ListedWords() const;
-    /// Entries removed in the list of words.
-    /// @param remaining what the list still holds.
-    /// @param removed how many went. The count keeps its old value, by design.
+    /// Replaces the entries after words were removed from the list. The count keeps its old value, by design.
+    /// @param remaining the words of the list.
+    /// @param removed the number of removed words.
     void Remove(const QStringList& remaining, qsizetype removed);
     /// Sets the count to 0. The entries stay until the next `AddWord`, by design.
     void ClearAll() { CustomWordCount = 0; }

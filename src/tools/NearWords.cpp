@@ -5,7 +5,7 @@
 namespace vmk {
 namespace {
 
-/// Collects right words, each once, until it is told to stop.
+/// Collects right words, each once, until `mayGoOn` returns false.
 class Collector
 {
 public:

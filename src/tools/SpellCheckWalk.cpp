@@ -24,7 +24,7 @@ const QLatin1StringView WholeText("search area: whole text");
 const QLatin1StringView SelectedText("search area: selected text");
 const QLatin1StringView FromCursorDown("search area: from cursor down");
 
-/// True when the end of a range cuts a word as the check sees words; the display's words are shorter.
+/// Returns true if the end of a range is inside a word of the check. The words of the display are shorter.
 bool CutsWord(const TextRange& range)
 {
     const DisplayDocument* document = range.ofDocument();
@@ -105,7 +105,7 @@ void SpellCheckWalk::Start(DisplayDocument& document)
 void SpellCheckWalk::LimitChunk()
 {
     SpellChunk.moveEnd(u"word", WordsOfChunk);
-    // A word with a hyphen or an apostrophe is several words of the display. It is not parted by the limit.
+    // A word with a hyphen or an apostrophe is several words of the display. The limit does not divide it.
     for (int i = 0; i < WordsOfChunk && CutsWord(SpellChunk); ++i)
         SpellChunk.moveEnd(u"word", 1);
     if (SpellChunk.compareEndPoints(u"EndToEnd", SpellArea) == 1)
@@ -116,14 +116,14 @@ void SpellCheckWalk::LimitChunk()
 
 void SpellCheckWalk::HtmlSpellCheck(int16_t& continueCheck)
 {
-    const bool goOn = std::exchange(continueCheck, int16_t(0)) != 0;
+    const bool isContinued = std::exchange(continueCheck, int16_t(0)) != 0;
     const HourglassScope hourglass;
     atHit = false;
-    if (!goOn && !startWord())
+    if (!isContinued && !startWord())
         return;
-    if (goOn && walk())
+    if (isContinued && walk())
         return;
-    if (goOn && !nextChunk())
+    if (isContinued && !nextChunk())
         return;
     checkChunks();
 }
@@ -141,17 +141,23 @@ bool SpellCheckWalk::startWord()
         WordLoaded = true;
     }
     const bool found = checker.hasDictionary();
-    for (const QString& problem : shelf.problems()) {
-        if (!reportedProblems.contains(problem)) {
-            reportedProblems.append(problem);
-            ShowStatus(problem);
-        }
-    }
+    reportProblems();
     if (found)
         return true;
     StopBox(u"cannot find Word dictionary"_s);
     window.unload();
     return false;
+}
+
+/// Shows each dictionary that could not be loaded, once.
+void SpellCheckWalk::reportProblems()
+{
+    for (const QString& problem : shelf.problems()) {
+        if (reportedProblems.contains(problem))
+            continue;
+        reportedProblems.append(problem);
+        ShowStatus(problem);
+    }
 }
 
 void SpellCheckWalk::checkChunks()
@@ -206,7 +212,7 @@ void SpellCheckWalk::moveTo(const ProofreadingErrors::Error& error)
 void SpellCheckWalk::passOver(const ProofreadingErrors::Error& error)
 {
     moveTo(error);
-    // The check goes on behind the whole word, which may be several words of the display.
+    // The check continues after the whole word, which may be several words of the display.
     TextRange wholeWord = SpellChunk;
     wholeWord.collapse(true);
     wholeWord.moveEnd(u"character", int(error.Text.size()));
@@ -218,6 +224,7 @@ void SpellCheckWalk::showHit(const ProofreadingErrors::Error& error)
 {
     window.showReport(u"\r\n...getting suggestions...\r\n"_s + SearchAreaText + u"\r\n"_s);
     moveTo(error);
+    reportProblems();
     HitFound = SpellChunk.findText(error.Text, 1, TextRange::MatchCase);
     SpellChunk.select();
     ++WordsFound;
@@ -258,7 +265,7 @@ void SpellCheckWalk::Replace(const QString& newText)
     DisplayDocument* document = SpellChunk.ofDocument();
     if (!document)
         return;
-    // Without a hit the chunk may be the whole book, which no slip of the hand replaces.
+    // Without a hit the chunk may be the whole book, which must not be replaced by mistake.
     if (!atHit
         && (newText.isEmpty() || SpellChunk.isEmpty() || !SpellChunk.isEqual(page::createRange(*document))))
         return;
@@ -287,6 +294,7 @@ void SpellCheckWalk::Add(const QString& word)
 void SpellCheckWalk::FinishSpellCheck()
 {
     atHit = false;
+    reportProblems();
     Beep();
     window.setStartEnabled(true);
     SetPointer(Pointer::Default);

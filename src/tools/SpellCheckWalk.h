@@ -13,7 +13,7 @@
 
 namespace vmk {
 
-/// The suspicious words of a text, found as far as they are asked for.
+/// The suspicious words of a text, searched only as far as requested.
 class ProofreadingErrors
 {
 public:
@@ -27,29 +27,29 @@ public:
     ProofreadingErrors(const ProofreadingErrors&) = delete;
     ProofreadingErrors& operator=(const ProofreadingErrors&) = delete;
 
-    /// The error of that number, from 1, in reading order; null if there are fewer.
+    /// Returns an error by its number in reading order, from 1; null if there are fewer.
     [[nodiscard]] const Error* Item(int32_t index);
 
 private:
     const QString text;
     SpellChecker& checker;
     SpellWords words;
-    std::deque<Error> found; ///< Errors stay where they are when more are found.
+    std::deque<Error> found; ///< A container whose elements are not moved when more are added.
 };
 
-/// What a spell check shows while it walks.
+/// The window of a spell check, called by the walk.
 class SpellCheckWindow
 {
 public:
     /// Shows a report, painted before the call returns.
     virtual void showReport(const QString& text) = 0;
     virtual void hideReport() = 0;
-    /// Shows a suspicious word and looks for suggestions.
+    /// Shows a suspicious word and requests suggestions.
     virtual void showWord(const QString& word) = 0;
-    /// Empties the word, its replacement and the suggestions.
+    /// Clears the word, its replacement and the suggestions.
     virtual void clearWord() = 0;
     virtual void setStartEnabled(bool enabled) = 0;
-    /// Closes the window: there is nothing to check with.
+    /// Closes the window because there is no dictionary.
     virtual void unload() = 0;
 
 protected:
@@ -59,7 +59,7 @@ protected:
 /// The spell check of a display: the walk from one suspicious word to the next, without a window.
 ///
 /// The text is checked in chunks of 200 words. `SpellArea` is what remains of the area, `SpellChunk` the
-/// chunk and, at a hit, the word in question. The text of the display changes only by `Replace`.
+/// chunk and, at a hit, its word. The text of the display changes only by `Replace`.
 class SpellCheckWalk
 {
 public:
@@ -68,36 +68,39 @@ public:
 
     // ---- the area
 
-    /// The first setting, at each activation of the window: the selection, or the whole text without one.
+    /// Sets the area at an activation of the window: the selection, or without one the whole text.
     void TakeArea(DisplayDocument& document);
-    /// Chooses the dictionaries for the book that the display shows and begins to load them.
+    /// Selects the dictionaries for the book in the display and starts to load them.
     void Prepare(const DisplayDocument& document);
-    /// Takes the selection as the area, or all from the caret on, and goes to its first suspicious word.
+    /// Sets the area to the selection, or to all text after the caret, and finds its first suspicious word.
     void Start(DisplayDocument& document);
 
     // ---- the walk
 
-    /// Zero: checks `SpellChunk`. Otherwise: goes on to the next error of the chunk; the flag is then zero.
-    /// Ends at a hit or at the end of the area.
+    /// Checks `SpellChunk` and the chunks after it up to the next hit or the end of the area.
+    /// @param continueCheck in: 0 starts with the first error of the chunk, any other value with the next
+    /// one;
+    ///     out: 0.
     void HtmlSpellCheck(int16_t& continueCheck);
     void Continue();
-    /// Replaces the word in question and goes on. An empty text deletes the word.
+    /// Replaces the word of the hit and continues. An empty text deletes the word.
     void Replace(const QString& newText);
-    /// Adds a word to the custom dictionary, writes it and goes on. Nothing happens for an empty word.
+    /// Adds a word to the custom dictionary, writes the dictionary and continues. Does nothing for an empty
+    /// word.
     void Add(const QString& word);
-    /// The final report.
+    /// Shows the final report.
     void FinishSpellCheck();
-    /// Forgets errors and ranges.
+    /// Releases errors and ranges.
     /// @param quitWord the dictionaries are no longer needed.
     void CloseSpellDocument(bool quitWord);
-    /// Another page is shown: what was found has no place in it.
+    /// Ends the check because the display shows another page.
     void PageReplaced();
 
-    /// True from a hit until it is dealt with.
+    /// Returns true from a hit until it is replaced, ignored or added.
     [[nodiscard]] bool isAtHit() const { return atHit; }
-    /// The suspicious word after the one in question, if it is in the same chunk; else empty.
+    /// Returns the suspicious word after that of the hit, if it is in the same chunk; otherwise empty.
     [[nodiscard]] QString followingWord();
-    /// Which dictionaries judge.
+    /// Returns the selected dictionaries.
     [[nodiscard]] const SpellDictionaries& dictionaries() const { return chosen; }
 
     CustomDictionary Custom;
@@ -107,7 +110,7 @@ public:
     int32_t ErrorIndex = 0;
     int32_t WordsFound = 0;
     int16_t WordsReplaced = 0;
-    /// How much longer the chunk is in the display than the text that was checked.
+    /// The number of characters by which replacements have made the chunk longer.
     int32_t PositionShift = 0;
     bool HitFound = false;
     bool WordLoaded = false;
@@ -118,6 +121,7 @@ public:
 private:
     void LimitChunk();
     [[nodiscard]] bool startWord();
+    void reportProblems();
     void checkChunks();
     [[nodiscard]] bool collectErrors();
     [[nodiscard]] bool walk();

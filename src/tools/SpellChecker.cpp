@@ -11,13 +11,13 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// Longer words are rare, and their verdicts are not remembered.
+/// The verdicts on longer words, which are rare, are not remembered.
 constexpr qsizetype LongestRemembered = 64;
 constexpr size_t MostRemembered = 1'000'000;
 
 constexpr QChar CurlyApostrophe(0x2019);
 
-/// True for what most words are made of: nothing that `Cleaned` would change.
+/// Returns true if `Cleaned` would not change the word, as for most words.
 bool IsClean(QStringView word)
 {
     return std::ranges::none_of(word, [](QChar c) {
@@ -26,7 +26,8 @@ bool IsClean(QStringView word)
     });
 }
 
-/// The word as dictionaries write it: composed, without invisible characters, plain hyphens and apostrophes.
+/// Returns the word as in a dictionary: composed, without invisible characters, plain hyphens and
+/// apostrophes.
 QString Cleaned(QStringView word)
 {
     QString clean;
@@ -41,8 +42,8 @@ QString Cleaned(QStringView word)
     return clean;
 }
 
-/// The word without the marks that have no composed letter: stress marks. Composing has turned the Cyrillic
-/// letters with a grave accent into letters of other languages.
+/// Returns the word without the marks that have no composed letter: stress marks. Composition has replaced
+/// the Cyrillic letters with a grave accent by letters of other languages.
 QString WithoutStress(QString word)
 {
     word.removeIf([](QChar c) { return c.isMark(); });
@@ -51,7 +52,7 @@ QString WithoutStress(QString word)
     return word;
 }
 
-/// The script of most letters of a word; `Script_Unknown` without any.
+/// Returns the script of most letters of a word; `Script_Unknown` without letters.
 QChar::Script ScriptOf(QStringView word)
 {
     QChar::Script best = QChar::Script_Unknown;
@@ -92,16 +93,24 @@ void SpellChecker::setDictionaries(const SpellDictionaries& chosen)
 
 void SpellChecker::prepare()
 {
-    for (const auto& list : {dictionaries.main(), dictionaries.ofScript(QChar::Script_Latin),
+    shelf.prepare(likelyDictionaries());
+}
+
+/// Latin first: a page begins with tags, so that its first suspicious word is usually Latin.
+std::vector<SpellDictionary> SpellChecker::likelyDictionaries() const
+{
+    std::vector<SpellDictionary> likely;
+    for (const auto& list : {dictionaries.ofScript(QChar::Script_Latin), dictionaries.main(),
                              dictionaries.ofScript(QChar::Script_Cyrillic)}) {
         if (!list.empty())
-            shelf.prepare(list.front());
+            likely.push_back(list.front());
     }
+    return likely;
 }
 
 bool SpellChecker::hasDictionary()
 {
-    return shelf.firstOf(dictionaries.main()) || shelf.firstOf(dictionaries.all());
+    return shelf.firstOf(likelyDictionaries()) || shelf.firstOf(dictionaries.all());
 }
 
 bool SpellChecker::isSuspicious(QStringView word)
@@ -160,7 +169,7 @@ QStringList SpellChecker::suggestions(QStringView word)
     if (!speller)
         return {};
     QStringList found = speller->suggestions(clean);
-    // In the manner of the text.
+    // With the apostrophe of the text.
     if (word.contains(CurlyApostrophe) && !word.contains(u'\''))
         found.replaceInStrings(u"'"_s, QString(CurlyApostrophe));
     found.removeDuplicates();

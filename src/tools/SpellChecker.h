@@ -18,28 +18,29 @@ namespace vmk {
 
 class Speller;
 
-/// Verdicts on the words of one book, remembered for each word, and suggestions. For one thread.
+/// Decides whether the words of a book are suspicious, remembers each verdict, and suggests words. For one
+/// thread.
 class SpellChecker
 {
 public:
-    /// @param loadedDictionaries where the dictionaries are; must outlive the checker.
+    /// @param loadedDictionaries must outlive the checker.
     explicit SpellChecker(SpellShelf& loadedDictionaries);
 
-    /// Sets which dictionaries judge. Verdicts are kept if they are the same as before.
+    /// Sets the dictionaries. If they are the same as before, the verdicts are kept.
     void setDictionaries(const SpellDictionaries& chosen);
-    /// Begins to load the dictionaries that a book in the chosen language is likely to need.
+    /// Starts to load the dictionaries that a book in the chosen language is likely to need.
     void prepare();
-    /// True if there is any dictionary at all; waits for it to be loaded.
+    /// Returns true if any dictionary can be loaded; waits for the first one.
     [[nodiscard]] bool hasDictionary();
 
-    /// The verdict on one word as `SpellWords` cuts it. Soft hyphens, stress marks and the kind of apostrophe
+    /// Returns the verdict on a word of `SpellWords`. Soft hyphens, stress marks and the kind of apostrophe
     /// and hyphen make no difference. A compound with hyphens is right if it is known as a whole, or if all
     /// its parts are. A word in a script without a dictionary is not suspicious.
     [[nodiscard]] bool isSuspicious(QStringView word);
-    /// What may be meant, best first. May take more than a second.
+    /// Returns the words that may be meant, best first. Can take more than a second.
     [[nodiscard]] QStringList suggestions(QStringView word);
-    /// The right words among those that `NearWords` makes.
-    /// @param goOn is asked now and then; false ends the search with what was found so far.
+    /// Returns the right words among those of `NearWords`.
+    /// @param goOn called repeatedly; false ends the search with the words found so far.
     [[nodiscard]] QStringList nearWords(QStringView word, const std::function<bool()>& goOn);
 
 private:
@@ -49,6 +50,7 @@ private:
         size_t operator()(std::u16string_view word) const { return std::hash<std::u16string_view>()(word); }
     };
 
+    [[nodiscard]] std::vector<SpellDictionary> likelyDictionaries() const;
     [[nodiscard]] bool isRight(const QString& word);
     [[nodiscard]] bool isRightPart(QStringView part);
     [[nodiscard]] Speller* spellerFor(QStringView word);

@@ -9,7 +9,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// "en_gb" for "en-GB.UTF-8".
+/// Returns "en_gb" for "en-GB.UTF-8".
 QString PlainTag(QString tag)
 {
     return tag.trimmed().toLower().replace(u'-', u'_').section(u'.', 0, 0);
@@ -42,7 +42,7 @@ std::vector<SpellDictionary> SpellDictionaries::ofTag(const QString& tag) const
     std::ranges::copy_if(installed, std::back_inserter(found), [&](const SpellDictionary& dictionary) {
         return dictionary.language() == language;
     });
-    // The variety asked for, the user's own, the one that the language is usually taken for, any.
+    // The requested variety, that of the user, the usual one of the language, any other.
     const QString usual = PlainTag(QLocale(language).name());
     const auto rank = [&](const SpellDictionary& dictionary) {
         const QString name = PlainTag(dictionary.name);

@@ -9,12 +9,12 @@
 
 namespace vmk {
 
-/// Which of the installed dictionaries judge the words of a book.
+/// Selects the dictionaries for the words of a book.
 ///
-/// The main dictionary is that of the book's language or, if there is none, of the user's language. It judges
-/// the words in its script. Words in another script are judged by the usual language of that script: English
-/// for Latin, Russian for Cyrillic; where that is missing, by the user's language, then by any dictionary of
-/// the script.
+/// The main dictionary is that of the book's language or, if there is none, of the user's language. It is
+/// used for the words in its script. For words in another script, the usual language of that script is used:
+/// English for Latin, Russian for Cyrillic; without its dictionary the user's language, then any dictionary
+/// of the script.
 class SpellDictionaries
 {
 public:
@@ -23,13 +23,13 @@ public:
     SpellDictionaries(std::vector<SpellDictionary> installedDictionaries, const QString& bookLanguage,
                       const QString& userLocale);
 
-    /// The dictionaries for the words of a script, best first: the second one is for the case that the first
-    /// cannot be loaded. Empty if none is installed.
+    /// Returns the dictionaries for the words of a script, best first: the second is used if the first cannot
+    /// be loaded. Empty if none is installed.
     [[nodiscard]] std::vector<SpellDictionary> ofScript(QChar::Script script) const;
-    /// The same for the book itself; empty if neither its language nor the user's has a dictionary.
+    /// Returns the dictionaries for the book's language or, without one, for the user's, in the same order.
     [[nodiscard]] std::vector<SpellDictionary> main() const;
 
-    /// All that are installed.
+    /// Returns all installed dictionaries.
     [[nodiscard]] const std::vector<SpellDictionary>& all() const { return installed; }
 
     bool operator==(const SpellDictionaries&) const = default;

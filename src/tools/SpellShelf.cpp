@@ -6,26 +6,31 @@ namespace vmk {
 
 using namespace Qt::StringLiterals;
 
-std::shared_future<SpellShelf::Loaded> SpellShelf::entryOf(const SpellDictionary& dictionary)
+std::shared_future<SpellShelf::Loaded> SpellShelf::entryOf(const SpellDictionary& dictionary,
+                                                           const std::shared_future<Loaded>& after)
 {
     const std::lock_guard lock(guard);
     const auto known = std::ranges::find(entries, dictionary, &Entry::dictionary);
     if (known != entries.end())
         return known->loaded;
-    const auto load = [dictionary] {
+    const auto load = [dictionary, after] {
+        if (after.valid())
+            after.wait();
         Loaded loaded;
         loaded.speller = Speller::Load(dictionary, &loaded.problem);
         return loaded;
     };
-    // On the caller's thread, when asked for, if the system starts no further thread.
+    // If the system starts no further thread: on the thread of the caller that waits for it.
     std::shared_future<Loaded> loaded = std::async(std::launch::async | std::launch::deferred, load).share();
     entries.push_back({dictionary, loaded});
     return loaded;
 }
 
-void SpellShelf::prepare(const SpellDictionary& dictionary)
+void SpellShelf::prepare(const std::vector<SpellDictionary>& dictionaries)
 {
-    (void)entryOf(dictionary);
+    std::shared_future<Loaded> last;
+    for (const SpellDictionary& dictionary : dictionaries)
+        last = entryOf(dictionary, last);
 }
 
 std::shared_ptr<Speller> SpellShelf::get(const SpellDictionary& dictionary)

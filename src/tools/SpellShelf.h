@@ -13,25 +13,26 @@
 
 namespace vmk {
 
-/// Dictionaries that are loaded, or being loaded, each once. May be used from several threads; the spellers
-/// that it returns may not (see `Speller`).
+/// The dictionaries that are loaded or being loaded, each once. The shelf can be used by several threads at
+/// the same time; the spellers that it returns cannot (see `Speller`).
 class SpellShelf
 {
 public:
     SpellShelf() = default;
-    /// Waits for the loads that are running.
+    /// Waits until no dictionary is being loaded.
     ~SpellShelf() = default;
     SpellShelf(const SpellShelf&) = delete;
     SpellShelf& operator=(const SpellShelf&) = delete;
 
-    /// Begins to load a dictionary on another thread, unless that was done already.
-    void prepare(const SpellDictionary& dictionary);
-    /// Waits for a dictionary. Null if it cannot be loaded; `problems` then has a line about it.
+    /// Starts to load dictionaries on another thread, one after the other.
+    void prepare(const std::vector<SpellDictionary>& dictionaries);
+    /// Waits for a dictionary and returns it. Null if it cannot be loaded; `problems` then has a line about
+    /// it.
     [[nodiscard]] std::shared_ptr<Speller> get(const SpellDictionary& dictionary);
-    /// The first dictionary of the list that can be loaded; null for none.
+    /// Returns the first dictionary of a list that can be loaded; null for none.
     [[nodiscard]] std::shared_ptr<Speller> firstOf(const std::vector<SpellDictionary>& dictionaries);
 
-    /// One line for each dictionary that was asked for and cannot be loaded: "FILE: why".
+    /// Returns one line for each requested dictionary that cannot be loaded: "FILE: reason".
     [[nodiscard]] QStringList problems() const;
 
 private:
@@ -46,9 +47,10 @@ private:
         std::shared_future<Loaded> loaded;
     };
 
-    std::shared_future<Loaded> entryOf(const SpellDictionary& dictionary);
+    std::shared_future<Loaded> entryOf(const SpellDictionary& dictionary,
+                                       const std::shared_future<Loaded>& after = {});
 
-    mutable std::mutex guard; ///< For all that follows.
+    mutable std::mutex guard; ///< For all members below.
     std::vector<Entry> entries;
     QStringList failures;
 };

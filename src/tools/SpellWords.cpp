@@ -10,14 +10,14 @@ using namespace Qt::StringLiterals;
 
 constexpr char32_t SoftHyphen = 0xAD;
 
-/// What a character is to a word.
+/// The role of a character in a word.
 enum class Role
 {
     Other,
     Letter,
     Capital,
     Digit,
-    Companion ///< a mark on a letter, or an invisible character: goes on with a word, begins none
+    Companion ///< a mark or an invisible character: continues a word but does not start one
 };
 
 Role RoleOf(char32_t c)
@@ -46,7 +46,7 @@ Role RoleOf(char32_t c)
     }
 }
 
-/// The character at a position; half a pair stands for itself, and is no letter.
+/// Returns the character at a position; a lone surrogate is itself, which is no letter.
 char32_t CharacterAt(QStringView text, qsizetype i)
 {
     const QChar c = text[i];
@@ -60,6 +60,41 @@ qsizetype UnitsOf(char32_t c)
     return QChar::requiresSurrogates(c) ? 2 : 1;
 }
 
+/// Returns true for letters of scripts that write words without blanks, or with endings on foreign words.
+bool IsWithoutBlanks(char32_t c)
+{
+    constexpr char32_t FirstOfThai = 0xE00;
+    if (c < FirstOfThai)
+        return false;
+    switch (QChar::script(c)) {
+    case QChar::Script_Han:
+    case QChar::Script_Hiragana:
+    case QChar::Script_Katakana:
+    case QChar::Script_Bopomofo:
+    case QChar::Script_Hangul:
+    case QChar::Script_Thai:
+    case QChar::Script_Lao:
+    case QChar::Script_Khmer:
+    case QChar::Script_Myanmar:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// Returns true between two letters if one of them is of a script without blanks, and the other is not.
+bool IsScriptBorder(QStringView text, qsizetype position)
+{
+    if (position <= 0 || position >= text.size())
+        return false;
+    qsizetype before = position - 1;
+    if (before > 0 && text[before].isLowSurrogate() && text[before - 1].isHighSurrogate())
+        --before;
+    const char32_t left = CharacterAt(text, before);
+    const char32_t right = CharacterAt(text, position);
+    return QChar::isLetter(left) && QChar::isLetter(right) && IsWithoutBlanks(left) != IsWithoutBlanks(right);
+}
+
 bool IsJoiner(QChar c)
 {
     return IsWordHyphen(c) || IsWordApostrophe(c);
@@ -70,7 +105,8 @@ bool IsLetterOrDigit(Role role)
     return role == Role::Letter || role == Role::Capital || role == Role::Digit;
 }
 
-/// Blanks, control characters, quotation marks and the brackets of tags: no address reaches over them.
+/// Returns true for blanks, control characters, quotation marks and the brackets of tags, which end an
+/// address.
 bool EndsAddress(QChar c)
 {
     return c.isSpace() || c.category() == QChar::Other_Control || c == u'<' || c == u'>' || c == u'"'
@@ -87,7 +123,7 @@ bool IsAsciiWord(QChar c)
     return IsAsciiLetter(c) || (c >= u'0' && c <= u'9') || c == u'-' || c == u'_';
 }
 
-/// Endings of names of hosts that are recognised without "www." in front.
+/// Returns true for the top domains of host names that are recognised without a leading "www.".
 bool IsTopDomain(QStringView name)
 {
     constexpr std::array Names = {"com"_L1, "org"_L1, "net"_L1, "info"_L1, "edu"_L1, "gov"_L1, "ru"_L1,
@@ -95,8 +131,7 @@ bool IsTopDomain(QStringView name)
     return std::ranges::any_of(Names, [&](QLatin1StringView known) { return name == known; });
 }
 
-/// Where the part of a run begins that consists of ASCII letters, digits, dots and the like and ends at
-/// `end`.
+/// Returns the start of the ASCII letters, digits, dots and similar characters that end at `end`.
 qsizetype StartOfName(QStringView run, qsizetype end)
 {
     while (end > 0 && (IsAsciiWord(run[end - 1]) || run[end - 1] == u'.' || run[end - 1] == u'+'))
@@ -104,7 +139,7 @@ qsizetype StartOfName(QStringView run, qsizetype end)
     return end;
 }
 
-/// The first of `scheme://`, `mailto:` and `www.` in a run, -1 for none.
+/// Returns the start of the first `scheme://`, `mailto:` or `www.` of a run, or -1.
 qsizetype FindWebAddress(QStringView run)
 {
     if (const qsizetype scheme = run.indexOf("://"_L1); scheme > 0 && IsAsciiLetter(run[scheme - 1]))
@@ -115,7 +150,7 @@ qsizetype FindWebAddress(QStringView run)
     return www == 0 || (www > 0 && !IsAsciiWord(run[www - 1])) ? www : -1;
 }
 
-/// `name@host.domain`.
+/// Returns the start of `name@host.domain`, or -1.
 qsizetype FindMailAddress(QStringView run)
 {
     const qsizetype at = run.indexOf(u'@');
@@ -125,7 +160,7 @@ qsizetype FindMailAddress(QStringView run)
     return start < at && run.indexOf(u'.', at) > at ? start : -1;
 }
 
-/// The first backslash that parts names of folders, -1 for none.
+/// Returns the start of a path with backslashes, or -1.
 qsizetype FindBackslashPath(QStringView run)
 {
     const qsizetype backslash = run.indexOf(u'\\');
@@ -140,7 +175,8 @@ qsizetype FindBackslashPath(QStringView run)
     return isPath ? StartOfName(run, backslash - (before == u':' ? 1 : 0)) : -1;
 }
 
-/// `C:\books`, `\\server`, `/usr/share`, `~/books`, `./books`, `books\one`, `one/two/three.txt`.
+/// Returns the start of a path, or -1: `C:\books`, `\\server`, `/usr/share`, `~/books`, `./books`,
+/// `books\one`, `one/two/three.txt`.
 qsizetype FindPath(QStringView run)
 {
     if (const qsizetype start = FindBackslashPath(run); start >= 0)
@@ -162,7 +198,7 @@ qsizetype FindPath(QStringView run)
     return hasExtension && severalLevels && start < slash ? start : -1;
 }
 
-/// `host.org`, `host.org/page`: small ASCII letters with a well-known ending.
+/// Returns the start of `host.org` or `host.org/page` with a known top domain, or -1.
 qsizetype FindBareHost(QStringView run)
 {
     const qsizetype dot = run.indexOf(u'.');
@@ -179,7 +215,7 @@ qsizetype FindBareHost(QStringView run)
     return IsTopDomain(name.mid(name.lastIndexOf(u'.') + 1)) ? start : -1;
 }
 
-/// Where the first address of a run begins; its length for none.
+/// Returns the start of the first address of a run, or the length of the run.
 qsizetype FindAddress(QStringView run)
 {
     qsizetype first = run.size();
@@ -234,6 +270,8 @@ bool IsInsideSpellWord(QStringView text, qsizetype position)
         return roleAt(i - (secondHalf ? 2 : 1));
     };
     const Role after = roleAt(position);
+    if (IsScriptBorder(text, position))
+        return false;
     if (IsJoiner(text[position]) && position + 1 < text.size())
         return roleBefore(position) != Role::Other && IsLetterOrDigit(roleAt(position + 1));
     if (IsJoiner(text[position - 1]) && position >= 2)
@@ -283,10 +321,12 @@ void SpellWords::takeToken()
         const char32_t c = CharacterAt(text, at);
         const Role role = RoleOf(c);
         const bool isJoiner = IsJoiner(text[at]);
+        if (at > wordStart && IsScriptBorder(text, at))
+            break;
         if (isJoiner) {
-            const bool goesOn = at + 1 < addressStart && IsLetterOrDigit(RoleOf(CharacterAt(text, at + 1)))
+            const bool continues = at + 1 < addressStart && IsLetterOrDigit(RoleOf(CharacterAt(text, at + 1)))
                 && !IsJoiner(text[at + 1]);
-            if (!goesOn)
+            if (!continues)
                 break;
         } else if (role == Role::Other) {
             break;

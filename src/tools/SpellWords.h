@@ -5,13 +5,14 @@
 
 namespace vmk {
 
-/// Cuts a text into the words that a spell check looks at, in reading order.
+/// Divides a text into the words of a spell check, in reading order.
 ///
-/// A word is made of letters, with single apostrophes and hyphens between them. Soft hyphens, marks such as
-/// stress accents, and other invisible characters inside a word belong to it. Passed over are words with
-/// digits, words in capitals only, web and mail addresses, and paths. A lone surrogate separates words.
+/// A word consists of letters, with single apostrophes and hyphens between them. Soft hyphens, marks such as
+/// stress accents, and other invisible characters inside a word belong to it. Words with digits, words in
+/// capitals only, web and mail addresses and paths are skipped. A lone surrogate separates words, and so does
+/// the border between a script without blanks, such as Chinese, and any other script.
 ///
-/// The cost is proportional to the text's length, whatever it holds.
+/// The cost is proportional to the length of any text.
 class SpellWords
 {
 public:
@@ -21,11 +22,11 @@ public:
     {
     }
 
-    /// Goes to the next word; false at the end of the text.
+    /// Advances to the next word. Returns false at the end of the text.
     [[nodiscard]] bool next();
-    /// Position of the word in the text, UTF-16 units from 0.
+    /// Returns the position of the word in the text, in UTF-16 units from 0.
     [[nodiscard]] qsizetype start() const { return wordStart; }
-    /// UTF-16 units.
+    /// Returns the length in UTF-16 units.
     [[nodiscard]] qsizetype length() const { return wordEnd - wordStart; }
     [[nodiscard]] QStringView word() const { return text.mid(wordStart, length()); }
 
@@ -34,27 +35,27 @@ private:
     void takeToken();
 
     QStringView text;
-    qsizetype at = 0; ///< Everything before has been looked at.
-    qsizetype runEnd = 0; ///< End of the piece without blanks around `at`.
-    qsizetype addressStart = 0; ///< Where an address begins in that piece; `runEnd` for none.
+    qsizetype at = 0; ///< Everything before is done.
+    qsizetype runEnd = 0; ///< The end of the run without blanks around `at`.
+    qsizetype addressStart = 0; ///< The start of the first address in the run; `runEnd` for none.
     qsizetype wordStart = 0;
     qsizetype wordEnd = 0;
-    bool hasDigit = false; ///< About the token from `wordStart` to `wordEnd`, as is the next one.
+    bool hasDigit = false; ///< Of the token from `wordStart` to `wordEnd`, as the next member.
     bool isCapitals = false;
 };
 
-/// True if a word that reaches over `position` would be cut there.
+/// Returns true if `position` is inside a word.
 [[nodiscard]] bool IsInsideSpellWord(QStringView text, qsizetype position);
 
-/// True if the word's letters are capitals, at least one.
+/// Returns true if a word has letters and all of them are capitals.
 [[nodiscard]] bool IsInCapitals(QStringView word);
 
-/// True for the hyphens that join the parts of a word.
+/// Returns true for the hyphens that join the parts of a word.
 [[nodiscard]] bool IsWordHyphen(QChar c);
-/// True for the straight and the curly apostrophe, the letter apostrophe and the prime.
+/// Returns true for the straight and the curly apostrophe, the letter apostrophe and the prime.
 [[nodiscard]] bool IsWordApostrophe(QChar c);
 
-/// True for what a word contains without being changed by it: soft hyphens and other invisible characters.
+/// Returns true for soft hyphens and other invisible characters, which do not change a word.
 [[nodiscard]] bool IsInvisibleInWord(char32_t c);
 
 } // namespace vmk

@@ -17,11 +17,11 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Words near to the word asked for are found at once, so that there is something to show.
+/// Similar words are found first, so that there are suggestions within the time limit of the window.
 constexpr std::chrono::milliseconds LongestNearSearch(120);
 constexpr qsizetype MostRemembered = 2'000;
 
-/// Threads whose worker is gone. Joined when they have ended, at the latest with the process.
+/// The threads of destroyed workers, joined when they have ended, at the latest with the process.
 class EndingThreads
 {
 public:
@@ -62,7 +62,7 @@ struct SuggestionWorker::State
     void work(std::unique_lock<std::mutex>& lock, SpellChecker& checker, const QString& word);
     void keep(const QString& word, Found result);
 
-    mutable std::mutex guard; // for all that follows
+    mutable std::mutex guard; ///< For all members below.
     mutable std::condition_variable changed;
     std::function<void(const QString&)> wordFound;
     std::optional<SpellDictionaries> dictionaries;
@@ -126,13 +126,13 @@ SuggestionWorker::SuggestionWorker(std::function<void(const QString& word)> word
     : state(std::make_shared<State>(std::move(wordFound)))
 {
     try {
-        // The thread keeps the state alive, and the handle leaves it before the worker is gone.
+        // The thread shares the state, and the destructor of the worker takes the handle out of the state.
         state->thread = std::jthread([shared = state] {
             shared->run();
             shared->ended->store(true);
         });
     } catch (const std::system_error&) {
-        // The system starts no further thread: there are no suggestions.
+        // The system starts no further thread, so there are no suggestions.
     }
 }
 

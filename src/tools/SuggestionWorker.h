@@ -12,34 +12,35 @@
 
 namespace vmk {
 
-/// Looks for suggestions on a thread of its own, with dictionaries of its own: a dictionary may take more
-/// than a second for one word, and cannot be interrupted.
+/// Searches for suggestions on a separate thread with separate dictionaries: a dictionary can take more than
+/// a second for one word, and cannot be interrupted.
 class SuggestionWorker
 {
 public:
-    /// What is known about a word.
+    /// The suggestions for a word.
     struct Found
     {
         QStringList words; ///< Best first.
-        bool complete = false; ///< All that the dictionary suggests; else words that were found at once.
+        bool complete = false; ///< The suggestions of the dictionary; otherwise only similar words, which are
+                               ///< found sooner.
     };
 
-    /// @param wordFound is called on the worker's thread for each thing that becomes known; never after the
-    ///     worker is gone.
+    /// @param wordFound called on the worker's thread when suggestions for a word are found; never after the
+    ///     worker is destroyed.
     explicit SuggestionWorker(std::function<void(const QString& word)> wordFound);
-    /// Does not wait for a word in work; its thread ends by itself, at the latest with the process.
+    /// Does not wait for a search in progress; its thread ends by itself, at the latest with the process.
     ~SuggestionWorker();
     SuggestionWorker(const SuggestionWorker&) = delete;
     SuggestionWorker& operator=(const SuggestionWorker&) = delete;
 
-    /// Sets which dictionaries suggest.
+    /// Sets the dictionaries.
     void setDictionaries(const SpellDictionaries& chosen);
-    /// Asks for a word, before all others; words that wait and are not asked for again are dropped.
-    /// @param following a word that is likely to be asked for next; may be empty.
+    /// Requests a word; earlier requests that are still waiting are cancelled.
+    /// @param following the word that is likely to be requested next; may be empty.
     void request(const QString& word, const QString& following);
-    /// What is known about a word by now.
+    /// Returns the suggestions found so far.
     [[nodiscard]] Found found(const QString& word) const;
-    /// The same, after waiting until it is complete or the time has passed.
+    /// Waits until the suggestions are complete or the time has passed, and returns them.
     [[nodiscard]] Found wait(const QString& word, std::chrono::steady_clock::time_point until) const;
 
 private:

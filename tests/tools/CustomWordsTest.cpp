@@ -53,6 +53,14 @@ TEST_F(CustomWordsTest, AWordThatThePageLacksIsKeptInUtf8)
     EXPECT_NE(content().find("se\xc3\xb1or\r\n"), std::string::npos);
 }
 
+TEST_F(CustomWordsTest, ByteOrderMarksBeforeAWordAreIgnored)
+{
+    const QStringList words
+        = DecodeCustomWords("\xef\xbb\xbfone\r\n\xef\xbb\xbf\xef\xbb\xbf two\r\n\xef\xbb\xbf\r\n");
+    EXPECT_EQ(words, (QStringList{u"one"_s, u"two"_s}));
+    EXPECT_EQ(DecodeCustomWords(EncodeCustomWords(words)), words);
+}
+
 TEST_F(CustomWordsTest, AMissingFileIsAnEmptyDictionary)
 {
     dictionary.LoadCustomWords(file);

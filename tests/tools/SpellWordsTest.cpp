@@ -81,6 +81,16 @@ TEST(SpellWords, TagsAreTextLikeAnyOther)
               QStringList({u"p"_s, u"xml"_s, u"lang"_s, u"ru"_s, u"слово"_s, u"p"_s}));
 }
 
+TEST(SpellWords, AScriptWithoutBlanksSeparatesWords)
+{
+    EXPECT_EQ(WordsOf(u"FBReader\u4f1a\u81ea\u52a8 Linux\u7248"_s),
+              (QStringList{u"FBReader"_s, u"\u4f1a\u81ea\u52a8"_s, u"Linux"_s, u"\u7248"_s}));
+    EXPECT_FALSE(IsInsideSpellWord(u"a\u4f1ab", 1));
+    EXPECT_FALSE(IsInsideSpellWord(u"a\u4f1ab", 2));
+    // Letters of the other scripts are one word, which is suspicious.
+    EXPECT_EQ(WordsOf(u"\u0441at"_s), QStringList{u"\u0441at"_s});
+}
+
 TEST(SpellWords, ATextOfLoneSurrogatesHoldsNoWord)
 {
     EXPECT_EQ(WordsOf(QString(1000, QChar(0xD800))), QStringList());

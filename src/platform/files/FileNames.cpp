@@ -13,7 +13,7 @@ constexpr char16_t FirstByteMark = 0xdc80;
 constexpr char16_t LastByteMark = 0xdcff;
 constexpr char16_t ByteMarkBase = 0xdc00;
 
-/// Whether the character at `at` stands for a byte. After a high surrogate it is half of a character.
+/// Whether the character at `at` represents a byte. After a high surrogate it is half of a character.
 bool IsByteMark(QStringView text, qsizetype at)
 {
     return text[at] >= QChar(FirstByteMark) && text[at] <= QChar(LastByteMark)

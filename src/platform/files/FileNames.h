@@ -13,7 +13,7 @@ namespace vmk {
 [[nodiscard]] QString DecodeFileName(const QByteArray& name);
 
 /// Returns the bytes of a name or path; empty for a text that no file can have: with a NUL, or with a lone
-/// surrogate that stands for no byte.
+/// surrogate that represents no byte.
 [[nodiscard]] QByteArray EncodeFileName(const QString& name);
 
 /// Returns the path of a local file's URL.

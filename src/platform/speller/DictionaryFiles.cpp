@@ -17,7 +17,7 @@ constexpr size_t MostWordBytes = 128 << 20;
 constexpr size_t LongestLine = 1 << 16;
 constexpr size_t SampleSize = 40;
 
-/// Takes a line off the front of the text, without its line end.
+/// Removes the first line of a text and returns it without its line end.
 std::string_view TakeLine(std::string_view& text)
 {
     const size_t end = text.find('\n');
@@ -28,7 +28,7 @@ std::string_view TakeLine(std::string_view& text)
     return line;
 }
 
-/// The value after a keyword at the start of a line; empty for another line.
+/// Returns the value after a keyword at the start of a line; empty for another line.
 std::string_view ValueAfter(std::string_view line, std::string_view keyword)
 {
     if (!line.starts_with(keyword) || line.size() <= keyword.size()
@@ -88,13 +88,13 @@ QString ReadWords(const QString& file, DictionaryFiles& files)
     if (rest.starts_with("\xef\xbb\xbf"))
         rest.remove_prefix(3);
     const std::string_view first = TakeLine(rest);
-    // Memory for that many words is taken at once.
+    // Hunspell allocates memory for this number of words.
     size_t count = 0;
     const auto read = std::from_chars(first.data(), first.data() + first.size(), count);
     if (read.ec != std::errc() || count == 0 || count > content.bytes.size())
         return u"does not begin with the number of its words"_s;
 
-    // From all over the file: the first words of many dictionaries are abbreviations.
+    // From all parts of the file: the first words of many dictionaries are abbreviations.
     const size_t step = std::max<size_t>(rest.size() / SampleSize, 1);
     while (!rest.empty()) {
         const std::string_view word = TakeLine(rest);

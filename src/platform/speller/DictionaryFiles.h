@@ -10,7 +10,7 @@ namespace vmk {
 
 struct SpellDictionary;
 
-/// What the program has to know of a dictionary's files before Hunspell reads them.
+/// Facts about the files of a dictionary that are needed before Hunspell reads them.
 struct DictionaryFiles
 {
     std::string encoding; ///< For `iconv`; "UTF-8" for most.
@@ -19,7 +19,7 @@ struct DictionaryFiles
 };
 
 /// Reads and checks the files of a dictionary.
-/// @param problem receives one plain line if the files are no dictionary; empty otherwise.
+/// @param problem receives one line if the files are no dictionary; empty otherwise.
 [[nodiscard]] DictionaryFiles ReadDictionaryFiles(const SpellDictionary& dictionary, QString* problem);
 
 } // namespace vmk

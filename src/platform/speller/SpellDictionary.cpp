@@ -17,7 +17,7 @@ QStringList FoldersOfVariable(const char* variable)
     return qEnvironmentVariable(variable).split(u':', Qt::SkipEmptyParts);
 }
 
-/// True for a folder that only an administrator changes.
+/// Returns true for a folder that only an administrator can change.
 bool IsFolderOfSystem(const QString& folder)
 {
     const QString path = QFileInfo(folder).canonicalFilePath();

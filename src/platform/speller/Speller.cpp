@@ -20,7 +20,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// Suggestions are slow, and a trial is waited for.
+/// Suggestions are slow, and the caller waits for the trial.
 constexpr size_t TriedSuggestions = 2;
 
 /// Converts between UTF-8 and a dictionary's encoding.
@@ -41,7 +41,7 @@ public:
 
     [[nodiscard]] bool isValid() const { return handle != iconv_t(-1); } // NOLINT: the interface's constant
 
-    /// Nothing for text with a character that the encoding lacks.
+    /// Returns nothing for text with a character that the encoding lacks.
     [[nodiscard]] std::optional<std::string> convert(std::string_view text)
     {
         std::string result(4 * text.size() + 4, '\0');
@@ -60,7 +60,7 @@ private:
     iconv_t handle;
 };
 
-/// For making and destroying engines: Hunspell counts its instances in a plain variable.
+/// Held while an engine is created or destroyed: Hunspell counts its instances in a variable without a lock.
 std::mutex& EngineGuard()
 {
     static std::mutex guard;
@@ -154,28 +154,28 @@ std::unique_ptr<Speller> Speller::Load(const SpellDictionary& files, QString* pr
     };
     const auto load = [&]() -> std::unique_ptr<Engine> {
         try {
-            auto engine = makeEngine();
-            return engine->isLoaded() && engine->knowsAnyOf(known.sampleWords) ? std::move(engine) : nullptr;
+            auto made = makeEngine();
+            return made->isLoaded() && made->knowsAnyOf(known.sampleWords) ? std::move(made) : nullptr;
         } catch (const std::exception&) {
             return nullptr;
         }
     };
     const auto tryOut = [&] {
-        const std::unique_ptr<Engine> engine = load();
-        for (size_t i = 0; engine && i < std::min(known.sampleWords.size(), TriedSuggestions); ++i)
-            (void)engine->suggestions(QString::fromStdString(known.sampleWords[i]) + u"zя"_s);
+        const std::unique_ptr<Engine> tried = load();
+        for (size_t i = 0; tried && i < std::min(known.sampleWords.size(), TriedSuggestions); ++i)
+            (void)tried->suggestions(QString::fromStdString(known.sampleWords[i]) + u"zя"_s);
     };
-    // Hunspell trusts its files. Damage may end or stall the process that reads them.
+    // Hunspell trusts its files. Damaged ones can end or stall the process that reads them.
     if (!files.ofSystem && !PassesTrial(tryOut, EngineGuard())) {
         *problem = u"is damaged"_s;
         return nullptr;
     }
-    std::unique_ptr<Engine> engine = load();
-    if (!engine) {
+    std::unique_ptr<Engine> loaded = load();
+    if (!loaded) {
         *problem = u"is damaged, or in an unknown encoding"_s;
         return nullptr;
     }
-    return std::unique_ptr<Speller>(new Speller(std::move(engine)));
+    return std::unique_ptr<Speller>(new Speller(std::move(loaded)));
 }
 
 bool Speller::isRight(QStringView word)

@@ -16,26 +16,25 @@ struct SpellDictionary;
 class Speller
 {
 public:
-    /// Longer words are never right and have no suggestions, UTF-16 units.
+    /// Longer words, in UTF-16 units, are never right and have no suggestions.
     static constexpr qsizetype LongestWord = 100;
 
-    /// Loads a dictionary, which may take a good part of a second.
-    /// @param problem receives one plain line that says why the dictionary cannot be used.
+    /// Loads a dictionary, which can take some tenths of a second.
+    /// @param problem receives one line with the reason if the dictionary cannot be used.
     /// @return null for files that cannot be read or that are no dictionary: too large, without a word count,
-    ///     in an unknown encoding, none of whose own words is right, or, for one that does not come with the
-    ///     system, that crash or stall a process that tries them.
+    ///     in an unknown encoding, without a word that is right by it, or, unless it belongs to the system,
+    ///     with a content that ends or stalls the process that tries it.
     [[nodiscard]] static std::unique_ptr<Speller> Load(const SpellDictionary& files, QString* problem);
 
     ~Speller();
     Speller(const Speller&) = delete;
     Speller& operator=(const Speller&) = delete;
 
-    /// True if the dictionary accepts the word as it is written.
+    /// Returns true if the dictionary accepts the word.
     [[nodiscard]] bool isRight(QStringView word);
-    /// Words that may be meant, best first. May take more than a second for a long word.
+    /// Returns words that may be meant, best first. Can take more than a second for a long word.
     [[nodiscard]] QStringList suggestions(QStringView word);
-    /// The letters that the dictionary names as worth trying in place of others, most frequent first; may be
-    /// empty.
+    /// Returns the letters that the dictionary lists for corrections, most frequent first; may be empty.
     [[nodiscard]] const QString& tryLetters() const;
 
 private:

@@ -16,7 +16,7 @@ constexpr std::chrono::milliseconds Step(2);
 
 [[noreturn]] void RunAttempt(const std::function<void()>& attempt)
 {
-    // A crash is an expected outcome: no handler of the program, no report, no core file.
+    // A crash is an expected result: no signal handler, no report, no core file.
     for (const int number : {SIGSEGV, SIGBUS, SIGABRT, SIGFPE, SIGILL})
         std::signal(number, SIG_DFL);
     const rlimit none = {0, 0};

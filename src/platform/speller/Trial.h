@@ -5,11 +5,11 @@
 
 namespace vmk {
 
-/// Runs something doubtful in a process of its own, which shares nothing with this one but what it reads.
+/// Runs a function that may crash in a separate process.
 /// @param attempt must not touch windows, other threads, or files to be written.
-/// @param lock is held while the process is made, so that no other thread holds it in the new one.
-/// @return true if it ended by itself within ten seconds, without a crash; also when the system starts no
-///     process.
+/// @param lock held while the process is created, so that no other thread holds it in the new process.
+/// @return true if the function returned within ten seconds, without a crash; also if the system starts no
+/// process.
 [[nodiscard]] bool PassesTrial(const std::function<void()>& attempt, std::mutex& lock);
 
 } // namespace vmk

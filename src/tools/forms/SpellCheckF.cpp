@@ -42,7 +42,7 @@ QPointer<SpellCheckF>& TheForm()
 
 } // namespace
 
-// ---------------------------------------------------------------- life
+// ---------------------------------------------------------------- opening and closing
 
 void SpellCheckF::ShowForm(Form1& owner)
 {
@@ -65,7 +65,7 @@ SpellCheckF* SpellCheckF::Instance()
 }
 
 SpellCheckF::SpellCheckF(Form1& owner)
-    // Stays above the main window.
+    // With a parent, so that it is above the main window.
     : QWidget(&owner, Qt::Dialog | Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint)
     , form(owner)
     , check(*this, shelf)
@@ -83,7 +83,7 @@ SpellCheckF::SpellCheckF(Form1& owner)
     setDictionaryMode(false);
 
     check.Custom.LoadCustomWords(CustomDictionaryFile);
-    // In the background, so that they are there at the first start.
+    // In the background, so that they are loaded at the first start.
     check.Prepare(display());
 }
 
@@ -288,7 +288,7 @@ void SpellCheckF::Form_Activate()
     check.TakeArea(display());
 }
 
-// ---------------------------------------------------------------- what the walk shows
+// ---------------------------------------------------------------- called by the walk
 
 void SpellCheckF::showReport(const QString& text)
 {
@@ -296,13 +296,13 @@ void SpellCheckF::showReport(const QString& text)
         return;
     ReportL->setText(text);
     ReportL->setVisible(true);
-    // The window does not paint by itself while a check works.
+    // The window processes no paint events during a check.
     ReportL->repaint();
 }
 
 void SpellCheckF::hideReport()
 {
-    // Its place stays.
+    // The label keeps its space.
     ReportL->clear();
 }
 
@@ -343,7 +343,7 @@ void SpellCheckF::suggestionsFound(const QString& word)
     const SuggestionWorker::Found found = suggestions.found(word);
     if (!found.complete)
         return;
-    // What comes late is shown only if there was nothing, and nothing was done meanwhile.
+    // Late suggestions are shown only if there were none, and if the user has done nothing meanwhile.
     const bool isLate = pendingWord.isEmpty() && check.isAtHit() && txtWord->text() == word
         && !replacementEdited && lstWords->count() == 1 && lstWords->item(0)->text() == NoSuggestions
         && !found.words.isEmpty();

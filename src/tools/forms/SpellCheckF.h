@@ -21,24 +21,24 @@ namespace vmk {
 
 class Form1;
 
-/// The spell check's window, at most one at a time. It stays open while the user works in the main window;
-/// each action works on the display as it is at that moment.
+/// The window of the spell check; at most one exists. It stays open while the user works in the main window;
+/// each action uses the current state of the display.
 ///
-/// Suggestions come from another thread. The list shows them when they are complete, or after 0.3 s what was
-/// found by then, so that going from word to word never waits for them.
+/// Suggestions are found on another thread. The list shows them when they are complete, or after 0.3 s those
+/// found so far, so that the step to the next word never waits for them.
 class SpellCheckF : public QWidget, private SpellCheckWindow
 {
     Q_OBJECT
 
 public:
-    /// Opens the window, or brings the open one to the front.
+    /// Opens the window, or raises the open one.
     static void ShowForm(Form1& owner);
-    /// The open window; null for none.
+    /// Returns the open window, or null.
     [[nodiscard]] static SpellCheckF* Instance();
 
     ~SpellCheckF() override;
 
-    /// The display shows another page: ends a check that is under way.
+    /// Ends a check in progress because the display shows another page.
     void PageReplaced();
 
     [[nodiscard]] const SpellCheckWalk& Check() const { return check; }
@@ -75,7 +75,7 @@ protected:
 private:
     explicit SpellCheckF(Form1& owner);
 
-    // ---- what the walk shows
+    // ---- called by the walk
     void showReport(const QString& text) override;
     void hideReport() override;
     void showWord(const QString& word) override;
@@ -114,12 +114,12 @@ private:
     QStackedLayout* lists = nullptr;
     QTimer* suggestionTime = nullptr;
     std::chrono::steady_clock::time_point suggestionsDue;
-    /// The word whose suggestions are not shown yet; empty for none.
+    /// The word whose suggestions are not shown yet, or empty.
     QString pendingWord;
     bool replacementEdited = false;
-    /// One-shot: the next activation leaves everything as it is.
+    /// The next activation, and only that one, changes nothing.
     int16_t SkipActivate = 0;
-    SuggestionWorker suggestions; ///< Last: its thread reports to this window.
+    SuggestionWorker suggestions; ///< The last member, because its thread calls this window.
 };
 
 } // namespace vmk
