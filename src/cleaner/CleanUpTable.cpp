@@ -2,6 +2,7 @@
 
 #include "CodePages.h"
 #include "FileOperations.h"
+#include "FileSignatures.h"
 #include "SettingsVariables.h"
 
 #include <QStringView>
@@ -76,8 +77,7 @@ const QStringList& CleanUpScopes()
 
 QString CleanUpSignature()
 {
-    return u"VMKCleanUpFile"_s + QChar(CharacterOfByte(233, CodePageSystem))
-        + QChar(CharacterOfByte(254, CodePageSystem));
+    return DecodeBytes(CleanUpFileSignature, CodePageSystem);
 }
 
 std::string CleanUpFileBytes(const CleanUpTable& table)

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -63,8 +64,8 @@ ImagesOptions ReadOptions(CommandLine& line)
 class Results
 {
 public:
-    Results(const QString& ofBook, bool asJson)
-        : book(ofBook)
+    Results(QString ofBook, bool asJson)
+        : book(std::move(ofBook))
         , json(asJson)
     {
     }

@@ -112,7 +112,8 @@ PngDataCheck::~PngDataCheck() = default;
 
 void PngDataCheck::addPass(const PngHeader& header, uint32_t width, uint32_t height)
 {
-    const auto bitsOfPixel = uint64_t(SamplesOfPixel(header.colorType, header.bitDepth) * header.bitDepth);
+    const auto samples = uint64_t(SamplesOfPixel(header.colorType, header.bitDepth));
+    const uint64_t bitsOfPixel = samples * uint64_t(header.bitDepth);
     if (width > 0 && height > 0)
         passes.push_back({.rows = height, .rowBytes = 1 + (width * bitsOfPixel + 7) / 8});
 }
@@ -133,15 +134,13 @@ void PngDataCheck::add(std::string_view data)
         checkedBytes += size;
         if (current != State::Incomplete)
             return;
-        // Without a row more no further output is possible: the chunk is used up, or the data ends too early.
+        // The chunk is used up, or the stream ends before the last row.
         if (result == Z_STREAM_END || (result == Z_BUF_ERROR && size == 0))
             return;
         if (result != Z_OK && result != Z_BUF_ERROR)
             current = State::Damaged;
         else if (checkedBytes > MostBytes)
             current = State::Complete;
-        else if (inflated.avail_in == 0 && inflated.avail_out > 0)
-            return;
     }
 }
 

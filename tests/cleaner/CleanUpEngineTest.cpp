@@ -20,9 +20,12 @@ class CleanUp : public Rules
 protected:
     CleanUp() { qputenv("VELLUMARK_CODEPAGE", "1251"); }
     ~CleanUp() override { qunsetenv("VELLUMARK_CODEPAGE"); }
+
+public:
     CleanUp(const CleanUp&) = delete;
     CleanUp& operator=(const CleanUp&) = delete;
 
+protected:
     CleanUpRun run(std::vector<CleanUpRow> rows, const QString& where = u"whole book"_s)
     {
         statuses.clear();

@@ -18,6 +18,8 @@ class CleanUpFile : public ::testing::Test
 protected:
     CleanUpFile() { qputenv("VELLUMARK_CODEPAGE", "1251"); }
     ~CleanUpFile() override { qunsetenv("VELLUMARK_CODEPAGE"); }
+
+public:
     CleanUpFile(const CleanUpFile&) = delete;
     CleanUpFile& operator=(const CleanUpFile&) = delete;
 };
@@ -185,7 +187,7 @@ TEST_F(CleanUpFile, RandomTablesAreReadAsTheyWereWritten)
     const auto value = [&random] {
         QString text;
         for (size_t i = random() % 12; i > 0; --i) {
-            const char16_t c = char16_t(random() % (random() % 2 == 0 ? 128 : 65536));
+            const auto c = char16_t(random() % (random() % 2 == 0 ? 128 : 65536));
             text += c == u'\r' ? u'"' : c;
         }
         return text;

@@ -23,9 +23,12 @@ class SampleTables : public Rules
 protected:
     SampleTables() { qputenv("VELLUMARK_CODEPAGE", "1251"); }
     ~SampleTables() override { qunsetenv("VELLUMARK_CODEPAGE"); }
+
+public:
     SampleTables(const SampleTables&) = delete;
     SampleTables& operator=(const SampleTables&) = delete;
 
+protected:
     static CleanUpTable Table(const QString& fileName)
     {
         for (const SampleTable& sample : SampleCleanUpTables()) {

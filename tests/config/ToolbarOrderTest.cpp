@@ -84,6 +84,7 @@ TEST(ToolbarOrderText, AHugeListIsNoOrder)
 {
     EXPECT_EQ(Parsed(u"1,"_s + u"0,"_s.repeated(10'000'000) + u"2"_s), std::nullopt);
     EXPECT_EQ(Parsed(u"1"_s + u",0"_s.repeated(500)), std::nullopt);
+    EXPECT_EQ(Parsed(QString(10'000, u' ') + u'1'), std::nullopt);
     EXPECT_TRUE(Parsed(u"1"_s + u",0"_s.repeated(499)));
 }
 

@@ -165,7 +165,7 @@ void FillWindow(Command command)
     if (command == Command::BookCleaner && CleanUpF::Instance())
         FillCleaner();
     if (command == Command::HtmlFragmentEditor) {
-        EditHtmlWbF& editor = InstanceOf<EditHtmlWbF>();
+        auto& editor = InstanceOf<EditHtmlWbF>();
         // The activation of the window fills the editor.
         QTest::qWait(150);
         editor.ValidateSelectionB->setChecked(true);

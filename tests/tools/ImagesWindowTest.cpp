@@ -221,8 +221,8 @@ TEST_F(Images, ALargePictureHasScrollBarsAndASmallOneIsCentred)
     EXPECT_GT(Viewer().scrolled->horizontalScrollBar()->maximum(), 0);
     ShowPicture("small.png", OtherContent::Show);
     ASSERT_TRUE(WaitFor([&] { return Viewer().scrolled->horizontalScrollBar()->maximum() == 0; }));
-    EXPECT_NEAR(Viewer().ImVi->geometry().center().x(), Viewer().scrolled->viewport()->width() / 2, 2);
-    EXPECT_NEAR(Viewer().ImVi->geometry().center().y(), Viewer().scrolled->viewport()->height() / 2, 2);
+    EXPECT_NEAR(Viewer().ImVi->geometry().center().x(), Viewer().scrolled->viewport()->width() / 2.0, 2);
+    EXPECT_NEAR(Viewer().ImVi->geometry().center().y(), Viewer().scrolled->viewport()->height() / 2.0, 2);
 }
 
 TEST_F(Images, APictureTooLargeForTheMemoryIsReportedInTheViewer)

@@ -115,7 +115,7 @@ TEST_F(RealBookTools, AnUnchangedFragmentOfAnySizeChangesNothing)
         const QString before = Page();
         Document().setSelection({2, 1}, {Document().lineCount() - 2, 1});
         form->Entry("uHtmlFragmentEditor")->trigger();
-        EditHtmlWbF& tool = InstanceOf<EditHtmlWbF>();
+        auto& tool = InstanceOf<EditHtmlWbF>();
         ASSERT_TRUE(HasKeyboard(tool));
         tool.ValidateSelectionB->setChecked(true);
         Click(tool.RefreshB);
@@ -137,7 +137,7 @@ TEST_F(RealBookTools, AChangedFragmentOfManyLinesIsAppliedAndReverted)
         const int last = std::min(Document().lineCount() - 2, 60);
         Document().setSelection({2, 1}, {last, 1});
         form->Entry("uHtmlFragmentEditor")->trigger();
-        EditHtmlWbF& tool = InstanceOf<EditHtmlWbF>();
+        auto& tool = InstanceOf<EditHtmlWbF>();
         ASSERT_TRUE(HasKeyboard(tool));
         tool.ValidateSelectionB->setChecked(true);
         Click(tool.RefreshB);
@@ -163,7 +163,7 @@ TEST_F(RealBookTools, ATagAroundLinesIsInsertedAndReverted)
         const int middle = Document().lineCount() / 2;
         Document().setSelection({middle, 1}, {middle + 2, 1});
         form->Entry("uInsertTags")->trigger();
-        FbTagListF& tool = InstanceOf<FbTagListF>();
+        auto& tool = InstanceOf<FbTagListF>();
         ASSERT_TRUE(HasKeyboard(tool));
         tool.CloseTagsB->setChecked(true);
         tool.TagListL->setCurrentRow(7);

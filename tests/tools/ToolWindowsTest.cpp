@@ -96,7 +96,7 @@ TEST_F(ToolWindows, EscapeClosesEachAndTheEntryOpensItAgain)
     check(OpenBy<FbTagListF>("uInsertTags"), "uInsertTags");
     check(OpenBy<SpecialCharactersF>("uInsertSpecialSymbols"), "uInsertSpecialSymbols");
     check(OpenBy<SpecialCharactersF>("Ed6_InsertSpecialSymbols"), "Ed6_InsertSpecialSymbols");
-    EditHtmlWbF& editor = OpenBy<EditHtmlWbF>("uHtmlFragmentEditor");
+    auto& editor = OpenBy<EditHtmlWbF>("uHtmlFragmentEditor");
     editor.HtmlEditor->setFocus();
     check(editor, "uHtmlFragmentEditor");
     check(OpenBy<VMKAboutF>("uAbout"), "uAbout");
@@ -138,7 +138,7 @@ TEST_F(ToolWindows, EveryControlHasANameForScreenReaders)
 TEST_F(ToolWindows, AnInLineTagIsAddedByButtonAndByEnter)
 {
     Open();
-    InLineTagsF& tool = OpenBy<InLineTagsF>("uInLineTags");
+    auto& tool = OpenBy<InLineTagsF>("uInLineTags");
     EXPECT_EQ(tool.InLineListL->count(), 14);
     EXPECT_FALSE(tool.AddTextT->isEnabled());
     Click(tool.AddB);
@@ -169,7 +169,7 @@ TEST_F(ToolWindows, AnInLineTagIsAddedByButtonAndByEnter)
 TEST_F(ToolWindows, ClosingInAnotherWayDropsTheChangesButNotTheDefault)
 {
     Open();
-    InLineTagsF& tool = OpenBy<InLineTagsF>("uInLineTags");
+    auto& tool = OpenBy<InLineTagsF>("uInLineTags");
     ClickRow(*tool.InLineListL, 0);
     Click(tool.RemoveB);
     EXPECT_EQ(tool.InLineListL->count(), 13);
@@ -193,7 +193,7 @@ TEST_F(ToolWindows, ClosingInAnotherWayDropsTheChangesButNotTheDefault)
 TEST_F(ToolWindows, AnEmptyInLineListLeavesNoFile)
 {
     Open();
-    InLineTagsF& tool = OpenBy<InLineTagsF>("uInLineTags");
+    auto& tool = OpenBy<InLineTagsF>("uInLineTags");
     tool.InLineListL->selectAll();
     Click(tool.RemoveB);
     Click(tool.DoneB);
@@ -206,7 +206,7 @@ TEST_F(ToolWindows, AnEmptyInLineListLeavesNoFile)
 TEST_F(ToolWindows, AnInLineListThatCannotBeWrittenStaysInItsWindow)
 {
     Open();
-    InLineTagsF& tool = OpenBy<InLineTagsF>("uInLineTags");
+    auto& tool = OpenBy<InLineTagsF>("uInLineTags");
     FileOperation(DeleteFileMode, InLineTagsFile);
     MakeFolder(InLineTagsFile);
     ClickRow(*tool.InLineListL, 0);
@@ -221,7 +221,7 @@ TEST_F(ToolWindows, AnInLineListThatCannotBeWrittenStaysInItsWindow)
 TEST_F(ToolWindows, AClickBelowTheInLineTagsEndsTheInput)
 {
     Open();
-    InLineTagsF& tool = OpenBy<InLineTagsF>("uInLineTags");
+    auto& tool = OpenBy<InLineTagsF>("uInLineTags");
     tool.InLineListL->clear();
     Click(tool.AddB);
     EXPECT_TRUE(tool.AddTextT->isEnabled());
@@ -232,7 +232,7 @@ TEST_F(ToolWindows, AClickBelowTheInLineTagsEndsTheInput)
 TEST_F(ToolWindows, TagsThatTheCodePageLacksAreKept)
 {
     Open();
-    InLineTagsF& tool = OpenBy<InLineTagsF>("uInLineTags");
+    auto& tool = OpenBy<InLineTagsF>("uInLineTags");
     Click(tool.AddB);
     tool.AddTextT->setText(u"日本"_s);
     Click(tool.AddB);
@@ -246,7 +246,7 @@ TEST_F(ToolWindows, TagsThatTheCodePageLacksAreKept)
 TEST_F(ToolWindows, TheTagListIsEditedAndWritten)
 {
     Open();
-    FbTagListF& tool = OpenBy<FbTagListF>("uInsertTags");
+    auto& tool = OpenBy<FbTagListF>("uInsertTags");
     EXPECT_EQ(Rows(*tool.TagListL), DefaultFbTags());
     EXPECT_TRUE(tool.InsertB->hasFocus());
     tool.AddTextT->setFocus();
@@ -276,7 +276,7 @@ TEST_F(ToolWindows, TheTagListIsEditedAndWritten)
 TEST_F(ToolWindows, ADoubleClickOrInsertInsertsTheTag)
 {
     OpenBook();
-    FbTagListF& tool = OpenBy<FbTagListF>("uInsertTags");
+    auto& tool = OpenBy<FbTagListF>("uInsertTags");
     Leave();
     SelectText(u"words"_s);
     Return(tool);
@@ -301,13 +301,13 @@ TEST_F(ToolWindows, WithoutABookNothingIsInserted)
 {
     Open();
     const QString before = page::innerText(Document());
-    FbTagListF& tags = OpenBy<FbTagListF>("uInsertTags");
+    auto& tags = OpenBy<FbTagListF>("uInsertTags");
     ClickRow(*tags.TagListL, 0, true);
-    SpecialCharactersF& symbols = OpenBy<SpecialCharactersF>("uInsertSpecialSymbols");
+    auto& symbols = OpenBy<SpecialCharactersF>("uInsertSpecialSymbols");
     Click(symbols.findChild<QPushButton*>(u"TM"_s));
     symbols.AsciiCodeT->setText(u"65"_s);
     Click(symbols.InsertAsciiB);
-    EditHtmlWbF& editor = OpenBy<EditHtmlWbF>("uHtmlFragmentEditor");
+    auto& editor = OpenBy<EditHtmlWbF>("uHtmlFragmentEditor");
     editor.HtmlEditor->document().typeText(u"text"_s);
     Click(editor.ApplyB);
     EXPECT_EQ(page::innerText(Document()), before);
@@ -318,7 +318,7 @@ TEST_F(ToolWindows, WithoutABookNothingIsInserted)
 TEST_F(ToolWindows, SymbolsAreInsertedIntoTheBook)
 {
     OpenBook();
-    SpecialCharactersF& tool = OpenBy<SpecialCharactersF>("uInsertSpecialSymbols");
+    auto& tool = OpenBy<SpecialCharactersF>("uInsertSpecialSymbols");
     const auto button
         = [&](const char* name) { return tool.findChild<QPushButton*>(QLatin1StringView(name)); };
     EXPECT_EQ(button("FrenchBrackets")->text(), u"« »"_s);
@@ -354,7 +354,7 @@ TEST_F(ToolWindows, EachActivationReadsTheSelectionAgain)
 {
     OpenBook();
     SelectText(u"words"_s);
-    EditHtmlWbF& tool = OpenBy<EditHtmlWbF>("uHtmlFragmentEditor");
+    auto& tool = OpenBy<EditHtmlWbF>("uHtmlFragmentEditor");
     EXPECT_EQ(FragmentText(tool.HtmlEditor->document()), u"words"_s);
     EXPECT_EQ(tool.FragmentFirstNode(), -1);
     tool.HtmlEditor->setFocus();
@@ -374,7 +374,7 @@ TEST_F(ToolWindows, AReturnFromADialogOrAnotherProgramKeepsTheText)
 {
     OpenBook();
     SelectText(u"words"_s);
-    EditHtmlWbF& tool = OpenBy<EditHtmlWbF>("uHtmlFragmentEditor");
+    auto& tool = OpenBy<EditHtmlWbF>("uHtmlFragmentEditor");
     tool.HtmlEditor->setFocus();
     ASSERT_TRUE(WaitFor([&] { return tool.HtmlEditor->isEditable(); }));
     QTest::keyClicks(tool.HtmlEditor, u"typed "_s);
@@ -401,7 +401,7 @@ TEST_F(ToolWindows, AnEditedLineIsWrittenBackToTheBook)
 {
     OpenBook();
     SelectText(u"words"_s);
-    EditHtmlWbF& tool = OpenBy<EditHtmlWbF>("uHtmlFragmentEditor");
+    auto& tool = OpenBy<EditHtmlWbF>("uHtmlFragmentEditor");
     tool.ValidateSelectionB->setChecked(true);
     Click(tool.RefreshB);
     const QString source = FragmentText(tool.HtmlEditor->document());
@@ -432,7 +432,7 @@ TEST_F(ToolWindows, AClickShowsTheCodesOfTheCharacter)
 {
     OpenBook();
     SelectText(u"words"_s);
-    EditHtmlWbF& tool = OpenBy<EditHtmlWbF>("uHtmlFragmentEditor");
+    auto& tool = OpenBy<EditHtmlWbF>("uHtmlFragmentEditor");
     ShowFragment(tool.HtmlEditor->document(), u"яB\r\nC"_s);
     const auto clickAt = [&](Position at) {
         const std::vector<QRect> rects
@@ -453,7 +453,7 @@ TEST_F(ToolWindows, FontFindAndHelpChangeNothing)
 {
     OpenBook();
     SelectText(u"words"_s);
-    EditHtmlWbF& tool = OpenBy<EditHtmlWbF>("uHtmlFragmentEditor");
+    auto& tool = OpenBy<EditHtmlWbF>("uHtmlFragmentEditor");
     int asked = 0;
     const SeamGuard font(FontDialogSeam(), [&](const FontDialogRequest& request) {
         ++asked;
@@ -477,7 +477,7 @@ TEST_F(ToolWindows, ThePaintedPageShowsTheSourceOfTheSelection)
 {
     OpenBook();
     SelectText(u"line"_s);
-    EditHtmlWbF& tool = OpenBy<EditHtmlWbF>("uHtmlFragmentEditor");
+    auto& tool = OpenBy<EditHtmlWbF>("uHtmlFragmentEditor");
     tool.ValidateSelectionB->setChecked(true);
     tool.PaintSelectionSource();
     EXPECT_TRUE(page::innerText(tool.HtmlEditor->document()).startsWith(u"<DIV style="_s));
@@ -489,7 +489,7 @@ TEST_F(ToolWindows, ThePaintedPageShowsTheSourceOfTheSelection)
 TEST_F(ToolWindows, AboutShowsNameVersionAndLicenceAndClosesOnAClick)
 {
     Open();
-    VMKAboutF& tool = OpenBy<VMKAboutF>("uAbout");
+    auto& tool = OpenBy<VMKAboutF>("uAbout");
     QStringList texts;
     for (const QLabel* label : tool.findChildren<QLabel*>())
         texts.append(label->text());

@@ -60,7 +60,7 @@ QIcon Swatch(const QColor& color, const QSize& size, const QColor& border)
     QPainter painter(&pixmap);
     painter.setPen(border);
     painter.drawRect(QRect(QPoint(), size).adjusted(0, 0, -1, -1));
-    return QIcon(pixmap);
+    return {pixmap};
 }
 
 } // namespace

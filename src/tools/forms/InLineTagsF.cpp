@@ -8,6 +8,7 @@
 #include "TagListLayout.h"
 #include "TreeLines.h"
 
+#include <QEvent>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>

@@ -29,6 +29,11 @@ void PictureView::Show(const QImage& newPicture, const QString& newMessage)
 
 QSize PictureView::sizeHint() const
 {
+    return contentSize();
+}
+
+QSize PictureView::contentSize() const
+{
     if (!image.isNull())
         return image.deviceIndependentSize().toSize().expandedTo({1, 1});
     const QRect area = fontMetrics().boundingRect(QRect(0, 0, TextWidth, 0), Qt::TextWordWrap, text);
@@ -41,7 +46,7 @@ void PictureView::fit()
     // The device pixels of each pixel of the picture, in each direction.
     const qreal devicePixels = std::max(1.0, std::floor(fittedRatio));
     image.setDevicePixelRatio(fittedRatio / devicePixels);
-    resize(sizeHint());
+    resize(contentSize());
     updateGeometry();
 }
 

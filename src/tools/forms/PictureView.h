@@ -28,6 +28,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    [[nodiscard]] QSize contentSize() const;
     /// Adapts the size of the widget to the picture and the screen.
     void fit();
 

@@ -12,6 +12,8 @@
 #include <QProcess>
 #include <QPushButton>
 
+#include <gmock/gmock.h>
+
 namespace vmk {
 
 void PrintTo(const CleanUpRow& row, std::ostream* out)
@@ -34,9 +36,12 @@ protected:
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         qunsetenv("VELLUMARK_CODEPAGE");
     }
+
+public:
     BookCleaner(const BookCleaner&) = delete;
     BookCleaner& operator=(const BookCleaner&) = delete;
 
+protected:
     CleanUpF& OpenCleaner()
     {
         form->Entry("uBookCleaner")->trigger();
@@ -85,7 +90,7 @@ protected:
     QString MakeTable(const QString& name, const std::vector<CleanUpRow>& rows,
                       const QString& where = u"whole book"_s) const
     {
-        const QString path = UserCleanUpFolder + u'/' + name;
+        QString path = UserCleanUpFolder + u'/' + name;
         EXPECT_TRUE(WriteFileText(path, CleanUpFileBytes({where, rows})));
         return path;
     }
