@@ -49,7 +49,7 @@ QString CountsReport(const SearchState& state)
 
 QString FinishedReport(SearchState& state)
 {
-    const QString report = u"Search finished. "_s + CountsReport(state);
+    QString report = u"Search finished. "_s + CountsReport(state);
     state.FoundCount = state.ReplacedCount = 0;
     return report;
 }

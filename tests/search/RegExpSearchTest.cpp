@@ -66,6 +66,29 @@ TEST_F(RegExpSearch, AnEmptyMatchIsNone)
     EXPECT_FALSE(findRegExp(u"  "_s));
 }
 
+TEST_F(RegExpSearch, AnEmptyMatchAdvancesByOneCharacter)
+{
+    state.RegExpChunkText = u"abc"_s;
+    EXPECT_EQ(RegExpFirstMatch(state, u"x*"_s, true), u""_s);
+    EXPECT_EQ(state.RegExpChunkText, u"bc"_s);
+    EXPECT_EQ(RegExpFirstMatch(state, u"b"_s, true), u"b"_s);
+    EXPECT_EQ(state.RegExpChunkText, u"c"_s);
+    EXPECT_EQ(RegExpFirstMatch(state, u"c"_s, true), u"c"_s);
+    EXPECT_TRUE(state.RegExpChunkText.isEmpty());
+}
+
+TEST_F(RegExpSearch, ATextFoundInALaterChunkHidesNoMatchOfThatChunk)
+{
+    // The entity of the first chunk is found as text near the end of the second one; the "q" after it in the
+    // first chunk is then not found, but the "q" at the start of the second chunk is.
+    const QString filler = u"word "_s.repeated(9'998);
+    show(u"<DIV>&amp;x q "_s + filler + u" q "_s + filler + u"&amp;amp;x</DIV>"_s);
+    EXPECT_EQ(replaceAllRegExp(u"&amp;x|q"_s, u"Z"_s), 2);
+    EXPECT_TRUE(document.line(0).text.startsWith(u"&x q"_s));
+    EXPECT_TRUE(document.line(0).text.contains(u" Z "_s));
+    EXPECT_TRUE(document.line(0).text.endsWith(u" Z"_s));
+}
+
 TEST_F(RegExpSearch, ABadPatternFindsNothing)
 {
     show(u"<DIV>abc(</DIV>"_s);

@@ -31,7 +31,7 @@ TEST(BookWords, TextAndAttributeValuesAreReadAndNamesAreNot)
               QStringList({u"1:11:some"_s, u"1:17:one"_s, u"2:5:two"_s}));
 }
 
-TEST(BookWords, NamesAreReadOnRequestInTheirPlaces)
+TEST(BookWords, NamesAreReadOnRequestInTheOrderOfTheFile)
 {
     EXPECT_EQ(WordsOf(u"<p style='some'>one</p>"_s, BookMarkup::Include),
               QStringList({u"1:2:p"_s, u"1:4:style"_s, u"1:11:some"_s, u"1:17:one"_s, u"1:22:p"_s}));
@@ -78,7 +78,7 @@ TEST(BookWords, AnyTextIsReadToItsEnd)
     }
 }
 
-TEST(BookWords, BytesAreDecodedByMarkDeclarationOrLooks)
+TEST(BookWords, BytesAreDecodedByMarkDeclarationOrContent)
 {
     EXPECT_EQ(DecodeBook("<?xml version=\"1.0\" encoding=\"windows-1251\"?><p>\xf1\xeb</p>"),
               u"<?xml version=\"1.0\" encoding=\"windows-1251\"?><p>сл</p>"_s);
@@ -88,7 +88,7 @@ TEST(BookWords, BytesAreDecodedByMarkDeclarationOrLooks)
     EXPECT_EQ(DecodeBook(""), QString());
 }
 
-TEST(BookLanguage, TheFirstLanguageInFrontOfTheBodyCounts)
+TEST(BookLanguage, TheFirstLanguageBeforeTheBodyIsUsed)
 {
     EXPECT_EQ(BookLanguage(u"<lang>ru</lang><src-lang>en</src-lang><lang>de</lang>"), u"ru"_s);
     EXPECT_EQ(BookLanguage(u"<language>x</language><lang id=\"a\"> en-GB\n</lang>"), u"en-GB"_s);

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 namespace vmk {
 namespace {
 
@@ -70,6 +72,23 @@ TEST_F(CustomWordsTest, AMissingFileIsAnEmptyDictionary)
 
 TEST_F(CustomWordsTest, AFileThatCannotBeReadIsNotOverwritten)
 {
+    workplace.Make(u"CustomDictionary.dat"_s, "kept\r\n");
+    const QByteArray name = file.toUtf8();
+    ASSERT_EQ(::chmod(workplace.Path(QString()).toUtf8().constData(), 0777), 0);
+    ASSERT_EQ(::chmod(name.constData(), 0), 0);
+    {
+        const PlainUser user;
+        dictionary.LoadCustomWords(file);
+        dictionary.AddWord(u"word"_s);
+        dictionary.SaveCustomWords(file);
+    }
+    ASSERT_EQ(::chmod(name.constData(), 0600), 0);
+    EXPECT_EQ(content(), "kept\r\n");
+    EXPECT_TRUE(dictionary.IsCustomWord(u"word"_s));
+}
+
+TEST_F(CustomWordsTest, AFolderWithTheNameOfTheFileIsKept)
+{
     workplace.MakeFolders(u"CustomDictionary.dat"_s);
     dictionary.LoadCustomWords(file);
     dictionary.AddWord(u"word"_s);
@@ -78,7 +97,7 @@ TEST_F(CustomWordsTest, AFileThatCannotBeReadIsNotOverwritten)
     EXPECT_TRUE(dictionary.IsCustomWord(u"word"_s));
 }
 
-TEST_F(CustomWordsTest, AWordIsComparedTrimmedAndWithItsCase)
+TEST_F(CustomWordsTest, AWordIsComparedTrimmedAndCaseSensitively)
 {
     dictionary.AddWord(u" Word "_s);
     EXPECT_TRUE(dictionary.IsCustomWord(u"Word"_s));
@@ -111,7 +130,7 @@ TEST_F(CustomWordsTest, RemovalKeepsTheCountAndTheNextWordFollowsAGap)
     EXPECT_EQ(again.CustomWords, QStringList({u"a"_s, u"d"_s, u"e"_s}));
 }
 
-TEST_F(CustomWordsTest, ClearingLeavesTheEntriesUntilTheNextWord)
+TEST_F(CustomWordsTest, ClearingKeepsTheEntriesUntilTheNextWord)
 {
     dictionary.AddWord(u"a"_s);
     dictionary.AddWord(u"b"_s);

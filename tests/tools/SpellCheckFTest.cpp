@@ -13,7 +13,7 @@
 
 #include <gtest/gtest.h>
 
-/// The spell check's window over the real main window, with keys and mouse.
+/// The window of the spell check over the real main window, with keys and mouse.
 namespace vmk {
 namespace {
 
@@ -40,7 +40,6 @@ protected:
         ASSERT_TRUE(WaitFor([this] { return !spell->Check().SearchAreaText.isEmpty(); }));
     }
     void press(QPushButton* button) { QTest::mouseClick(button, Qt::LeftButton); }
-    /// Starts, and goes over the tag in front of the text.
     void start() { press(spell->StartB); }
     bool waitForSuggestions()
     {
@@ -100,7 +99,7 @@ TEST_F(SpellCheckFTest, AHitShowsWordSuggestionsAndReport)
     EXPECT_FALSE(spell->StartB->isEnabled());
 }
 
-TEST_F(SpellCheckFTest, ReplaceWaitsForTheSuggestionsAndGoesOn)
+TEST_F(SpellCheckFTest, ReplaceWaitsForTheSuggestionsAndContinues)
 {
     openBook("one boook titlle");
     openForm();
@@ -115,7 +114,7 @@ TEST_F(SpellCheckFTest, ReplaceWaitsForTheSuggestionsAndGoesOn)
     EXPECT_GE(FindLine(u"one boook titlle"_s), 0);
 }
 
-TEST_F(SpellCheckFTest, KeysLeadThroughAWholeCheck)
+TEST_F(SpellCheckFTest, AWholeCheckIsPossibleWithKeys)
 {
     openBook("one boook titlle слвоо");
     openForm();
@@ -177,7 +176,7 @@ TEST_F(SpellCheckFTest, AWordWithoutSuggestionsSaysSo)
     EXPECT_TRUE(spell->txtReplaceWith->text().isEmpty());
 }
 
-TEST_F(SpellCheckFTest, AnActivationStartsAfreshUnlessSkipped)
+TEST_F(SpellCheckFTest, AnActivationResetsTheAreaUnlessSkipped)
 {
     openBook("one boook two");
     openForm();
@@ -256,6 +255,38 @@ TEST_F(SpellCheckFTest, AddStoresTheFoundWord)
     press(spell->Add);
     EXPECT_EQ(customFile(), "boook\r\n");
     EXPECT_EQ(spell->txtWord->text(), u"titlle"_s);
+}
+
+TEST_F(SpellCheckFTest, ClosingInTheMiddleKeepsTheReplacements)
+{
+    openBook("one boook titlle");
+    openForm();
+    PutCaret(PlaceOf(u"one"_s));
+    start();
+    press(spell->ReplaceB);
+    EXPECT_EQ(spell->txtWord->text(), u"titlle"_s);
+    QTest::keyClick(spell->txtWord, Qt::Key_Escape);
+    EXPECT_FALSE(SpellCheckF::Instance());
+    EXPECT_GE(FindLine(u"one book titlle"_s), 0);
+    EXPECT_FALSE(BookUnchanged);
+    UndoEdit();
+    EXPECT_GE(FindLine(u"one boook titlle"_s), 0);
+}
+
+TEST_F(SpellCheckFTest, TheWindowMovesOffTheHit)
+{
+    openBook("one boook titlle");
+    openForm();
+    PutCaret(PlaceOf(u"one"_s));
+    const TextRange line = page::createRange(Document());
+    const QPoint text = View().viewport()->mapToGlobal(QPoint(line.boundingLeft(), line.offsetTop()));
+    spell->move(text - QPoint(40, 20));
+    start();
+    EXPECT_EQ(SelectedText(), u"boook"_s);
+    const TextRange hit = page::createRange(Document());
+    const QRect shown(View().viewport()->mapToGlobal(QPoint(hit.boundingLeft(), hit.offsetTop())),
+                      QSize(hit.boundingWidth(), hit.boundingHeight()));
+    EXPECT_FALSE(spell->frameGeometry().intersects(shown));
 }
 
 TEST_F(SpellCheckFTest, CancelReportsAndClosingEmptiesTheSelection)

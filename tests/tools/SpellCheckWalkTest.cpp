@@ -19,7 +19,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// A walk over a document of lines, with its window's calls written down.
+/// A walk over a document of lines, which records the calls to its window.
 class SpellCheckWalkTest : public testing::Test, protected SpellCheckWindow
 {
 protected:
@@ -169,7 +169,7 @@ TEST_F(SpellCheckWalkTest, AChunkWithoutErrorsMovesOnWithoutAnotherReport)
     EXPECT_EQ(reports.size(), 5);
 }
 
-TEST_F(SpellCheckWalkTest, TheLimitOfAChunkPartsNoCompound)
+TEST_F(SpellCheckWalkTest, TheLimitOfAChunkDividesNoCompound)
 {
     for (int before = 190; before < 202; ++before) {
         load({u"one "_s.repeated(before) + u"красно-белый don’t слово-слово ok"_s});
@@ -204,7 +204,7 @@ TEST_F(SpellCheckWalkTest, AnEmptyReplacementDeletesTheWord)
     EXPECT_EQ(text(), u"one  two"_s);
 }
 
-TEST_F(SpellCheckWalkTest, ABlankAtTheEndOfTheRangeStays)
+TEST_F(SpellCheckWalkTest, ABlankAtTheEndOfTheRangeIsKept)
 {
     load({u"one teh two"_s});
     start();
@@ -223,13 +223,13 @@ TEST_F(SpellCheckWalkTest, AReplacementKeepsTagsAndMarks)
     EXPECT_TRUE(QString::fromUtf8(document.savePage()).contains(u"one <B>three</B> two<SPAN class=t>"_s));
 }
 
-TEST_F(SpellCheckWalkTest, TheSameWordComesAgainAfterItWasIgnored)
+TEST_F(SpellCheckWalkTest, TheSameWordIsFoundAgainAfterItWasIgnored)
 {
     load({u"aaaa one aaaa"_s});
     EXPECT_EQ(ignoreAll(), QStringList({u"aaaa"_s, u"aaaa"_s}));
 }
 
-TEST_F(SpellCheckWalkTest, AWordOfTheCustomDictionaryIsPassedOverInItsOwnCase)
+TEST_F(SpellCheckWalkTest, AWordOfTheCustomDictionaryIsSkippedInItsCaseOnly)
 {
     walk.Custom.AddWord(u"aaaa"_s);
     walk.Custom.AddWord(u"bb-cc"_s);
@@ -238,7 +238,7 @@ TEST_F(SpellCheckWalkTest, AWordOfTheCustomDictionaryIsPassedOverInItsOwnCase)
     EXPECT_EQ(walk.WordsFound, 2);
 }
 
-TEST_F(SpellCheckWalkTest, AddingWritesTheFileAtOnceAndGoesOn)
+TEST_F(SpellCheckWalkTest, AddingWritesTheFileAtOnceAndContinues)
 {
     load({u"aaaa one aaaa bbbb"_s});
     start();
@@ -248,7 +248,7 @@ TEST_F(SpellCheckWalkTest, AddingWritesTheFileAtOnceAndGoesOn)
     EXPECT_EQ(text(), u"aaaa one aaaa bbbb"_s);
 }
 
-TEST_F(SpellCheckWalkTest, AddingBlanksWritesTheFileUnchangedAndGoesOn)
+TEST_F(SpellCheckWalkTest, AddingBlanksWritesTheFileUnchangedAndContinues)
 {
     load({u"aaaa bbbb"_s});
     start();
@@ -259,7 +259,7 @@ TEST_F(SpellCheckWalkTest, AddingBlanksWritesTheFileUnchangedAndGoesOn)
     EXPECT_EQ(selected(), u"bbbb"_s);
 }
 
-TEST_F(SpellCheckWalkTest, WithoutAnyDictionaryABoxSaysSoAndTheWindowGoes)
+TEST_F(SpellCheckWalkTest, WithoutAnyDictionaryABoxIsShownAndTheWindowCloses)
 {
     for (const char16_t* name : {u"ru_RU.dic", u"en_US.dic", u"de_DE.dic"})
         QFile::remove(dictionaries.folder.Path(QString::fromUtf16(name)));
@@ -281,7 +281,7 @@ TEST_F(SpellCheckWalkTest, TheLanguageIsTheOneThatTheDisplayShows)
     EXPECT_EQ(ignoreAll(), QStringList({u"Buch"_s}));
 }
 
-TEST_F(SpellCheckWalkTest, TheActivationTakesTheSelectionOrTheWholeText)
+TEST_F(SpellCheckWalkTest, TheActivationSetsTheAreaToTheSelectionOrTheWholeText)
 {
     load({u"one two"_s});
     walk.TakeArea(document);
@@ -304,7 +304,7 @@ TEST_F(SpellCheckWalkTest, WithoutAHitTheBookIsNotReplaced)
     EXPECT_TRUE(BookUnchanged);
 }
 
-TEST_F(SpellCheckWalkTest, GoingOnWithoutACheckFinishes)
+TEST_F(SpellCheckWalkTest, ContinuingWithoutACheckFinishes)
 {
     load({u"aaaa"_s});
     walk.Continue();
@@ -323,7 +323,7 @@ TEST_F(SpellCheckWalkTest, AnotherPageEndsTheCheck)
     EXPECT_EQ(text(), u"cccc"_s);
 }
 
-TEST_F(SpellCheckWalkTest, TextDeletedAtAHitDoesNoHarm)
+TEST_F(SpellCheckWalkTest, TextCanBeDeletedAtAHit)
 {
     load({u"aaaa bbbb cccc"_s});
     start();

@@ -56,7 +56,7 @@ TEST(SpellDictionaries, TheBooksLanguageThenTheUsersDecidesTheMainDictionary)
     EXPECT_TRUE(SpellDictionaries(installed, u"cs"_s, u"C"_s).main().empty());
 }
 
-TEST(SpellDictionaries, TheVarietyAskedForComesFirst)
+TEST(SpellDictionaries, TheRequestedVarietyIsFirst)
 {
     const auto installed = Installed({u"en_AU"_s, u"en_GB"_s, u"en_US"_s});
     EXPECT_EQ(Names(SpellDictionaries(installed, u"en"_s, u"C"_s).main()).first(), u"en_US"_s);
@@ -78,7 +78,7 @@ TEST(SpellDictionaries, AnotherScriptHasItsUsualLanguage)
     EXPECT_TRUE(russian.ofScript(QChar::Script_Greek).empty());
 }
 
-TEST_F(SpellCheckerTest, AWordIsJudgedByTheDictionaryOfItsScript)
+TEST_F(SpellCheckerTest, AWordIsCheckedByTheDictionaryOfItsScript)
 {
     choose(u"ru"_s);
     EXPECT_FALSE(checker.isSuspicious(u"слово"));
@@ -135,7 +135,7 @@ TEST_F(SpellCheckerTest, ComposedAndDecomposedLettersAreTheSame)
     EXPECT_FALSE(checker.isSuspicious(u"е\u0308ж"));
 }
 
-TEST_F(SpellCheckerTest, YoAndYeAreAsTheDictionaryHasThem)
+TEST_F(SpellCheckerTest, YoAndYeAreAsInTheDictionary)
 {
     choose(u"ru"_s);
     EXPECT_FALSE(checker.isSuspicious(u"ёж"));
@@ -150,7 +150,7 @@ TEST_F(SpellCheckerTest, AWordOfAMegabyteIsSuspicious)
     EXPECT_TRUE(checker.suggestions(QString(1 << 20, u'а')).isEmpty());
 }
 
-TEST_F(SpellCheckerTest, ADamagedDictionaryGivesWayToTheNextAndIsNamed)
+TEST_F(SpellCheckerTest, ADamagedDictionaryIsReportedAndTheNextIsUsed)
 {
     dictionaries.folder.Make(u"ru_RU.dic"_s, "no number\n");
     dictionaries.make("ru_UA", "слово");
@@ -174,7 +174,7 @@ TEST_F(SpellCheckerTest, WithoutADictionaryThereIsNone)
     EXPECT_FALSE(second.hasDictionary());
 }
 
-TEST_F(SpellCheckerTest, SuggestionsAreInTheMannerOfTheText)
+TEST_F(SpellCheckerTest, SuggestionsHaveTheApostropheOfTheText)
 {
     choose(u"en"_s);
     EXPECT_EQ(checker.suggestions(u"dont").value(0), u"don't"_s);
@@ -182,7 +182,7 @@ TEST_F(SpellCheckerTest, SuggestionsAreInTheMannerOfTheText)
     EXPECT_EQ(checker.suggestions(u"bo\u00ADoks").value(0), u"book"_s);
 }
 
-TEST(NearWords, OneSlipAwayInTheOrderOfLikelihood)
+TEST(NearWords, WordsWithOneTypingErrorAreInTheOrderOfLikelihood)
 {
     const QStringList right = {u"form"_s, u"from"_s, u"fro"_s, u"farm"_s, u"forms"_s};
     const auto isRight = [&](const QString& word) { return right.contains(word); };
@@ -197,7 +197,7 @@ TEST(NearWords, OneSlipAwayInTheOrderOfLikelihood)
     EXPECT_TRUE(NearWords(u""_s, u"ab"_s, isRight, always).isEmpty());
 }
 
-TEST(NearWords, TheSearchEndsWhenItMayNotGoOn)
+TEST(NearWords, TheSearchEndsOnRequest)
 {
     int asked = 0;
     const auto twice = [&] { return ++asked <= 2; };
@@ -207,7 +207,7 @@ TEST(NearWords, TheSearchEndsWhenItMayNotGoOn)
     EXPECT_EQ(judged, 2);
 }
 
-TEST_F(SpellCheckerTest, TheWorkerFindsSuggestionsAndTellsOfThem)
+TEST_F(SpellCheckerTest, TheWorkerReportsItsSuggestions)
 {
     std::atomic<int> told = 0;
     SuggestionWorker worker([&](const QString&) { ++told; });
@@ -227,7 +227,7 @@ TEST_F(SpellCheckerTest, TheWorkerFindsSuggestionsAndTellsOfThem)
     EXPECT_TRUE(worker.found(u"boook"_s).words.isEmpty());
 }
 
-TEST_F(SpellCheckerTest, AWorkerMayGoAwayAtAnyTime)
+TEST_F(SpellCheckerTest, AWorkerCanBeDestroyedAtAnyTime)
 {
     const SpellDictionaries chosen(InstalledDictionaries(DictionaryFolders()), u"en"_s, u"C"_s);
     for (int i = 0; i < 20; ++i) {

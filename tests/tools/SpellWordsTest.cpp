@@ -33,7 +33,7 @@ TEST(SpellWords, LettersWithInnerApostrophesAndHyphensAreOneWord)
               QStringList({u"don't"_s, u"кое-как"_s, u"l’homme"_s, u"по‑русски"_s}));
 }
 
-TEST(SpellWords, OuterAndDoubleSignsPartWords)
+TEST(SpellWords, OuterAndDoubleSignsSeparateWords)
 {
     EXPECT_EQ(WordsOf(u"'one' -two- three--four five''six"_s),
               QStringList({u"one"_s, u"two"_s, u"three"_s, u"four"_s, u"five"_s, u"six"_s}));
@@ -68,7 +68,7 @@ TEST(SpellWords, AddressesAndPathsAreSkipped)
         QStringList({u"in"_s, u"and"_s}) + QStringList());
 }
 
-TEST(SpellWords, WhatOnlyLooksLikeAPathIsRead)
+TEST(SpellWords, TextThatOnlyResemblesAPathIsRead)
 {
     EXPECT_EQ(WordsOf(u"и/или слово.Слово end.Next </emphasis> image/png да/нет/либо"_s),
               QStringList({u"и"_s, u"или"_s, u"слово"_s, u"Слово"_s, u"end"_s, u"Next"_s, u"emphasis"_s,
@@ -91,7 +91,7 @@ TEST(SpellWords, AScriptWithoutBlanksSeparatesWords)
     EXPECT_EQ(WordsOf(u"\u0441at"_s), QStringList{u"\u0441at"_s});
 }
 
-TEST(SpellWords, ATextOfLoneSurrogatesHoldsNoWord)
+TEST(SpellWords, ATextOfLoneSurrogatesContainsNoWord)
 {
     EXPECT_EQ(WordsOf(QString(1000, QChar(0xD800))), QStringList());
     EXPECT_EQ(WordsOf(QString(1000, QChar(0xDC00))), QStringList());
@@ -120,7 +120,7 @@ TEST(SpellWords, TheEndOfAPieceInsideAWordIsKnown)
         EXPECT_FALSE(IsInsideSpellWord(text, position)) << position;
 }
 
-TEST(SpellWords, WordsAreInOrderAndInsideTheTextWhateverItHolds)
+TEST(SpellWords, WordsOfAnyTextAreInOrderAndInsideTheText)
 {
     std::minstd_rand random(7);
     const QString alphabet = u"aяЯ'-\u2019\u00AD\u0301 1./\\@:<>\"wW~_"_s + QChar(0xD800) + QChar(0xDC00);

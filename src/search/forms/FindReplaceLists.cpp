@@ -160,7 +160,7 @@ QString FindReplaceWbF::MainSelectionText(bool insert)
         BeginSearch(false);
         return {};
     }
-    const QString text = width > 0 ? selection.text() : QString();
+    QString text = width > 0 ? selection.text() : QString();
     if (text.isEmpty() || text.size() > MostTaken)
         return {};
     if (insert)
