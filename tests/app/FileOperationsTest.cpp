@@ -275,6 +275,21 @@ TEST_F(FileOperations, MovesTheFilesOfAPattern)
     EXPECT_EQ(place.Names(u"target"_s), (QStringList{u"a1"_s, u"a2"_s}));
 }
 
+TEST_F(FileOperations, APatternOfWhichOneFileCannotBeMovedReturnsNothing)
+{
+    // Whichever of the files it is, the others are moved.
+    for (const QString& blocked : {u"a1"_s, u"a2"_s, u"a3"_s}) {
+        for (const QString& name : {u"a1"_s, u"a2"_s, u"a3"_s})
+            Make(name);
+        place.MakeFolders(u"target/"_s + blocked + u"/inner"_s);
+        EXPECT_EQ(FileOperation(MoveFileMode, Path(u"a*"_s), Path(u"target"_s)), QString())
+            << blocked.toStdString();
+        EXPECT_EQ(place.Names(), (QStringList{blocked, u"target"_s}));
+        FileOperation(DeleteFolderMode, Path(u"target"_s));
+        FileOperation(DeleteFileMode, Path(blocked));
+    }
+}
+
 TEST_F(FileOperations, MovingALinkOntoItsFileKeepsTheContent)
 {
     Make(u"a"_s, "kept");

@@ -472,6 +472,48 @@ TEST_F(Conversion, AFailedWriteIsReportedEvenWhenQuiet)
     EXPECT_EQ(statuses.last(), u"cannot save file: /nowhere/book.fb2"_s);
 }
 
+TEST_F(Conversion, TheBinariesOfAUnicodeBookAreUtf8)
+{
+    std::string book("\xff\xfe", 2);
+    for (const char c :
+         std::string("<?xml version=\"1.0\"?><FictionBook><p>a\nb</p><binary id=\"x\">AA==</binary>"
+                     "</FictionBook>"))
+        book += {c, '\0'};
+    for (const bool keeps : {true, false}) {
+        const SeamGuard answer(LossSeam(), [keeps](const BookLosses&) { return keeps; });
+        BinaryCodePage = CodePageCyrillic;
+        std::string text = book;
+        EXPECT_TRUE(ConvertBookToDisplay(text, false));
+        EXPECT_EQ(WorkCodePage, CodePageUtf16);
+        EXPECT_EQ(BinaryCodePage, CodePageUtf8) << keeps;
+    }
+    BinaryPart.clear();
+}
+
+TEST_F(Conversion, ATreeOfMostlyTabsIsNotSaved)
+{
+    // Many lines at a great depth: each has a tab for each level.
+    const auto deepLines = [](int count) {
+        constexpr int Depth = 4'000;
+        std::string text;
+        for (int i = 0; i < Depth; ++i)
+            text += "<a>";
+        for (int i = 0; i < count; ++i)
+            text += "<b/>";
+        for (int i = 0; i < Depth; ++i)
+            text += "</a>";
+        return text;
+    };
+    SaveLayout layout;
+    layout.declaration = Declaration;
+    layout.codePage = CodePageUtf8;
+    layout.style = LayoutStyle::TagsTree;
+    EXPECT_FALSE(FileOfText(deepLines(100), layout).treeSkipped);
+    const BookFile deep = FileOfText(deepLines(30'000), layout);
+    EXPECT_TRUE(deep.treeSkipped);
+    EXPECT_LT(deep.bytes.size(), 1'000'000U);
+}
+
 TEST_F(Conversion, IllegalSettingsOfTheOutputAreReset)
 {
     OutputStyle = u"spiral"_s;

@@ -3,6 +3,7 @@
 #include "BookGenerator.h"
 #include "ProgramRun.h"
 #include "SettingsRecord.h"
+#include "TestPaths.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,6 +13,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -312,6 +314,40 @@ TEST_F(Convert, AnyFileNameWillDo)
               "vmk: " + path("нет") + "\\n: file not found\n");
 }
 
+TEST_F(Convert, ASaveIsFlushedAndPrivateUntilItHasItsName)
+{
+    const std::string book = write("book.fb2", Book);
+    ASSERT_EQ(chmod(book.c_str(), 0600), 0);
+    const std::string trace = path("trace");
+    const std::string command = "strace -f -o '" + trace
+        + "' -e trace=openat,rename,fsync '" VMK_BIN_DIR "/vmk' convert '" + book + "' --out '" + book
+        + "' 2>/dev/null";
+    if (std::system("strace -o /dev/null true 2>/dev/null") != 0)
+        GTEST_SKIP() << "system calls cannot be watched here";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    std::ifstream file(trace);
+    std::string line;
+    std::vector<std::string> steps;
+    while (std::getline(file, line)) {
+        if (line.find(".vmk-") != std::string::npos && line.find("openat") != std::string::npos) {
+            EXPECT_NE(line.find("O_EXCL"), std::string::npos) << line;
+            EXPECT_NE(line.find(", 0600)"), std::string::npos) << line;
+            steps.push_back("create");
+        } else if (steps.empty()) {
+            continue; // what precedes the save of the book
+        } else if (line.find("O_DIRECTORY") != std::string::npos) {
+            steps.push_back("folder");
+        } else if (line.find("fsync(") != std::string::npos) {
+            steps.push_back("fsync");
+        } else if (line.find("rename(") != std::string::npos) {
+            steps.push_back("rename");
+        }
+    }
+    // The last one opens the folder to look for abandoned files.
+    EXPECT_EQ(steps, (std::vector<std::string>{"create", "fsync", "rename", "folder", "fsync", "folder"}));
+    EXPECT_EQ(static_cast<int>(std::filesystem::status(book).permissions()), 0600);
+}
+
 TEST_F(Convert, ANameThatIsNotUtf8WillDo)
 {
     const std::string book = write("\xea\xed\xe8\xe3\xe0.fb2", Book);
@@ -323,6 +359,9 @@ TEST_F(Convert, ANameThatIsNotUtf8WillDo)
     EXPECT_EQ(RunProgram("vmk", {"validate", path("\xed\xe5\xf2")}).errors,
               "vmk: " + path("\xed\xe5\xf2") + ": file not found\n");
     const std::string json = RunProgram("vmk", {"validate", "--json", out}).output;
+    // The temporary folder does not see such names.
+    std::filesystem::remove(book);
+    std::filesystem::remove(out);
     EXPECT_NE(json.find("\"book\":\"" + path("\xEF\xBF\xBD")), std::string::npos) << json;
 }
 

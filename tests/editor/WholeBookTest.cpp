@@ -447,6 +447,22 @@ TEST_F(WholeBook, TheCaretIsRightAfterAmpersandsToo)
     EXPECT_EQ(Document().selection().focus, PlaceOf(u"<q/>"_s));
 }
 
+TEST_F(WholeBook, AtAnUnclosedTagTheCaretIsWhereTheParserPoints)
+{
+    OpenBook();
+    PutCaret(PlaceOf(u"Third"_s));
+    Type(u"<b>"_s);
+    form->RunCommand(Command::Validate);
+    EXPECT_TRUE(Message().startsWith(u"Error against schema. "_s)) << Message().toStdString();
+    // After the "</" of the end tag that does not fit, in the line of the tag at fault.
+    const Position third = PlaceOf(u"Third"_s);
+    EXPECT_EQ(Document().selection().focus.line, third.line);
+    EXPECT_TRUE(Document().selection().isEmpty());
+    EXPECT_THAT((std::vector<int>{int(LineText(third.line).indexOf(u"<b>"_s)),
+                                  int(LineText(third.line).lastIndexOf(u"</p>"_s)) + 2}),
+                testing::Contains(Document().selection().focus.offset));
+}
+
 TEST_F(WholeBook, AnErrorOnTheFirstLineIsFound)
 {
     OpenBook();

@@ -375,6 +375,9 @@ TEST_F(Start, AnEncodingThatTheParserCannotReadIsAnError)
     text.replace("UTF-8", "x-klingon");
     place.Make(u"odd.fb2"_s, {text.constData(), size_t(text.size())});
     EXPECT_TRUE(ValidateFileQuietly(place.Path(u"odd.fb2"_s)));
+    // The book is loaded all the same.
+    EXPECT_TRUE(ValidateFromCommandLine(place.Path(u"odd.fb2"_s)));
+    EXPECT_EQ(events.last(), u"load "_s + place.Path(u"odd.fb2"_s) + u" opening"_s);
 }
 
 TEST_F(Start, AnEmptyOrUnreadableFileIsAnError)

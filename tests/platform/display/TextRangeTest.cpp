@@ -288,6 +288,32 @@ TEST_F(RangeMovement, EndPointsAreSetAndCompared)
     EXPECT_TRUE(a.isEqual(b));
 }
 
+TEST_F(RangeMovement, AStartBeyondTheEndTakesTheEndAlong)
+{
+    TextRange a = range(0, 0, 2);
+    const TextRange b = range(1, 1, 3);
+    a.setEndPoint(u"StartToStart", b);
+    EXPECT_TRUE(a.isEmpty());
+    EXPECT_EQ(a.start(), b.start());
+    EXPECT_EQ(a.end(), b.start());
+    TextRange c = range(1, 1, 3);
+    c.setEndPoint(u"EndToEnd", range(0, 0, 2));
+    EXPECT_TRUE(c.isEmpty());
+    EXPECT_EQ(c.start(), (Position{0, 2}));
+}
+
+TEST_F(RangeMovement, AHitNeverEndsInsideASurrogatePair)
+{
+    TextRange all = range(0, 0, 0);
+    all.setText(QStringLiteral("x\U0001F600y"));
+    TextRange search = page::createTextRange(document);
+    EXPECT_FALSE(search.findText(QStringLiteral("x") + QChar(0xd83d)));
+    search = page::createTextRange(document);
+    EXPECT_FALSE(search.findText(QChar(0xde00) + QStringLiteral("y")));
+    search = page::createTextRange(document);
+    EXPECT_TRUE(search.findText(QStringLiteral("x\U0001F600")));
+}
+
 TEST(Words, ADoubleClickAndTheUnitOfMovementAgreeAboutTheSoftHyphen)
 {
     DisplayDocument document;
