@@ -1,6 +1,7 @@
 #include "XmlSaxReader.h"
 
 #include "LibXml.h"
+#include "TextMask.h"
 #include "XmlReason.h"
 #include "XmlSchemaCache.h"
 #include "XmlValidation.h"
@@ -69,6 +70,9 @@ public:
 
     /// Returns the first error.
     XmlParseError run();
+    /// Returns true if a pass over the masked text finds no error, which is faster. Otherwise there may be
+    /// one.
+    bool isValidWithMask();
     /// Returns all errors of validity, and the first of any other kind.
     std::vector<XmlParseError> runToTheEnd();
 
@@ -116,6 +120,7 @@ private:
                                             std::vector<std::string>& values);
     [[nodiscard]] std::string_view startTagText() const;
     void characters(const xmlChar* piece, int length);
+    [[nodiscard]] std::string_view withoutMask(std::string_view piece);
     [[nodiscard]] bool sendToSchema(std::string_view piece);
     void cdata(std::string_view piece);
     void comment(std::string_view piece);
@@ -142,6 +147,7 @@ private:
     const XmlSchemaCache* schemas;
     xmlParserCtxtPtr context = nullptr;
     std::unique_ptr<Validation> validation;
+    std::optional<TextMask> mask;
     std::optional<Found> found; // the error that ends the pass
     bool continues = false; // after errors of validity
     std::vector<Found> invalid; // errors after which the pass has continued
@@ -163,6 +169,13 @@ XmlParseError Pass::run()
 {
     read();
     return found ? report(std::span(&*found, 1)).front() : XmlParseError();
+}
+
+bool Pass::isValidWithMask()
+{
+    mask.emplace();
+    read();
+    return !found && mask->usable();
 }
 
 std::vector<XmlParseError> Pass::runToTheEnd()
@@ -229,6 +242,12 @@ qsizetype Pass::readOn(char* out, qsizetype capacity)
         || context->nsMax > MostNamespaces * SlotsOfNamespace)
         fail(XmlTagTooLarge, Place::StartTag, "The tag has too many attributes");
     const qsizetype length = input.read(out, capacity);
+    if (mask) {
+        mask->forget(offset());
+        mask->apply(out, static_cast<size_t>(length));
+        if (!mask->usable())
+            return 0;
+    }
     constexpr int InternalSubset = 1;
     if (context->inSubset != InternalSubset)
         return length;
@@ -615,8 +634,30 @@ std::string_view Pass::startTagText() const
 
 void Pass::characters(const xmlChar* piece, int length)
 {
-    if (!found && (validation || handler != nullptr))
+    if (found || (!validation && handler == nullptr))
+        return;
+    if (mask)
+        text.append(withoutMask(View(piece, length)));
+    else
         text.append(View(piece, length));
+}
+
+/// Returns the original of a masked text. The parser passes the text of the stream from its own buffer, and
+/// copies only text that it changes.
+std::string_view Pass::withoutMask(std::string_view piece)
+{
+    if (piece.find(TextMask::Mask) == std::string_view::npos)
+        return piece;
+    const xmlParserInput& stream = *context->input;
+    const auto* start = reinterpret_cast<const xmlChar*>(piece.data());
+    if (context->inputNr == 1 && start >= stream.base && start + piece.size() <= stream.end) {
+        const std::string_view original
+            = mask->original(static_cast<qsizetype>(stream.consumed) + (start - stream.base), piece.size());
+        if (original.size() == piece.size())
+            return original;
+    }
+    fail(XmlNoParser, Place::Here, "The text cannot be read with a mask");
+    return {};
 }
 
 void Pass::flushText()
@@ -669,6 +710,9 @@ void Pass::processingInstruction(std::string_view target, std::string_view data)
 XmlParseError ReadXml(std::string_view bytes, XmlEncoding encoding, XmlSaxHandler* handler,
                       const XmlSchemaCache* schemas)
 {
+    // An error needs a pass over the text itself: its reason can quote the text.
+    if (handler == nullptr && Pass(bytes, encoding, nullptr, schemas).isValidWithMask())
+        return {};
     return Pass(bytes, encoding, handler, schemas).run();
 }
 
