@@ -187,7 +187,7 @@ std::string TextOfDisplay(const DisplayDocument& document, AngleMarks marks)
     return ResolveDisplayText(std::move(text));
 }
 
-int DisplayOffset(const DisplayDocument& document, qsizetype textByte)
+qsizetype DisplayOffset(const DisplayDocument& document, qsizetype textByte)
 {
     const std::string whole = UnresolvedText(document, AngleMarks::Keep);
     std::string rest = whole;
@@ -203,7 +203,7 @@ int DisplayOffset(const DisplayDocument& document, qsizetype textByte)
     const std::string_view before = std::string_view(whole).substr(start, place - start);
     const auto uncounted
         = CountOccurrences(before, "\r") + (Ampersand.size() - 1) * CountOccurrences(before, Ampersand);
-    return static_cast<int>(UnitCount(before) - static_cast<qsizetype>(uncounted));
+    return UnitCount(before) - static_cast<qsizetype>(uncounted);
 }
 
 } // namespace vmk

@@ -18,7 +18,7 @@ class DisplayDocument;
 /// Converts a position in the text of a document to a position in the document.
 /// \param textByte  bytes from the start of `TextOfDisplay(document, AngleMarks::Keep)`
 /// \return UTF-16 units from the start of the document; a line break counts as one
-[[nodiscard]] int DisplayOffset(const DisplayDocument& document, qsizetype textByte);
+[[nodiscard]] qsizetype DisplayOffset(const DisplayDocument& document, qsizetype textByte);
 
 /// Returns the result of `TextOfPage` for the saved page, except for the text that it removes before a
 /// declaration, directly from the document's lines, in a fraction of the time. Returns nothing if the rules

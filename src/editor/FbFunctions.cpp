@@ -32,6 +32,8 @@
 #include <QComboBox>
 
 #include <algorithm>
+#include <limits>
+#include <new>
 
 namespace vmk {
 namespace {
@@ -95,10 +97,17 @@ bool LayDownPage(const QString& path)
 
     KeepUnsavedText();
     NoteBookLoaded(path, state, text);
-    if (!ConvertBookToDisplay(text, false)) {
-        ShowStatus(u"cannot load file: parse error"_s);
-        PlayProgramSound(u"FileLoadError.wav"_s, true);
-        return false;
+    try {
+        if (!ConvertBookToDisplay(text, false)) {
+            ShowStatus(u"cannot load file: parse error"_s);
+            PlayProgramSound(u"FileLoadError.wav"_s, true);
+            return false;
+        }
+    } catch (const std::bad_alloc&) {
+        // The old page must not remain with parts of the new book; its unsaved text is kept.
+        text = std::string();
+        ShowEmptyPage({.caption = u"Vellumark"_s});
+        throw;
     }
     if (!WriteScratchFile(DisplayFile, text)) {
         // The old page must not remain: a save would append the new book's binary part to it.
@@ -214,14 +223,17 @@ QString Shortened(QString reason)
 }
 
 /// Selects the position `offset` characters from the start of the display.
-TextRange SelectPlace(int offset)
+TextRange SelectPlace(qsizetype offset)
 {
     TextRange range = SelectionRange();
     const std::vector<DisplayElement> first = page::getElementsByName(View().document(), u"FirstDiv"_s);
     if (!first.empty())
         range.moveToElementText(first.front());
     range.collapse(true);
-    range.move(TextUnit::Character, offset);
+    // A move counts with 32 bits.
+    constexpr qsizetype Most = std::numeric_limits<int>::max();
+    for (; offset > 0; offset -= std::min(offset, Most))
+        range.move(TextUnit::Character, static_cast<int>(std::min(offset, Most)));
     range.select();
     return range;
 }

@@ -129,6 +129,13 @@ void Form1::fillSeams()
         return YesNoBox(MissingCharactersQuestion(missing, encoding));
     });
     seams.fill(IsBookEmptySeam(), IsDisplayBlank);
+    seams.fill(UndoStepsSeam(), [this] { return HTMLread->document().undoSteps(); });
+    seams.fill(RestoreBookSeam(), [this](std::size_t undoSteps) {
+        DisplayDocument& document = HTMLread->document();
+        while (document.undoSteps() > undoSteps && document.undo())
+            continue;
+        HTMLread->RebuildLayout();
+    });
     seams.fill(DisplayTextSeam(),
                [this](AngleMarks marks) { return TextOfDisplay(HTMLread->document(), marks); });
 }

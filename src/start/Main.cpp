@@ -1,14 +1,19 @@
 #include "CommLineInfoF.h"
 #include "CommandText.h"
+#include "EndSignals.h"
 #include "FileNames.h"
 #include "Form1.h"
 #include "MainWindowSeams.h"
+#include "MemoryGuard.h"
 #include "ProcessFiles.h"
 #include "Start.h"
+#include "UnsavedText.h"
 #include "WidgetSeams.h"
 
 #include <QApplication>
 #include <QIcon>
+#include <QSessionManager>
+#include <QSocketNotifier>
 
 #include <atomic>
 #include <cstdio>
@@ -79,6 +84,44 @@ void KeepToolkitHints()
     });
 }
 
+/// Memory may run out in any event, including the slices of work of a timer.
+class GuardedApplication : public QApplication
+{
+public:
+    using QApplication::QApplication;
+    bool notify(QObject* receiver, QEvent* event) override
+    {
+        return vmk::GuardMemory([&] { return QApplication::notify(receiver, event); });
+    }
+};
+
+/// A signal ends the program as closing the window does. The end of the desktop session keeps the unsaved
+/// text; the desktop then closes the window, or not if another program cancels the end.
+void EndWithoutLoss(QApplication& application, const std::unique_ptr<vmk::Form1>& mainWindow)
+{
+    const auto end = [&mainWindow] {
+        if (mainWindow)
+            mainWindow->close();
+        QApplication::exit();
+    };
+    const int signalPipe = vmk::WatchEndSignals();
+    if (signalPipe >= 0) {
+        auto* notifier = new QSocketNotifier(signalPipe, QSocketNotifier::Read, &application);
+        QObject::connect(notifier, &QSocketNotifier::activated, &application, [notifier, end] {
+            // One signal is enough.
+            notifier->setEnabled(false);
+            end();
+        });
+    }
+    QObject::connect(
+        &application, &QGuiApplication::commitDataRequest, &application, [] { vmk::KeepUnsavedText(); },
+        Qt::DirectConnection);
+    QObject::connect(
+        &application, &QGuiApplication::saveStateRequest, &application,
+        [](QSessionManager& manager) { manager.setRestartHint(QSessionManager::RestartNever); },
+        Qt::DirectConnection);
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -92,7 +135,7 @@ int main(int argc, char* argv[])
     KeepToolkitHints();
     QApplication::setApplicationName(u"Vellumark"_s);
     QApplication::setDesktopFileName(u"vellumark"_s);
-    const QApplication application(argc, argv);
+    GuardedApplication application(argc, argv);
     hasDisplay = true;
     QApplication::setWindowIcon(QIcon(u":/icons/vellumark.svg"_s));
     // Closing the main window ends the program, even if other windows are open; closing a box does not.
@@ -106,6 +149,8 @@ int main(int argc, char* argv[])
         mainWindow = std::make_unique<vmk::Form1>();
         mainWindow->Load();
     });
+
+    EndWithoutLoss(application, mainWindow);
 
     // The toolkit has removed its own options from them. Its list of arguments replaces the bytes of a name
     // that are not UTF-8.

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
+#include <new>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -128,7 +129,11 @@ SuggestionWorker::SuggestionWorker(std::function<void(const QString& word)> word
     try {
         // The thread shares the state, and the destructor of the worker takes the handle out of the state.
         state->thread = std::jthread([shared = state] {
-            shared->run();
+            try {
+                shared->run();
+            } catch (const std::bad_alloc&) {
+                // Without memory there are no further suggestions.
+            }
             shared->ended->store(true);
         });
     } catch (const std::system_error&) {

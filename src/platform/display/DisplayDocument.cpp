@@ -229,6 +229,8 @@ void DisplayDocument::splice(int first, int removed, std::vector<LinePtr> insert
     before.reserve(std::size_t(removed));
     for (int i = 0; i < removed; ++i)
         before.push_back(lines[first + i]);
+    // If memory runs out, it does so before the step exists.
+    lines.reserve(inserted.size());
     const LineChange& made
         = history.record({first, std::move(before), std::move(inserted), map, nullptr}, currentSelection);
     exchange(first, made.before, made.after, map);

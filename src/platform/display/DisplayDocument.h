@@ -151,6 +151,8 @@ public:
     bool redo(int count = 1);
     [[nodiscard]] bool canUndo() const { return history.canUndo(); }
     [[nodiscard]] bool canRedo() const { return history.canRedo(); }
+    /// The number of steps that can be undone.
+    [[nodiscard]] std::size_t undoSteps() const { return history.undoSteps(); }
 
     // ---- the one mutation
 

@@ -33,6 +33,13 @@ public:
         gapSize = 0;
     }
 
+    /// Takes the memory for inserting that many lines. The next `replace` by as many then cannot fail.
+    void reserve(std::size_t inserted)
+    {
+        if (inserted > gapSize)
+            growGap(inserted);
+    }
+
     /// Replaces `removed` lines from `first` on by `inserted`.
     void replace(int first, int removed, const std::vector<LinePtr>& inserted)
     {
@@ -41,11 +48,10 @@ public:
                 slot(std::size_t(first) + i) = inserted[i];
             return;
         }
+        reserve(inserted.size());
         moveGap(std::size_t(first));
         for (int i = 0; i < removed; ++i)
             slots[gapStart + gapSize++].reset();
-        if (inserted.size() > gapSize)
-            growGap(inserted.size());
         std::copy(inserted.begin(), inserted.end(), slots.begin() + std::ptrdiff_t(gapStart));
         gapStart += inserted.size();
         gapSize -= inserted.size();

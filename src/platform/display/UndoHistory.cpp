@@ -63,9 +63,12 @@ void UndoHistory::makeSmall(LineChange& change)
     const CommonEnds ends = CommonEndsOf(change.before, change.after);
     if (ends == CommonEnds())
         return;
-    change.before = WithoutEnds(change.before, ends);
-    change.after = WithoutEnds(change.after, ends);
+    // All of the new parts, then the change: memory may run out in between.
+    auto before = WithoutEnds(change.before, ends);
+    auto after = WithoutEnds(change.after, ends);
     change.sharedEnds = std::make_unique<const CommonEnds>(ends);
+    change.before = std::move(before);
+    change.after = std::move(after);
 }
 
 bool UndoHistory::mayJoinTyping() const

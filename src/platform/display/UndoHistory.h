@@ -72,6 +72,7 @@ public:
     // ---- undo and redo
 
     [[nodiscard]] bool canUndo() const { return doneSteps > 0; }
+    [[nodiscard]] std::size_t undoSteps() const { return doneSteps; }
     [[nodiscard]] bool canRedo() const { return isRunUnderWay() || doneSteps < steps.size(); }
     /// The step to undo next: all of it, or what is done of a run. There must be one.
     [[nodiscard]] const Step* lastDone() const { return &steps[doneSteps - 1]; }

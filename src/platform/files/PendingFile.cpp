@@ -1,5 +1,7 @@
 #include "PendingFile.h"
 
+#include "FileAttributes.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
@@ -107,8 +109,10 @@ PendingFile::PendingFile(const QByteArray& path)
     , old(StatusOf(path))
 {
     handle = OpenTemporary();
-    if (handle && old)
+    if (handle && old) {
         TakeOwner();
+        CopyFileAttributes(target, handle.Get());
+    }
 }
 
 PendingFile::~PendingFile()

@@ -13,7 +13,8 @@ namespace vmk {
 class PendingFile
 {
 public:
-    /// `path` is not a link. The temporary file takes the permissions and owner of an existing file.
+    /// `path` is not a link. The temporary file takes the permissions, owner and extended
+    /// attributes of an existing file.
     explicit PendingFile(const QByteArray& path);
     PendingFile(const PendingFile&) = delete;
     PendingFile& operator=(const PendingFile&) = delete;

@@ -361,30 +361,35 @@ std::optional<std::vector<RegExpMatch>> RegExp::Execute(QStringView text) const
 
 std::optional<QString> RegExp::Replace(QStringView text, QStringView replacement, qsizetype* count) const
 {
+    const qsizetype limit = std::max(RegExpFreeResult, RegExpResultGrowth * text.size());
     QString result;
     qsizetype copied = 0;
     qsizetype replaced = 0;
+    const auto append = [&](QStringView piece) {
+        if (result.size() <= limit)
+            result += piece.left(limit + 1 - result.size());
+    };
     std::vector<TemplatePart> parts;
     const bool done = forEachMatch(text, [&](const Matcher& matcher) {
         if (replaced++ == 0) {
             parts = ReadTemplate(replacement, matcher.groupCount());
             result.reserve(text.size());
         }
-        result += text.mid(copied, matcher.begin() - copied);
+        append(text.mid(copied, matcher.begin() - copied));
         copied = matcher.end();
         for (const TemplatePart& part : parts) {
             switch (part.kind) {
             case TemplatePart::Text:
-                result += part.text;
+                append(part.text);
                 break;
             case TemplatePart::Group:
-                result += matcher.group(part.group);
+                append(matcher.group(part.group));
                 break;
             case TemplatePart::Before:
-                result += text.left(matcher.begin());
+                append(text.left(matcher.begin()));
                 break;
             case TemplatePart::After:
-                result += text.mid(matcher.end());
+                append(text.mid(matcher.end()));
                 break;
             }
         }
@@ -395,7 +400,12 @@ std::optional<QString> RegExp::Replace(QStringView text, QStringView replacement
         return std::nullopt;
     if (replaced == 0)
         return text.toString();
-    result += text.mid(copied);
+    append(text.mid(copied));
+    if (result.size() > limit) {
+        if (count)
+            *count = 0;
+        return std::nullopt;
+    }
     return result;
 }
 

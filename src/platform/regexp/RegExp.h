@@ -20,6 +20,11 @@ struct RegExpMatch
     QStringList SubMatches;
 };
 
+/// The limits of the result of a replacement, in UTF-16 code units: this, or that multiple of the text if it
+/// is more.
+inline constexpr qsizetype RegExpFreeResult = qsizetype(64) * 1024 * 1024;
+inline constexpr qsizetype RegExpResultGrowth = 16;
+
 /// A regular expression in the dialect of ECMAScript, third edition.
 ///
 /// Set the four properties and call a function; patterns are compiled on first use and cached. A call returns
@@ -49,7 +54,7 @@ public:
     /// Returns the text with its matches replaced by the template. In the template, `$1` to `$99` are groups,
     /// `$&` is the match, `` $` `` and `$'` are the text before and after it, and `$$` is a dollar;
     /// everything else, including numbers without a group, is plain text. `count`, if not null, receives the
-    /// number of replacements.
+    /// number of replacements. A result larger than the limits above is a failure.
     [[nodiscard]] std::optional<QString> Replace(QStringView text, QStringView replacement,
                                                  qsizetype* count = nullptr) const;
 

@@ -1,5 +1,7 @@
 #include "Desktop.h"
 
+#include "Files.h"
+
 namespace vmk {
 
 namespace {
@@ -33,6 +35,19 @@ Seam<bool(const QString&)>& OpenSeam()
 {
     static Seam<bool(const QString&)> seam([](const QString&) { return false; });
     return seam;
+}
+
+QUrl UrlOfTarget(const QString& target)
+{
+    const auto isLetter = [](QChar c) { return c.unicode() < 0x80 && c.isLetter(); };
+    qsizetype end = 0;
+    while (end < target.size()
+           && (isLetter(target[end]) || (end > 0 && QStringView(u"0123456789+-.").contains(target[end]))))
+        ++end;
+    // One letter is no scheme.
+    if (end > 1 && end < target.size() && target[end] == u':')
+        return QUrl(target);
+    return EntryExists(target) ? QUrl::fromLocalFile(AbsolutePath(target)) : QUrl(target);
 }
 
 bool OpenWithSystem(const QString& target)

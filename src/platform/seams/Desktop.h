@@ -3,6 +3,7 @@
 #include "Seam.h"
 
 #include <QString>
+#include <QUrl>
 
 namespace vmk {
 
@@ -13,6 +14,10 @@ namespace vmk {
 /// The system beep; returns at once. Silent without a window.
 [[nodiscard]] Seam<void()>& BeepSeam();
 void Beep();
+
+/// The address of a target: one that begins with a scheme ("http:", "mailto:") is an address, whatever files
+/// exist; any other is a file path if the file exists.
+[[nodiscard]] QUrl UrlOfTarget(const QString& target);
 
 /// Opens a file path or a URL with the program that the system has registered for it. Returns false if there
 /// is none, or without a window.

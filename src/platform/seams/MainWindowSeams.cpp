@@ -22,6 +22,18 @@ Seam<bool()>& OfferRecoverySeam()
     return seam;
 }
 
+Seam<std::size_t()>& UndoStepsSeam()
+{
+    static Seam<std::size_t()> seam([] { return std::size_t(0); });
+    return seam;
+}
+
+Seam<void(std::size_t)>& RestoreBookSeam()
+{
+    static Seam<void(std::size_t)> seam([](std::size_t) {});
+    return seam;
+}
+
 Seam<void(const QString&)>& StatusSeam()
 {
     static Seam<void(const QString&)> seam([](const QString&) {});

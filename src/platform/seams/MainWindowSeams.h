@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <cstddef>
+
 /// Calls from the lower layers to the main window. Without a window they do nothing.
 namespace vmk {
 
@@ -27,6 +29,12 @@ void ShowStatus(const QString& text);
 /// Sets a panel of `Status`, counted from 1.
 [[nodiscard]] Seam<void(int panel, const QString& text)>& StatusPanelSeam();
 void ShowStatusPanel(int panel, const QString& text);
+
+/// The number of steps of the open book that can be undone; 0 without a window.
+[[nodiscard]] Seam<std::size_t()>& UndoStepsSeam();
+/// Restores the open book and its view after memory ran out: reverts the steps after the first `undoSteps`,
+/// and lays the page out again.
+[[nodiscard]] Seam<void(std::size_t undoSteps)>& RestoreBookSeam();
 
 /// The shapes of the mouse pointer.
 enum class Pointer

@@ -220,6 +220,11 @@ void DisplayView::documentReset()
     scroller.anchorHere();
 }
 
+void DisplayView::RebuildLayout()
+{
+    documentReset();
+}
+
 void DisplayView::resetPage()
 {
     page.reset(clientWidth(), dotsPerInch());

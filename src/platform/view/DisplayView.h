@@ -85,6 +85,9 @@ public:
     /// Returns whether all heights and row numbers are exact.
     [[nodiscard]] bool isMeasured() const { return page.isMeasured(); }
 
+    /// Lays the page out again, for example after a notification about a change was interrupted.
+    void RebuildLayout();
+
     /// While one of these exists the view neither lays out nor paints nor reports changes: for a run of many
     /// edits that lets events be handled.
     class UpdateHold

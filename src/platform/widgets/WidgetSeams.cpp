@@ -12,7 +12,6 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QDesktopServices>
-#include <QFileInfo>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QUrl>
@@ -53,11 +52,10 @@ bool LacksProgramFor(const QString& path)
 
 bool OpenTarget(const QString& target)
 {
-    const QFileInfo file(target);
-    if (file.exists() && LacksProgramFor(file.absoluteFilePath()))
+    const QUrl url = UrlOfTarget(target);
+    if (url.isLocalFile() && LacksProgramFor(url.toLocalFile()))
         return false;
-    return QDesktopServices::openUrl(file.exists() ? QUrl::fromLocalFile(file.absoluteFilePath())
-                                                   : QUrl(target));
+    return QDesktopServices::openUrl(url);
 }
 
 /// At most one hourglass, even after several calls: one call restores the default.

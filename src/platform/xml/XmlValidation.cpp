@@ -52,8 +52,11 @@ const std::vector<Validation::Problem>& Validation::endElement(const xmlChar* na
 const std::vector<Validation::Problem>& Validation::characters(std::string_view text)
 {
     problems.clear();
-    events->characters(eventData, reinterpret_cast<const xmlChar*>(text.data()),
-                       static_cast<int>(text.size()));
+    // libxml2 counts with 32 bits.
+    constexpr size_t Most = size_t(1) << 30;
+    for (; !text.empty() && problems.empty(); text.remove_prefix(std::min(Most, text.size())))
+        events->characters(eventData, reinterpret_cast<const xmlChar*>(text.data()),
+                           static_cast<int>(std::min(Most, text.size())));
     return problems;
 }
 

@@ -1,4 +1,5 @@
 #include "Files.h"
+#include "EndSignals.h"
 #include "ProcessFiles.h"
 #include "Workplace.h"
 
@@ -15,6 +16,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 using namespace vmk;
@@ -457,4 +459,75 @@ TEST_F(Files, FolderWritabilityIsThatOfTheUser)
     EXPECT_TRUE(IsFolderWritable(place.Folder()));
     EXPECT_FALSE(IsFolderWritable(Path(u"closed"_s)));
     EXPECT_FALSE(IsFolderWritable(Path(u"file"_s)));
+}
+
+TEST_F(Files, AReplacedFileKeepsItsExtendedAttributes)
+{
+    Make(u"book"_s, "old");
+    const QByteArray path = SystemPath(u"book"_s);
+    if (::setxattr(path.constData(), "user.comment", "mine", 4, 0) != 0)
+        GTEST_SKIP() << "no extended attributes in this folder";
+    ASSERT_TRUE(ReplaceContent(Path(u"book"_s), "new"));
+    EXPECT_EQ(Text(u"book"_s), "new");
+    std::array<char, 16> value = {};
+    EXPECT_EQ(::getxattr(path.constData(), "user.comment", value.data(), value.size()), 4);
+    EXPECT_STREQ(value.data(), "mine");
+}
+
+TEST_F(Files, AReplacedFileKeepsItsAccessControlList)
+{
+    Make(u"book"_s, "old");
+    const QByteArray path = SystemPath(u"book"_s);
+    // The system's format: a version, then tag, permissions and identifier of each entry.
+    struct Entry
+    {
+        quint16 tag;
+        quint16 permissions;
+        quint32 id;
+    };
+    struct List
+    {
+        quint32 version = 2;
+        std::array<Entry, 5> entries
+            = {{{1, 6, ~0U}, {2, 4, 12345}, {4, 0, ~0U}, {0x10, 4, ~0U}, {0x20, 0, ~0U}}};
+    };
+    const List list;
+    constexpr const char* Name = "system.posix_acl_access";
+    if (::setxattr(path.constData(), Name, &list, sizeof list, 0) != 0)
+        GTEST_SKIP() << "no access control lists in this folder";
+    ASSERT_TRUE(ReplaceContent(Path(u"book"_s), "new"));
+    EXPECT_EQ(Text(u"book"_s), "new");
+    List after;
+    after.entries = {};
+    EXPECT_EQ(::getxattr(path.constData(), Name, &after, sizeof after), ssize_t(sizeof list));
+    EXPECT_EQ(after.entries[1].id, 12345U);
+    EXPECT_EQ(after.entries[1].permissions, 4);
+    EXPECT_EQ(Status(u"book"_s).st_mode & 0777, 0640U);
+}
+
+TEST(EndSignals, EachSignalIsAByteInThePipe)
+{
+    EXPECT_EQ(RunInChild([] {
+                  const int pipe = WatchEndSignals();
+                  int bytes = 0;
+                  for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+                      ::raise(number);
+                      char byte = 0;
+                      bytes += int(::read(pipe, &byte, 1));
+                  }
+                  return bytes;
+              }),
+              3);
+}
+
+TEST(EndSignals, AnIgnoredSignalIsStillIgnored)
+{
+    EXPECT_EQ(RunInChild([] {
+                  static_cast<void>(std::signal(SIGHUP, SIG_IGN));
+                  const int pipe = WatchEndSignals();
+                  ::raise(SIGHUP);
+                  char byte = 0;
+                  return int(::read(pipe, &byte, 1)) == -1 ? 7 : 8;
+              }),
+              7);
 }

@@ -363,3 +363,18 @@ TEST(RegExpSyntax, CountsGroups)
     EXPECT_EQ(groups(u"abc"_s), 0);
     EXPECT_EQ(groups(u"((()))"_s), 3);
 }
+
+TEST(RegExpReplace, AResultThatWouldFillTheMemoryIsAFailure)
+{
+    RegExp expression;
+    expression.Pattern = u"x"_s;
+    expression.Global = true;
+    const QString text(20'000, u'x');
+    qsizetype count = -1;
+    EXPECT_EQ(expression.Replace(text, u"$`$'"_s, &count), std::nullopt);
+    EXPECT_EQ(count, 0);
+    const auto copied = expression.Replace(text, u"$&$&$&"_s, &count);
+    ASSERT_TRUE(copied);
+    EXPECT_EQ(copied->size(), 60'000);
+    EXPECT_EQ(count, 20'000);
+}

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QTemporaryDir>
+
 using namespace vmk;
 using namespace Qt::StringLiterals;
 
@@ -114,4 +116,21 @@ TEST(Seams, TheCounterGrowsAndTheFractionStaysBelowOne)
     }
     EXPECT_GE(TickMilliseconds(), before);
     EXPECT_LE(Now().secsTo(QDateTime::currentDateTime()), 1);
+}
+
+TEST(Seams, ATargetWithASchemeIsAnAddressWhateverFilesExist)
+{
+    const QTemporaryDir folder;
+    const QString before = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(folder.path()));
+    ASSERT_TRUE(QDir().mkpath(u"http:/example.org"_s));
+    QFile file(u"mailto:me"_s);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    EXPECT_EQ(UrlOfTarget(u"http://example.org"_s), QUrl(u"http://example.org"_s));
+    EXPECT_EQ(UrlOfTarget(u"mailto:me"_s), QUrl(u"mailto:me"_s));
+    EXPECT_EQ(UrlOfTarget(folder.path()), QUrl::fromLocalFile(folder.path()));
+    EXPECT_EQ(UrlOfTarget(folder.filePath(u"mailto:me"_s)),
+              QUrl::fromLocalFile(folder.filePath(u"mailto:me"_s)));
+    EXPECT_EQ(UrlOfTarget(u"www.example.org"_s), QUrl(u"www.example.org"_s));
+    EXPECT_TRUE(QDir::setCurrent(before));
 }
