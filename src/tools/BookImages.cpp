@@ -116,9 +116,10 @@ void ForEachTag(std::string_view text, int codePage, Take take)
             : EndOfTag(text, at + 1);
         if (end == None)
             return;
-        if (skipped == std::end(Skipped))
+        // Directly before another "<" there is no tag.
+        if (skipped == std::end(Skipped) && end > at)
             take(ReadTag(DecodeBytes(text.substr(at + 1, end - at - 1), codePage)));
-        at = end;
+        at = std::max(end, at + 1);
     }
 }
 

@@ -11,6 +11,7 @@
 #include "Settings.h"
 #include "SettingsVariables.h"
 #include "StartUpVariables.h"
+#include "WorkBudget.h"
 #include "XmlDocument.h"
 
 #include <cstdlib>
@@ -36,12 +37,23 @@ void Check(const std::string& book, const QString& style, const QString& encodin
         std::abort();
 }
 
+bool keepsText = false;
+
+void CheckAll(const uint8_t* data, std::size_t size)
+{
+    // The first two bytes select how the book is saved and read.
+    const std::string book(reinterpret_cast<const char*>(data) + 2, size - 2);
+    vmk::TagHighlighting = data[1] & 1;
+    keepsText = (data[1] & 4) != 0;
+    vmk::InputEncoding = (data[1] & 2) != 0 ? u"utf-8"_s : u"original"_s;
+    Check(book, vmk::OutputStyles[data[0] % 3], vmk::OutputEncodings[data[0] / 3 % 5]);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
 {
     static const vmk::SeamGuard silent(vmk::BoxSeam(), [](auto&&...) { return false; });
-    static bool keepsText = false;
     static const vmk::SeamGuard losses(vmk::LossSeam(), [](const vmk::BookLosses&) { return keepsText; });
     static const bool ready = [] {
         vmk::ReadSettings(true);
@@ -52,11 +64,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
     }();
     if (!ready || size < 2)
         return 0;
-    // The first two bytes select how the book is saved and read.
-    const std::string book(reinterpret_cast<const char*>(data) + 2, size - 2);
-    vmk::TagHighlighting = data[1] & 1;
-    keepsText = (data[1] & 4) != 0;
-    vmk::InputEncoding = (data[1] & 2) != 0 ? u"utf-8"_s : u"original"_s;
-    Check(book, vmk::OutputStyles[data[0] % 3], vmk::OutputEncodings[data[0] / 3 % 5]);
+    static const std::vector<uint8_t> plain
+        = vmk::PlainInput({0, 1}, "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<FictionBook>",
+                          "<p>A <strong>plain</strong> paragraph.</p>\n", "</FictionBook>");
+    vmk::CheckWithBudget(CheckAll, plain, data, size);
     return 0;
 }

@@ -2,6 +2,7 @@
 // written HTML reads back unchanged, also after an edit, and undo restores the page.
 
 #include "HtmlCheck.h"
+#include "WorkBudget.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -37,14 +38,21 @@ void CheckPasting(const QByteArray& bytes)
     Check(document.savePage() == before ? std::string() : "undo restored another page");
 }
 
-} // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
+void CheckAll(const uint8_t* data, std::size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char*>(data), qsizetype(size));
     Check(vmk::reference::pageFault(bytes));
     Check(vmk::reference::fragmentFault(QString::fromUtf8(bytes)));
     Check(vmk::reference::elementFault(bytes, 4));
     CheckPasting(bytes);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
+{
+    static const std::vector<uint8_t> plain
+        = vmk::PlainInput({}, {}, "<P class=a>A <B>plain</B> paragraph.</P>\n", {});
+    vmk::CheckWithBudget(CheckAll, plain, data, size);
     return 0;
 }
