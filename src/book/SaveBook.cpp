@@ -66,14 +66,12 @@ WriteResult WriteVersioned(const QString& path, const BookFile& file)
     const bool isCopy = FolderOf(path) == TempFolder + u'/';
     if (isCopy)
         return ReplaceContent(path, file.bytes);
-    const KeptVersion version = KeepVersion(BackupFolder(), path);
+    KeptVersion version;
+    const WriteResult written = ReplaceBook(BackupFolder(), path, file.bytes, version);
     if (!version.isSafe)
         ShowStatusPanel(GeneralPanel, u"earlier version not kept: "_s + version.reason);
-    const WriteResult written = ReplaceContent(path, file.bytes, Durability::Flushed, BackupFolder());
-    if (!written) {
-        DropVersion(version);
+    if (!written)
         return written;
-    }
     if (file.treeSkipped && !version.path.isEmpty())
         ShowStatusPanel(GeneralPanel, u"the previous file is kept"_s);
     NoteBookSaved(path, file.bytes);

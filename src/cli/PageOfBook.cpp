@@ -95,14 +95,12 @@ WriteResult WriteVersioned(const QString& file, std::string_view bytes, Durabili
     const QString backup = BackupFolderOfProgram();
     const bool isVersioned = durability == Durability::Flushed
         && KindOfFile(WorkspaceFolder(RunningProgramPlace())) == FileKind::Folder;
+    if (!isVersioned)
+        return ReplaceContent(file, bytes, durability, backup);
     KeptVersion version;
-    if (isVersioned)
-        version = KeepVersion(backup, file);
-    if (isVersioned && !version.isSafe)
+    WriteResult written = ReplaceBook(backup, file, bytes, version);
+    if (!version.isSafe)
         PrintErrorLine(u"vmk: "_s + ShownName(file) + u": earlier version not kept: "_s + version.reason);
-    WriteResult written = ReplaceContent(file, bytes, durability, backup);
-    if (!written)
-        DropVersion(version);
     return written;
 }
 

@@ -112,7 +112,7 @@ QString BackupFolder()
     return OfficeFolder + u"/Backup"_s;
 }
 
-KeptVersion KeepVersion(const QString& backupFolder, const QString& book)
+KeptVersion KeepVersion(const QString& backupFolder, const QString& book, VersionBy way)
 {
     KeptVersion kept;
     const FileState state = StateOfFile(book);
@@ -128,7 +128,7 @@ KeptVersion KeepVersion(const QString& backupFolder, const QString& book)
     RemoveOwnNames(folder, state);
     const QString path = FreshVersion(folder);
     // A file in a folder that is not writable is replaced in place: a second name of it would change too.
-    const bool mayLink = IsFolderWritable(FolderOf(PathOf(book)));
+    const bool mayLink = way == VersionBy::LinkOrCopy && IsFolderWritable(FolderOf(PathOf(book)));
     if (KeepFileAs(PathOf(book), path, mayLink, kept.reason) == KeptAs::Nothing)
         return kept;
     kept.isSafe = true;
@@ -137,10 +137,23 @@ KeptVersion KeepVersion(const QString& backupFolder, const QString& book)
     return kept;
 }
 
-void DropVersion(const KeptVersion& version)
+WriteResult ReplaceBook(const QString& backupFolder, const QString& book, std::string_view bytes,
+                        KeptVersion& kept)
 {
-    if (!version.path.isEmpty())
-        DeleteOneFile(version.path);
+    const auto drop = [&kept] {
+        if (!kept.path.isEmpty())
+            DeleteOneFile(kept.path);
+    };
+    kept = KeepVersion(backupFolder, book);
+    if (WriteResult written = ReplaceContent(book, bytes))
+        return written;
+    drop();
+    // The second try may overwrite the file in place, which would change a second name of it.
+    kept = KeepVersion(backupFolder, book, VersionBy::Copy);
+    WriteResult written = ReplaceContent(book, bytes, Durability::Flushed, backupFolder);
+    if (!written)
+        drop();
+    return written;
 }
 
 std::vector<BookVersion> VersionsOf(const QString& backupFolder, const QString& book)

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "Files.h"
+
 #include <QDateTime>
 #include <QString>
 
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 /// Earlier versions of saved books, in the folder `VMK Office/Backup`. Each book has a folder of its own
@@ -35,12 +38,24 @@ struct KeptVersion
     QString reason; ///< why it could not be kept
 };
 
-/// Keeps the present content of a book's file as a version, before the file is replaced. Afterwards removes
-/// the versions beyond the limits, except for the new one. \param backupFolder  created if its parent exists
-[[nodiscard]] KeptVersion KeepVersion(const QString& backupFolder, const QString& book);
+/// How a version is made.
+enum class VersionBy
+{
+    LinkOrCopy, ///< a hard link if possible; the file must then be replaced by a rename
+    Copy
+};
 
-/// Removes a version that is not needed, because the file was not replaced.
-void DropVersion(const KeptVersion& version);
+/// Keeps the present content of a book's file as a version, before the file is replaced. Afterwards removes
+/// the versions beyond the limits, except for the new one.
+/// \param backupFolder  created if its parent exists
+[[nodiscard]] KeptVersion KeepVersion(const QString& backupFolder, const QString& book,
+                                      VersionBy way = VersionBy::LinkOrCopy);
+
+/// Replaces a book's file, and keeps its old content as a version. A version that cannot be kept does not
+/// prevent this.
+/// \param kept  receives the version; `isSafe` is false if it could not be kept
+WriteResult ReplaceBook(const QString& backupFolder, const QString& book, std::string_view bytes,
+                        KeptVersion& kept);
 
 /// Returns the versions of a book, newest first.
 [[nodiscard]] std::vector<BookVersion> VersionsOf(const QString& backupFolder, const QString& book);

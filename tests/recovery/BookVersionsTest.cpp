@@ -2,6 +2,7 @@
 #include "BookOnDisk.h"
 #include "Boxes.h"
 #include "FilePaths.h"
+#include "FileSizeLimit.h"
 #include "Files.h"
 #include "Workplace.h"
 
@@ -165,9 +166,30 @@ TEST_F(Versions, AVersionOfAKilledSaveIsNoVersion)
 TEST_F(Versions, AVersionOfAFailedSaveIsDropped)
 {
     save("one");
-    DropVersion(KeepVersion(backup, book));
+    KeptVersion kept;
+    {
+        const FileSizeLimit limit(10);
+        EXPECT_FALSE(bool(ReplaceBook(backup, book, std::string(100, 'x'), kept)));
+    }
     EXPECT_TRUE(texts().empty());
     EXPECT_EQ(ReadContent(book).bytes, "one");
+}
+
+TEST_F(Versions, AFileOverwrittenInPlaceKeepsItsVersion)
+{
+    place.MakeFolders(u"closed"_s);
+    book = place.Path(u"closed/book.fb2"_s);
+    save("one");
+    place.GiveToPlainUser();
+    const PlainUser user;
+    constexpr auto Closed = QFileDevice::ReadOwner | QFileDevice::ExeOwner;
+    ASSERT_TRUE(QFile::setPermissions(place.Path(u"closed"_s), Closed));
+    KeptVersion kept;
+    EXPECT_TRUE(bool(ReplaceBook(backup, book, "two", kept)));
+    EXPECT_TRUE(kept.isSafe) << kept.reason.toStdString();
+    EXPECT_EQ(ReadContent(book).bytes, "two");
+    EXPECT_EQ(texts(), std::vector<std::string>{"one"});
+    ASSERT_TRUE(QFile::setPermissions(place.Path(u"closed"_s), Closed | QFileDevice::WriteOwner));
 }
 
 TEST_F(Versions, AFolderThatCannotBeMadeIsReported)
