@@ -20,6 +20,7 @@
 #include <cstdlib>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -100,8 +101,13 @@ public:
 void EndWithoutLoss(QApplication& application, const std::unique_ptr<vmk::Form1>& mainWindow)
 {
     const auto end = [&mainWindow] {
-        if (mainWindow)
-            mainWindow->close();
+        // Without memory for the text, which its journal has, the program ends without a question.
+        try {
+            vmk::KeepUnsavedText();
+            if (mainWindow)
+                mainWindow->close();
+        } catch (const std::bad_alloc&) {
+        }
         QApplication::exit();
     };
     const int signalPipe = vmk::WatchEndSignals();
