@@ -101,9 +101,12 @@ QString BookSafety::finishRecovery()
 {
     isShowing = false;
     const JournalBase& session = shown->state;
-    if (view.document().savePage() != PageOf(session))
-        ShowSession(session, view.document());
-    view.document().setSelection(session.selection.anchor, session.selection.focus);
+    DisplayDocument& document = view.document();
+    // A page holds less than its lines only for texts that no command makes. Undo then leads to the page.
+    if (document.savePage() != PageOf(session))
+        document.splice(0, document.lineCount(), LinesOfSession(session, document.tags()),
+                        {{0, 0}, {0, 0}, {0, 0}, false});
+    document.setSelection(session.selection.anchor, session.selection.focus);
     view.scrollIntoView(session.selection.focus);
     BookUnchanged = false;
     // The old journal is removed only when the text is in the new one.

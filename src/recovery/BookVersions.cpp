@@ -2,6 +2,7 @@
 
 #include "Chance.h"
 #include "Checksum.h"
+#include "FileNames.h"
 #include "FilePaths.h"
 #include "FileState.h"
 #include "Files.h"
@@ -33,10 +34,10 @@ QString PathOf(const QString& book)
 
 QString FolderOfBook(const QString& backupFolder, const QString& book)
 {
-    constexpr qsizetype LongestName = 60;
+    constexpr qsizetype LongestName = 180;
     const QString path = PathOf(book);
     const auto sum = static_cast<quint32>(Checksum(path.toStdString()));
-    return backupFolder + u'/' + FileNameOf(path).left(LongestName)
+    return backupFolder + u'/' + ShortName(FileNameOf(path), LongestName)
         + u"-%1"_s.arg(sum, 8, 16, QLatin1Char('0'));
 }
 
@@ -144,6 +145,11 @@ WriteResult ReplaceBook(const QString& backupFolder, const QString& book, std::s
         if (!kept.path.isEmpty())
             DeleteOneFile(kept.path);
     };
+    // A file that is replaced by itself is no other version: repeated saves must not push out the versions.
+    if (StateOfFile(book).bytes == qint64(bytes.size()) && ReadContent(book).bytes == bytes) {
+        kept = {.isSafe = true, .path = {}, .reason = {}};
+        return ReplaceContent(book, bytes, Durability::Flushed, backupFolder);
+    }
     kept = KeepVersion(backupFolder, book);
     if (WriteResult written = ReplaceContent(book, bytes))
         return written;

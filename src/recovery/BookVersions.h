@@ -52,7 +52,7 @@ enum class VersionBy
                                       VersionBy way = VersionBy::LinkOrCopy);
 
 /// Replaces a book's file, and keeps its old content as a version. A version that cannot be kept does not
-/// prevent this.
+/// prevent this. Nothing is kept if the content stays the same.
 /// \param kept  receives the version; `isSafe` is false if it could not be kept
 WriteResult ReplaceBook(const QString& backupFolder, const QString& book, std::string_view bytes,
                         KeptVersion& kept);

@@ -280,12 +280,11 @@ std::optional<RecordedSession> ReadJournal(std::string_view bytes)
     return session;
 }
 
-void ShowSession(const JournalBase& session, DisplayDocument& document)
+std::vector<LinePtr> LinesOfSession(const JournalBase& session, TagTable& tags)
 {
-    document.loadPage(session.facts.pageFront + "</BODY></HTML>");
     std::vector<TagId> numbers = {NoTag};
     for (const JournalTag& tag : session.tags)
-        numbers.push_back(document.tags().intern(tag.name, tag.attributes));
+        numbers.push_back(tags.intern(tag.name, tag.attributes));
 
     std::vector<LinePtr> lines;
     lines.reserve(session.lines.size());
@@ -296,7 +295,14 @@ void ShowSession(const JournalBase& session, DisplayDocument& document)
             mark.tag = numbers[mark.tag] & 0x7FFFFFFF;
         lines.push_back(std::make_shared<const Line>(std::move(made)));
     }
-    document.splice(0, document.lineCount(), std::move(lines), {{0, 0}, {0, 0}, {0, 0}, false});
+    return lines;
+}
+
+void ShowSession(const JournalBase& session, DisplayDocument& document)
+{
+    document.loadPage(session.facts.pageFront + "</BODY></HTML>");
+    document.splice(0, document.lineCount(), LinesOfSession(session, document.tags()),
+                    {{0, 0}, {0, 0}, {0, 0}, false});
     document.setSelection(session.selection.anchor, session.selection.focus);
 }
 

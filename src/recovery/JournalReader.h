@@ -5,10 +5,12 @@
 #include <cstddef>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace vmk {
 
 class DisplayDocument;
+class TagTable;
 
 /// The book of a session, as far as its journal could be read.
 struct RecordedSession
@@ -22,8 +24,10 @@ struct RecordedSession
 /// \return nothing if the base is damaged
 [[nodiscard]] std::optional<RecordedSession> ReadJournal(std::string_view bytes);
 
-/// Shows the page of a recorded session in a document, with its caret and selection; the result is one new
-/// page without undo steps.
+/// Returns the lines of a recorded session for a document with these tags.
+[[nodiscard]] std::vector<LinePtr> LinesOfSession(const JournalBase& session, TagTable& tags);
+
+/// Shows the page of a recorded session in a document that is not shown itself, with its caret and selection.
 void ShowSession(const JournalBase& session, DisplayDocument& document);
 
 } // namespace vmk

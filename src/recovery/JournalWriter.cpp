@@ -1,6 +1,7 @@
 #include "JournalWriter.h"
 
 #include "Chance.h"
+#include "FileNames.h"
 #include "FilePaths.h"
 
 #include <QCoreApplication>
@@ -16,10 +17,11 @@ namespace {
 /// A name that no other journal has.
 QString FreshName(const QString& folder, const QString& book)
 {
+    constexpr qsizetype LongestName = 80;
     static int number = 0;
-    return folder + u'/' + BaseNameOf(book).left(40) + Now().toString(u"-yyyyMMdd-HHmmss-zzz-"_s)
-        + QString::number(QCoreApplication::applicationPid()) + u'-' + QString::number(++number)
-        + u".journal"_s;
+    return folder + u'/' + ShortName(BaseNameOf(book), LongestName)
+        + Now().toString(u"-yyyyMMdd-HHmmss-zzz-"_s) + QString::number(QCoreApplication::applicationPid())
+        + u'-' + QString::number(++number) + u".journal"_s;
 }
 
 /// What two texts have in common at their starts and at their ends.

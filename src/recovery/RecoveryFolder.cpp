@@ -1,6 +1,7 @@
 #include "RecoveryFolder.h"
 
 #include "Chance.h"
+#include "FileNames.h"
 #include "FilePaths.h"
 #include "FileState.h"
 #include "Files.h"
@@ -107,9 +108,11 @@ void CleanRecoveryFolder(const QString& folder)
         if (StateOfFile(path).time() < oldest)
             DeleteOneFile(path);
     }
-    // The remains of a process that was killed while it began a journal.
-    for (const QString& path : NewestFirst(folder, u'*' + UnfinishedEnding))
-        LockedFile::open(path).remove();
+    // The remains of a process that was killed while it began a journal or kept a text.
+    for (const QString& pattern : {u'*' + UnfinishedEnding, u"* (unsaved *.fb2.new"_s}) {
+        for (const QString& path : NewestFirst(folder, pattern))
+            LockedFile::open(path).remove();
+    }
     const QStringList texts = NewestFirst(folder, u"* (unsaved *).fb2"_s);
     for (qsizetype i = MostUnsavedTexts; i < texts.size(); ++i)
         DeleteOneFile(texts[i]);
@@ -162,8 +165,8 @@ QString KeepUnsavedBook(const QString& folder, const QString& book, std::string_
         return {};
     }
     // With the ending, within the 255 bytes of a file name.
-    constexpr qsizetype LongestName = 100;
-    const QString name = BaseNameOf(FileNameOf(book)).left(LongestName);
+    constexpr qsizetype LongestName = 200;
+    const QString name = ShortName(BaseNameOf(FileNameOf(book)), LongestName);
     const QString path = FreshPath(folder + u'/' + (name.isEmpty() ? u"book"_s : name) + u" (unsaved "_s
                                        + Now().toString(TimeFormat) + u')',
                                    u".fb2"_s);

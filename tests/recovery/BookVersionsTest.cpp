@@ -175,6 +175,30 @@ TEST_F(Versions, AVersionOfAFailedSaveIsDropped)
     EXPECT_EQ(ReadContent(book).bytes, "one");
 }
 
+TEST_F(Versions, SavingTheSameContentAgainKeepsNoVersion)
+{
+    save("one");
+    KeptVersion kept;
+    ASSERT_TRUE(bool(ReplaceBook(backup, book, "two", kept)));
+    for (int i = 0; i < 12; ++i) {
+        ASSERT_TRUE(bool(ReplaceBook(backup, book, "two", kept)));
+        EXPECT_TRUE(kept.isSafe);
+        EXPECT_EQ(kept.path, QString());
+    }
+    EXPECT_EQ(texts(), std::vector<std::string>{"one"});
+    ASSERT_TRUE(bool(ReplaceBook(backup, book, "TWO", kept)));
+    EXPECT_EQ(texts(), (std::vector<std::string>{"two", "one"}));
+}
+
+TEST_F(Versions, ABookWithTheLongestNameHasVersions)
+{
+    // 255 bytes in characters of three bytes and of a surrogate pair.
+    book = place.Path(QString(83, QChar(0x4e00)) + QString::fromUtf8("🙂") + u"aa"_s);
+    save("one");
+    save("two");
+    EXPECT_EQ(texts(), std::vector<std::string>{"one"});
+}
+
 TEST_F(Versions, AFileOverwrittenInPlaceKeepsItsVersion)
 {
     place.MakeFolders(u"closed"_s);

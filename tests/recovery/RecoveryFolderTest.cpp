@@ -159,6 +159,7 @@ TEST(RecoveryFolder, RemainsOfAKilledProcessAreRemoved)
     const Workplace place;
     place.MakeFolders(u"Recovery"_s);
     place.Make(u"Recovery/a.journal.new"_s, "half");
+    place.Make(u"Recovery/b (unsaved 2026-01-01 00-00-00).fb2.new"_s, "half");
     CleanRecoveryFolder(place.Path(u"Recovery"_s));
     EXPECT_EQ(place.Names(u"Recovery"_s), QStringList());
 }
@@ -215,6 +216,23 @@ TEST(UnsavedTexts, AreNamedAfterBookAndTime)
     EXPECT_EQ(KeepUnsavedBook(folder, u"/books/war.fb2"_s, "two", reason),
               folder + u"/war (unsaved 2026-03-04 05-06-07) 2.fb2"_s);
     EXPECT_EQ(ReadContent(folder + u"/war (unsaved 2026-03-04 05-06-07).fb2"_s).bytes, "one");
+}
+
+TEST(UnsavedTexts, OfABookWithTheLongestNameAreKept)
+{
+    const Workplace place;
+    const QString folder = place.Path(u"Recovery"_s);
+    QString reason;
+    for (const QString& name :
+         {QString(85, QChar(0x4e00)), QString::fromUtf8("🙂").repeated(63), QString(255, u'n')}) {
+        EXPECT_NE(KeepUnsavedBook(folder, u"/books/"_s + name, "text", reason), QString())
+            << reason.toStdString();
+        Session session(place);
+        CurrentBook = u"/books/"_s + name;
+        session.type({2, 5}, u"x"_s);
+        EXPECT_EQ(session.journals().size(), 1);
+        session.recorder->noteKept();
+    }
 }
 
 TEST(UnsavedTexts, TheNewest20AreKept)

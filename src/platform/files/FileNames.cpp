@@ -76,4 +76,16 @@ QString ReadableName(QString name)
     return name;
 }
 
+QString ShortName(QString name, qsizetype bytes)
+{
+    // Half a surrogate pair has no bytes.
+    const auto fits = [bytes](const QString& tried) {
+        const QByteArray encoded = EncodeFileName(tried);
+        return !encoded.isEmpty() && encoded.size() <= bytes;
+    };
+    while (!name.isEmpty() && !fits(name))
+        name.chop(1);
+    return name;
+}
+
 } // namespace vmk

@@ -22,4 +22,7 @@ namespace vmk {
 /// Returns a text for the eyes: each byte that is not UTF-8 appears as U+FFFD.
 [[nodiscard]] QString ReadableName(QString name);
 
+/// Returns the start of a name that has at most `bytes` bytes and ends between two characters.
+[[nodiscard]] QString ShortName(QString name, qsizetype bytes);
+
 } // namespace vmk
