@@ -34,8 +34,11 @@ protected:
 
     FindReplaceWbF& window()
     {
-        if (!FindReplaceWbF::Instance())
+        if (!FindReplaceWbF::Instance()) {
             FindReplaceWbF::Show(*form);
+            // The keys of the main window apply until the window is active.
+            EXPECT_TRUE(QTest::qWaitForWindowActive(FindReplaceWbF::Instance()));
+        }
         return *FindReplaceWbF::Instance();
     }
     void find(const QString& text)

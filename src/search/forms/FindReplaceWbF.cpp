@@ -320,6 +320,19 @@ void FindReplaceWbF::closeEvent(QCloseEvent* event)
     QWidget::closeEvent(event);
 }
 
+bool FindReplaceWbF::event(QEvent* event)
+{
+    // The main window's shortcuts of these keys apply to its tool windows too.
+    if (event->type() == QEvent::ShortcutOverride) {
+        const int key = static_cast<const QKeyEvent*>(event)->key();
+        if (key == Qt::Key_F3 || key == Qt::Key_F4) {
+            event->accept();
+            return true;
+        }
+    }
+    return QWidget::event(event);
+}
+
 void FindReplaceWbF::keyPressEvent(QKeyEvent* event)
 {
     const Qt::KeyboardModifiers modifiers = event->modifiers();
