@@ -319,7 +319,8 @@ TEST_F(KeptBooks, ASectionWithInLineChildrenIsStillATree)
 {
     const std::string file = content("<section><a>b</a> <a>c</a><p>d</p><p>e</p></section>");
     EXPECT_THAT(shown, testing::Not(testing::HasSubstr("<p>d</p><p>e</p>")));
-    EXPECT_THAT(file, testing::Not(testing::HasSubstr("<a>b</a><a>c</a>"))) << "white space separates the two";
+    EXPECT_THAT(file, testing::Not(testing::HasSubstr("<a>b</a><a>c</a>")))
+        << "white space separates the two";
 }
 
 TEST_F(KeptBooks, WhatFollowsThePicturesStaysInItsPlace)
