@@ -67,7 +67,7 @@ WriteResult WriteVersioned(const QString& path, const BookFile& file)
     if (isCopy)
         return ReplaceContent(path, file.bytes);
     KeptVersion version;
-    const WriteResult written = ReplaceBook(BackupFolder(), path, file.bytes, version);
+    WriteResult written = ReplaceBook(BackupFolder(), path, file.bytes, version);
     if (!version.isSafe)
         ShowStatusPanel(GeneralPanel, u"earlier version not kept: "_s + version.reason);
     if (!written)

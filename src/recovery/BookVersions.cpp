@@ -24,7 +24,7 @@ constexpr auto VersionPattern = "*.version"_L1;
 /// The file that a path leads to, so that a book has the same versions by every path. Its folder exists.
 QString PathOf(const QString& book)
 {
-    const QString path = RealPath(book);
+    QString path = RealPath(book);
     if (!path.isEmpty())
         return path;
     const QString given = AbsolutePath(book);

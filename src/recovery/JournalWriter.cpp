@@ -85,7 +85,7 @@ bool JournalWriter::write(const JournalBatch& batch)
 /// The journal may have twice the length of the book: a new base of up to the same length comes beside it.
 std::uint64_t JournalWriter::longest() const
 {
-    constexpr std::uint64_t Least = 32 * 1024;
+    constexpr std::uint64_t Least = 32ULL * 1024;
     const auto book = std::uint64_t(std::max<qint64>(state.facts.onDisk.bytes, 0));
     return 2 * std::max({Least, book, baseBytes});
 }

@@ -96,7 +96,7 @@ std::optional<InterruptedSession> NewestInterruptedSession(const QString& folder
 
 QString DeclineSession(InterruptedSession& session)
 {
-    const QString path = Declined(session.journal);
+    QString path = Declined(session.journal);
     session.journal.close();
     return path;
 }
@@ -145,7 +145,7 @@ std::vector<QJsonObject> ReadNotes(const QString& folder)
 /// Drops the notes about texts that no longer exist.
 void ShortenNotes(const QString& folder)
 {
-    constexpr qint64 Long = 64 * 1024;
+    constexpr qint64 Long = 64LL * 1024;
     if (StateOfFile(NotesFile(folder)).bytes < Long)
         return;
     QByteArray text;
@@ -167,7 +167,7 @@ QString KeepUnsavedBook(const QString& folder, const QString& book, std::string_
     // With the ending, within the 255 bytes of a file name.
     constexpr qsizetype LongestName = 200;
     const QString name = ShortName(BaseNameOf(FileNameOf(book)), LongestName);
-    const QString path = FreshPath(folder + u'/' + (name.isEmpty() ? u"book"_s : name) + u" (unsaved "_s
+    QString path = FreshPath(folder + u'/' + (name.isEmpty() ? u"book"_s : name) + u" (unsaved "_s
                                        + Now().toString(TimeFormat) + u')',
                                    u".fb2"_s);
     LockedFile file = LockedFile::create(path + u".new"_s);

@@ -281,7 +281,7 @@ TEST(UnsavedTexts, DamagedNotesAnnounceNothing)
     const Workplace place;
     place.MakeFolders(u"Recovery"_s);
     place.Make(u"Recovery/Unsaved texts.list"_s,
-               std::string("\0{]\n{\"book\":\"/a\",\"text\":\"../x\"}\n[1]\n", 37));
+               std::string(1, '\0') + "{]\n{\"book\":\"/a\",\"text\":\"../x\"}\n[1]\n");
     place.Make(u"x"_s, "outside");
     EXPECT_EQ(TakeNewsOfUnsavedText(place.Path(u"Recovery"_s), u"/a"_s), QString());
 }

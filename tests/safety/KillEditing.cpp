@@ -32,6 +32,7 @@
 #include <QTimer>
 
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -42,7 +43,6 @@
 #include <thread>
 
 #include <fcntl.h>
-#include <signal.h>
 #include <unistd.h>
 
 using namespace vmk;

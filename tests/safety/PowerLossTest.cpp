@@ -110,7 +110,7 @@ private:
             const auto found = values.find(file);
             return found == values.end() ? std::string() : found->second;
         };
-        const std::string safe = valueOf(flushed);
+        std::string safe = valueOf(flushed);
         const std::string all = valueOf(written);
         if (part == 0 || all.size() < safe.size())
             return safe;
@@ -142,7 +142,7 @@ TEST(PowerLoss, DuringASaveLeavesTheOldOrTheNewBookAndWholeVersions)
         ASSERT_TRUE(KeepVersion(backup, book).isSafe);
         ASSERT_TRUE(ReplaceContent(book, after));
         calls::End();
-        const std::vector<Call> recorded = calls::Recorded();
+        const std::vector<Call>& recorded = calls::Recorded();
         ASSERT_GE(recorded.size(), 5U);
 
         DiskModel model(Disk{{book.toStdString(), before}});
@@ -181,7 +181,7 @@ TEST(PowerLoss, DuringASessionLeavesAStateNotOlderThanTheLastFlush)
         flushed.emplace_back(calls::Recorded().size(), pages.back());
     }
     calls::End();
-    const std::vector<Call> recorded = calls::Recorded();
+    const std::vector<Call>& recorded = calls::Recorded();
     // More than one base was written.
     EXPECT_GT(std::ranges::count(recorded, Call::Rename, &Call::kind), 0);
 

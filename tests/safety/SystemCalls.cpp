@@ -148,7 +148,7 @@ int Sync(const char* name, int handle)
 using namespace vmk::calls;
 
 // The names and the types are those of the C library.
-// NOLINTBEGIN(readability-identifier-naming)
+// NOLINTBEGIN(readability-identifier-naming, readability-inconsistent-declaration-parameter-name)
 extern "C" {
 
 int open(const char* path, int flags, ...)
@@ -263,4 +263,4 @@ int unlink(const char* path) noexcept
 }
 
 } // extern "C"
-// NOLINTEND(readability-identifier-naming)
+// NOLINTEND(readability-identifier-naming, readability-inconsistent-declaration-parameter-name)

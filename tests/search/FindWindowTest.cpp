@@ -390,7 +390,7 @@ TEST_F(FindWindow, ASelectionOfFiftyCharactersIsPastedAndFiftyOneAreTooLong)
 
 TEST_F(FindWindow, CharactersArePastedAsEscapesInRegExpMode)
 {
-    QAction* hex = window().MnFind->findChild<QAction*>(u"FPasteHex"_s);
+    auto* hex = window().MnFind->findChild<QAction*>(u"FPasteHex"_s);
     ASSERT_TRUE(hex);
     click(*window().RegExpB);
     const Position at = PlaceOf(u"Third"_s);
@@ -479,7 +479,7 @@ TEST_F(FindWindow, RemoveAllEmptiesTheListAndTheFileIsRemoved)
 
 TEST_F(FindWindow, AListIsSavedAndLoadedWithTheFileTypeOfItsMode)
 {
-    QAction* saveAs = window().MnHisF->findChild<QAction*>(u"FListSaveAs"_s);
+    auto* saveAs = window().MnHisF->findChild<QAction*>(u"FListSaveAs"_s);
     window().MnHisF->findChild<QAction*>(u"FListRemoveAll"_s)->trigger();
     saveAs->trigger();
     EXPECT_EQ(boxTexts, QStringList{u"list is empty, no sence to save"_s});
