@@ -332,15 +332,15 @@ TEST_F(Convert, ASaveIsFlushedAndPrivateUntilItHasItsName)
         if (line.find(".vmk-") != std::string::npos && line.find("openat") != std::string::npos) {
             EXPECT_NE(line.find("O_EXCL"), std::string::npos) << line;
             EXPECT_NE(line.find(", 0600)"), std::string::npos) << line;
-            steps.push_back("create");
+            steps.emplace_back("create");
         } else if (steps.empty()) {
             continue; // what precedes the save of the book
         } else if (line.find("O_DIRECTORY") != std::string::npos) {
-            steps.push_back("folder");
+            steps.emplace_back("folder");
         } else if (line.find("fsync(") != std::string::npos) {
-            steps.push_back("fsync");
+            steps.emplace_back("fsync");
         } else if (line.find("rename(") != std::string::npos) {
-            steps.push_back("rename");
+            steps.emplace_back("rename");
         }
     }
     // The last one opens the folder to look for abandoned files.

@@ -28,7 +28,8 @@ std::string Masked(std::string text, size_t piece)
 
 std::string Masks(size_t count)
 {
-    return std::string(count, TextMask::Mask);
+    std::string masks(count, TextMask::Mask);
+    return masks;
 }
 
 /// A listener switches the mask off.
