@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 
 /// Where a run over a collection writes its results: below one folder, under the paths of the input.
 namespace vmk {
@@ -26,8 +27,8 @@ struct BookItem;
 class OutputFolder
 {
 public:
-    explicit OutputFolder(const QString& folder)
-        : root(folder)
+    explicit OutputFolder(QString folder)
+        : root(std::move(folder))
     {
     }
 

@@ -51,8 +51,9 @@ bool GuardMemory(const std::function<bool()>& deliver)
 {
     static bool reporting = false;
     static_cast<void>(Reserve());
-    const std::size_t undoSteps = UndoStepsSeam()();
+    std::size_t undoSteps = 0;
     try {
+        undoSteps = UndoStepsSeam()();
         return deliver();
     } catch (const std::bad_alloc&) {
         // Within the report itself, the outer call ends the program.

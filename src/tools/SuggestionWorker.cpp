@@ -61,7 +61,7 @@ struct SuggestionWorker::State
 
     void run();
     void work(std::unique_lock<std::mutex>& lock, SpellChecker& checker, const QString& word);
-    void keep(const QString& word, Found result);
+    void keep(const QString& word, const Found& result);
 
     mutable std::mutex guard; ///< For all members below.
     mutable std::condition_variable changed;
@@ -96,10 +96,10 @@ void SuggestionWorker::State::work(std::unique_lock<std::mutex>& lock, SpellChec
                                    const QString& word)
 {
     const uint64_t begun = generation;
-    const auto publish = [&](Found result) {
+    const auto publish = [&](const Found& result) {
         if (stopped || generation != begun)
             return false;
-        keep(word, std::move(result));
+        keep(word, result);
         changed.notify_all();
         wordFound(word);
         return true;
@@ -116,11 +116,11 @@ void SuggestionWorker::State::work(std::unique_lock<std::mutex>& lock, SpellChec
     publish({std::move(all), true});
 }
 
-void SuggestionWorker::State::keep(const QString& word, Found result)
+void SuggestionWorker::State::keep(const QString& word, const Found& result)
 {
     if (known.size() >= MostRemembered)
         known.clear();
-    known.insert(word, std::move(result));
+    known.insert(word, result);
 }
 
 SuggestionWorker::SuggestionWorker(std::function<void(const QString& word)> wordFound)

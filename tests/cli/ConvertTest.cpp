@@ -221,7 +221,9 @@ TEST_F(Convert, WithoutEnoughMemoryTheOldFileStays)
 #ifdef __SANITIZE_ADDRESS__
     GTEST_SKIP() << "a sanitizer needs all the room there is";
 #endif
-    const std::string book = write("book.fb2", Declaration + "<a>" + std::string(80'000'000, 'x') + "</a>");
+    std::string text;
+    text.resize(80'000'000, 'x');
+    const std::string book = write("book.fb2", Declaration + "<a>" + text + "</a>");
     write("out.fb2", "old");
     ProgramSetting small;
     small.mostMemory = 200'000'000;

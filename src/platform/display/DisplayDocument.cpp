@@ -7,6 +7,7 @@
 #include "TextRange.h"
 
 #include <algorithm>
+#include <ranges>
 
 namespace vmk {
 
@@ -554,8 +555,8 @@ Selection DisplayDocument::undoSome(int& count)
     if (!step.run) {
         (void)history.stepBack();
         --count;
-        for (auto change = step.changes.rbegin(); change != step.changes.rend(); ++change)
-            apply(*change, false);
+        for (const LineChange& change : std::views::reverse(step.changes))
+            apply(change, false);
         return step.selectionBefore;
     }
     const std::size_t taken = std::min(step.run->done(), std::size_t(count));

@@ -1,5 +1,7 @@
 #include "FileAttributes.h"
 
+#include <QList>
+
 #include <algorithm>
 #include <array>
 #include <string_view>

@@ -430,8 +430,8 @@ xmlSAXHandler Pass::callbacks()
     };
     // The parser itself keeps the default values; a document has no use for the enumerations.
     sax.attributeDecl = [](void* pass, const xmlChar* element, const xmlChar*, int, int, const xmlChar* value,
-                           xmlEnumerationPtr alternatives) {
-        xmlFreeEnumeration(alternatives);
+                           xmlEnumerationPtr values) {
+        xmlFreeEnumeration(values);
         of(pass).countDeclaredAttribute(element, value);
     };
     sax.getEntity = [](void* pass, const xmlChar* name) {
