@@ -10,7 +10,7 @@ namespace {
 using namespace Qt::StringLiterals;
 
 /// Returns "en_gb" for "en-GB.UTF-8".
-QString PlainTag(QString tag)
+QString PlainTag(const QString& tag)
 {
     return tag.trimmed().toLower().replace(u'-', u'_').section(u'.', 0, 0);
 }

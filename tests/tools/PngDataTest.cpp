@@ -202,7 +202,7 @@ TEST(PngData, RandomRowsAreComplete)
     std::mt19937 random(3);
     for (int round = 0; round < 200; ++round) {
         const Header header{.width = 1 + uint32_t(random() % 200), .height = 1 + uint32_t(random() % 200)};
-        std::string rows = Rows(header.height, header.width * 3);
+        std::string rows = Rows(header.height, size_t(header.width) * 3);
         for (char& byte : rows)
             byte = char(random() % 5);
         EXPECT_EQ(ProblemOfRows(header, rows), None);

@@ -9,6 +9,7 @@
 #include "VMKAboutF.h"
 #include "WindowTest.h"
 
+#include <QAccessible>
 #include <QCheckBox>
 #include <QDialog>
 #include <QLabel>
