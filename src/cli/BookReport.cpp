@@ -70,7 +70,7 @@ BookReport BookReport::ofBytes(std::string_view bytes)
     BookReport report;
     if (bytes.empty())
         return report;
-    report.code = bytes.front();
+    report.code = static_cast<unsigned char>(bytes.front());
     bytes.remove_prefix(1);
     report.output = Take(bytes);
     report.errors = Take(bytes);

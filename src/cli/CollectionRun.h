@@ -43,7 +43,7 @@ struct CollectionJob
 {
     /// Called once in each process that handles books.
     std::function<BookHandler()> makeHandler;
-    /// Returns the exit code that a line of an earlier run stands for; adds its errors to `kinds`.
+    /// Returns the exit code of a line of an earlier run; adds its errors to `kinds`.
     std::function<int(const EarlierResult& line, std::vector<std::string>& kinds)> codeOfLine;
     /// Returns the lines at the end of the results; they begin with `closingStart`.
     std::function<QStringList(const RunTotals& totals)> closing = {};

@@ -92,8 +92,9 @@ bool ReadInto(DisplayDocument& document, const BookItem& book, bool json)
     if (!page)
         return false;
     // Guards have no meaning for a book that is not saved, and would be between the characters to find.
-    *page = ReplaceAll(ReplaceAll(*std::move(page), DisplayGuard, ""), DisplayGuardEscape, "");
-    document.loadPage(QByteArray::fromStdString(*page));
+    const std::string text
+        = ReplaceAll(ReplaceAll(*std::move(page), DisplayGuard, ""), DisplayGuardEscape, "");
+    document.loadPage(QByteArray::fromStdString(text));
     return true;
 }
 

@@ -5,6 +5,7 @@
 
 #include <QString>
 
+#include <cmath>
 #include <cstdio>
 
 #include <unistd.h>
@@ -20,7 +21,7 @@ using std::chrono::seconds;
 
 QString Duration(double time)
 {
-    const auto whole = static_cast<qint64>(time + 0.5);
+    const auto whole = static_cast<qint64>(std::llround(time));
     constexpr qint64 Minute = 60;
     constexpr qint64 Hour = 60 * Minute;
     if (whole >= Hour)

@@ -100,7 +100,7 @@ int CodeOfResult(const EarlierResult& result, std::vector<std::string>& kinds)
     const auto add = [&kinds](const QString& reason) { kinds.push_back(KindOfReason(reason).toStdString()); };
     if (!result.object.isEmpty()) {
         const QJsonArray all = result.object[u"errors"_s].toArray();
-        for (const QJsonValue& error : all)
+        for (const auto& error : all)
             add(error[u"reason"_s].toString());
         const QJsonObject first = result.object[u"error"_s].toObject();
         if (all.isEmpty() && !first.isEmpty())

@@ -43,7 +43,7 @@ inline constexpr uint64_t MostExpansion = 200;
 class BookWalk
 {
 public:
-    explicit BookWalk(BookInput input);
+    explicit BookWalk(BookInput what);
     ~BookWalk();
 
     /// Returns the next book, without its content; nothing at the end.

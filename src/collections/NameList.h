@@ -14,8 +14,8 @@ class NameList
 {
 public:
     /// \param file       the system path of the list; "-" for standard input
-    /// \param separator  the character after each path: LF or NUL
-    NameList(const std::string& file, char separator);
+    /// \param mark  the character after each path: LF or NUL
+    NameList(const std::string& file, char mark);
 
     /// The system's error message if the list cannot be opened or read; empty otherwise.
     [[nodiscard]] const QString& problem() const { return failure; }

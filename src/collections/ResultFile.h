@@ -18,7 +18,7 @@ class ResultFile
 {
 public:
     /// Opens a file for reading and appending; it is made if it is missing. `problem` is set on failure.
-    explicit ResultFile(const QString& file);
+    explicit ResultFile(const QString& name);
 
     /// The system's error message of the first failure; empty if there is none.
     [[nodiscard]] const QString& problem() const { return failure; }

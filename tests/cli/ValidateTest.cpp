@@ -161,7 +161,7 @@ TEST_F(Validate, EveryMadeBookIsCleanInEveryEncoding)
 
 TEST_F(Validate, RealBooksGetTheFirstErrorAtTheExpectedPosition)
 {
-    const std::string corpus = VMK_CORPUS_DIR;
+    const std::string corpus(std::string_view{VMK_CORPUS_DIR});
     if (test::CorpusBooks().empty())
         GTEST_SKIP() << test::NoCorpus;
     const auto resultOf = [&corpus](const std::string& name) {
@@ -182,7 +182,7 @@ TEST_F(Validate, RealBooksGetTheFirstErrorAtTheExpectedPosition)
 
 TEST_F(Validate, RealBooksThatAreNotWellFormedHaveAPosition)
 {
-    const std::string corpus = VMK_CORPUS_DIR;
+    const std::string corpus(std::string_view{VMK_CORPUS_DIR});
     if (test::CorpusBooks().empty())
         GTEST_SKIP() << test::NoCorpus;
     for (const char* name : {"help-ru.fb2", "help-zh.fb2", "manual-ru.fb2"}) {

@@ -13,7 +13,7 @@ using testing::ElementsAre;
 
 namespace {
 
-auto StartsWith(std::string start)
+auto StartsWith(const std::string& start)
 {
     return [start](std::string_view line) { return line.starts_with(start); };
 }

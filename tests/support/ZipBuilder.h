@@ -41,7 +41,7 @@ inline std::string MakeZip(const std::vector<ZipEntry>& entries)
 {
     const auto number = [](std::string& to, uint64_t value, int bytes) {
         for (int i = 0; i < bytes; ++i)
-            to += static_cast<char>(value >> (8 * i));
+            to += static_cast<char>(i < 8 ? value >> (8 * i) : 0);
     };
     std::string archive;
     std::string directory;

@@ -106,7 +106,7 @@ TEST_F(SpellCheckFTest, ReplaceWaitsForTheSuggestionsAndContinues)
     PutCaret(PlaceOf(u"one"_s));
     start();
     press(spell->ReplaceB);
-    EXPECT_GE(FindLine(u"one book titlle"_s), 0);
+    EXPECT_TRUE(WaitFor([this] { return FindLine(u"one book titlle"_s) >= 0; }));
     EXPECT_EQ(spell->txtWord->text(), u"titlle"_s);
     EXPECT_EQ(spell->Check().WordsReplaced, 1);
     EXPECT_FALSE(BookUnchanged);

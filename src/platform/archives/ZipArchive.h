@@ -44,7 +44,7 @@ public:
     /// Opens a file. Returns null, with the reason in `problem`, if it is not a complete archive.
     [[nodiscard]] static std::unique_ptr<ZipArchive> open(const std::string& systemPath, QString* problem);
     /// Opens an archive in memory.
-    [[nodiscard]] static std::unique_ptr<ZipArchive> ofBytes(std::string bytes, QString* problem);
+    [[nodiscard]] static std::unique_ptr<ZipArchive> ofBytes(std::string content, QString* problem);
     ~ZipArchive();
     ZipArchive(const ZipArchive&) = delete;
     ZipArchive& operator=(const ZipArchive&) = delete;

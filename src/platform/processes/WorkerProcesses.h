@@ -35,15 +35,15 @@ public:
     };
 
     /// \param count     the number of processes; 0 runs the tasks in this process
-    /// \param makeWork  is called once in each process
-    WorkerProcesses(int count, std::function<Work()> makeWork);
+    /// \param maker     is called once in each process
+    WorkerProcesses(int count, std::function<Work()> maker);
     ~WorkerProcesses();
     WorkerProcesses(const WorkerProcesses&) = delete;
     WorkerProcesses& operator=(const WorkerProcesses&) = delete;
 
     /// Whether a worker needs a task now, so that it does not have to wait for one later.
     [[nodiscard]] bool wantsTask() const;
-    void submit(uint64_t number, std::string task);
+    void submit(uint64_t number, std::string bytes);
     /// Whether tasks run in this process, because there is no other.
     [[nodiscard]] bool isHere() const { return workers.empty(); }
     /// The number of tasks without a returned result.

@@ -88,7 +88,7 @@ QString WithoutNamespace(QString reason, const QString& namespaceUri)
 
 namespace {
 
-/// Removes what stands before the message: "Element 'p', attribute 'id': ".
+/// Removes the text before the message: "Element 'p', attribute 'id': ".
 QString WithoutSubject(const QString& reason)
 {
     const qsizetype end = reason.startsWith(u"Element '"_s) ? reason.indexOf(u"': "_s) : -1;
