@@ -128,11 +128,11 @@ TEST_F(WindowHandling, AnErrorIsInTheMiddleOfTheView)
     OpenBook(text.insert(at, "<q/>"));
     form->RunCommand(Command::Validate);
     EXPECT_EQ(Document().selection().focus, PlaceOf(u"<q/>"_s));
-    EXPECT_NEAR(View().caretRect().center().y(), View().clientHeight() / 2, 3);
+    EXPECT_NEAR(View().caretRect().center().y(), View().clientHeight() / 2.0, 3);
     // Also for an error that is visible already.
     View().scrollBy(0, 100);
     form->RunCommand(Command::Validate);
-    EXPECT_NEAR(View().caretRect().center().y(), View().clientHeight() / 2, 3);
+    EXPECT_NEAR(View().caretRect().center().y(), View().clientHeight() / 2.0, 3);
 }
 
 TEST_F(WindowHandling, TheWideningAppliesToAnErrorAtTheEndTagOnly)

@@ -323,7 +323,7 @@ inline PlainDocument::Cut PlainDocument::cutAt(int from, int to, bool removeEmpt
 
 inline QString PlainDocument::firstBlockOf(int from, int to, const Cut& cut, bool deletes) const
 {
-    const QString block = blockOf(cut.begin - 1);
+    QString block = blockOf(cut.begin - 1);
     if (lineOf(from) == lineOf(to) || !deletes || from != lineStart(lineOf(from)))
         return block;
     // The line that moves up keeps its own block, and the first line its identifier.
@@ -348,7 +348,7 @@ inline int PlainDocument::build(int from, int to, const std::vector<Tokens>& con
 {
     const bool deletes = content.size() == 1 && content[0].empty();
     const Cut cut = cutAt(from, to, deletes && removeEmptied);
-    const QString block = blockOf(cut.begin - 1);
+    QString block = blockOf(cut.begin - 1);
 
     Tokens result(tokens.begin(), tokens.begin() + std::ptrdiff_t(cut.begin));
     result[startOfLine(cut.begin - 1)].tag = firstBlockOf(from, to, cut, deletes);

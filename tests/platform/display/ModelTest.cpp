@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <ostream>
+#include <ranges>
 
 namespace vmk {
 
@@ -384,8 +385,8 @@ bool Episode::undo()
         return false;
     const Step& step = steps[--done];
     plain.tokens = step.before;
-    for (auto change = step.edits.rbegin(); change != step.edits.rend(); ++change)
-        plain.movePlaces(change->from, change->newEnd, change->oldEnd);
+    for (const auto& change : std::views::reverse(step.edits))
+        plain.movePlaces(change.from, change.newEnd, change.oldEnd);
     plain.fitPlaces();
     plain.anchor = step.selectionBefore.from;
     plain.focus = step.selectionBefore.to;

@@ -419,7 +419,7 @@ TEST_F(ViewGeometry, EstimatesOfPlainTextAreNearlyRight)
     show(MixedLines.repeated(300));
     const int estimated = view.scrollHeight();
     measureAll();
-    EXPECT_NEAR(view.scrollHeight(), estimated, estimated / 50);
+    EXPECT_NEAR(view.scrollHeight(), estimated, estimated / 50.0);
 }
 
 TEST_F(ViewGeometry, ScrollingRaisesItsEventAndMeasuringDoesNot)

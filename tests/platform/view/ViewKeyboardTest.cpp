@@ -32,8 +32,8 @@ TEST_F(ViewKeyboard, ArrowKeysVisitEveryPositionOnceInEachDirection)
     show(ThreeLines + LongParagraph);
     caretTo(0, 0);
     const std::vector<Position> all = places();
-    for (size_t i = 0; i < all.size(); ++i) {
-        ASSERT_EQ(caret(), all[i]);
+    for (const Position place : all) {
+        ASSERT_EQ(caret(), place);
         key(Qt::Key_Right);
     }
     EXPECT_EQ(caret(), all.back());

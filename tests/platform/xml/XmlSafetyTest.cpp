@@ -227,6 +227,7 @@ TEST(XmlSafety, AThousandTextsOnFourThreadsGiveTheSameErrors)
     const std::string text = "<a>\n<b l:c='x'/></a>";
     const XmlParseError wanted = ReadXml(text, XmlEncoding::utf8());
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i)
         threads.emplace_back([&] {
             for (int run = 0; run < 250; ++run) {
