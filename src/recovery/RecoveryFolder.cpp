@@ -168,8 +168,8 @@ QString KeepUnsavedBook(const QString& folder, const QString& book, std::string_
     constexpr qsizetype LongestName = 200;
     const QString name = ShortName(BaseNameOf(FileNameOf(book)), LongestName);
     QString path = FreshPath(folder + u'/' + (name.isEmpty() ? u"book"_s : name) + u" (unsaved "_s
-                                       + Now().toString(TimeFormat) + u')',
-                                   u".fb2"_s);
+                                 + Now().toString(TimeFormat) + u')',
+                             u".fb2"_s);
     LockedFile file = LockedFile::create(path + u".new"_s);
     if (!file || !file.append(bytes) || !file.flush() || !file.rename(path)) {
         reason = file.reason();
