@@ -190,7 +190,7 @@ void CutPictures(KeptBook& kept, std::string& text, std::string_view bytes, bool
         kept.binaryPart = std::move(givenPart);
         kept.binaryCodePage = kept.encoding.work.codePage;
     }
-    text.replace(start, std::string::npos, rest);
+    text.replace(start, std::string::npos, rest); // NOLINT(readability-suspicious-call-argument)
 }
 
 /// Returns a copy of the text in which comments and similar are blank, so that they are not read as mark-up.

@@ -7,7 +7,6 @@
 #include "TextRange.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace vmk {
 
@@ -555,8 +554,9 @@ Selection DisplayDocument::undoSome(int& count)
     if (!step.run) {
         (void)history.stepBack();
         --count;
-        for (const LineChange& change : std::views::reverse(step.changes))
-            apply(change, false);
+        // NOLINTNEXTLINE(modernize-loop-convert): clang 14 cannot read views::reverse of this library.
+        for (auto change = step.changes.rbegin(); change != step.changes.rend(); ++change)
+            apply(*change, false);
         return step.selectionBefore;
     }
     const std::size_t taken = std::min(step.run->done(), std::size_t(count));

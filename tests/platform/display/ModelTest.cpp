@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <ostream>
-#include <ranges>
 
 namespace vmk {
 
@@ -385,8 +384,9 @@ bool Episode::undo()
         return false;
     const Step& step = steps[--done];
     plain.tokens = step.before;
-    for (const auto& change : std::views::reverse(step.edits))
-        plain.movePlaces(change.from, change.newEnd, change.oldEnd);
+    // NOLINTNEXTLINE(modernize-loop-convert): clang 14 cannot read views::reverse of this library.
+    for (auto change = step.edits.rbegin(); change != step.edits.rend(); ++change)
+        plain.movePlaces(change->from, change->newEnd, change->oldEnd);
     plain.fitPlaces();
     plain.anchor = step.selectionBefore.from;
     plain.focus = step.selectionBefore.to;
