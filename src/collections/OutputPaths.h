@@ -47,7 +47,7 @@ private:
     std::string made; // the last folder that exists and is below `root`
 };
 
-/// The paths of the results of one run, which tells two books with the same path apart. Needs some 16 bytes
+/// The paths of the results of one run, which differ for two books with the same path. Needs some 16 bytes
 /// for each path.
 class TakenPaths
 {

@@ -9,7 +9,7 @@
 #include <string>
 
 /// Journals of strangers. The first byte decides: the rest is a journal as it is, or the contents of records
-/// whose checksums are made right, so that the decoder behind them is reached. What can be read can be shown,
+/// whose checksums are made right, so that the decoder after them is reached. What can be read can be shown,
 /// and its page is read back as itself.
 using namespace vmk;
 

@@ -209,8 +209,8 @@ TEST(NearWords, TheSearchEndsOnRequest)
 
 TEST_F(SpellCheckerTest, TheWorkerReportsItsSuggestions)
 {
-    std::atomic<int> told = 0;
-    SuggestionWorker worker([&](const QString&) { ++told; });
+    std::atomic<int> reports = 0;
+    SuggestionWorker worker([&](const QString&) { ++reports; });
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     EXPECT_FALSE(worker.found(u"boook"_s).complete);
     worker.setDictionaries(SpellDictionaries(InstalledDictionaries(DictionaryFolders()), u"en"_s, u"C"_s));
@@ -219,7 +219,7 @@ TEST_F(SpellCheckerTest, TheWorkerReportsItsSuggestions)
     EXPECT_TRUE(found.complete);
     EXPECT_EQ(found.words.value(0), u"book"_s);
     EXPECT_EQ(worker.wait(u"tittle"_s, end).words.value(0), u"title"_s);
-    EXPECT_GE(told, 3);
+    EXPECT_GE(reports, 3);
     // Other dictionaries, other suggestions.
     worker.setDictionaries(SpellDictionaries({}, u"en"_s, u"C"_s));
     worker.request(u"boook"_s, {});
