@@ -25,7 +25,8 @@ cd / && exec sh -c "\$*"
 EOF
 chmod +x bin/ssh
 ln -s "$bin/vmk" bin/vmk
-export PATH="$work/bin:$PATH" HOME="$work" PARALLEL_HOME="$work"
+# GNU parallel reads the name of the shell from the environment.
+export PATH="$work/bin:$PATH" HOME="$work" PARALLEL_HOME="$work" SHELL=/bin/sh
 mkdir -p "$work/.parallel"
 touch "$work/.parallel/will-cite"
 
