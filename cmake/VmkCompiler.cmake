@@ -16,9 +16,10 @@ endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    # GCC 12 reports false overlapping and unbounded copies for additions of std::string.
+    # GCC 12 reports false overlapping and unbounded copies for additions of std::string, and a false release of memory
+    # for a vector that grows.
     add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict> $<$<COMPILE_LANGUAGE:CXX>:-Wno-stringop-overflow>
-        $<$<COMPILE_LANGUAGE:CXX>:-Wno-array-bounds>)
+        $<$<COMPILE_LANGUAGE:CXX>:-Wno-array-bounds> $<$<COMPILE_LANGUAGE:CXX>:-Wno-free-nonheap-object>)
 endif()
 # The linker of LLVM is several times faster than the default one, and there are many test programs.
 find_program(VMK_LLD ld.lld)
@@ -30,6 +31,27 @@ if(VMK_WERROR)
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     add_compile_options(-fpch-preprocess)
+    # Qt asks for position-independent code. Without this GCC would not inline functions of the same source into each other.
+    add_compile_options(-fno-semantic-interposition)
+endif()
+if(VMK_HARDEN)
+    # The same protection as in Debian's packages. Sanitizers have checks of their own and replace the functions
+    # that _FORTIFY_SOURCE replaces.
+    if(VMK_SANITIZE)
+        message(FATAL_ERROR "VMK_HARDEN and VMK_SANITIZE exclude each other")
+    endif()
+    include(CheckCXXCompilerFlag)
+    include(CheckPIESupported)
+    check_pie_supported(LANGUAGES C CXX)
+    set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+    add_compile_options(-fstack-protector-strong)
+    add_compile_definitions($<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=2>)
+    add_link_options(LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack)
+    # Only some processors have it.
+    check_cxx_compiler_flag(-fcf-protection VMK_HAS_CF_PROTECTION)
+    if(VMK_HAS_CF_PROTECTION)
+        add_compile_options(-fcf-protection)
+    endif()
 endif()
 if(VMK_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)

@@ -52,7 +52,8 @@ bool Reserve(int file, off_t oldSize, std::size_t size)
     const int error = ::posix_fallocate(file, oldSize, end - oldSize);
     if (error == 0 || error == EINVAL || error == EOPNOTSUPP || error == ENODEV)
         return true;
-    static_cast<void>(::ftruncate(file, oldSize));
+    // If this fails too, the file has zero bytes after its old text. The first error is the one to report.
+    [[maybe_unused]] const int shortened = ::ftruncate(file, oldSize);
     errno = error;
     return false;
 }
