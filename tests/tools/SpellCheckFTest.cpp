@@ -41,9 +41,14 @@ protected:
     }
     void press(QPushButton* button) { QTest::mouseClick(button, Qt::LeftButton); }
     void start() { press(spell->StartB); }
+    /// On a slow machine the form first says that there are none.
     bool waitForSuggestions()
     {
-        return WaitFor([this] { return spell->lstWords->count() > 0; });
+        return WaitFor([this] { return !list().isEmpty() && list().first() != u"no suggestions"_s; });
+    }
+    bool waitForAnswer()
+    {
+        return WaitFor([this] { return !list().isEmpty(); });
     }
     QStringList list() const
     {
@@ -145,7 +150,7 @@ TEST_F(SpellCheckFTest, WhatTheUserTypesIsNotOverwrittenBySuggestions)
     spell->txtReplaceWith->setFocus();
     spell->txtReplaceWith->selectAll();
     QTest::keyClicks(spell->txtReplaceWith, u"mine"_s);
-    ASSERT_TRUE(waitForSuggestions());
+    ASSERT_TRUE(waitForAnswer());
     EXPECT_EQ(spell->txtReplaceWith->text(), u"mine"_s);
 }
 
@@ -171,7 +176,7 @@ TEST_F(SpellCheckFTest, AWordWithoutSuggestionsSaysSo)
     openForm();
     PutCaret(PlaceOf(u"one"_s));
     start();
-    ASSERT_TRUE(waitForSuggestions());
+    ASSERT_TRUE(waitForAnswer());
     EXPECT_EQ(list(), QStringList({u"no suggestions"_s}));
     EXPECT_TRUE(spell->txtReplaceWith->text().isEmpty());
 }
