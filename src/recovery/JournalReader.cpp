@@ -178,7 +178,7 @@ private:
     {
         if (!IsSound(line, state.tags.size()))
             reader.fail();
-        return std::make_shared<const Line>(std::move(line));
+        return MakeLine(std::move(line));
     }
 
     void readLines(ByteReader& reader)
@@ -293,7 +293,7 @@ std::vector<LinePtr> LinesOfSession(const JournalBase& session, TagTable& tags)
         made.block = numbers[made.block];
         for (Mark& mark : made.marks)
             mark.tag = numbers[mark.tag] & 0x7FFFFFFF;
-        lines.push_back(std::make_shared<const Line>(std::move(made)));
+        lines.push_back(MakeLine(std::move(made)));
     }
     return lines;
 }

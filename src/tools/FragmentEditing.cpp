@@ -112,7 +112,7 @@ public:
         }
         if (blueOpen)
             marks.push_back(Mark::closing(length, blueTag));
-        return std::make_shared<const Line>(std::move(painted));
+        return MakeLine(std::move(painted));
     }
 
 private:
@@ -196,7 +196,7 @@ void ShowFragment(DisplayDocument& editor, const QString& source)
             line.text += marker;
             line.marks = {Mark::opening(end, markerTag), Mark::closing(end + 1, markerTag)};
         }
-        lines.push_back(std::make_shared<const Line>(std::move(line)));
+        lines.push_back(MakeLine(std::move(line)));
     }
     ReplaceAllLines(editor, std::move(lines));
     editor.setSelection({}, {});

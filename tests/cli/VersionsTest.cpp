@@ -134,7 +134,7 @@ std::string MakeJournal(const QString& recovery, const QString& book)
     base.binary = std::make_shared<const std::string>();
     base.tags = {{u"DIV"_s, QString()}};
     for (const char* text : {"<FictionBook>", "<p>recovered</p>", "</FictionBook>"})
-        base.lines.push_back(std::make_shared<const Line>(Line{1, QString::fromLatin1(text), {}}));
+        base.lines.push_back(MakeLine({1, QString::fromLatin1(text), {}}));
     JournalWriter writer(recovery);
     EXPECT_TRUE(writer.begin(base));
     return writer.path().toStdString();

@@ -227,17 +227,17 @@ TEST(Journal, ABatchThatDoesNotFitEndsThePrefix)
     const Workplace place;
     JournalBase base;
     base.binary = std::make_shared<const std::string>();
-    base.lines = {std::make_shared<const Line>(Line{NoTag, u"one"_s, {}})};
+    base.lines = {MakeLine({NoTag, u"one"_s, {}})};
     base.facts.pageFront = "<HTML><BODY>";
     JournalWriter writer(place.Path(u"Recovery"_s));
     ASSERT_TRUE(writer.begin(base));
     JournalBatch good;
-    good.splices.push_back({0, 1, {std::make_shared<const Line>(Line{NoTag, u"two"_s, {}})}});
+    good.splices.push_back({0, 1, {MakeLine({NoTag, u"two"_s, {}})}});
     ASSERT_TRUE(writer.write(good));
     const std::uint64_t length = writer.length();
     JournalBatch bad;
     // A tag that does not exist.
-    bad.splices.push_back({0, 1, {std::make_shared<const Line>(Line{7, u"three"_s, {}})}});
+    bad.splices.push_back({0, 1, {MakeLine({7, u"three"_s, {}})}});
     ASSERT_TRUE(writer.write(bad));
     ASSERT_TRUE(writer.write(good));
     const std::optional<RecordedSession> found = ReadJournal(ReadContent(writer.path()).bytes);
@@ -388,14 +388,14 @@ TEST(Journal, AnEditIsWrittenWithoutFurtherCalls)
     JournalThread journal(place.Path(u"Recovery"_s), {});
     JournalBase base;
     base.binary = std::make_shared<const std::string>();
-    base.lines = {std::make_shared<const Line>(Line{NoTag, u"one"_s, {}})};
+    base.lines = {MakeLine({NoTag, u"one"_s, {}})};
     journal.begin(base);
     journal.waitUntilWritten();
     const QDir folder(place.Path(u"Recovery"_s));
     const QString path = folder.filePath(folder.entryList(QDir::Files).value(0));
     const qint64 before = StateOfFile(path).bytes;
     JournalBatch batch;
-    batch.splices.push_back({0, 1, {std::make_shared<const Line>(Line{NoTag, u"two"_s, {}})}});
+    batch.splices.push_back({0, 1, {MakeLine({NoTag, u"two"_s, {}})}});
     journal.add(batch);
     QElapsedTimer timer;
     timer.start();
@@ -446,7 +446,7 @@ TEST(Journal, AFullDiskIsReportedAndNothingIsLost)
     const Workplace place;
     JournalBase base;
     base.binary = std::make_shared<const std::string>();
-    base.lines = {std::make_shared<const Line>(Line{NoTag, u"one"_s, {}})};
+    base.lines = {MakeLine({NoTag, u"one"_s, {}})};
     base.facts.pageFront = "<HTML><BODY>";
     JournalWriter writer(place.Path(u"Recovery"_s));
     ASSERT_TRUE(writer.begin(base));
@@ -456,7 +456,7 @@ TEST(Journal, AFullDiskIsReportedAndNothingIsLost)
     QString text;
     for (int i = 0; i < 8'000; ++i)
         text += QChar(u'a' + int(random() % 26));
-    batch.splices.push_back({0, 1, {std::make_shared<const Line>(Line{NoTag, text, {}})}});
+    batch.splices.push_back({0, 1, {MakeLine({NoTag, text, {}})}});
     {
         const FileSizeLimit limit(writer.length() + 100);
         EXPECT_FALSE(writer.write(batch));

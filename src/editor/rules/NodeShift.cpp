@@ -83,7 +83,7 @@ std::vector<LinePtr> ShiftLines(DisplayDocument& document, const SelectedLines& 
         }
         Line line = *old;
         line.block = *block;
-        newLines.push_back(std::make_shared<const Line>(std::move(line)));
+        newLines.push_back(MakeLine(std::move(line)));
     }
     return newLines;
 }

@@ -12,20 +12,20 @@ namespace vmk {
 
 namespace {
 
-/// The text split at CrLf, CR and LF; each piece is a line without block and marks.
-std::vector<Line> PiecesOf(const QString& text)
+/// The text split at CrLf, CR and LF; each piece is a line without marks.
+std::vector<LinePtr> PiecesOf(const QString& text, TagId block)
 {
-    std::vector<Line> pieces;
+    std::vector<LinePtr> pieces;
     qsizetype from = 0;
     for (qsizetype i = 0; i < text.size(); ++i) {
         if (text[i] != u'\r' && text[i] != u'\n')
             continue;
-        pieces.push_back({NoTag, text.mid(from, i - from), {}});
+        pieces.push_back(MakeLine({block, text.mid(from, i - from), {}}));
         if (text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n')
             ++i;
         from = i + 1;
     }
-    pieces.push_back({NoTag, text.mid(from), {}});
+    pieces.push_back(MakeLine({block, text.mid(from), {}}));
     return pieces;
 }
 
@@ -34,11 +34,16 @@ bool HasContent(const Line& line)
     return !line.text.isEmpty() || !line.marks.empty();
 }
 
+LinePtr WithBlock(const Line& line, TagId block)
+{
+    return MakeLine({block, line.text, line.marks});
+}
+
 /// The end of content that was inserted at a position.
-Position EndOfContent(Position from, const std::vector<Line>& content)
+Position EndOfContent(Position from, const std::vector<LinePtr>& content)
 {
     const int lineBreaks = int(content.size()) - 1;
-    const int length = int(content.back().text.size());
+    const int length = int(content.back()->text.size());
     return {from.line + lineBreaks, lineBreaks == 0 ? from.offset + length : length};
 }
 
@@ -101,7 +106,7 @@ void DisplayDocument::loadPage(const QByteArray& html)
     const TagId div = tagTable.intern(u"DIV", {});
     for (LinePtr& line : content.lines) {
         if (line->block == NoTag)
-            line = std::make_shared<const Line>(Line{div, line->text, line->marks});
+            line = WithBlock(*line, div);
     }
     reset(std::move(content.lines));
 }
@@ -135,7 +140,7 @@ QByteArray DisplayDocument::savePage() const
 void DisplayDocument::reset(std::vector<LinePtr> newLines)
 {
     if (newLines.empty())
-        newLines.push_back(std::make_shared<const Line>());
+        newLines.push_back(MakeLine({}));
     lines.assign(std::move(newLines));
     knownLineStarts = 0;
     history.clear();
@@ -218,7 +223,7 @@ void DisplayDocument::splice(int first, int removed, std::vector<LinePtr> insert
 {
     const EditGroup group(*this);
     if (removed == lineCount() && inserted.empty())
-        inserted.push_back(std::make_shared<const Line>());
+        inserted.push_back(MakeLine({}));
     const bool isBare = removed == lineCount() && inserted.size() == 1 && !HasContent(*inserted[0]);
     if (!isBare) {
         for (LinePtr& line : inserted)
@@ -257,9 +262,9 @@ void DisplayDocument::makeFit(LinePtr& line)
     const bool isWrongBlock
         = line->block == NoTag || (tagTable[line->block].name == u"HR" && HasContent(*line));
     if (isWrongBlock)
-        line = std::make_shared<const Line>(Line{tagTable.intern(u"DIV", {}), line->text, line->marks});
+        line = WithBlock(*line, tagTable.intern(u"DIV", {}));
     if (IsTooDeep(*line))
-        line = std::make_shared<const Line>(WithinDepth(*line));
+        line = MakeLine(WithinDepth(*line));
 }
 
 void DisplayDocument::exchange(int first, const std::vector<LinePtr>& removed,
@@ -291,44 +296,35 @@ TagId DisplayDocument::blockWithoutId(TagId block)
     return tagTable[block].id.isEmpty() ? block : tagTable.withAttribute(block, u"id", QString());
 }
 
-Position DisplayDocument::replaceContent(Position from, Position to, const std::vector<Line>& content,
+Position DisplayDocument::replaceContent(Position from, Position to, std::vector<LinePtr> content,
                                          bool dropEmptyElements)
 {
     const LinePtr first = lines[from.line];
     const LinePtr last = lines[to.line];
-    std::vector<Line> made = ReplaceLineContent(
-        *first, StartCut(tagTable, *first, from, to), *last, EndCut(tagTable, *last, from, to), content,
-        blockWithoutId(first->block), dropEmptyElements ? EmptyElements::Remove : EmptyElements::Keep);
-
+    const Position newEnd = EndOfContent(from, content);
     // A line that moves up to the start of an emptied one keeps its block, but not the identifier.
     const bool movesUp
-        = from.line != to.line && from.offset == 0 && content.size() == 1 && !HasContent(content[0]);
+        = from.line != to.line && from.offset == 0 && content.size() == 1 && !HasContent(*content[0]);
+    std::vector<LinePtr> made = ReplaceLineContent(
+        *first, StartCut(tagTable, *first, from, to), *last, EndCut(tagTable, *last, from, to),
+        std::move(content), blockWithoutId(first->block),
+        dropEmptyElements ? EmptyElements::Remove : EmptyElements::Keep);
     if (movesUp) {
         const QString& id = tagTable[first->block].id;
-        made[0].block = tagTable[last->block].id == id
-            ? last->block
-            : tagTable.withAttribute(last->block, u"id", id.isEmpty() ? QString() : id);
+        made[0] = WithBlock(*made[0],
+                            tagTable[last->block].id == id
+                                ? last->block
+                                : tagTable.withAttribute(last->block, u"id", id.isEmpty() ? QString() : id));
     }
-
-    const Position newEnd = EndOfContent(from, content);
-    spliceMade(from, to, std::move(made), newEnd);
+    splice(from.line, to.line - from.line + 1, std::move(made), {from, to, newEnd});
     return newEnd;
-}
-
-void DisplayDocument::spliceMade(Position from, Position to, std::vector<Line> made, Position newEnd)
-{
-    std::vector<LinePtr> inserted;
-    inserted.reserve(made.size());
-    for (Line& line : made)
-        inserted.push_back(std::make_shared<const Line>(std::move(line)));
-    splice(from.line, to.line - from.line + 1, std::move(inserted), {from, to, newEnd});
 }
 
 Position DisplayDocument::replaceText(Position from, Position to, const QString& text)
 {
     if (from == to && text.isEmpty())
         return from;
-    return replaceContent(from, to, PiecesOf(text), false);
+    return replaceContent(from, to, PiecesOf(text, blockWithoutId(lines[from.line]->block)), false);
 }
 
 Position DisplayDocument::deleteRange(Position from, Position to)
@@ -337,7 +333,7 @@ Position DisplayDocument::deleteRange(Position from, Position to)
         return from;
     const bool wholeLines = from.line < to.line && from.offset == 0 && to.offset == line(to.line).text.size();
     if (!wholeLines)
-        return replaceContent(from, to, {Line()}, true);
+        return replaceContent(from, to, {MakeLine({})}, true);
     splice(from.line, to.line - from.line + 1, {}, {from, {to.line + 1, 0}, from});
     return valid(from);
 }
@@ -349,16 +345,13 @@ Position DisplayDocument::replaceHtml(Position from, Position to, QStringView ht
         return replaceHtml(from.line, StartCut(tagTable, line, from, to), EndCut(tagTable, line, from, to),
                            html);
     }
-    const HtmlContent read = ReadFragment(tagTable, html);
-    std::vector<Line> content;
-    for (const LinePtr& line : read.lines)
-        content.push_back(*line);
+    std::vector<LinePtr> content = ReadFragment(tagTable, html).lines;
     if (content.empty())
-        content.emplace_back();
+        content.push_back(MakeLine({}));
 
-    const TagId firstBlock = content[0].block;
+    const TagId firstBlock = content[0]->block;
     const EditGroup group(*this);
-    const Position end = replaceContent(from, to, content, false);
+    const Position end = replaceContent(from, to, std::move(content), false);
     if (from.offset == 0 && firstBlock != NoTag)
         setBlock(from.line, firstBlock);
     return end;
@@ -367,47 +360,42 @@ Position DisplayDocument::replaceHtml(Position from, Position to, QStringView ht
 Position DisplayDocument::replaceHtml(int line, Cut from, Cut to, QStringView html)
 {
     HtmlContent read = ReadFragment(tagTable, html);
-    std::vector<Line> content;
-    content.reserve(read.lines.size() + 2);
-    for (LinePtr& piece : read.lines) {
-        content.push_back(*piece);
-        piece.reset();
-    }
-    if (!content.empty())
-        return replaceBlocks(line, from, to, std::move(content), read.openEnded);
+    if (!read.lines.empty())
+        return replaceBlocks(line, from, to, std::move(read.lines), read.openEnded);
     if (from.offset == to.offset && from.mark == to.mark)
         return {line, from.offset};
-    return replaceBlocks(line, from, to, {Line()}, true);
+    return replaceBlocks(line, from, to, {MakeLine({})}, true);
 }
 
 /// Inserts content into one line: text outside blocks is joined to the text next to it, blocks become
 /// separate lines. No empty line remains where the rest of the line is empty.
-Position DisplayDocument::replaceBlocks(int line, Cut from, Cut to, std::vector<Line> content, bool openEnded)
+Position DisplayDocument::replaceBlocks(int line, Cut from, Cut to, std::vector<LinePtr> content,
+                                        bool openEnded)
 {
-    const bool isSeparateWord = content.front().block != NoTag;
+    const bool isSeparateWord = content.front()->block != NoTag;
     if (isSeparateWord)
-        content.insert(content.begin(), Line());
+        content.insert(content.begin(), MakeLine({}));
     if (!openEnded)
-        content.emplace_back();
+        content.push_back(MakeLine({}));
 
     const LinePtr old = lines[line];
-    std::vector<Line> made
-        = ReplaceLineContent(*old, from, *old, to, content, blockWithoutId(old->block), EmptyElements::Keep);
     const Position start{line, from.offset};
     Position end = EndOfContent(start, content);
-    const bool restIsEmpty = !openEnded && made.size() > 1 && !HasContent(made.back());
+    std::vector<LinePtr> made = ReplaceLineContent(*old, from, *old, to, std::move(content),
+                                                   blockWithoutId(old->block), EmptyElements::Keep);
+    const bool restIsEmpty = !openEnded && made.size() > 1 && !HasContent(*made.back());
     if (restIsEmpty) {
         made.pop_back();
-        end = {end.line - 1, int(made.back().text.size())};
+        end = {end.line - 1, int(made.back()->text.size())};
     }
-    if (isSeparateWord && made.size() > 1 && !HasContent(made.front())) {
+    if (isSeparateWord && made.size() > 1 && !HasContent(*made.front())) {
         made.erase(made.begin());
         --end.line;
         // The rest is the complete old line, moved down: it keeps its identifier.
         if (!openEnded && !restIsEmpty)
-            made.back().block = old->block;
+            made.back() = WithBlock(*made.back(), old->block);
     }
-    spliceMade(start, {line, to.offset}, std::move(made), end);
+    splice(line, 1, std::move(made), {start, {line, to.offset}, end});
     return end;
 }
 
@@ -436,17 +424,15 @@ void DisplayDocument::wrapRange(Position from, Position to, TagId tag)
         const Line& old = line(i);
         const int begin = i == from.line ? from.offset : 0;
         const int end = i == to.line ? to.offset : int(old.text.size());
-        made.push_back(begin < end ? std::make_shared<const Line>(WrapContent(old, begin, end, tag))
-                                   : lines[i]);
+        made.push_back(begin < end ? MakeLine(WrapContent(old, begin, end, tag)) : lines[i]);
     }
     splice(from.line, to.line - from.line + 1, std::move(made), {from, from, from});
 }
 
 void DisplayDocument::setBlock(int line, TagId block)
 {
-    const Line& old = *lines[line];
     const Position start{line, 0};
-    splice(line, 1, {std::make_shared<const Line>(Line{block, old.text, old.marks})}, {start, start, start});
+    splice(line, 1, {WithBlock(*lines[line], block)}, {start, start, start});
 }
 
 // ---------------------------------------------------------------- editing by key
@@ -482,7 +468,7 @@ void DisplayDocument::deleteBackward()
     const Position from = to.offset > 0 ? valid({to.line, to.offset - 1})
                                         : Position{to.line - 1, int(line(to.line - 1).text.size())};
     const EditGroup group(*this);
-    const Position caret = replaceContent(from, to, {Line()}, true);
+    const Position caret = replaceContent(from, to, {MakeLine({})}, true);
     setSelection(caret, caret);
 }
 
@@ -499,7 +485,7 @@ void DisplayDocument::deleteForward()
     const Position to = from.offset == text.size() ? Position{from.line + 1, 0}
                                                    : Position{from.line, from.offset + (isPair ? 2 : 1)};
     const EditGroup group(*this);
-    const Position caret = replaceContent(from, to, {Line()}, true);
+    const Position caret = replaceContent(from, to, {MakeLine({})}, true);
     setSelection(caret, caret);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DisplayLines.h"
+#include "LineStore.h"
 #include "UndoHistory.h"
 
 #include <QByteArray>
@@ -198,10 +199,8 @@ private:
             call(*listener);
     }
     void reset(std::vector<LinePtr> newLines);
-    Position replaceContent(Position from, Position to, const std::vector<Line>& content,
-                            bool dropEmptyElements);
-    Position replaceBlocks(int line, Cut from, Cut to, std::vector<Line> content, bool openEnded);
-    void spliceMade(Position from, Position to, std::vector<Line> made, Position newEnd);
+    Position replaceContent(Position from, Position to, std::vector<LinePtr> content, bool dropEmptyElements);
+    Position replaceBlocks(int line, Cut from, Cut to, std::vector<LinePtr> content, bool openEnded);
     [[nodiscard]] TagId blockWithoutId(TagId block);
     void makeFit(LinePtr& line);
     void apply(const LineChange& change, bool forward);

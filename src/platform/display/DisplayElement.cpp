@@ -78,7 +78,7 @@ void DisplayElement::setTag(TagId newTag)
     line.marks[markIndex] = Mark::opening(line.marks[markIndex].pos, newTag);
     line.marks[closing] = Mark::closing(line.marks[closing].pos, newTag);
     const Position start{lineIndex, 0};
-    document->splice(lineIndex, 1, {std::make_shared<const Line>(std::move(line))}, {start, start, start});
+    document->splice(lineIndex, 1, {MakeLine(std::move(line))}, {start, start, start});
 }
 
 QString DisplayElement::nodeName() const

@@ -1,6 +1,7 @@
 #include "HtmlLineBuilder.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace vmk {
 
@@ -251,16 +252,32 @@ TagId HtmlLineBuilder::plainBlock(TagId container)
 void HtmlLineBuilder::addLine(TagId block)
 {
     const QStringView written(text.data(), qsizetype(text.size()));
-    // Equal lines, most of them empty, are one object.
-    if (marks.empty() && !lines.empty()) {
-        const Line& last = *lines.back();
-        if (last.block == block && last.marks.empty() && last.text == written) {
-            lines.push_back(lines.back());
-            return;
-        }
+    if (!marks.empty()) {
+        lines.push_back(MakeLine({block, written.toString(), {marks.begin(), marks.end()}}));
+        return;
     }
-    lines.push_back(std::make_shared<const Line>(
-        Line{block, written.toString(), std::vector<Mark>(marks.begin(), marks.end())}));
+    // Equal lines are one object: most of them are empty, or very short in a text of very many lines.
+    LinePtr& last = similarLine(block, written);
+    if (!last || last->block != block || last->text != written)
+        last = MakeLine({block, written.toString(), {}});
+    lines.push_back(last);
+}
+
+/// The last line that may be equal to a line without marks.
+LinePtr& HtmlLineBuilder::similarLine(TagId block, QStringView written)
+{
+    constexpr qsizetype VeryShort = 3;
+    constexpr std::size_t ManyLines = 1000;
+    constexpr unsigned HashBits = 16;
+    constexpr std::uint64_t Spread = 0x9E3779B97F4A7C15; // 2^64 divided by the golden ratio
+    if (written.size() > VeryShort || lines.size() < ManyLines)
+        return lastPlainLine;
+    if (shortLines.empty())
+        shortLines.resize(std::size_t(1) << HashBits);
+    std::uint64_t key = block;
+    for (const QChar c : written)
+        key = key << 16 ^ key >> 48 ^ c.unicode();
+    return shortLines[key * Spread >> (64 - HashBits)];
 }
 
 std::vector<LinePtr> HtmlLineBuilder::finish(bool& openEnded)

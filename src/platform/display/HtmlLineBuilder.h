@@ -114,12 +114,15 @@ private:
     [[nodiscard]] TagId blockOfLine();
     [[nodiscard]] TagId plainBlock(TagId container);
     void addLine(TagId block);
+    [[nodiscard]] LinePtr& similarLine(TagId block, QStringView written);
 
     TagTable& tags;
     const Spacing spacing;
     const TagId preName;
 
     std::vector<LinePtr> lines;
+    LinePtr lastPlainLine; ///< The last line without marks.
+    std::vector<LinePtr> shortLines; ///< Very short ones, each at a position computed from its content.
     std::vector<OpenBlock> blocks;
     std::vector<OpenInline> inlines;
     /// The number of elements of `inlines`, from the bottom, that are in the current line.

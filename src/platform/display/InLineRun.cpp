@@ -52,7 +52,7 @@ LinePtr InLineRun::rewritten(const ChangedLine& changed, std::size_t done) const
         else
             rewriter.wrapLast(step.length, step.mark);
     }
-    return std::make_shared<const Line>(rewriter.take());
+    return MakeLine(rewriter.take());
 }
 
 LinePtr InLineRun::lineWhen(const ChangedLine& changed, std::size_t done) const

@@ -32,16 +32,16 @@ CommonEnds CommonEndsOf(const std::vector<LinePtr>& before, const std::vector<Li
 std::vector<LinePtr> WithoutEnds(const std::vector<LinePtr>& lines, const CommonEnds& ends)
 {
     std::vector<LinePtr> trimmed = lines;
-    auto last = std::make_shared<Line>(*lines.back());
-    last->text.chop(ends.backText);
-    last->marks.resize(last->marks.size() - ends.backMarks);
-    trimmed.back() = last;
-    auto first = std::make_shared<Line>(*trimmed.front());
-    first->text.remove(0, ends.frontText);
-    first->text.squeeze();
-    first->marks.erase(first->marks.begin(), first->marks.begin() + std::ptrdiff_t(ends.frontMarks));
-    first->marks.shrink_to_fit();
-    trimmed.front() = first;
+    Line last = *lines.back();
+    last.text.chop(ends.backText);
+    last.marks.resize(last.marks.size() - ends.backMarks);
+    trimmed.back() = MakeLine(std::move(last));
+    Line first = *trimmed.front();
+    first.text.remove(0, ends.frontText);
+    first.text.squeeze();
+    first.marks.erase(first.marks.begin(), first.marks.begin() + std::ptrdiff_t(ends.frontMarks));
+    first.marks.shrink_to_fit();
+    trimmed.front() = MakeLine(std::move(first));
     return trimmed;
 }
 
@@ -49,20 +49,20 @@ std::vector<LinePtr> WithEnds(const std::vector<LinePtr>& trimmed, const CommonE
                               const Line& otherFirst, const Line& otherLast)
 {
     std::vector<LinePtr> whole = trimmed;
-    auto first = std::make_shared<Line>(*trimmed.front());
-    first->text.prepend(QStringView(otherFirst.text).first(ends.frontText));
-    first->marks.insert(first->marks.begin(), otherFirst.marks.begin(),
-                        otherFirst.marks.begin() + std::ptrdiff_t(ends.frontMarks));
-    whole.front() = first;
-    auto last = std::make_shared<Line>(*whole.back());
-    last->text.append(QStringView(otherLast.text).last(ends.backText));
-    const auto longer = std::int32_t(last->text.size() - otherLast.text.size());
+    Line first = *trimmed.front();
+    first.text.prepend(QStringView(otherFirst.text).first(ends.frontText));
+    first.marks.insert(first.marks.begin(), otherFirst.marks.begin(),
+                       otherFirst.marks.begin() + std::ptrdiff_t(ends.frontMarks));
+    whole.front() = MakeLine(std::move(first));
+    Line last = *whole.back();
+    last.text.append(QStringView(otherLast.text).last(ends.backText));
+    const auto longer = std::int32_t(last.text.size() - otherLast.text.size());
     for (auto mark = otherLast.marks.end() - std::ptrdiff_t(ends.backMarks); mark != otherLast.marks.end();
          ++mark) {
-        last->marks.push_back(*mark);
-        last->marks.back().pos += longer;
+        last.marks.push_back(*mark);
+        last.marks.back().pos += longer;
     }
-    whole.back() = last;
+    whole.back() = MakeLine(std::move(last));
     return whole;
 }
 

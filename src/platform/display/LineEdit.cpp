@@ -173,28 +173,29 @@ std::vector<TagId> ElementsAt(const Line& line, Cut cut)
 
 // ---------------------------------------------------------------- edits
 
-std::vector<Line> ReplaceLineContent(const Line& first, Cut a, const Line& last, Cut b,
-                                     const std::vector<Line>& content, TagId nextBlock,
-                                     EmptyElements emptyElements)
+std::vector<LinePtr> ReplaceLineContent(const Line& first, Cut a, const Line& last, Cut b,
+                                        std::vector<LinePtr> content, TagId nextBlock,
+                                        EmptyElements emptyElements)
 {
     const auto openBefore = OpenMarks(first, a.mark);
     const auto openAfter = OpenMarks(last, b.mark);
     std::size_t shared = &first == &last ? SharedDepth(first, a.mark, b.mark, openBefore.size()) : 0;
-    if (content.size() == 1 && IsEmptyLine(content[0]) && emptyElements == EmptyElements::Remove) {
+    if (content.size() == 1 && IsEmptyLine(*content[0]) && emptyElements == EmptyElements::Remove) {
         // An element that would have no text counts as one that ends on both sides.
         const std::size_t lasting = openAfter.size() - std::min(EndingAt(last, b), openAfter.size());
         while (shared > lasting && openBefore[shared - 1].pos == a.offset)
             --shared;
     }
 
-    std::vector<Line> result;
-    result.reserve(content.size());
     for (std::size_t i = 0; i < content.size(); ++i) {
+        const Line& piece = *content[i];
         const bool isFirst = i == 0;
         const bool isLast = i + 1 == content.size();
-        const TagId block = content[i].block == NoTag ? nextBlock : content[i].block;
+        const TagId block = piece.block == NoTag ? nextBlock : piece.block;
         // In several lines, the shared elements continue only in lines that are not empty.
-        const std::size_t around = content.size() > 1 && IsEmptyLine(content[i]) ? 0 : shared;
+        const std::size_t around = content.size() > 1 && IsEmptyLine(piece) ? 0 : shared;
+        if (!isFirst && !isLast && around == 0 && block == piece.block)
+            continue;
 
         LineComposer composer(isFirst ? first.block : block);
         if (isFirst) {
@@ -203,16 +204,16 @@ std::vector<Line> ReplaceLineContent(const Line& first, Cut a, const Line& last,
             for (std::size_t k = 0; k < around; ++k)
                 composer.open(openBefore[k].tag);
         }
-        composer.append(content[i]);
+        composer.append(piece);
         if (isLast) {
             composer.appendRight(last, b, openAfter, around);
         } else {
             for (std::size_t k = around; k > 0; --k)
                 composer.close(openBefore[k - 1].tag);
         }
-        result.push_back(composer.take());
+        content[i] = MakeLine(composer.take());
     }
-    return result;
+    return content;
 }
 
 Line ContentBetween(const Line& line, Cut a, Cut b)

@@ -37,9 +37,9 @@ enum class EmptyElements
 /// \param emptyElements  applies to elements around the whole replaced text
 /// \return as many lines as `content` has. Elements around all of the replaced text continue around the
 ///         content; others end before it or begin after it.
-[[nodiscard]] std::vector<Line> ReplaceLineContent(const Line& first, Cut a, const Line& last, Cut b,
-                                                   const std::vector<Line>& content, TagId nextBlock,
-                                                   EmptyElements emptyElements);
+[[nodiscard]] std::vector<LinePtr> ReplaceLineContent(const Line& first, Cut a, const Line& last, Cut b,
+                                                      std::vector<LinePtr> content, TagId nextBlock,
+                                                      EmptyElements emptyElements);
 
 /// Returns the content between two cuts of a line as a separate line. Elements that extend over a cut are
 /// closed there; elements around both cuts are omitted.

@@ -1,14 +1,13 @@
 #pragma once
 
+#include "DisplayLines.h"
+
 #include <algorithm>
 #include <cstddef>
-#include <memory>
+#include <utility>
 #include <vector>
 
 namespace vmk {
-
-struct Line;
-using LinePtr = std::shared_ptr<const Line>;
 
 /// The lines of a document in order, as a gap buffer. Replacing lines costs the lines themselves plus the
 /// distance to the previous edit, so that edits that proceed through the book in one direction are cheap even

@@ -20,13 +20,13 @@ constexpr double PaceMemory = 8;
 /// A line with inserted text, which has the look of the text before it.
 LinePtr WithText(const Line& line, int offset, const QString& text)
 {
-    auto changed = std::make_shared<Line>(line);
-    changed->text.insert(offset, text);
-    for (Mark& mark : changed->marks) {
+    Line changed = line;
+    changed.text.insert(offset, text);
+    for (Mark& mark : changed.marks) {
         if (mark.pos > offset || (mark.pos == offset && offset > 0))
             mark.pos += int(text.size());
     }
-    return changed;
+    return MakeLine(std::move(changed));
 }
 
 } // namespace

@@ -12,7 +12,7 @@ namespace {
 
 LinePtr LineOf(const QString& text)
 {
-    return std::make_shared<const Line>(Line{NoTag, text, {}});
+    return MakeLine({NoTag, text, {}});
 }
 
 Selection Caret(int offset)
