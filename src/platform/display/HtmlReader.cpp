@@ -111,7 +111,7 @@ HtmlContent Reader<Char>::read()
 template <class Char>
 bool Reader<Char>::isTooCostly() const
 {
-    constexpr std::size_t Allowance = std::size_t(256) * 1024;
+    constexpr std::size_t Allowance = std::size_t(1024) * 1024;
     constexpr std::size_t MostPerCharacter = 6;
     return spacing == Spacing::Keep && !restIsText
         && builder.cost() + tagCost > Allowance + MostPerCharacter * at;

@@ -14,7 +14,7 @@ InLineRun::InLineRun(std::vector<InLineStep> stepsInOrder)
 {
     for (std::size_t i = 0; i < steps.size(); ++i) {
         if (i == 0 || steps[i].line != steps[i - 1].line)
-            changedLines.push_back({steps[i].line, i, nullptr, nullptr});
+            changedLines.push_back({steps[i].line, i, {}, {}});
     }
 }
 

@@ -3,6 +3,7 @@
 #include "HtmlElements.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace vmk {
 
@@ -117,6 +118,35 @@ private:
     Line line;
 };
 
+/// The results for the inner lines of a long content. Equal lines of it are mostly one object, and remain
+/// one.
+class ComposedLines
+{
+public:
+    explicit ComposedLines(std::size_t count)
+        : entries(count < ManyLines ? 1 : std::size_t(1) << HashBits)
+    {
+    }
+
+    struct Entry
+    {
+        LinePtr piece;
+        LinePtr composed; ///< The result for that piece.
+    };
+    /// The entry of a piece, which may be that of another one.
+    [[nodiscard]] Entry& of(const LinePtr& piece)
+    {
+        constexpr std::uint64_t Spread = 0x9E3779B97F4A7C15; // 2^64 divided by the golden ratio
+        const auto address = std::uint64_t(reinterpret_cast<std::uintptr_t>(piece.get()));
+        return entries[entries.size() == 1 ? 0 : address * Spread >> (64 - HashBits)];
+    }
+
+private:
+    static constexpr std::size_t ManyLines = 1000;
+    static constexpr unsigned HashBits = 12;
+    std::vector<Entry> entries;
+};
+
 bool IsEmptyLine(const Line& line)
 {
     return line.text.isEmpty() && line.marks.empty();
@@ -187,15 +217,23 @@ std::vector<LinePtr> ReplaceLineContent(const Line& first, Cut a, const Line& la
             --shared;
     }
 
+    ComposedLines known(content.size());
     for (std::size_t i = 0; i < content.size(); ++i) {
-        const Line& piece = *content[i];
+        const LinePtr kept = content[i];
+        const Line& piece = *kept;
         const bool isFirst = i == 0;
         const bool isLast = i + 1 == content.size();
         const TagId block = piece.block == NoTag ? nextBlock : piece.block;
         // In several lines, the shared elements continue only in lines that are not empty.
         const std::size_t around = content.size() > 1 && IsEmptyLine(piece) ? 0 : shared;
-        if (!isFirst && !isLast && around == 0 && block == piece.block)
+        const bool isInner = !isFirst && !isLast;
+        if (isInner && around == 0 && block == piece.block)
             continue;
+        ComposedLines::Entry& entry = known.of(kept);
+        if (isInner && entry.piece == kept) {
+            content[i] = entry.composed;
+            continue;
+        }
 
         LineComposer composer(isFirst ? first.block : block);
         if (isFirst) {
@@ -212,6 +250,8 @@ std::vector<LinePtr> ReplaceLineContent(const Line& first, Cut a, const Line& la
                 composer.close(openBefore[k - 1].tag);
         }
         content[i] = MakeLine(composer.take());
+        if (isInner)
+            entry = {kept, content[i]};
     }
     return content;
 }

@@ -46,7 +46,7 @@ public:
 
     /// Sets the text of an input method at a position, which is not in the document yet; empty for none.
     void setPreedit(Position place, const QString& text);
-    [[nodiscard]] bool hasPreedit() const { return preeditLine != nullptr; }
+    [[nodiscard]] bool hasPreedit() const { return bool(preeditLine); }
     [[nodiscard]] Position preeditPlace() const { return preeditAt; }
     /// Returns boxes around a part of that text for painting; equal ends return its caret.
     [[nodiscard]] std::vector<QRectF> preeditRects(int from, int to);

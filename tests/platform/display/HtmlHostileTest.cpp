@@ -11,6 +11,7 @@
 #include <QStringList>
 
 #include <functional>
+#include <set>
 
 using namespace Qt::StringLiterals;
 
@@ -154,6 +155,54 @@ TEST(HtmlHostile, TheTextAfterTheLimitIsKeptWithItsTags)
         << lines[lines.size() - 2].toStdString();
     EXPECT_EQ(lines.constLast(), u"last"_s);
     EXPECT_TRUE(content.openEnded);
+}
+
+TEST(HtmlHostile, ABlockWithALongStyleKeepsItInThousandsOfLines)
+{
+    const QString tag = u"<div style=\""_s + Repeated(u"color:red;"_s, 400) + u"\">"_s;
+    TagTable tags;
+    const HtmlContent content = ReadFragment(tags, tag + u"x<br>"_s.repeated(2000) + u"</div>"_s);
+    ASSERT_EQ(content.lines.size(), 2000U);
+    for (const LinePtr& line : content.lines)
+        ASSERT_EQ(*line, *content.lines.front());
+}
+
+TEST(HtmlHostile, EqualShortLinesAreOneObject)
+{
+    constexpr int Lines = 4000;
+    DisplayDocument document;
+    document.insertLines(0, u"<p><b>word</b></p>"_s);
+    // The new lines are in the element around the caret.
+    document.replaceHtml({0, 2}, {0, 2}, u"<pre>"_s + u"ab\nc\nab\n"_s.repeated(Lines));
+    ASSERT_EQ(document.lineCount(), 3 * Lines + 2);
+    std::set<const Line*> objects;
+    for (int i = 0; i < document.lineCount(); ++i)
+        objects.insert(&document.line(i));
+    EXPECT_EQ(document.line(3 * Lines / 2).marks.size(), 2U);
+    EXPECT_EQ(document.line(1).text, u"ab"_s);
+    EXPECT_EQ(document.line(2).text, u"c"_s);
+    EXPECT_EQ(document.line(3 * Lines - 1).text, u"c"_s);
+    // Until there are many lines, only neighbours are shared.
+    EXPECT_LT(objects.size(), 1100U);
+    EXPECT_LE(sizeof(Line), 56U);
+    EXPECT_EQ(sizeof(LinePtr), sizeof(void*));
+}
+
+TEST(HtmlHostile, DifferentShortLinesRemainDifferent)
+{
+    QString html = u"<pre>"_s;
+    QStringList texts;
+    for (int i = 0; i < 60'000; ++i) {
+        texts += i % 3 == 0 ? QString(QChar(char16_t(0x3000 + i % 20'000)))
+                            : QString::number(i % 1000) + QString(i % 2, u'x');
+        html += texts.constLast() + u'\n';
+    }
+    DisplayDocument document;
+    document.insertLines(0, u"<p id=a><b>word</b></p>"_s);
+    document.replaceHtml({0, 2}, {0, 2}, html);
+    ASSERT_EQ(document.lineCount(), texts.size() + 2);
+    for (int i = 0; i < texts.size(); ++i)
+        ASSERT_EQ(document.line(i + 1).text, texts[i]) << i;
 }
 
 TEST(HtmlHostile, APageIsReadWithAllItsTags)
