@@ -229,7 +229,7 @@ TagFacts Reader<Char>::makeTagFacts(View inner)
     facts.kind = KindOfElement(tags[facts.name].name);
     facts.cost = HtmlLineBuilder::costOf(tags[facts.tag]);
     // The table keeps each distinct tag several times.
-    constexpr std::size_t CostOfNewTag = 64;
+    constexpr std::size_t CostOfNewTag = 192;
     if (tags.size() > known)
         tagCost += CostOfNewTag + facts.cost;
     return facts;
