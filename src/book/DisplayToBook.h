@@ -1,6 +1,7 @@
 #pragma once
 
 #include "BookSeams.h"
+#include "MissingCharacters.h"
 #include "TreeLines.h"
 
 #include <cstdint>
@@ -48,6 +49,9 @@ struct BookFile
     std::string bytes;
     /// The text is not well-formed, so that it has the layout `LineEnds` instead of `TagsTree`.
     bool treeSkipped = false;
+    /// The decision about characters that the requested encoding lacks; `Substitute` if it lacks none. After
+    /// `Cancel` there are no bytes.
+    MissingAnswer missing = MissingAnswer::Substitute;
 };
 
 /// Returns the file of a book from its text, whose angle brackets are restored. Characters that the code page

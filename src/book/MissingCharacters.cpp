@@ -9,6 +9,18 @@ namespace vmk {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// A character as the question shows it.
+QString Shown(char32_t character)
+{
+    if (QChar::isPrint(character) && !QChar::isSpace(character) && !QChar::isMark(character))
+        return QString::fromUcs4(&character, 1);
+    return u"U+%1"_s.arg(QString::number(character, 16).toUpper(), 4, u'0');
+}
+
+} // namespace
+
 MissingCharacters FindMissingCharacters(std::string_view text, int32_t codePage)
 {
     constexpr qsizetype MostExamples = 10;
@@ -36,7 +48,7 @@ MissingCharacters FindMissingCharacters(std::string_view text, int32_t codePage)
         ++missing.count;
         if (isNew && examples < MostExamples) {
             missing.examples += examples == 0 ? QString() : u" "_s;
-            missing.examples += QChar::fromUcs4(character);
+            missing.examples += Shown(character);
             ++examples;
         }
     }

@@ -36,17 +36,15 @@ void Report(const QString& status, const QString& sound, bool isError)
         PlayProgramSound(sound, isError);
 }
 
+/// There is no row for a text that is too short for a book: every text has its declaration.
 void ReportOutcome(const QString& path, const BookFile& file, const WriteResult& written, SaveReport report)
 {
-    constexpr size_t ShortestBook = 11;
     constexpr int ReasonPanel = 2;
-    if (!written)
+    if (!written) {
+        // Always reported.
         ShowStatusPanel(ReasonPanel, written.Failure());
-    const bool quiet = report == SaveReport::None;
-    // A failed write is always reported.
-    if (!written || (!quiet && file.bytes.size() < ShortestBook))
         Report(u"cannot save file: "_s + path, u"ParseError.wav"_s, true);
-    else if (quiet)
+    } else if (report == SaveReport::None)
         ShowStatus(QString());
     else if (file.treeSkipped)
         Report(u"Namespace error: tree on save skipped. File saved as: "_s + path,
@@ -57,6 +55,15 @@ void ReportOutcome(const QString& path, const BookFile& file, const WriteResult&
 }
 
 constexpr int GeneralPanel = 1;
+
+/// Makes UTF-8 the encoding of the open book's file.
+void UseUtf8()
+{
+    BookEncoding utf8 = MakeBookEncoding("utf-8");
+    FileEncodingName = std::move(utf8.name);
+    FileCodePage = utf8.codePage;
+    FileMetaTag = std::move(utf8.metaTag);
+}
 
 /// Writes a book and keeps the file that it replaces as an earlier version. A version that cannot be kept
 /// does not prevent the save.
@@ -74,6 +81,9 @@ WriteResult WriteVersioned(const QString& path, const BookFile& file)
         return written;
     if (file.treeSkipped && !version.path.isEmpty())
         ShowStatusPanel(GeneralPanel, u"the previous file is kept"_s);
+    // The file has this encoding now: the next save does not ask again.
+    if (file.missing == MissingAnswer::Utf8 && OutputEncoding == u"original")
+        UseUtf8();
     NoteBookSaved(path, file.bytes);
     NoteTextSaved(path);
     return written;
@@ -99,10 +109,10 @@ SaveLayout SaveLayoutOfSettings()
     return layout;
 }
 
-Seam<bool(const MissingCharacters& missing, const QString& encoding)>& MissingCharactersSeam()
+Seam<MissingAnswer(const MissingCharacters& missing, const QString& encoding)>& MissingCharactersSeam()
 {
-    static Seam<bool(const MissingCharacters&, const QString&)> seam(
-        [](const MissingCharacters&, const QString&) { return false; });
+    static Seam<MissingAnswer(const MissingCharacters&, const QString&)> seam(
+        [](const MissingCharacters&, const QString&) { return MissingAnswer::Substitute; });
     return seam;
 }
 
@@ -117,12 +127,19 @@ BookFile FileOfDisplayText(std::string text)
     MissingCharacters missing = FindMissingCharacters(text, layout.codePage);
     if (const MissingCharacters more = FindMissingCharacters(binaries, layout.codePage); more.count > 0)
         missing = {missing.count + more.count, missing.count > 0 ? missing.examples : more.examples};
-    if (missing.count > 0 && MissingCharactersSeam()(missing, u"windows-%1"_s.arg(layout.codePage))) {
+    MissingAnswer answer = MissingAnswer::Substitute;
+    if (missing.count > 0)
+        answer = MissingCharactersSeam()(missing, u"windows-%1"_s.arg(layout.codePage));
+    BookFile file;
+    if (answer == MissingAnswer::Utf8) {
         const SavedEncoding utf8 = OutputEncodingInfo("utf-8");
         layout.declaration = utf8.declaration;
         layout.codePage = utf8.codePage;
     }
-    return FileOfText(std::move(text), layout);
+    if (answer != MissingAnswer::Cancel)
+        file = FileOfText(std::move(text), layout);
+    file.missing = answer;
+    return file;
 }
 
 bool SaveBook(const QString& path, SaveReport report)
@@ -138,6 +155,10 @@ bool SaveBook(const QString& path, SaveReport report)
     const HourglassScope hourglass;
     ShowStatus(u"...saving Fiction Book file...wait, please"_s);
     const BookFile file = FileOfDisplayText(DisplayTextSeam()(AngleMarks::Restore));
+    if (file.missing == MissingAnswer::Cancel) {
+        ShowStatus(u"file not saved: "_s + path);
+        return false;
+    }
     const WriteResult written = WriteVersioned(path, file);
     ReportOutcome(path, file, written, report);
     return bool(written);

@@ -22,17 +22,19 @@ enum class SaveReport
     None ///< the status bar is cleared at the end
 };
 
-/// Called if the output encoding lacks characters; returns true to save in UTF-8.
-[[nodiscard]] Seam<bool(const MissingCharacters& missing, const QString& encoding)>& MissingCharactersSeam();
+/// Called if the output encoding lacks characters. Without a window they are substituted.
+[[nodiscard]] Seam<MissingAnswer(const MissingCharacters& missing, const QString& encoding)>&
+MissingCharactersSeam();
 
 /// Returns the file of a display's text, according to the settings. Calls `MissingCharactersSeam` before
 /// characters are lost to the encoding.
 [[nodiscard]] BookFile FileOfDisplayText(std::string text);
 
 /// Writes the displayed book to a file. The file then contains either the complete new book or the old one. A
-/// book that is not well-formed is written too, one element per line, and the status bar reports it.
-/// \return true if the file was written. Failures are reported in the status bar, with the reason in the
-/// second
+/// book that is not well-formed is written too, one element per line, and the status bar reports it. If the
+/// user decides for UTF-8 because the book's own encoding lacks characters, UTF-8 is the book's encoding from
+/// then on. \return true if the file was written. Failures are reported in the status bar, with the reason in
+/// the second
 ///         panel of `Status`; an empty display in a box.
 bool SaveBook(const QString& path, SaveReport report = SaveReport::Full);
 

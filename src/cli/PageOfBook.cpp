@@ -50,14 +50,14 @@ bool WithRemarks(const QString& book, BookReading reading, Conversion convert)
 }
 
 /// What is said about characters that the encoding lacks. Without losses the book is then saved in UTF-8.
-bool ReportMissingCharacters(const QString& book, BookReading reading, const MissingCharacters& missing,
-                             const QString& encoding)
+MissingAnswer ReportMissingCharacters(const QString& book, BookReading reading,
+                                      const MissingCharacters& missing, const QString& encoding)
 {
     const bool keep = reading == BookReading::Kept;
     PrintErrorLine(u"vmk: "_s + ShownName(book) + (keep ? u": kept"_s : u": lost"_s) + u": characters that "_s
                    + encoding + u" lacks: "_s + QString::number(missing.count) + u" ("_s + missing.examples
                    + (keep ? u"); saved in utf-8"_s : u")"_s));
-    return keep;
+    return keep ? MissingAnswer::Utf8 : MissingAnswer::Substitute;
 }
 
 } // namespace

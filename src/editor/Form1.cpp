@@ -126,7 +126,15 @@ void Form1::fillSeams()
     seams.fill(OfferRecoverySeam(), [this] { return safety->offerRecovery(); });
     seams.fill(LossSeam(), [](const BookLosses& losses) { return YesNoBox(LossQuestion(losses)); });
     seams.fill(MissingCharactersSeam(), [](const MissingCharacters& missing, const QString& encoding) {
-        return YesNoBox(MissingCharactersQuestion(missing, encoding));
+        switch (ChoiceBox(MissingCharactersQuestion(missing, encoding))) {
+        case BoxAnswer::Yes:
+            return MissingAnswer::Utf8;
+        case BoxAnswer::No:
+            return MissingAnswer::Substitute;
+        case BoxAnswer::Cancel:
+            break;
+        }
+        return MissingAnswer::Cancel;
     });
     seams.fill(IsBookEmptySeam(), IsDisplayBlank);
     seams.fill(UndoStepsSeam(), [this] { return HTMLread->document().undoSteps(); });

@@ -35,7 +35,7 @@ bool KeepUnsavedText()
     {
         // Nothing is asked: a text that the book's encoding cannot hold is kept in UTF-8.
         const SeamGuard missing(MissingCharactersSeam(),
-                                [](const MissingCharacters&, const QString&) { return true; });
+                                [](const MissingCharacters&, const QString&) { return MissingAnswer::Utf8; });
         bytes = FileOfDisplayText(DisplayTextSeam()(AngleMarks::Restore)).bytes;
     }
     QString reason;

@@ -10,6 +10,7 @@
 #include "DisplayDocument.h"
 #include "DisplayToBook.h"
 #include "EmptyPage.h"
+#include "Encodings.h"
 #include "MainWindowSeams.h"
 #include "SaveBook.h"
 #include "Settings.h"
@@ -85,6 +86,35 @@ TEST_F(Conversion, GenuineMarksAreSavedAsEntities)
 TEST_F(Conversion, AGenuineMarkerIsSavedAsANonBreakingSpace)
 {
     EXPECT_THAT(saved(Declaration + "<a>x\x7fy</a>").bytes, testing::HasSubstr("x\xc2\xa0y"));
+}
+
+TEST_F(Conversion, TheMarkOfUtf8StaysInFrontOfADamagedBookAndIsNotSaved)
+{
+    const std::string mark = "\xef\xbb\xbf";
+    EXPECT_THAT(lines(mark + Declaration + "<a>"),
+                testing::StartsWith("<DIV id=FirstDiv>" + mark + "<SPAN class=t>&lt;?xml"));
+    EXPECT_EQ(saved(mark + Declaration + "<a>").bytes, Declaration + "<a>");
+    EXPECT_EQ(saved(mark + Declaration + "<a/>").bytes, Declaration + "\r\n<a/>");
+}
+
+TEST_F(Conversion, ABookHasItsDeclarationHoweverShortItIs)
+{
+    // So that no saved text is too short to be a book.
+    SaveLayout layout;
+    for (const char* encoding : {"windows-1251", "utf-8"})
+        for (const LayoutStyle style : {LayoutStyle::Compact, LayoutStyle::LineEnds, LayoutStyle::TagsTree})
+            for (const bool keeps : {false, true})
+                for (const std::string text :
+                     {"", " ", "\r\n", "a", "<", "<a/>", "<?xml", "<?xml ", "<?xml version",
+                      "<?xml version=", "<?xml version \r\n", "<?xml?>", "\xef\xbb\xbf", "\xc2\xa0"}) {
+                    const SavedEncoding target = OutputEncodingInfo(encoding);
+                    layout.style = style;
+                    layout.declaration = target.declaration;
+                    layout.codePage = target.codePage;
+                    layout.keepsText = keeps;
+                    const std::string bytes = FileOfText(text, layout).bytes;
+                    EXPECT_TRUE(bytes.starts_with("<?xml version")) << bytes << " of " << text;
+                }
 }
 
 TEST_F(Conversion, ABookOfOneLineHasNoMargins)

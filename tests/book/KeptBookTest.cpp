@@ -72,10 +72,10 @@ protected:
                                                      losses = found;
                                                      return keeps;
                                                  }};
-    SeamGuard<bool(const MissingCharacters&, const QString&)> missingGuard{
+    SeamGuard<MissingAnswer(const MissingCharacters&, const QString&)> missingGuard{
         MissingCharactersSeam(), [this](const MissingCharacters& found, const QString&) {
             missing = found.examples;
-            return keeps;
+            return keeps ? MissingAnswer::Utf8 : MissingAnswer::Substitute;
         }};
     SeamGuard<bool(BoxKind, const QString&, const QString&)> boxGuard{
         BoxSeam(), [](BoxKind, const QString&, const QString&) { return false; }};

@@ -60,6 +60,11 @@ protected:
                     boxTexts.append(text);
                     return boxAnswer;
                 })
+        , choices(ChoiceBoxSeam(),
+                  [this](const QString& text, const QString&) {
+                      boxTexts.append(text);
+                      return choiceAnswer;
+                  })
         , dialogs(FileDialogSeam(),
                   [this](const FileDialogRequest& request) {
                       requests.push_back(request);
@@ -180,6 +185,7 @@ protected:
     QStringList boxTexts;
     /// The answer to a question box.
     bool boxAnswer = false;
+    BoxAnswer choiceAnswer = BoxAnswer::Cancel;
     std::vector<FileDialogRequest> requests;
     QString dialogAnswer;
     QStringList soundNames;
@@ -190,6 +196,7 @@ protected:
 
 private:
     const SeamGuard<bool(BoxKind, const QString&, const QString&)> boxes;
+    const SeamGuard<BoxAnswer(const QString&, const QString&)> choices;
     const SeamGuard<QStringList(const FileDialogRequest&)> dialogs;
     const SeamGuard<void(const QString&)> sounds;
     const SeamGuard<void()> beeps;

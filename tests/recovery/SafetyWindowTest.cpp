@@ -374,5 +374,122 @@ TEST_F(Safety, AFailedSaveKeepsTheTextUnsavedAndNoVersion)
     EXPECT_EQ(QDir(folder).entryList(QDir::Files), QStringList());
 }
 
+// ---------------------------------------------------------------- characters that the encoding lacks
+
+/// A book in a code page, with characters beyond it typed into its first paragraph.
+class MissingInCodePage : public Safety
+{
+protected:
+    void openAndType()
+    {
+        std::string book = SmallBook;
+        book.replace(book.find("UTF-8"), 5, "windows-1251");
+        OpenBook(book);
+        PutCaret(PlaceOf(u"words"_s));
+        QInputMethodEvent typing;
+        typing.setCommitString(u"\u0142\u017c\u6f22\u200b "_s);
+        QCoreApplication::sendEvent(form->HTMLread, &typing);
+        before = ReadFileText(CurrentBook);
+    }
+    /// The first paragraph in the file.
+    [[nodiscard]] std::string savedWords() const
+    {
+        const std::string bytes = ReadFileText(CurrentBook);
+        const size_t start = bytes.find("<p>");
+        return bytes.substr(start, bytes.find("</p>") - start);
+    }
+    std::string before;
+    const std::string typed = "<p>First \xc5\x82\xc5\xbc\xe6\xbc\xa2\xe2\x80\x8b words &amp; more.";
+};
+
+TEST_F(MissingInCodePage, TheQuestionCountsThemAndShowsTheFirst)
+{
+    openAndType();
+    EXPECT_FALSE(SaveBook(CurrentBook));
+    ASSERT_EQ(boxTexts.size(), 1);
+    EXPECT_EQ(
+        boxTexts[0],
+        u"windows-1251 has no place for some characters of this book: 4\r\n\r\nThe first of them: "
+        "\u0142 \u017c \u6f22 U+200B\r\n\r\nSave the book in utf-8? With No they are replaced by similar "
+        "ones or by question marks."_s);
+}
+
+TEST_F(MissingInCodePage, CancelSavesNothingAndTheTextStaysUnsaved)
+{
+    openAndType();
+    form->SaveCurrentBook();
+    EXPECT_EQ(ReadFileText(CurrentBook), before);
+    EXPECT_EQ(Message(), u"file not saved: "_s + CurrentBook);
+    EXPECT_EQ(soundNames.filter(u"FileSaved"_s), QStringList());
+    EXPECT_TRUE(Recorder()->hasUnsavedText());
+    EXPECT_EQ(VersionsOf(workplace.Path(u"VMK Office/Backup"_s), CurrentBook).size(), 0U);
+}
+
+TEST_F(MissingInCodePage, CancelInSaveAsKeepsTheOpenBook)
+{
+    openAndType();
+    const QString path = CurrentBook;
+    dialogAnswer = workplace.Path(u"other.fb2"_s);
+    form->SaveFileAs_Dialog();
+    EXPECT_EQ(CurrentBook, path);
+    EXPECT_FALSE(FileExists(dialogAnswer));
+}
+
+TEST_F(MissingInCodePage, CancelInSaveAndReloadKeepsThePage)
+{
+    openAndType();
+    const QByteArray page = Page();
+    form->SaveAndReload();
+    QTest::qWait(50);
+    EXPECT_EQ(Page(), page);
+    EXPECT_EQ(ReadFileText(CurrentBook), before);
+}
+
+TEST_F(MissingInCodePage, YesSavesInUtf8AndIsAskedOnce)
+{
+    openAndType();
+    choiceAnswer = BoxAnswer::Yes;
+    ASSERT_TRUE(SaveBook(CurrentBook));
+    EXPECT_TRUE(ReadFileText(CurrentBook).starts_with("<?xml version=\"1.0\" encoding=\"utf-8\"?>"));
+    EXPECT_EQ(savedWords(), typed);
+    choiceAnswer = BoxAnswer::No;
+    ASSERT_TRUE(SaveBook(CurrentBook));
+    EXPECT_EQ(savedWords(), typed);
+    EXPECT_EQ(boxTexts.size(), 1);
+    // Another book has its own encoding again.
+    LoadAndWait(MakeBook(before, u"second.fb2"_s));
+    ASSERT_TRUE(SaveBook(CurrentBook));
+    EXPECT_TRUE(ReadFileText(CurrentBook).starts_with("<?xml version=\"1.0\" encoding=\"windows-1251\"?>"));
+}
+
+TEST_F(MissingInCodePage, YesToAFailedSaveOrToACopyForTheReaderDecidesNothing)
+{
+    openAndType();
+    choiceAnswer = BoxAnswer::Yes;
+    EXPECT_TRUE(SaveBook(TempFolder + u"/book.fb2"_s, SaveReport::None));
+    {
+        const FileSizeLimit limit(100);
+        EXPECT_FALSE(SaveBook(CurrentBook));
+    }
+    choiceAnswer = BoxAnswer::No;
+    ASSERT_TRUE(SaveBook(CurrentBook));
+    EXPECT_EQ(boxTexts.size(), 3);
+    EXPECT_EQ(savedWords(), "<p>First lz?? words &amp; more.");
+}
+
+TEST_F(MissingInCodePage, AChosenEncodingOfTheSettingsAsksEachTime)
+{
+    openAndType();
+    OutputEncoding = u"windows-1252"_s;
+    choiceAnswer = BoxAnswer::Yes;
+    ASSERT_TRUE(SaveBook(CurrentBook));
+    ASSERT_TRUE(SaveBook(CurrentBook));
+    EXPECT_EQ(boxTexts.size(), 2);
+    EXPECT_TRUE(boxTexts[0].startsWith(u"windows-1252"_s));
+    OutputEncoding = u"utf-8"_s;
+    ASSERT_TRUE(SaveBook(CurrentBook));
+    EXPECT_EQ(boxTexts.size(), 2);
+}
+
 } // namespace
 } // namespace vmk

@@ -8,19 +8,32 @@ namespace vmk {
 
 namespace {
 
-bool PrintBox(BoxKind /*kind*/, const QString& text, const QString& title)
+void Print(const QString& text, const QString& title)
 {
     QString line = title + u": "_s + text + u'\n';
     line.replace(u"\r\n"_s, u"\n"_s);
     std::fputs(line.toLocal8Bit().constData(), stderr);
-    return false;
 }
 
 } // namespace
 
 Seam<bool(BoxKind, const QString&, const QString&)>& BoxSeam()
 {
-    static Seam<bool(BoxKind, const QString&, const QString&)> seam(PrintBox);
+    static Seam<bool(BoxKind, const QString&, const QString&)> seam(
+        [](BoxKind, const QString& text, const QString& title) {
+            Print(text, title);
+            return false;
+        });
+    return seam;
+}
+
+Seam<BoxAnswer(const QString&, const QString&)>& ChoiceBoxSeam()
+{
+    static Seam<BoxAnswer(const QString&, const QString&)> seam(
+        [](const QString& text, const QString& title) {
+            Print(text, title);
+            return BoxAnswer::Cancel;
+        });
     return seam;
 }
 
@@ -47,6 +60,11 @@ bool YesNoBox(const QString& text, const QString& title)
 bool ConfirmBox(const QString& text, const QString& title)
 {
     return BoxSeam()(BoxKind::Confirm, text, title);
+}
+
+BoxAnswer ChoiceBox(const QString& text, const QString& title)
+{
+    return ChoiceBoxSeam()(text, title);
 }
 
 } // namespace vmk

@@ -23,6 +23,18 @@ inline constexpr QLatin1StringView ProgramTitle("Vellumark");
 /// result is false. Lines of the text are separated by `CrLf` or LF.
 [[nodiscard]] Seam<bool(BoxKind kind, const QString& text, const QString& title)>& BoxSeam();
 
+/// The answer to a question that can be taken back.
+enum class BoxAnswer
+{
+    Yes,
+    No,
+    Cancel ///< also by closing the box
+};
+
+/// Shows a modal question with Yes (the default), No and Cancel. Without a window, the text is written to
+/// standard error and the result is `Cancel`.
+[[nodiscard]] Seam<BoxAnswer(const QString& text, const QString& title)>& ChoiceBoxSeam();
+
 void PlainBox(const QString& text, const QString& title = ProgramTitle);
 void InformationBox(const QString& text, const QString& title = ProgramTitle);
 void StopBox(const QString& text, const QString& title = ProgramTitle);
@@ -30,5 +42,6 @@ void StopBox(const QString& text, const QString& title = ProgramTitle);
 [[nodiscard]] bool YesNoBox(const QString& text, const QString& title = ProgramTitle);
 /// Asks before something is replaced: like `YesNoBox`, but Enter means No.
 [[nodiscard]] bool ConfirmBox(const QString& text, const QString& title = ProgramTitle);
+[[nodiscard]] BoxAnswer ChoiceBox(const QString& text, const QString& title = ProgramTitle);
 
 } // namespace vmk

@@ -50,15 +50,20 @@ private:
     bool replaced;
 };
 
+void SetTexts(QMessageBox& box, const QString& text, const QString& title)
+{
+    box.setWindowTitle(ReadableName(title));
+    box.setTextFormat(Qt::PlainText);
+    box.setText(ReadableName(text).replace(u"\r\n"_s, u"\n"_s));
+}
+
 } // namespace
 
 bool ShowMessageBox(BoxKind kind, const QString& text, const QString& title)
 {
     QMessageBox box(DialogOwner());
     box.setIcon(IconOf(kind));
-    box.setWindowTitle(ReadableName(title));
-    box.setTextFormat(Qt::PlainText);
-    box.setText(ReadableName(text).replace(u"\r\n"_s, u"\n"_s));
+    SetTexts(box, text, title);
     if (kind == BoxKind::YesNo || kind == BoxKind::Confirm) {
         box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
         // Closing the box or Esc means No.
@@ -67,6 +72,24 @@ bool ShowMessageBox(BoxKind kind, const QString& text, const QString& title)
     }
     const UsualPointerScope pointer;
     return box.exec() == QMessageBox::Yes;
+}
+
+BoxAnswer ShowChoiceBox(const QString& text, const QString& title)
+{
+    QMessageBox box(DialogOwner());
+    box.setIcon(QMessageBox::Question);
+    SetTexts(box, text, title);
+    box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+    box.setDefaultButton(QMessageBox::Yes);
+    const UsualPointerScope pointer;
+    switch (box.exec()) {
+    case QMessageBox::Yes:
+        return BoxAnswer::Yes;
+    case QMessageBox::No:
+        return BoxAnswer::No;
+    default:
+        return BoxAnswer::Cancel;
+    }
 }
 
 } // namespace vmk

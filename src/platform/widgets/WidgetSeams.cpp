@@ -73,6 +73,7 @@ void ShowPointer(Pointer pointer)
 void FillWidgetSeams()
 {
     BoxSeam().Fill(ShowMessageBox);
+    ChoiceBoxSeam().Fill(ShowChoiceBox);
     FileDialogSeam().Fill(ShowFileDialog);
     FontDialogSeam().Fill(ShowFontDialog);
     ColorDialogSeam().Fill(ShowColorDialog);
