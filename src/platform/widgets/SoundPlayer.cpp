@@ -53,26 +53,54 @@ std::optional<QAudioFormat> FormatOf(const WaveSound& sound)
     return format;
 }
 
+/// The default device of the desktop.
+class DesktopOutput : public SoundOutput
+{
+public:
+    DesktopOutput(const QAudioDevice& device, const QAudioFormat& format)
+        : sink(device, format)
+    {
+    }
+
+    [[nodiscard]] bool start(QIODevice& samples) override
+    {
+        sink.start(&samples);
+        return sink.error() == QAudio::NoError;
+    }
+    [[nodiscard]] bool hasStopped() const override { return sink.state() == QAudio::StoppedState; }
+    [[nodiscard]] std::chrono::microseconds played() const override
+    {
+        return std::chrono::microseconds(sink.processedUSecs());
+    }
+
+private:
+    QAudioSink sink;
+};
+
+SoundOutputMaker DesktopOutputFor(const WaveSound& sound)
+{
+    const QAudioDevice device = QMediaDevices::defaultAudioOutput();
+    const std::optional<QAudioFormat> format = FormatOf(sound);
+    if (device.isNull() || !format || !device.isFormatSupported(*format))
+        return {};
+    return [device, format = *format] { return std::make_unique<DesktopOutput>(device, format); };
+}
+
 /// Plays on the calling thread and processes its events until the device has played everything.
-void PlayHere(const WaveSound& sound, const QAudioDevice& device, const QAudioFormat& format)
+void PlayHere(const WaveSound& sound, const SoundOutputMaker& makeOutput)
 {
     QByteArray bytes = sound.samples;
     QBuffer samples(&bytes);
     samples.open(QIODevice::ReadOnly);
-    QAudioSink sink(device, format);
-    QEventLoop loop;
-    QObject::connect(&sink, &QAudioSink::stateChanged, &loop, [&loop](QAudio::State state) {
-        if (state == QAudio::StoppedState)
-            loop.quit();
-    });
-    sink.start(&samples);
-    if (sink.error() != QAudio::NoError)
+    const std::unique_ptr<SoundOutput> output = makeOutput();
+    if (!output->start(samples))
         return;
 
     // The device becomes idle when it has received the last samples, before it has played them.
+    QEventLoop loop;
     QTimer look;
     QObject::connect(&look, &QTimer::timeout, &loop, [&] {
-        if (std::chrono::microseconds(sink.processedUSecs()) >= sound.length())
+        if (output->hasStopped() || output->played() >= sound.length())
             loop.quit();
     });
     look.start(10ms);
@@ -115,6 +143,12 @@ std::optional<WaveSound> ReadWaveSound(const QByteArray& file)
     return playable ? std::optional(sound) : std::nullopt;
 }
 
+Seam<SoundOutputMaker(const WaveSound&)>& SoundOutputSeam()
+{
+    static Seam<SoundOutputMaker(const WaveSound&)> seam(DesktopOutputFor);
+    return seam;
+}
+
 void PlayToEnd(const QString& path)
 {
     QFile file(path);
@@ -123,14 +157,13 @@ void PlayToEnd(const QString& path)
     const std::optional<WaveSound> sound = ReadWaveSound(file.readAll());
     if (!sound)
         return;
-    const QAudioDevice device = QMediaDevices::defaultAudioOutput();
-    const std::optional<QAudioFormat> format = FormatOf(*sound);
-    if (device.isNull() || !format || !device.isFormatSupported(*format))
+    const SoundOutputMaker makeOutput = SoundOutputSeam()(*sound);
+    if (!makeOutput)
         return;
 
     // Plays on a separate thread, so that no timer and no key of the program runs meanwhile.
     std::unique_ptr<QThread> player(
-        QThread::create([sound = *sound, device, format = *format] { PlayHere(sound, device, format); }));
+        QThread::create([sound = *sound, makeOutput] { PlayHere(sound, makeOutput); }));
     player->start();
     if (player->wait(QDeadlineTimer(sound->length() + Patience + Patience / 2)))
         return;
