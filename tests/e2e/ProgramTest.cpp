@@ -205,3 +205,55 @@ TEST_F(Program, TwoProgramsRunSideBySide)
     second.waitForFinished();
     EXPECT_TRUE(runs());
 }
+
+TEST_F(Program, ASecondStartSharesTheSettingsAndTheTemporaryFolder)
+{
+    const auto leave = [this](QProcess& process, const QString& window) {
+        for (const QString& key : {u"F10"_s, u"Down"_s, u"Up"_s, u"Return"_s})
+            ASSERT_TRUE(desktop->press(window, key));
+        EXPECT_TRUE(process.waitForFinished(XDesktop::PatienceMilliseconds));
+    };
+    const auto lastFile = [this] {
+        InitGlobals({.executable = executable(), .userDataFolder = place.Path(u"user"_s)});
+        ReadSettings(false);
+        return LastFile;
+    };
+    const std::string other = SmallBook("<p>Other text</p>");
+    place.Make(u"other.fb2"_s, other);
+    const QString page = place.Path(u"VMK Office/Temp/Fb2SourceHtml.htm"_s);
+
+    start({u"clean book.fb2"_s});
+    const QString first = desktop->waitForWindow(u"^ VMK: clean book.fb2$"_s);
+    ASSERT_FALSE(first.isEmpty());
+    EXPECT_NE(ReadFileText(page).find(">Text<"), std::string::npos);
+
+    QProcess second;
+    second.setProcessEnvironment(desktop->environment());
+    second.setWorkingDirectory(place.Folder());
+    second.setChildProcessModifier(XDesktop::GoWithTheTest);
+    second.start(executable(), {u"other.fb2"_s});
+    const QString secondWindow = desktop->waitForWindow(u"^ VMK: other.fb2$"_s);
+    ASSERT_FALSE(secondWindow.isEmpty());
+    // The second program has emptied the folder and written its own page there.
+    EXPECT_NE(ReadFileText(page).find("Other text"), std::string::npos);
+
+    // The first one saves its own book all the same.
+    ASSERT_TRUE(desktop->press(first, u"F4"_s));
+    EXPECT_TRUE(XDesktop::WaitUntil([&] {
+        return ReadFileText(place.Path(u"clean book.fb2"_s)).find("\r\n\t<body>") != std::string::npos;
+    }));
+    EXPECT_NE(ReadFileText(place.Path(u"clean book.fb2"_s)).find("<p>Text<"), std::string::npos);
+    EXPECT_EQ(ReadFileText(place.Path(u"other.fb2"_s)), other);
+
+    // The one that ends last leaves its settings.
+    leave(program, first);
+    EXPECT_EQ(lastFile(), place.Path(u"clean book.fb2"_s));
+    EXPECT_FALSE(FileExists(page));
+    EXPECT_FALSE(second.waitForFinished(300))
+        << second.exitCode() << second.readAllStandardError().toStdString();
+    ASSERT_TRUE(desktop->press(secondWindow, u"F4"_s));
+    EXPECT_TRUE(XDesktop::WaitUntil(
+        [&] { return ReadFileText(place.Path(u"other.fb2"_s)).find("\r\n\t<body>") != std::string::npos; }));
+    leave(second, secondWindow);
+    EXPECT_EQ(lastFile(), place.Path(u"other.fb2"_s));
+}

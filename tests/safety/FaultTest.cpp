@@ -12,6 +12,8 @@
 
 #include <cerrno>
 
+#include <sys/stat.h>
+
 /// Every system call of a save, and of the journal, fails once.
 namespace vmk {
 namespace {
@@ -152,6 +154,100 @@ TEST_F(Faults, KeepingUnsavedTextWithAnyFailingCallKeepsItOrItsJournal)
         EXPECT_TRUE(Recorder()->hasUnsavedText());
     }
     EXPECT_GE(faults, 3);
+}
+
+TEST(FileFaults, ACopyOfAFolderWithAnyFailingCallLeavesTheOldOrTheNewFolder)
+{
+    const auto namesIn
+        = [](const Workplace& place, const QString& folder) { return place.Names(folder).join(u' '); };
+    int failed = 0;
+    int kept = 0;
+    for (const calls::Failure& way : Failures) {
+        for (int number = 1;; ++number) {
+            const Workplace place;
+            place.MakeFolders(u"new/inner"_s);
+            place.Make(u"new/one"_s, "one");
+            place.Make(u"new/inner/two"_s, "two");
+            place.MakeFolders(u"parent/target"_s);
+            place.Make(u"parent/target/old"_s, "old");
+            calls::Failure failure = way;
+            failure.number = number;
+            calls::Begin({place.Path(u"parent"_s).toStdString(), {}}, failure);
+            const bool copied = CopyFolderTree(place.Path(u"new"_s), place.Path(u"parent/target"_s));
+            const std::string call = calls::End();
+            if (call.empty())
+                break;
+            SCOPED_TRACE("call " + std::to_string(number) + ": " + call);
+            if (copied) {
+                EXPECT_EQ(namesIn(place, u"parent/target"_s), u"inner one"_s);
+                EXPECT_EQ(ReadFileText(place.Path(u"parent/target/inner/two"_s)), "two");
+                continue;
+            }
+            ++failed;
+            if (place.Names(u"parent"_s).contains(u"target"_s)) {
+                EXPECT_EQ(ReadFileText(place.Path(u"parent/target/old"_s)), "old");
+                EXPECT_EQ(namesIn(place, u"parent/target"_s), u"old"_s);
+                continue;
+            }
+            // The old folder could not be restored either: neither it nor the copy is deleted.
+            EXPECT_TRUE(way.isLasting);
+            ++kept;
+            QStringList found;
+            for (const QString& name : place.Names(u"parent"_s))
+                found.append(namesIn(place, u"parent/"_s + name));
+            found.sort();
+            EXPECT_EQ(found, (QStringList{u"inner one"_s, u"old"_s}));
+        }
+    }
+    EXPECT_GE(failed, 10);
+    EXPECT_GE(kept, 1);
+}
+
+TEST(FileFaults, AnInPlaceWriteWithAnyFailingCallLeavesTheOldOrTheNewFileOrNamesItsBackup)
+{
+    int restored = 0;
+    int named = 0;
+    for (const std::string& text : {std::string("new and longer text"), std::string("new")}) {
+        for (const calls::Failure& way : Failures) {
+            for (int number = 1;; ++number) {
+                const Workplace place;
+                place.MakeFolders(u"closed"_s);
+                place.MakeFolders(u"office"_s);
+                place.Make(u"closed/book.fb2"_s, "old text");
+                place.GiveToPlainUser();
+                const QByteArray folder = QFile::encodeName(place.Path(u"closed"_s));
+                ASSERT_EQ(::chmod(folder.constData(), 0555), 0);
+                calls::Failure failure = way;
+                failure.number = number;
+                WriteResult result;
+                std::string call;
+                {
+                    const PlainUser plain;
+                    calls::Begin({place.Folder().toStdString(), "/.vmk-"}, failure);
+                    result = ReplaceContent(place.Path(u"closed/book.fb2"_s), text, Durability::Flushed,
+                                            place.Path(u"office/Backup"_s));
+                    call = calls::End();
+                }
+                ASSERT_EQ(::chmod(folder.constData(), 0755), 0);
+                if (call.empty())
+                    break;
+                SCOPED_TRACE("call " + std::to_string(number) + ": " + call + ", "
+                             + result.Failure().toStdString());
+                const std::string content = ReadFileText(place.Path(u"closed/book.fb2"_s));
+                const QString mark = u"; the old content is in "_s;
+                if (const qsizetype at = result.Failure().indexOf(mark); at >= 0) {
+                    ++named;
+                    EXPECT_EQ(ReadFileText(result.Failure().mid(at + mark.size())), "old text");
+                    continue;
+                }
+                EXPECT_EQ(content, result ? text : "old text");
+                const bool wasTouched = call.starts_with("write") || call.starts_with("ftruncate");
+                restored += !result && wasTouched ? 1 : 0;
+            }
+        }
+    }
+    EXPECT_GE(restored, 4);
+    EXPECT_GE(named, 1);
 }
 
 } // namespace

@@ -167,12 +167,16 @@ TEST(FindBookEncoding, UnknownNameReadsAsCyrillicAndSavesAsUtf8)
     EXPECT_EQ(OutputEncodingInfo(found.file.name).name, "utf-8");
 }
 
-TEST(FindBookEncoding, TheByteOrderMarkOfUtf8IsKept)
+TEST(FindBookEncoding, TheByteOrderMarkOfUtf8StaysInFront)
 {
-    std::string text = "\xef\xbb\xbf<?xml version=\"1.0\" encoding=\"utf-8\"?><a/>";
-    const DetectedEncoding found = FindBookEncoding(text, "original");
-    EXPECT_EQ(found.work.codePage, 65001);
-    EXPECT_EQ(found.declaration, "<?xml version=\"1.0\" encoding=\"utf-8\"?>");
+    const std::string marked = "\xef\xbb\xbf<?xml version=\"1.0\" encoding=\"utf-8\"?><a/>";
+    std::string text = marked;
+    InputEncoding = QStringLiteral("original");
+    DetectBookEncoding(text);
+    EXPECT_EQ(WorkCodePage, 65001);
+    EXPECT_EQ(XmlDeclaration, "<?xml version=\"1.0\" encoding=\"utf-8\"?>");
+    ConvertBookToUtf8(text);
+    EXPECT_EQ(text, marked);
 }
 
 TEST(FindBookEncoding, SettingOverridesTheWorkEncodingAlone)
