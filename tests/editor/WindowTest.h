@@ -60,11 +60,11 @@ protected:
                     boxTexts.append(text);
                     return boxAnswer;
                 })
-        , choices(ChoiceBoxSeam(),
-                  [this](const QString& text, const QString&) {
-                      boxTexts.append(text);
-                      return choiceAnswer;
-                  })
+        , choiceBoxes(ChoiceBoxSeam(),
+                      [this](const QString& text, const QString&) {
+                          boxTexts.append(text);
+                          return choiceAnswer;
+                      })
         , dialogs(FileDialogSeam(),
                   [this](const FileDialogRequest& request) {
                       requests.push_back(request);
@@ -196,7 +196,7 @@ protected:
 
 private:
     const SeamGuard<bool(BoxKind, const QString&, const QString&)> boxes;
-    const SeamGuard<BoxAnswer(const QString&, const QString&)> choices;
+    const SeamGuard<BoxAnswer(const QString&, const QString&)> choiceBoxes;
     const SeamGuard<QStringList(const FileDialogRequest&)> dialogs;
     const SeamGuard<void(const QString&)> sounds;
     const SeamGuard<void()> beeps;
