@@ -173,7 +173,9 @@ void SetKeptDeclaration(std::string& text, std::string_view declaration)
         constexpr std::string_view Start = "<?xml";
         if (token.kind == MarkupToken::Kind::Instruction && token.text.starts_with(Start)
             && token.text.find_first_of(" \t\r\n", Start.size()) == Start.size()) {
-            const size_t next = std::min(text.find_first_not_of(" \t\r\n", token.end()), text.size());
+            // A declaration without its end must not take the text up to the end of another instruction.
+            const size_t end = std::min(token.end(), text.find('<', token.start + 1));
+            const size_t next = std::min(text.find_first_not_of(" \t\r\n", end), text.size());
             text.replace(token.start, next - token.start, declaration);
             return;
         }

@@ -167,6 +167,18 @@ std::vector<std::string> Described(const std::string& bytes)
     return lines;
 }
 
+TEST_F(KeptBooks, ADeclarationWithoutItsEndTakesNoTextWithIt)
+{
+    for (const std::string end : {"?", "", ">", " ?", "/>"}) {
+        const std::string front = "<?xml version=\"1.0\" encoding=\"utf-8\"" + end;
+        for (const std::string rest : {"<r>words<?pi x?>more</r>", "<!-- c --><r>words<?pi x?>more</r>"}) {
+            const std::string file = saved(front + rest);
+            EXPECT_TRUE(file.starts_with(Declaration)) << file;
+            EXPECT_NE(file.find("words<?pi x?>more</r>"), std::string::npos) << file;
+        }
+    }
+}
+
 TEST_F(KeptBooks, RandomBooksStayWhatTheyWereInEveryLayout)
 {
     TextMaker maker(91);
