@@ -1,6 +1,9 @@
 #include "FileOperations.h"
 
+#include "FileNames.h"
 #include "FilePaths.h"
+#include "FolderListing.h"
+#include "StartUpVariables.h"
 
 #include <algorithm>
 #include <limits>
@@ -23,6 +26,37 @@ QString DropTrailingSeparator(QString path)
     if (path.size() >= ShortestDropped && IsSeparator(path.back()))
         path.chop(1);
     return path;
+}
+
+bool IsLink(const QString& path)
+{
+    return IsLinkAt(EncodeFileName(path).toStdString());
+}
+
+/// Whether the folder of a path in the workspace is reached by a link. The workspace may come from another
+/// user, as an archive does: a link in it must not make the program write or delete elsewhere. The workspace
+/// itself may be a link.
+bool LeadsOutOfWorkspace(const QString& path)
+{
+    if (OfficeFolder.isEmpty() || !path.startsWith(OfficeFolder + u'/'))
+        return false;
+    for (qsizetype slash = path.indexOf(u'/', OfficeFolder.size() + 1); slash > 0;
+         slash = path.indexOf(u'/', slash + 1)) {
+        if (slash + 1 < path.size() && IsLink(path.left(slash)))
+            return true;
+    }
+    return false;
+}
+
+/// Replaces a file. A link in the workspace is replaced, and its target is unchanged; other links are
+/// followed.
+bool Replace(const QString& path, std::string_view bytes, Durability durability)
+{
+    if (LeadsOutOfWorkspace(path))
+        return false;
+    if (!OfficeFolder.isEmpty() && path.startsWith(OfficeFolder + u'/') && IsLink(path))
+        DeleteOneFile(path);
+    return bool(ReplaceContent(path, bytes, durability));
 }
 
 bool IsPattern(const QString& path)
@@ -83,7 +117,7 @@ bool FolderExists(const QString& path)
 bool MakeFolder(const QString& path)
 {
     const bool hasSeparator = path.size() > 1 && IsSeparator(path.back());
-    return MakeOneFolder(hasSeparator ? path.chopped(1) : path);
+    return !LeadsOutOfWorkspace(path) && MakeOneFolder(hasSeparator ? path.chopped(1) : path);
 }
 
 std::string ReadFileText(const QString& path)
@@ -93,12 +127,12 @@ std::string ReadFileText(const QString& path)
 
 bool WriteFileText(const QString& path, std::string_view text)
 {
-    return bool(ReplaceContent(path, text));
+    return Replace(path, text, Durability::Flushed);
 }
 
 bool WriteScratchFile(const QString& path, std::string_view text)
 {
-    return bool(ReplaceContent(path, text, Durability::Scratch));
+    return Replace(path, text, Durability::Scratch);
 }
 
 bool ReadFileBytes(const QString& path, std::string& bytes, int32_t& length)
@@ -115,7 +149,7 @@ bool ReadFileBytes(const QString& path, std::string& bytes, int32_t& length)
 
 bool WriteFileBytes(const QString& path, std::string_view bytes)
 {
-    return bool(ReplaceContent(path, bytes));
+    return Replace(path, bytes, Durability::Flushed);
 }
 
 QDate FileDate(const QString& path)
@@ -127,6 +161,9 @@ QString FileOperation(int mode, const QString& a, const QString& b)
 {
     const bool needsTarget = mode == CopyFileMode || mode == MoveFileMode || mode == CopyFolderMode;
     if (a.isEmpty() || (needsTarget && b.isEmpty()))
+        return {};
+    const bool deletes = mode == DeleteFileMode || mode == DeleteFolderMode;
+    if ((deletes && LeadsOutOfWorkspace(a)) || (needsTarget && LeadsOutOfWorkspace(b)))
         return {};
     switch (mode) {
     case DeleteFileMode:

@@ -101,6 +101,9 @@ void SetFolders()
     ExtractedImagesFolder = OfficeFolder + u"/Extracted Images"_s;
     SampleBooksFolder = OfficeFolder + u"/Book Samples"_s;
     CleanUpFolderIsNew = !FolderExists(UserCleanUpFolder);
+    // The program empties these folders. A link in place of one of them is removed; a folder is not.
+    for (const QString& folder : {TempFolder, TempImagesFolder})
+        DeleteOneFile(folder);
     // One level at a time; the last two are created by the installation or with the first image.
     for (const QString& folder :
          {OfficeFolder, SchemasFolder, TempFolder, TempImagesFolder, UserCleanUpFolder, HistoryFolder})

@@ -169,6 +169,8 @@ void RemoveDisplayFiles(bool remake)
 {
     FileOperation(DeleteFileMode, DisplayFile);
     FileOperation(DeleteFolderMode, TempFolder);
+    // A link in place of the folder.
+    FileOperation(DeleteFileMode, TempFolder);
     for (const QString& page : {EmptyPageFile, SampleEmptyPageFile, WelcomeFile})
         FileOperation(DeleteFileMode, page);
     if (remake)

@@ -6,10 +6,9 @@
 #include "FilePaths.h"
 #include "FileState.h"
 #include "Files.h"
+#include "FolderListing.h"
 #include "PrivateFiles.h"
 #include "StartUpVariables.h"
-
-#include <QDir>
 
 #include <algorithm>
 
@@ -62,6 +61,21 @@ QString FreshVersion(const QString& folder)
     return folder + u'/' + stem + u".version"_s;
 }
 
+/// The folders in a folder, also those with names that are not UTF-8, but no links.
+QStringList FoldersIn(const QString& folder)
+{
+    QString problem;
+    const auto noFile = [](std::string_view) { return false; };
+    const FolderListing listing(EncodeFileName(folder).toStdString(), noFile, &problem);
+    QStringList paths;
+    for (std::size_t i = 0; i < listing.size(); ++i) {
+        const std::string_view name = listing.name(i);
+        paths.append(folder + u'/'
+                     + DecodeFileName(QByteArray(name.data(), qsizetype(name.size()))).chopped(1));
+    }
+    return paths;
+}
+
 void RemoveVersions(const QString& backupFolder, const QString& folder, const QString& newest)
 {
     const QStringList own = VersionFiles(folder);
@@ -76,9 +90,8 @@ void RemoveVersions(const QString& backupFolder, const QString& folder, const QS
     };
     std::vector<File> all;
     std::uint64_t sum = 0;
-    for (const QString& name :
-         QDir(backupFolder).entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks)) {
-        for (const QString& path : VersionFiles(backupFolder + u'/' + name)) {
+    for (const QString& inner : FoldersIn(backupFolder)) {
+        for (const QString& path : VersionFiles(inner)) {
             const qint64 bytes = std::max<qint64>(StateOfFile(path).bytes, 0);
             all.push_back({FileNameOf(path), path, bytes});
             sum += std::uint64_t(bytes);
@@ -92,7 +105,7 @@ void RemoveVersions(const QString& backupFolder, const QString& folder, const QS
             continue;
         if (DeleteOneFile(file.path))
             sum -= std::uint64_t(file.bytes);
-        QDir().rmdir(FolderOf(file.path));
+        RemoveEmptyFolder(FolderOf(file.path));
     }
 }
 
@@ -165,7 +178,10 @@ WriteResult ReplaceBook(const QString& backupFolder, const QString& book, std::s
 std::vector<BookVersion> VersionsOf(const QString& backupFolder, const QString& book)
 {
     std::vector<BookVersion> versions;
-    for (const QString& path : VersionFiles(FolderOfBook(backupFolder, book))) {
+    const QString folder = FolderOfBook(backupFolder, book);
+    if (!IsPrivateFolder(backupFolder) || !IsPrivateFolder(folder))
+        return versions;
+    for (const QString& path : VersionFiles(folder)) {
         const FileState state = StateOfFile(path);
         versions.push_back({path, state.time(), state.bytes});
     }

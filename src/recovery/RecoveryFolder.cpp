@@ -72,6 +72,8 @@ QString Declined(LockedFile& journal)
 
 std::optional<InterruptedSession> NewestInterruptedSession(const QString& folder, QStringList& damaged)
 {
+    if (!IsPrivateFolder(folder))
+        return {};
     for (const QString& path : NewestFirst(folder, u'*' + JournalEnding)) {
         InterruptedSession found;
         found.time = StateOfFile(path).time();
@@ -103,13 +105,16 @@ QString DeclineSession(InterruptedSession& session)
 
 void CleanRecoveryFolder(const QString& folder)
 {
+    // A link that somebody has planted must not lead to other files with such names.
+    if (!IsPrivateFolder(folder))
+        return;
     const QDateTime oldest = Now().addDays(-DaysOfDeclined);
     for (const QString& path : NewestFirst(folder, u'*' + DeclinedEnding)) {
         if (StateOfFile(path).time() < oldest)
             DeleteOneFile(path);
     }
     // The remains of a process that was killed while it began a journal or kept a text.
-    for (const QString& pattern : {u'*' + UnfinishedEnding, u"* (unsaved *.fb2.new"_s}) {
+    for (const QString& pattern : {u'*' + UnfinishedEnding, u"* (unsaved *.fb2.new"_s, u"*.list.new"_s}) {
         for (const QString& path : NewestFirst(folder, pattern))
             LockedFile::open(path).remove();
     }
@@ -133,10 +138,10 @@ void AppendNote(const QString& folder, const QJsonObject& note)
         file && file.append(QJsonDocument(note).toJson(QJsonDocument::Compact).toStdString() + '\n'));
 }
 
-std::vector<QJsonObject> ReadNotes(const QString& folder)
+std::vector<QJsonObject> NotesIn(LockedFile& file)
 {
     std::vector<QJsonObject> notes;
-    const QByteArray text = QByteArray::fromStdString(ReadContent(NotesFile(folder)).bytes);
+    const QByteArray text = QByteArray::fromStdString(file.read());
     for (const QByteArray& line : text.split('\n'))
         notes.push_back(QJsonDocument::fromJson(line).object());
     return notes;
@@ -146,14 +151,17 @@ std::vector<QJsonObject> ReadNotes(const QString& folder)
 void ShortenNotes(const QString& folder)
 {
     constexpr qint64 Long = 64LL * 1024;
-    if (StateOfFile(NotesFile(folder)).bytes < Long)
+    LockedFile notes = LockedFile::open(NotesFile(folder));
+    if (!notes || StateOfFile(notes.path()).bytes < Long)
         return;
     QByteArray text;
-    for (const QJsonObject& note : ReadNotes(folder)) {
+    for (const QJsonObject& note : NotesIn(notes)) {
         if (EntryExists(folder + u'/' + note[u"text"_s].toString()))
             text += QJsonDocument(note).toJson(QJsonDocument::Compact) + '\n';
     }
-    static_cast<void>(ReplaceContent(NotesFile(folder), text.toStdString()));
+    LockedFile fresh = LockedFile::create(notes.path() + u".new"_s);
+    if (!fresh || !fresh.append(text.toStdString()) || !fresh.flush() || !fresh.rename(notes.path()))
+        fresh.remove();
 }
 
 } // namespace
@@ -185,9 +193,12 @@ QString KeepUnsavedBook(const QString& folder, const QString& book, std::string_
 
 QString TakeNewsOfUnsavedText(const QString& folder, const QString& book)
 {
+    LockedFile notes = LockedFile::open(NotesFile(folder));
+    if (!notes || !IsPrivateFolder(folder))
+        return {};
     const QString wanted = AbsolutePath(book);
     QString news;
-    for (const QJsonObject& note : ReadNotes(folder)) {
+    for (const QJsonObject& note : NotesIn(notes)) {
         if (note[u"book"_s].toString() == wanted)
             news = note[u"text"_s].toString();
         else if (note[u"told"_s].toString() == wanted)
@@ -197,6 +208,7 @@ QString TakeNewsOfUnsavedText(const QString& folder, const QString& book)
     if (news.isEmpty() || FileNameOf(news) != news || !EntryExists(folder + u'/' + news))
         return {};
     // The text's name keeps the note as long as the text exists.
+    notes.close();
     AppendNote(folder, {{u"text"_s, news}, {u"told"_s, wanted}});
     return folder + u'/' + news;
 }

@@ -1,4 +1,5 @@
 #include "FileOperations.h"
+#include "StartUpVariables.h"
 #include "Workplace.h"
 
 #include <gtest/gtest.h>
@@ -359,6 +360,89 @@ TEST_F(FileOperations, CopyingAMissingFolderLeavesTheTarget)
 }
 
 // ---------------------------------------------------------------- splitting paths
+
+namespace {
+
+/// A workspace with links in it, as an archive of another user may contain.
+class LinksInTheWorkspace : public FileOperations
+{
+protected:
+    LinksInTheWorkspace()
+        : office(OfficeFolder)
+    {
+        OfficeFolder = place.Path(u"VMK Office"_s);
+        place.MakeFolders(u"VMK Office"_s);
+        place.MakeFolders(u"elsewhere/inner"_s);
+        place.Make(u"elsewhere/file"_s, "precious");
+        place.Make(u"elsewhere/inner/file"_s, "precious");
+        EXPECT_TRUE(QFile::link(place.Path(u"elsewhere"_s), place.Path(u"VMK Office/folder"_s)));
+    }
+    ~LinksInTheWorkspace() override { OfficeFolder = office; }
+
+    void checkElsewhere()
+    {
+        EXPECT_EQ(place.Names(u"elsewhere"_s), (QStringList{u"file"_s, u"inner"_s}));
+        EXPECT_EQ(place.Names(u"elsewhere/inner"_s), QStringList{u"file"_s});
+        EXPECT_EQ(ReadFileText(place.Path(u"elsewhere/file"_s)), "precious");
+    }
+    [[nodiscard]] QString in(const QString& name) const { return place.Path(u"VMK Office/"_s + name); }
+
+private:
+    const QString office;
+};
+
+} // namespace
+
+TEST_F(LinksInTheWorkspace, NothingIsWrittenThroughALinkToAFolder)
+{
+    EXPECT_FALSE(WriteFileText(in(u"folder/file"_s), "x"));
+    EXPECT_FALSE(WriteFileText(in(u"folder/new"_s), "x"));
+    EXPECT_FALSE(WriteFileText(in(u"folder/inner/file"_s), "x"));
+    EXPECT_FALSE(WriteScratchFile(in(u"folder/new"_s), "x"));
+    EXPECT_FALSE(WriteFileBytes(in(u"folder/new"_s), "x"));
+    EXPECT_FALSE(MakeFolder(in(u"folder/new"_s)));
+    place.Make(u"source"_s, "x");
+    FileOperation(CopyFileMode, place.Path(u"source"_s), in(u"folder/new"_s));
+    EXPECT_EQ(FileOperation(MoveFileMode, place.Path(u"source"_s), in(u"folder/new"_s)), QString());
+    FileOperation(CopyFolderMode, place.Path(u"elsewhere/inner"_s), in(u"folder/new"_s));
+    checkElsewhere();
+}
+
+TEST_F(LinksInTheWorkspace, NothingIsDeletedThroughALinkToAFolder)
+{
+    FileOperation(DeleteFileMode, in(u"folder/file"_s));
+    FileOperation(DeleteFileMode, in(u"folder/*"_s));
+    FileOperation(DeleteFolderMode, in(u"folder/inner"_s));
+    FileOperation(DeleteFolderMode, in(u"folder"_s));
+    checkElsewhere();
+}
+
+TEST_F(LinksInTheWorkspace, ALinkToAFileIsReplacedByTheFile)
+{
+    ASSERT_TRUE(QFile::link(place.Path(u"elsewhere/file"_s), in(u"list.dat"_s)));
+    ASSERT_TRUE(QFile::link(place.Path(u"elsewhere/missing"_s), in(u"new.dat"_s)));
+    EXPECT_TRUE(WriteFileText(in(u"list.dat"_s), "list"));
+    EXPECT_TRUE(WriteFileText(in(u"new.dat"_s), "new"));
+    EXPECT_EQ(ReadFileText(in(u"list.dat"_s)), "list");
+    EXPECT_EQ(ReadFileText(in(u"new.dat"_s)), "new");
+    checkElsewhere();
+}
+
+TEST_F(LinksInTheWorkspace, TheWorkspaceItselfCanBeALink)
+{
+    ASSERT_TRUE(QFile::link(OfficeFolder, place.Path(u"linked"_s)));
+    OfficeFolder = place.Path(u"linked"_s);
+    EXPECT_TRUE(MakeFolder(OfficeFolder + u"/inner"_s));
+    EXPECT_TRUE(WriteFileText(OfficeFolder + u"/inner/file"_s, "x"));
+    EXPECT_EQ(ReadFileText(in(u"inner/file"_s)), "x");
+}
+
+TEST_F(LinksInTheWorkspace, LinksOutsideItAreFollowed)
+{
+    OfficeFolder = place.Path(u"other"_s);
+    EXPECT_TRUE(WriteFileText(in(u"folder/file"_s), "x"));
+    EXPECT_EQ(ReadFileText(place.Path(u"elsewhere/file"_s)), "x");
+}
 
 TEST(PathModes, ExtensionIsTheTextAfterTheLastDot)
 {

@@ -5,6 +5,8 @@
 #include "TestPaths.h"
 #include "Workplace.h"
 
+#include <QFileInfo>
+
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
@@ -70,6 +72,20 @@ TEST_F(InitGlobalsTest, APortableWorkspaceIsBesideTheExecutable)
               (QStringList{u"FindReplaceHistory"_s, u"Schemas"_s, u"Temp"_s, u"UserCleanUp"_s}));
     EXPECT_EQ(place.Names(u"bin/VMK Office/Temp"_s), QStringList{u"images"_s});
     EXPECT_FALSE(FileExists(place.Path(u"home"_s)));
+}
+
+TEST_F(InitGlobalsTest, ALinkInPlaceOfTheTemporaryFolderIsReplaced)
+{
+    place.MakeFolders(u"bin/VMK Office"_s);
+    place.MakeFolders(u"elsewhere/images"_s);
+    place.Make(u"elsewhere/images/picture.png"_s, "precious");
+    ASSERT_TRUE(QFile::link(place.Path(u"elsewhere"_s), place.Path(u"bin/VMK Office/Temp"_s)));
+    InitGlobals(Program());
+    EXPECT_FALSE(QFileInfo(TempFolder).isSymLink());
+    EXPECT_TRUE(WriteScratchFile(TempFolder + u"/page.htm"_s, "page"));
+    FileOperation(DeleteFolderMode, TempImagesFolder);
+    EXPECT_EQ(place.Names(u"elsewhere"_s), QStringList{u"images"_s});
+    EXPECT_EQ(place.Names(u"elsewhere/images"_s), QStringList{u"picture.png"_s});
 }
 
 TEST_F(InitGlobalsTest, TheRootCanBeTheProgramsFolder)

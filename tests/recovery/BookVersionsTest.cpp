@@ -1,9 +1,11 @@
 #include "BookVersions.h"
 #include "BookOnDisk.h"
 #include "Boxes.h"
+#include "FileNames.h"
 #include "FilePaths.h"
 #include "FileSizeLimit.h"
 #include "Files.h"
+#include "FolderListing.h"
 #include "Workplace.h"
 
 #include <QDateTime>
@@ -232,6 +234,64 @@ TEST_F(Versions, APlantedLinkIsNotFollowed)
     ASSERT_TRUE(QFile::link(place.Path(u"elsewhere"_s), backup));
     EXPECT_FALSE(KeepVersion(backup, book).isSafe);
     EXPECT_EQ(place.Names(u"elsewhere"_s), QStringList());
+}
+
+TEST_F(Versions, APlantedLinkIsNotReadEither)
+{
+    save("one");
+    save("two");
+    const QString folder = FolderOf(VersionsOf(backup, book).front().path).chopped(1);
+    ASSERT_TRUE(QFile::rename(folder, place.Path(u"elsewhere"_s)));
+    ASSERT_TRUE(QFile::link(place.Path(u"elsewhere"_s), folder));
+    EXPECT_TRUE(texts().empty());
+    EXPECT_FALSE(KeepVersion(backup, book).isSafe);
+    EXPECT_EQ(place.Names(u"elsewhere"_s).size(), 1);
+    ASSERT_TRUE(QFile::remove(folder));
+    ASSERT_TRUE(QFile::rename(place.Path(u"elsewhere"_s), folder));
+    ASSERT_TRUE(QFile::rename(backup, place.Path(u"elsewhere"_s)));
+    ASSERT_TRUE(QFile::link(place.Path(u"elsewhere"_s), backup));
+    EXPECT_TRUE(texts().empty());
+}
+
+TEST_F(Versions, AFolderOfAnotherUserIsNotUsed)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only a superuser can make files of another user";
+    constexpr uid_t Other = 12'345;
+    save("one");
+    save("two");
+    const QString folder = FolderOf(VersionsOf(backup, book).front().path).chopped(1);
+    for (const QString& path : {folder, backup}) {
+        ASSERT_EQ(::chown(QFile::encodeName(path).constData(), Other, gid_t(-1)), 0);
+        const KeptVersion kept = KeepVersion(backup, book);
+        EXPECT_FALSE(kept.isSafe);
+        EXPECT_TRUE(kept.reason.contains(u"cannot be made"_s));
+        EXPECT_TRUE(texts().empty());
+        EXPECT_EQ(QDir(folder).entryList(QDir::Files).size(), 1);
+        ASSERT_EQ(::chown(QFile::encodeName(path).constData(), ::geteuid(), gid_t(-1)), 0);
+    }
+    EXPECT_EQ(texts(), std::vector<std::string>{"one"});
+}
+
+TEST_F(Versions, OfBooksWithNamesThatAreNotUtf8CountInTheLimit)
+{
+    const QString strange = place.Folder() + u'/' + DecodeFileName("b\xff.fb2");
+    const auto keepLarge = [this](const QString& path) {
+        const std::string name = EncodeFileName(path).toStdString();
+        ASSERT_TRUE(bool(ReplaceContent(path, "x")));
+        ASSERT_EQ(::truncate(name.c_str(), off_t(300) * 1024 * 1024), 0);
+        ASSERT_TRUE(KeepVersion(backup, path).isSafe);
+        ASSERT_EQ(::unlink(name.c_str()), 0);
+    };
+    keepLarge(strange);
+    ASSERT_EQ(VersionsOf(backup, strange).size(), 1U);
+    keepLarge(book);
+    EXPECT_EQ(VersionsOf(backup, strange).size(), 0U);
+    EXPECT_EQ(VersionsOf(backup, book).size(), 1U);
+    QString problem;
+    const FolderListing left(
+        backup.toStdString(), [](std::string_view) { return true; }, &problem);
+    EXPECT_EQ(left.size(), 1U);
 }
 
 TEST_F(Versions, AClockThatIsSetBackKeepsTheOrder)

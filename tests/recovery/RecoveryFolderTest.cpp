@@ -2,8 +2,10 @@
 
 #include "Chance.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 /// The folder of journals and unsaved texts.
@@ -191,6 +193,93 @@ TEST(RecoveryFolder, AFolderThatIsALinkIsNotUsed)
     EXPECT_EQ(place.Names(u"elsewhere"_s), QStringList());
 }
 
+TEST(RecoveryFolder, NothingIsReadFromOrRemovedInAFolderThatIsALink)
+{
+    const Workplace place;
+    {
+        Session session(place);
+        session.type({2, 5}, u"x"_s);
+        session.crash();
+    }
+    ASSERT_TRUE(QDir().rename(place.Path(u"Recovery"_s), place.Path(u"elsewhere"_s)));
+    place.Make(u"elsewhere/old.declined"_s, "precious");
+    place.Make(u"elsewhere/a.journal.new"_s, "precious");
+    place.Make(u"elsewhere/Unsaved texts.list"_s, R"({"text":"a (unsaved x).fb2","book":"/b.fb2"})");
+    place.Make(u"elsewhere/a (unsaved x).fb2"_s, "text");
+    MakeOld(place.Path(u"elsewhere/old.declined"_s), 100);
+    const QStringList before = place.Names(u"elsewhere"_s);
+    const QString folder = place.Path(u"Recovery"_s);
+    ASSERT_TRUE(QFile::link(place.Path(u"elsewhere"_s), folder));
+    EXPECT_FALSE(Newest(folder));
+    CleanRecoveryFolder(folder);
+    EXPECT_EQ(TakeNewsOfUnsavedText(folder, u"/b.fb2"_s), QString());
+    EXPECT_EQ(place.Names(u"elsewhere"_s), before);
+}
+
+/// A folder of another user, with files of this user in it.
+class OtherUser : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (::geteuid() != 0)
+            GTEST_SKIP() << "only a superuser can make files of another user";
+    }
+    static void give(const QString& path)
+    {
+        constexpr uid_t Other = 12'345;
+        ASSERT_EQ(::lchown(QFile::encodeName(path).constData(), Other, gid_t(-1)), 0);
+    }
+
+    const Workplace place;
+};
+
+TEST_F(OtherUser, HasAFolderThatIsNotUsed)
+{
+    place.MakeFolders(u"Recovery"_s);
+    place.Make(u"Recovery/old.declined"_s, "precious");
+    place.Make(u"Recovery/Unsaved texts.list"_s, R"({"text":"a (unsaved x).fb2","book":"/b.fb2"})");
+    place.Make(u"Recovery/a (unsaved x).fb2"_s, "text");
+    MakeOld(place.Path(u"Recovery/old.declined"_s), 100);
+    const QStringList before = place.Names(u"Recovery"_s);
+    give(place.Path(u"Recovery"_s));
+    Session session(place);
+    session.type({2, 5}, u"x"_s);
+    QCoreApplication::processEvents();
+    QString reason;
+    EXPECT_EQ(KeepUnsavedBook(session.folder, u"/b.fb2"_s, "text", reason), QString());
+    EXPECT_TRUE(reason.contains(session.folder)) << reason.toStdString();
+    CleanRecoveryFolder(session.folder);
+    EXPECT_EQ(TakeNewsOfUnsavedText(session.folder, u"/b.fb2"_s), QString());
+    EXPECT_EQ(place.Names(u"Recovery"_s), before);
+}
+
+TEST_F(OtherUser, HasAJournalThatIsRefused)
+{
+    Session session(place);
+    session.type({2, 5}, u"x"_s);
+    const QString journal = session.folder + u'/' + session.journals().front();
+    session.crash();
+    ASSERT_TRUE(Newest(session.folder));
+    give(journal);
+    EXPECT_FALSE(Newest(session.folder));
+    EXPECT_FALSE(LockedFile::open(journal));
+    EXPECT_TRUE(QFile::exists(journal));
+    // Its name is not used either.
+    EXPECT_FALSE(LockedFile::create(journal));
+}
+
+TEST_F(OtherUser, HasNotesThatAreNotRead)
+{
+    place.MakeFolders(u"Recovery"_s);
+    place.Make(u"Recovery/Unsaved texts.list"_s, R"({"text":"a (unsaved x).fb2","book":"/b.fb2"})");
+    place.Make(u"Recovery/a (unsaved x).fb2"_s, "text");
+    EXPECT_NE(TakeNewsOfUnsavedText(place.Path(u"Recovery"_s), u"/b.fb2"_s), QString());
+    place.Make(u"Recovery/Unsaved texts.list"_s, R"({"text":"a (unsaved x).fb2","book":"/b.fb2"})");
+    give(place.Path(u"Recovery/Unsaved texts.list"_s));
+    EXPECT_EQ(TakeNewsOfUnsavedText(place.Path(u"Recovery"_s), u"/b.fb2"_s), QString());
+}
+
 TEST(RecoveryFolder, FilesAreReadableByTheirOwnerOnly)
 {
     const Workplace place;
@@ -284,6 +373,49 @@ TEST(UnsavedTexts, DamagedNotesAnnounceNothing)
                std::string(1, '\0') + "{]\n{\"book\":\"/a\",\"text\":\"../x\"}\n[1]\n");
     place.Make(u"x"_s, "outside");
     EXPECT_EQ(TakeNewsOfUnsavedText(place.Path(u"Recovery"_s), u"/a"_s), QString());
+}
+
+TEST(UnsavedTexts, ALinkInPlaceOfTheNotesIsNotFollowed)
+{
+    const Workplace place;
+    const std::string precious(100'000, 'p');
+    place.MakeFolders(u"Recovery"_s);
+    place.Make(u"target"_s, precious);
+    const QString notes = place.Path(u"Recovery/Unsaved texts.list"_s);
+    ASSERT_TRUE(QFile::link(place.Path(u"target"_s), notes));
+    QString reason;
+    EXPECT_NE(KeepUnsavedBook(place.Path(u"Recovery"_s), u"/b.fb2"_s, "text", reason), QString());
+    EXPECT_EQ(ReadContent(place.Path(u"target"_s)).bytes, precious);
+}
+
+TEST(UnsavedTexts, APipeInPlaceOfTheNotesDoesNotBlock)
+{
+    const Workplace place;
+    place.MakeFolders(u"Recovery"_s);
+    const QString notes = place.Path(u"Recovery/Unsaved texts.list"_s);
+    ASSERT_EQ(::mkfifo(QFile::encodeName(notes).constData(), 0600), 0);
+    EXPECT_EQ(TakeNewsOfUnsavedText(place.Path(u"Recovery"_s), u"/b.fb2"_s), QString());
+}
+
+TEST(UnsavedTexts, LongNotesAreShortenedToTheTextsThatExist)
+{
+    const Workplace place;
+    const QString folder = place.Path(u"Recovery"_s);
+    place.MakeFolders(u"Recovery"_s);
+    std::string notes;
+    for (int i = 0; i < 2'000; ++i)
+        notes += R"({"text":"gone (unsaved x).fb2","book":"/g.fb2"})"
+                 "\n";
+    place.Make(u"Recovery/a (unsaved x).fb2"_s, "text");
+    notes += R"({"text":"a (unsaved x).fb2","book":"/a.fb2"})"
+             "\n";
+    place.Make(u"Recovery/Unsaved texts.list"_s, notes);
+    QString reason;
+    const QString kept = KeepUnsavedBook(folder, u"/b.fb2"_s, "text", reason);
+    EXPECT_LT(QFile(place.Path(u"Recovery/Unsaved texts.list"_s)).size(), 1'000);
+    EXPECT_EQ(TakeNewsOfUnsavedText(folder, u"/a.fb2"_s), folder + u"/a (unsaved x).fb2"_s);
+    EXPECT_EQ(TakeNewsOfUnsavedText(folder, u"/b.fb2"_s), kept);
+    EXPECT_EQ(FilesOf(folder, u"*.new"_s), QStringList());
 }
 
 TEST(UnsavedTexts, AFullDiskLeavesNoPart)

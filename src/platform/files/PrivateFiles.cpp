@@ -44,8 +44,19 @@ bool MakePrivateFolder(const QString& path)
     const QByteArray name = EncodeFileName(path);
     if (name.isEmpty() || (::mkdir(name.constData(), OwnFolder) != 0 && errno != EEXIST))
         return false;
+    return IsPrivateFolder(path);
+}
+
+bool IsPrivateFolder(const QString& path)
+{
     struct stat status = {};
-    return ::lstat(name.constData(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid();
+    return ::lstat(EncodeFileName(path).constData(), &status) == 0 && S_ISDIR(status.st_mode)
+        && status.st_uid == ::geteuid();
+}
+
+bool RemoveEmptyFolder(const QString& path)
+{
+    return ::rmdir(EncodeFileName(path).constData()) == 0;
 }
 
 // ---------------------------------------------------------------- a locked file

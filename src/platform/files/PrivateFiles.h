@@ -15,6 +15,12 @@ namespace vmk {
 /// this user, not as a link.
 [[nodiscard]] bool MakePrivateFolder(const QString& path);
 
+/// Returns whether a real folder of this user, not a link to one, exists at the path.
+[[nodiscard]] bool IsPrivateFolder(const QString& path);
+
+/// Removes a folder that is empty. Returns true if this call removed it.
+bool RemoveEmptyFolder(const QString& path);
+
 /// A file that one process writes and that no other process uses meanwhile. The lock ends with the process,
 /// however it ends, so that a locked file belongs to a living process.
 class LockedFile
