@@ -49,11 +49,17 @@ QString SafeName(QString name)
             c = u'_';
     if (name == u"..")
         return u"__"_s;
-    if (name.endsWith(u'.') || name.endsWith(u' '))
+    const auto endsInBlank = [&name] { return name.endsWith(u'.') || name.endsWith(u' '); };
+    if (endsInBlank())
         name.back() = u'_';
     if (IsDeviceName(name))
         name.prepend(u'_');
-    return name.size() > LongestNameBytes / 4 ? Shortened(name) : name;
+    if (name.size() > LongestNameBytes / 4)
+        name = Shortened(name);
+    // A short name can end in the middle of the long one.
+    if (endsInBlank())
+        name.back() = u'_';
+    return name;
 }
 
 } // namespace

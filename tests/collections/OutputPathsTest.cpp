@@ -43,6 +43,9 @@ TEST(OutputPathOfMember, HasNoNamesOfDevicesAndNoImpossibleOnes)
     const QString longName = OutputPathOfMember(QString(300, u'Я') + u".fb2"_s);
     EXPECT_LE(longName.toUtf8().size(), 255);
     EXPECT_TRUE(longName.endsWith(u"Я.fb2"_s));
+    // The part of a long name that is kept can end in a dot or a blank.
+    EXPECT_EQ(OutputPathOfMember(QString(254, u'a') + u"."_s + QString(100, u'b')),
+              QString(254, u'a') + u'_');
 }
 
 TEST(OutputPathOfMember, OfAnyNameIsBelowTheFolder)
