@@ -2,15 +2,18 @@
 # Kills the program, and the companion, during saves, at random times. The book on the disk is then the complete old or
 # the complete new one, and the old one is not lost: it is an earlier version if the book is the new one.
 #
-#   kill_during_saves.sh BIN_FOLDER BOOK_GENERATOR [TIMES]
+#   kill_during_saves.sh BIN_FOLDER BOOK_GENERATOR [TIMES] [COMPANION_TIMES] [SIZE]
 #
-# Kills the window TIMES times and the companion ten times as often. Returns 77 (skipped) if Xvfb, xdotool, ImageMagick
+# Kills the window TIMES times, with a book of SIZE bytes (4M), and the companion COMPANION_TIMES times (ten times as
+# often). Returns 77 (skipped) if Xvfb, xdotool, ImageMagick
 # or the generator is missing.
 
 set -u
 bin=$1
 generator=${2:-}
 times=${3:-6}
+companion_times=${4:-$((10 * times))}
+size=${5:-4M}
 . "$(dirname "$0")/program.sh"
 [ -x "$generator" ] || { echo "skipped: no book generator"; exit 77; }
 
@@ -43,7 +46,7 @@ kill_later() {
     wait "$1" 2>/dev/null
 }
 
-"$generator" 4M >"$folder/old.fb2"
+"$generator" "$size" >"$folder/old.fb2"
 "$bin/vmk" convert "$folder/old.fb2" --out "$folder/new.fb2"
 span=100 old=0 new=0
 for _ in $(seq "$times"); do
@@ -60,12 +63,12 @@ echo "window: after $times kills, the old book $old times, the new one $new time
 "$generator" 200K >"$folder/old.fb2"
 "$bin/vmk" convert "$folder/old.fb2" --out "$folder/new.fb2"
 span=40 old=0 new=0
-for _ in $(seq $((10 * times))); do
+for _ in $(seq "$companion_times"); do
     rm -rf "$portable/VMK Office/Backup"
     cp "$folder/old.fb2" "$book"
     "$portable/vmk" convert "$book" --out "$book" 2>/dev/null &
     kill_later $!
     judge
 done
-echo "companion: after $((10 * times)) kills, the old book $old times, the new one $new times"
+echo "companion: after $companion_times kills, the old book $old times, the new one $new times"
 [ "$failures" = 0 ]
