@@ -274,8 +274,9 @@ std::optional<RecordedSession> ReadJournal(std::string_view bytes)
 {
     std::size_t batches = std::numeric_limits<std::size_t>::max();
     std::optional<RecordedSession> session = ReadBatches(bytes, batches);
-    // A batch with a valid checksum that does not fit was not written by this program. Those before it count.
-    if (!session && batches > 0)
+    // A batch with a valid checksum that does not fit was not written by this program. What is before it
+    // counts.
+    if (!session)
         session = ReadBatches(bytes, batches);
     return session;
 }

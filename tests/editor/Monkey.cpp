@@ -1,6 +1,7 @@
 #include "Monkey.h"
 
 #include "BookToDisplay.h"
+#include "CodePages.h"
 #include "JournalReader.h"
 #include "MainWindowSeams.h"
 #include "SaveBook.h"
@@ -184,7 +185,9 @@ void Monkey::CheckFile()
     const QString pictures = QString::fromStdString(BinaryPart);
     ASSERT_TRUE(file.contains(pictures));
     file.remove(pictures);
-    CheckReload(file.toStdString());
+    // A preview is decoded as the open book is, by design.
+    if (WorkCodePage == CodePageUtf8)
+        CheckReload(file.toStdString());
     // Of a book that does not begin with its declaration, or did not when it was loaded, other parts are
     // kept.
     if (mayBreakStart && (BookKeepsText || !AllText().startsWith("<?xml version"_L1)))
