@@ -246,6 +246,34 @@ TEST(Journal, ABatchThatDoesNotFitEndsThePrefix)
     EXPECT_EQ(found->state.lines.front()->text, u"two"_s);
 }
 
+TEST(Journal, TheRestOfAnEarlierBaseDoesNotPreventTheNext)
+{
+    const Workplace place;
+    JournalBase base;
+    base.binary = std::make_shared<const std::string>();
+    base.lines = {MakeLine({NoTag, u"one"_s, {}})};
+    base.facts.pageFront = "<HTML><BODY>";
+    JournalWriter writer(place.Path(u"Recovery"_s));
+    ASSERT_TRUE(writer.begin(base));
+    QFile rest(writer.path() + u".new"_s);
+    ASSERT_TRUE(rest.open(QIODevice::WriteOnly));
+    rest.write("part of a base");
+    rest.close();
+    // Too long for the journal, and not compressible.
+    std::mt19937 random(1); // NOLINT: the same text in each run
+    QString text;
+    for (int i = 0; i < 100'000; ++i)
+        text += QChar(char16_t(0x100 + random() % 0xc000));
+    JournalBatch batch;
+    batch.splices.push_back({0, 1, {MakeLine({NoTag, text, {}})}});
+    EXPECT_TRUE(writer.write(batch)) << writer.reason().toStdString();
+    EXPECT_EQ(writer.baseCount(), 2);
+    const std::optional<RecordedSession> found = ReadJournal(ReadContent(writer.path()).bytes);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->state.lines.front()->text, text);
+    EXPECT_FALSE(QFile::exists(rest.fileName()));
+}
+
 // ---------------------------------------------------------------- random sessions
 
 /// One random edit by the operations that commands use.
