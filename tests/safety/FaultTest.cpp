@@ -10,6 +10,7 @@
 #include "SystemCalls.h"
 #include "UnsavedText.h"
 
+#include <algorithm>
 #include <cerrno>
 
 #include <sys/stat.h>
@@ -207,6 +208,7 @@ TEST(FileFaults, AnInPlaceWriteWithAnyFailingCallLeavesTheOldOrTheNewFileOrNames
 {
     int restored = 0;
     int named = 0;
+    int unreserved = 0;
     for (const std::string& text : {std::string("new and longer text"), std::string("new")}) {
         for (const calls::Failure& way : Failures) {
             for (int number = 1;; ++number) {
@@ -216,6 +218,9 @@ TEST(FileFaults, AnInPlaceWriteWithAnyFailingCallLeavesTheOldOrTheNewFileOrNames
                 place.Make(u"closed/book.fb2"_s, "old text");
                 place.GiveToPlainUser();
                 const QByteArray folder = QFile::encodeName(place.Path(u"closed"_s));
+                struct stat status = {};
+                ASSERT_EQ(::stat((folder + "/book.fb2").constData(), &status), 0);
+                const std::uint64_t inode = status.st_ino;
                 ASSERT_EQ(::chmod(folder.constData(), 0555), 0);
                 calls::Failure failure = way;
                 failure.number = number;
@@ -241,13 +246,64 @@ TEST(FileFaults, AnInPlaceWriteWithAnyFailingCallLeavesTheOldOrTheNewFileOrNames
                     continue;
                 }
                 EXPECT_EQ(content, result ? text : "old text");
+                if (call.starts_with("posix_fallocate") && !result) {
+                    ++unreserved;
+                    const auto isWrite = [inode](const calls::Call& made) {
+                        return made.kind == calls::Call::Write && made.file == inode;
+                    };
+                    EXPECT_TRUE(std::ranges::none_of(calls::Recorded(), isWrite));
+                }
                 const bool wasTouched = call.starts_with("write") || call.starts_with("ftruncate");
                 restored += !result && wasTouched ? 1 : 0;
             }
         }
     }
     EXPECT_GE(restored, 4);
+    EXPECT_GE(unreserved, 1) << "a lack of space is found before the file is touched";
     EXPECT_GE(named, 1);
+}
+
+TEST(FileFaults, AFullDiskIsNoReasonToWriteInPlace)
+{
+    for (int number = 1;; ++number) {
+        const Workplace place;
+        place.MakeFolders(u"books"_s);
+        place.Make(u"books/book.fb2"_s, "old text");
+        calls::Begin({place.Path(u"books"_s).toStdString(), {}}, {.number = number, .error = ENOSPC});
+        const WriteResult result = ReplaceContent(place.Path(u"books/book.fb2"_s), "new text",
+                                                  Durability::Flushed, place.Path(u"Backup"_s));
+        const std::string call = calls::End();
+        if (call.empty())
+            break;
+        SCOPED_TRACE(call);
+        EXPECT_EQ(ReadFileText(place.Path(u"books/book.fb2"_s)), result ? "new text" : "old text");
+        EXPECT_EQ(place.Names(), QStringList{u"books"_s});
+    }
+}
+
+TEST(FileFaults, AFileThatNoOtherCanReplaceIsWrittenInPlace)
+{
+    // As a mount point, which a rename finds busy.
+    bool wasRenamed = false;
+    for (int number = 1; !wasRenamed; ++number) {
+        const Workplace place;
+        place.MakeFolders(u"books"_s);
+        place.Make(u"books/book.fb2"_s, "old text");
+        calls::Begin({place.Path(u"books"_s).toStdString(), {}}, {.number = number, .error = EBUSY});
+        const WriteResult result = ReplaceContent(place.Path(u"books/book.fb2"_s), "new text",
+                                                  Durability::Flushed, place.Path(u"Backup"_s));
+        const std::string call = calls::End();
+        ASSERT_FALSE(call.empty());
+        wasRenamed = call.starts_with("rename");
+        if (!wasRenamed)
+            continue;
+        EXPECT_TRUE(result) << result.Failure().toStdString();
+        EXPECT_EQ(ReadFileText(place.Path(u"books/book.fb2"_s)), "new text");
+        EXPECT_EQ(place.Names(u"books"_s), QStringList{u"book.fb2"_s});
+        const QStringList backups = place.Names(u"Backup"_s);
+        ASSERT_EQ(backups.size(), 1);
+        EXPECT_EQ(ReadFileText(place.Path(u"Backup/"_s + backups[0])), "old text");
+    }
 }
 
 } // namespace

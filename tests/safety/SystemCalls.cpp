@@ -209,6 +209,18 @@ int ftruncate(int handle, off_t length) noexcept
     return real(handle, length);
 }
 
+int posix_fallocate(int handle, off_t offset, off_t length)
+{
+    static auto* const real = Real<int(int, off_t, off_t)>("posix_fallocate");
+    const std::lock_guard lock(Mutex);
+    if (Judge("posix_fallocate", PathOf(handle)) != Verdict::Fails)
+        return real(handle, offset, length);
+    // The space of a full disk is used up to its end.
+    if (Planned.isShort && length > 1)
+        real(handle, offset, length / 2);
+    return Planned.error;
+}
+
 int fchmod(int handle, mode_t mode) noexcept
 {
     static auto* const real = Real<int(int, mode_t)>("fchmod");

@@ -174,10 +174,13 @@ void PendingFile::TakeOwner()
     struct stat now = {};
     if (::fstat(handle.Get(), &now) != 0 || (now.st_uid == old->st_uid && now.st_gid == old->st_gid))
         return;
-    // Another user's file: if the owner cannot be restored, the file must not run with that user's rights.
-    if (::fchown(handle.Get(), old->st_uid, old->st_gid) != 0
-        && ::fchown(handle.Get(), uid_t(-1), old->st_gid) != 0)
-        oldMode = *oldMode & ~mode_t(S_ISUID | S_ISGID);
+    if (::fchown(handle.Get(), old->st_uid, old->st_gid) == 0)
+        return;
+    // Another user's file: a program must not run with the rights of its new owner or group.
+    if (now.st_uid != old->st_uid)
+        oldMode = *oldMode & ~mode_t(S_ISUID);
+    if (::fchown(handle.Get(), uid_t(-1), old->st_gid) != 0)
+        oldMode = *oldMode & ~mode_t(S_ISGID);
 }
 
 } // namespace vmk

@@ -1,5 +1,6 @@
 #include "Repaint.h"
 #include "RulesFixture.h"
+#include "TypingRules.h"
 
 #include "EditReference.h"
 
@@ -52,6 +53,18 @@ TEST_F(Repainting, OneUndoCommandRestoresTheUnpaintedLineAndTheCaretStaysInIt)
         EXPECT_EQ(caretPlace(), (Position{line, 2}));
         EXPECT_FALSE(document.canUndo());
     }
+}
+
+TEST_F(Repainting, OneUndoCommandRestoresNothingBeforeTheRepaint)
+{
+    show("<DIV>&lt;p&gt;two</DIV>");
+    caret(0, 4);
+    InsertNbsp(document, u'x');
+    const std::string typed = lines();
+    repaint();
+    EXPECT_NE(lines(), typed);
+    undo();
+    EXPECT_EQ(lines(), typed);
 }
 
 /// Records the points at which positions are searched.

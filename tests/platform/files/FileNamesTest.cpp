@@ -46,6 +46,16 @@ TEST(FileNames, ATextThatNoFileCanHaveIsEmpty)
     EXPECT_EQ(EncodeFileName(QChar(0xd800) + u"a"_s + QChar(0xdcff)), QByteArray());
 }
 
+TEST(FileNames, ACharacterOfTwoUnitsNextToSuchAByteIsNoByte)
+{
+    // The second unit of U+10080 alone would stand for the byte 128.
+    const QByteArray bytes = QByteArray("\xf0\x90\x82\x80") + '\xea';
+    const QString name = DecodeFileName(bytes);
+    EXPECT_EQ(name, QString::fromUcs4(U"\U00010080") + QChar(0xdcea));
+    EXPECT_EQ(EncodeFileName(name), bytes);
+    EXPECT_EQ(ReadableName(name), QString::fromUcs4(U"\U00010080") + QChar(QChar::ReplacementCharacter));
+}
+
 TEST(FileNames, AFileWithSuchANameIsReadWrittenFoundAndDeleted)
 {
     const Workplace place;

@@ -155,6 +155,19 @@ TEST_F(Files, AReplacedFileKeepsItsPermissionsAndOwner)
     EXPECT_EQ(Status(u"a"_s).st_uid, owner);
 }
 
+TEST_F(Files, AReplacedProgramOfAnotherUserDoesNotRunWithThatUsersRights)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only a superuser can make another user's file";
+    place.GiveToPlainUser();
+    Make(u"a"_s, "old");
+    Allow(u"a"_s, 06755);
+    const PlainUser plain;
+    EXPECT_TRUE(ReplaceContent(Path(u"a"_s), "new"));
+    EXPECT_EQ(Status(u"a"_s).st_uid, PlainUserId);
+    EXPECT_EQ(Status(u"a"_s).st_mode & 05777, 0755U);
+}
+
 TEST_F(Files, AReadOnlyFileIsReplacedAndStaysReadOnly)
 {
     Make(u"a"_s, "old");
@@ -397,6 +410,17 @@ TEST_F(Files, AFolderCopyThatFailsLeavesTheTargetAsItWas)
     EXPECT_FALSE(CopyFolderTree(Path(u"a"_s), Path(u"b"_s)));
     EXPECT_EQ(place.Names(), (QStringList{u"a"_s, u"b"_s}));
     EXPECT_EQ(place.Names(u"b"_s), QStringList{u"old"_s});
+}
+
+TEST_F(Files, AFolderCopyLeavesNothingOfTheReplacedFolder)
+{
+    place.MakeFolders(u"a"_s);
+    Make(u"a/new"_s);
+    place.MakeFolders(u"b/inner"_s);
+    Make(u"b/old"_s);
+    EXPECT_TRUE(CopyFolderTree(Path(u"a"_s), Path(u"b"_s)));
+    EXPECT_EQ(place.Names(), (QStringList{u"a"_s, u"b"_s}));
+    EXPECT_EQ(place.Names(u"b"_s), QStringList{u"new"_s});
 }
 
 TEST_F(Files, AFolderInsideALinkedFolderIsNotCopiedOverItself)

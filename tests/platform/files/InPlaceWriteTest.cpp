@@ -101,6 +101,15 @@ TEST_F(InPlaceWrite, TheBackupIsPrivate)
     EXPECT_EQ(status.st_mode & 0777, mode_t(0600));
 }
 
+TEST_F(InPlaceWrite, AFileHasOneBackupByEveryPath)
+{
+    ASSERT_EQ(::symlink("closed", QFile::encodeName(place.Path(u"way"_s)).constData()), 0);
+    const PlainUser plain;
+    EXPECT_TRUE(Write("new"));
+    EXPECT_TRUE(ReplaceContent(place.Path(u"way/book.fb2"_s), "newer", Durability::Flushed, Backups()));
+    EXPECT_EQ(BackupText(), "new");
+}
+
 TEST_F(InPlaceWrite, FilesOfTheSameNameHaveTheirOwnBackups)
 {
     place.MakeFolders(u"other"_s);
