@@ -272,10 +272,8 @@ void LineJoiner::takeTag(std::string_view tag)
 void LineJoiner::takeRaw(const MarkupToken& token)
 {
     const bool isCData = token.kind == Kind::CData;
-    const size_t frontLength = isCData ? 9 : token.kind == Kind::Comment ? 4 : 2;
-    const size_t backLength = isCData || token.kind == Kind::Comment ? 3
-        : token.kind == Kind::DocType                                ? 1
-                                                                     : 2;
+    const size_t frontLength = token.kind == Kind::Comment ? 4 : 2;
+    const size_t backLength = token.kind == Kind::Comment ? 3 : token.kind == Kind::DocType ? 1 : 2;
     const size_t back = token.text.size() - backLength;
     const size_t start = joined.size();
     bool lineEnded = false;

@@ -68,6 +68,7 @@ protected:
     BookLosses losses;
     std::string shown;
     QString missing;
+    size_t missingCount = 0;
     SeamGuard<bool(const BookLosses&)> lossGuard{LossSeam(), [this](const BookLosses& found) {
                                                      losses = found;
                                                      return keeps;
@@ -75,6 +76,7 @@ protected:
     SeamGuard<MissingAnswer(const MissingCharacters&, const QString&)> missingGuard{
         MissingCharactersSeam(), [this](const MissingCharacters& found, const QString&) {
             missing = found.examples;
+            missingCount = found.count;
             return keeps ? MissingAnswer::Utf8 : MissingAnswer::Substitute;
         }};
     SeamGuard<bool(BoxKind, const QString&, const QString&)> boxGuard{
@@ -165,6 +167,117 @@ std::vector<std::string> Described(const std::string& bytes)
             && (lines[i - 1].starts_with("value") || lines[i - 1].starts_with("element")))
             lines[i].resize(lines[i].size() - std::string(" after a blank").size());
     return lines;
+}
+
+TEST_F(KeptBooks, WhiteSpaceRemainsWhereItSeparatesWordsOnly)
+{
+    const struct
+    {
+        const char* inner;
+        const char* saved;
+    } cases[] = {
+        {"<p>a<strong>\nb</strong>c</p>", "<p>a<strong> b</strong>c</p>"},
+        {"<p>a<strong>b\n</strong>c</p>", "<p>a<strong>b </strong>c</p>"},
+        {"<p>a<strong>\n</strong>b</p>", "<p>a<strong/>b</p>"},
+        {"<p>\n<strong>b</strong>\n</p>", "<p>\r\n\t\t<strong>b</strong>\r\n\t</p>"},
+        {"<p a=\"x \ny\"/>", "<p a=\"x &#32;y\"/>"},
+        {"<p/><!--\nc\n--><p/>", "<!--c-->"},
+        {"<p><strong>a</strong> <strong>b</strong></p>", "<p><strong>a</strong> <strong>b</strong></p>"},
+    };
+    for (const auto& one : cases)
+        EXPECT_THAT(content(one.inner), testing::HasSubstr(one.saved)) << one.inner;
+    EXPECT_THAT(content("<p>a \n<strong>b</strong></p>"), testing::HasSubstr("<p>a <strong>b</strong></p>"));
+    EXPECT_EQ(losses.lines.joinedWords, 0U) << "a blank separates them in any reading";
+}
+
+TEST_F(KeptBooks, ElementsOfAParagraphAreBrokenOnlyWithoutContentBetweenWords)
+{
+    for (const QString& style : {u"tags tree"_s, u"line ends"_s}) {
+        for (const std::string inner :
+             {"<p><strong>x</strong><image/></p>", "<p><image/><strong>x</strong></p>",
+              "<p><image/><![CDATA[y]]><image/></p>"})
+            EXPECT_THAT(content(inner, style), testing::HasSubstr(inner));
+        EXPECT_THAT(content("<p><image/><image/></p>", style), testing::HasSubstr("<image/>\r\n"));
+        EXPECT_THAT(content("<p><strong>x</strong></p>"), testing::HasSubstr("<p>\r\n"));
+    }
+    // Also in a book that is not well-formed.
+    EXPECT_THAT(content("<a><b></b><![CDATA[x]]><y:z>"), testing::HasSubstr("</b><![CDATA[x]]>"));
+}
+
+TEST_F(KeptBooks, AReferenceToALineEndInTextIsABlank)
+{
+    EXPECT_THAT(content("<p>a&#13;b&#xA;c&#9;d</p>"), testing::HasSubstr("<p>a b c d</p>"));
+    EXPECT_EQ(losses.characters.lineEnds, 3U);
+}
+
+TEST_F(KeptBooks, AGuardAfterATypedReplacementCharacterIsNoByte)
+{
+    for (const std::string text : {"<a>\xef\xbf\xbd\xef\xb8\x8cx</a>", "<a>\xef\xbf\xbd\xef\xb8\x8c"})
+        EXPECT_EQ(ResolveDisplayText(text), text);
+}
+
+TEST_F(KeptBooks, APlaceAtAReferenceIsItsStart)
+{
+    const std::string guarded = "&amp;\xef\xb8\x8c";
+    const std::string text = "<a>" + guarded + "b</a>";
+    ASSERT_EQ(ResolveDisplayText(text), "<a>&b</a>");
+    EXPECT_EQ(UnresolvedOffset(text, 3), 3U);
+    EXPECT_EQ(UnresolvedOffset(text, 4), 3 + guarded.size());
+    EXPECT_EQ(UnresolvedOffset(text, 100), text.size());
+}
+
+TEST_F(KeptBooks, QuotedReferencesToBracketsAreNotProtected)
+{
+    std::string text = "<!-- &#60; --><a b='&#62;'>&#60;<![CDATA[&#60;]]></a>";
+    ProtectNumericAngles(text);
+    EXPECT_EQ(text, "<!-- &#60; --><a b='&#x203A;'>&#x2039;<![CDATA[&#60;]]></a>");
+}
+
+TEST_F(KeptBooks, TheMarkOfUtf8IsNotSaved)
+{
+    SaveLayout layout;
+    layout.declaration = Declaration;
+    layout.codePage = CodePageUtf8;
+    for (const bool kept : {false, true}) {
+        layout.keepsText = kept;
+        for (const std::string& front : {std::string(), Declaration})
+            EXPECT_EQ(FileOfText("\xef\xbb\xbf" + front + "<a/>", layout).bytes, Declaration + "\r\n<a/>");
+    }
+}
+
+TEST_F(KeptBooks, MissingCharactersAreCountedInTextAndPictures)
+{
+    const std::string start = Declaration + "<FictionBook><body><p>";
+    const std::string end = "</p></body><binary id=\"\xc5\x82\">QUJD</binary></FictionBook>";
+    static_cast<void>(
+        saved(start + "\xc5\xbc\xf0\x9f\x98\x80\xf0\x9f\x98\x80" + end, u"compact"_s, u"windows-1251"_s));
+    EXPECT_EQ(missing, u"\u017c \U0001f600"_s);
+    EXPECT_EQ(missingCount, 4U);
+    static_cast<void>(saved(start + "a" + end, u"compact"_s, u"windows-1251"_s));
+    EXPECT_EQ(missing, u"\u0142"_s);
+    EXPECT_EQ(missingCount, 1U);
+    // Ten examples are enough.
+    const MissingCharacters many = FindMissingCharacters(
+        QString(u"\u0100\u0101\u0102\u0103\u0104\u0105\u0106\u0107\u0108\u0109\u010a\u010b"_s).toStdString(),
+        CodePageCyrillic);
+    EXPECT_EQ(many.count, 12U);
+    EXPECT_EQ(many.examples.split(u' ').size(), 10);
+}
+
+TEST_F(KeptBooks, TextInFrontOfTheDeclarationIsSaved)
+{
+    EXPECT_THAT(saved("words" + Declaration + "<r/>"), testing::HasSubstr("words"));
+}
+
+TEST_F(KeptBooks, PicturesFollowTheTextWithoutAnEmptyLine)
+{
+    const std::string book
+        = Declaration + "<FictionBook><body><p>a</p></body><binary id=\"a\">QUJD</binary></FictionBook>";
+    for (const QString& style : {u"tags tree"_s, u"line ends"_s, u"compact"_s}) {
+        const std::string file = saved(book, style);
+        EXPECT_THAT(file, testing::HasSubstr("</body>\r\n<binary"));
+        EXPECT_THAT(file, testing::HasSubstr("</binary>\r\n</FictionBook>"));
+    }
 }
 
 TEST_F(KeptBooks, ADeclarationWithoutItsEndTakesNoTextWithIt)

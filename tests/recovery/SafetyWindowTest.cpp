@@ -489,6 +489,10 @@ TEST_F(MissingInCodePage, AChosenEncodingOfTheSettingsAsksEachTime)
     OutputEncoding = u"utf-8"_s;
     ASSERT_TRUE(SaveBook(CurrentBook));
     EXPECT_EQ(boxTexts.size(), 2);
+    EXPECT_EQ(Panel(1), QString());
+    OutputEncoding = u"original"_s;
+    ASSERT_TRUE(SaveBook(CurrentBook));
+    EXPECT_EQ(boxTexts.size(), 3);
 }
 
 } // namespace

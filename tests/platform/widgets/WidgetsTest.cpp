@@ -406,6 +406,7 @@ struct DeviceCourse
     bool isUnplugged = false; ///< It stops before the end.
     QSemaphore* blocker = nullptr; ///< Starting waits for it.
     std::atomic<bool> hasPlayedAll = false;
+    std::atomic<bool> isGone = false; ///< The device was closed.
     std::atomic<QThread*> thread = nullptr;
     QByteArray samples;
 };
@@ -419,6 +420,8 @@ public:
         , length(soundLength)
     {
     }
+
+    ~TimedOutput() override { course.isGone = true; }
 
     [[nodiscard]] bool start(QIODevice& samples) override
     {
@@ -498,7 +501,11 @@ TEST_F(SoundDevice, ADeviceThatRefusesOrStopsIsNotWaitedFor)
     EXPECT_LT(sum, Many * sound.length() / 2);
     course.isRefusing = false;
     course.isUnplugged = true;
-    play();
+    sum = {};
+    constexpr int Few = 5;
+    for (int i = 0; i < Few; ++i, sum += elapsed)
+        play();
+    EXPECT_LT(sum, Few * (sound.length() + std::chrono::milliseconds(500)));
     EXPECT_FALSE(course.hasPlayedAll);
 }
 
@@ -507,6 +514,7 @@ TEST_F(SoundDevice, ASilentDeviceIsLeftAfterASecond)
     course.isSilent = true;
     play();
     EXPECT_GE(elapsed, sound.length() + std::chrono::seconds(1));
+    EXPECT_TRUE(course.isGone);
 }
 
 TEST_F(SoundDevice, ADeviceThatDoesNotRespondIsAbandoned)
@@ -515,6 +523,7 @@ TEST_F(SoundDevice, ADeviceThatDoesNotRespondIsAbandoned)
     course.blocker = &blocker;
     play();
     EXPECT_GE(elapsed, sound.length() + std::chrono::seconds(1));
+    EXPECT_FALSE(course.isGone);
     // It responds much later: its thread ends and is removed.
     const QPointer<QThread> thread = course.thread.load();
     ASSERT_FALSE(thread.isNull());
