@@ -3,6 +3,8 @@
 #include "JournalWriter.h"
 
 #include <chrono>
+#include <new>
+#include <system_error>
 #include <utility>
 
 namespace vmk {
@@ -13,6 +15,9 @@ namespace {
 constexpr std::chrono::milliseconds GatheringTime(200);
 /// The time until a failed write is tried again.
 constexpr std::chrono::milliseconds RetryTime(2000);
+
+/// The message for the user if memory runs out on the thread.
+constexpr QLatin1StringView NoMemory("not enough memory");
 
 } // namespace
 
@@ -46,6 +51,16 @@ public:
         note(writer.flush());
         if (whenSafe && writer.isGood())
             std::exchange(whenSafe, {})();
+    }
+    /// Memory has run out in a task: the program continues, and the journal has the text up to that task.
+    void giveUp()
+    {
+        try {
+            writer.giveUp(NoMemory);
+            note(false);
+        } catch (const std::bad_alloc&) {
+            // The next write reports it.
+        }
     }
     [[nodiscard]] bool needsRetry() const { return writer.isOpen() && !writer.isGood(); }
     void retry()
@@ -89,8 +104,15 @@ JournalThread::~JournalThread()
 
 void JournalThread::begin(JournalBase base, std::function<void()> whenSafe)
 {
-    if (!thread.joinable())
-        thread = std::thread([this] { run(); });
+    try {
+        if (!thread.joinable())
+            thread = std::thread([this] { run(); });
+    } catch (const std::system_error& error) {
+        // The system starts no further thread.
+        if (report)
+            report(QString::fromLocal8Bit(error.what()));
+        return;
+    }
     put(Beginning{std::move(base), std::move(whenSafe)}, true);
 }
 
@@ -106,6 +128,8 @@ void JournalThread::end(End end)
 
 void JournalThread::put(Task task, bool isUrgent)
 {
+    if (!thread.joinable())
+        return;
     {
         const std::lock_guard lock(mutex);
         tasks.push_back(std::move(task));
@@ -134,7 +158,11 @@ void JournalThread::run()
             changed.wait(lock, hasWork);
         } else if (!changed.wait_for(lock, RetryTime, hasWork)) {
             lock.unlock();
-            worker.retry();
+            try {
+                worker.retry();
+            } catch (const std::bad_alloc&) {
+                // The retry after this one has all of the state too.
+            }
             lock.lock();
             continue;
         }
@@ -145,9 +173,13 @@ void JournalThread::run()
         urgent = stopping;
         busy = true;
         lock.unlock();
-        for (Task& task : round)
-            std::visit(worker, task);
-        worker.finishRound();
+        try {
+            for (Task& task : round)
+                std::visit(worker, task);
+            worker.finishRound();
+        } catch (const std::bad_alloc&) {
+            worker.giveUp();
+        }
         // Lines that nobody else uses any more are freed here, not while the caller waits.
         round.clear();
         lock.lock();

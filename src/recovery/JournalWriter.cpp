@@ -62,8 +62,8 @@ bool JournalWriter::begin(JournalBase base)
 
 bool JournalWriter::write(const JournalBatch& batch)
 {
-    if (!isBegun)
-        return true;
+    if (!isBegun || isGivenUp)
+        return !isGivenUp;
     // Encoded before the lines change: a changed line is written as a difference from the old one.
     const std::string payload = encode(batch);
     if (!isUsable)
@@ -109,10 +109,17 @@ void JournalWriter::remove()
 void JournalWriter::setAside()
 {
     file = LockedFile();
-    isBegun = isUsable = false;
+    isBegun = isUsable = isGivenUp = false;
     isFlushed = true;
     lines.assign({});
     state = {};
+}
+
+void JournalWriter::giveUp(const QString& reason)
+{
+    isGivenUp = true;
+    fail(reason);
+    lines.assign({});
 }
 
 bool JournalWriter::fail(const QString& reason)

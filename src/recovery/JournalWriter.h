@@ -29,13 +29,17 @@ public:
     /// \return false on failure; the edits are not lost: a later `write` writes a new base
     bool write(const JournalBatch& batch);
     /// Writes a new base if the last call has failed.
-    bool retry() { return !isBegun || isUsable || writeBase(); }
+    bool retry() { return !isBegun || isUsable || (!isGivenUp && writeBase()); }
     /// Waits until everything is on the disk.
     bool flush();
     /// Closes the journal and removes its file.
     void remove();
     /// Closes the journal; its file stays, as after a crash.
     void setAside();
+    /// Writes nothing more to the journal, which stays as it is on the disk until it is removed or set aside:
+    /// the state of the book is no longer known.
+    /// \param reason  for `reason`
+    void giveUp(const QString& reason);
 
     [[nodiscard]] bool isOpen() const { return isBegun; }
     /// False after a failure, until a later call has succeeded.
@@ -61,6 +65,7 @@ private:
     QString lastReason;
     bool isBegun = false;
     bool isUsable = false; ///< The file is complete up to the last batch.
+    bool isGivenUp = false;
     bool isFlushed = true;
     JournalBase state; ///< without its lines
     LineStore lines;

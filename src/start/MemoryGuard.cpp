@@ -5,7 +5,9 @@
 #include "ProcessEnd.h"
 #include "UnsavedText.h"
 
+#include <QCoreApplication>
 #include <QString>
+#include <QThread>
 
 #include <cstddef>
 #include <memory>
@@ -49,6 +51,9 @@ void ReportShortMemory(std::size_t undoSteps)
 
 bool GuardMemory(const std::function<bool()>& deliver)
 {
+    // Other threads have no steps to undo and show no boxes; each of them handles a failure itself.
+    if (qApp && QThread::currentThread() != qApp->thread())
+        return deliver();
     static bool reporting = false;
     static_cast<void>(Reserve());
     std::size_t undoSteps = 0;

@@ -469,6 +469,46 @@ TEST(Journal, AFolderThatCannotBeMadeIsReportedOnceAndTriedAgain)
     EXPECT_EQ(QDir(place.Path(u"Recovery"_s)).entryList(QDir::Files).size(), 1);
 }
 
+TEST(Journal, MemoryThatRunsOutOnTheThreadIsReportedAndTheJournalRemains)
+{
+    const Workplace place;
+    const QDir folder(place.Path(u"Recovery"_s));
+    const auto journals = [&folder] { return folder.entryList({u"*.journal"_s}, QDir::Files); };
+    std::vector<QString> problems;
+    std::mutex mutex;
+    JournalThread journal(folder.path(), [&](const QString& problem) {
+        const std::lock_guard lock(mutex);
+        problems.push_back(problem);
+        if (problems.size() == 1)
+            throw std::bad_alloc();
+    });
+    JournalBase base;
+    base.binary = std::make_shared<const std::string>();
+    base.lines = {MakeLine({NoTag, u"one"_s, {}})};
+    journal.begin(base, [] { throw std::bad_alloc(); });
+    journal.waitUntilWritten();
+    JournalBatch batch;
+    batch.splices.push_back({0, 1, {MakeLine({NoTag, u"two"_s, {}})}});
+    journal.add(batch);
+    journal.waitUntilWritten();
+    ASSERT_EQ(journals().size(), 1);
+    // The state after the failure is not known, so the journal has the one before it.
+    EXPECT_EQ(ReadJournal(ReadContent(folder.filePath(journals()[0])).bytes)->state.lines.front()->text,
+              u"one"_s);
+    EXPECT_FALSE(LockedFile::open(folder.filePath(journals()[0])));
+    journal.end(JournalThread::End::Remove);
+    journal.waitUntilWritten();
+    EXPECT_EQ(journals().size(), 0);
+
+    journal.begin(base);
+    journal.add(batch);
+    journal.waitUntilWritten();
+    ASSERT_EQ(journals().size(), 1);
+    EXPECT_EQ(ReadJournal(ReadContent(folder.filePath(journals()[0])).bytes)->state.lines.front()->text,
+              u"two"_s);
+    EXPECT_EQ(problems, (std::vector<QString>{u"not enough memory"_s, QString()}));
+}
+
 TEST(Journal, AFullDiskIsReportedAndNothingIsLost)
 {
     const Workplace place;

@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include <new>
+#include <thread>
 
 using namespace vmk;
 using namespace Qt::StringLiterals;
@@ -113,6 +114,35 @@ TEST_F(MemoryGuard, AFailureOfTheReportEndsTheProcess)
     const SeamGuard restore(RestoreBookSeam(), [](std::size_t) { throw std::bad_alloc(); });
     EXPECT_TRUE(GuardMemory([]() -> bool { throw std::bad_alloc(); }));
     EXPECT_EQ(ends, 1);
+}
+
+TEST_F(MemoryGuard, AnEventOfAnotherThreadIsLeftToThatThread)
+{
+    int boxCount = 0;
+    const SeamGuard box(BoxSeam(), [&boxCount](BoxKind, const QString&, const QString&) {
+        ++boxCount;
+        return false;
+    });
+    int asked = 0;
+    const SeamGuard steps(UndoStepsSeam(), [&asked] {
+        ++asked;
+        return std::size_t(0);
+    });
+    bool thrown = false;
+    bool delivered = false;
+    std::thread thread([&] {
+        delivered = GuardMemory([] { return true; });
+        try {
+            GuardMemory([]() -> bool { throw std::bad_alloc(); });
+        } catch (const std::bad_alloc&) {
+            thrown = true;
+        }
+    });
+    thread.join();
+    EXPECT_TRUE(delivered);
+    EXPECT_TRUE(thrown);
+    EXPECT_EQ(boxCount, 0);
+    EXPECT_EQ(asked, 0);
 }
 
 TEST_F(MemoryGuard, OtherExceptionsPass)

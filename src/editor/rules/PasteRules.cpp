@@ -1,6 +1,7 @@
 #include "PasteRules.h"
 
 #include "BookVariables.h"
+#include "Cancelling.h"
 #include "DisplayPage.h"
 #include "EditLines.h"
 #include "LineEdit.h"
@@ -97,26 +98,28 @@ void PositionAfter(TextRange& range, QPoint lastPress, int characters)
     range.select();
 }
 
-} // namespace
-
-int TextLengthOfHtml(QString html)
+/// Runs a paste that the user can cancel: the text is then as before it, and nothing is marked as edited.
+/// \param paste  returns early at a cancellation; what it has inserted is removed again
+template <typename Paste>
+void RunCancellable(DisplayDocument& document, Paste paste)
 {
-    html = RegExpReplace(QStringView(html), u"<[^>]*>", u"", false);
-    html = ReplaceAll(std::move(html), u"&lt;", u"<");
-    html = ReplaceAll(std::move(html), u"&gt;", u">");
-    return int(ReplaceAll(std::move(html), u"\r\n", u"").size());
+    const CancellableWork work(u"...pasting...Esc cancels"_s, u"paste cancelled"_s);
+    const std::size_t steps = document.undoSteps();
+    paste();
+    if (CancellableWork::wasCancelled() && document.undoSteps() > steps)
+        document.undo(int(document.undoSteps() - steps));
 }
 
-void PasteText(DisplayDocument& document, QString clipboard, QPoint lastPress, QChar nbsp)
+void PasteTextAtCaret(DisplayDocument& document, QString clipboard, QPoint lastPress, QChar nbsp)
 {
-    if (IsEmptyText(clipboard))
-        return;
     QString html = CollapseRepeats(ReplaceAll(std::move(clipboard), u"&nbsp;", u" "), u" ");
     html.replace(QLatin1Char(NbspMarker), nbsp);
 
     TextRange range = page::createRange(document);
     if (!HoldsLines(html)) {
         range.pasteHTML(html);
+        if (CancellableWork::isCancelled())
+            return;
         range.select();
         // The key handler has recorded the edit; from the menu it is not recorded, which is intended.
         UndoSteps = 1;
@@ -142,14 +145,14 @@ void PasteText(DisplayDocument& document, QString clipboard, QPoint lastPress, Q
         InsertAfter(document, split.line, html);
         ++length;
     }
+    if (CancellableWork::isCancelled())
+        return;
     PositionAfter(range, lastPress, length);
     MarkEdit(1);
 }
 
-void PasteHtml(DisplayDocument& document, QString clipboard, QPoint lastPress, QChar nbsp)
+void PasteLinesAtCaret(DisplayDocument& document, QString clipboard, QPoint lastPress, QChar nbsp)
 {
-    if (IsEmptyText(clipboard))
-        return;
     QString html = ReplaceAll(std::move(clipboard), u"&nbsp;", QString(nbsp));
 
     TextRange range = page::createRange(document);
@@ -161,21 +164,46 @@ void PasteHtml(DisplayDocument& document, QString clipboard, QPoint lastPress, Q
 
     SplitLine split = SplitAt(document, range, node);
     html = WithBlocksAsLines(std::move(html), split.alike);
-    if (!split.hasLeft && split.hasRight) {
+    const bool isAbove = !split.hasLeft && split.hasRight;
+    if (isAbove)
         split.line.insertAdjacentHTML(Adjacent::BeforeBegin, html);
+    else if (split.hasLeft && split.hasRight)
+        split.line.setOuterHTML(split.opening + split.left + LineEnd + html + split.alike + split.right
+                                + LineEnd);
+    else
+        InsertAfter(document, split.line, html);
+    if (CancellableWork::isCancelled())
+        return;
+    if (isAbove) {
         range.move(TextUnit::Character, -1);
         range.collapse();
         range.select();
     } else {
-        const int length = TextLengthOfHtml(html) + 1;
-        if (split.hasLeft && split.hasRight)
-            split.line.setOuterHTML(split.opening + split.left + LineEnd + html + split.alike + split.right
-                                    + LineEnd);
-        else
-            InsertAfter(document, split.line, html);
-        PositionAfter(range, lastPress, length);
+        PositionAfter(range, lastPress, TextLengthOfHtml(html) + 1);
     }
     MarkEdit(1);
+}
+
+} // namespace
+
+int TextLengthOfHtml(QString html)
+{
+    html = RegExpReplace(QStringView(html), u"<[^>]*>", u"", false);
+    html = ReplaceAll(std::move(html), u"&lt;", u"<");
+    html = ReplaceAll(std::move(html), u"&gt;", u">");
+    return int(ReplaceAll(std::move(html), u"\r\n", u"").size());
+}
+
+void PasteText(DisplayDocument& document, QString clipboard, QPoint lastPress, QChar nbsp)
+{
+    if (!IsEmptyText(clipboard))
+        RunCancellable(document, [&] { PasteTextAtCaret(document, std::move(clipboard), lastPress, nbsp); });
+}
+
+void PasteHtml(DisplayDocument& document, QString clipboard, QPoint lastPress, QChar nbsp)
+{
+    if (!IsEmptyText(clipboard))
+        RunCancellable(document, [&] { PasteLinesAtCaret(document, std::move(clipboard), lastPress, nbsp); });
 }
 
 } // namespace vmk

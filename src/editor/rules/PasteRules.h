@@ -7,7 +7,7 @@
 
 /// Paste. The text of the clipboard is always read as HTML: text from this display keeps its painting, and
 /// whole lines remain lines. A tag in a text that was copied as text becomes an element of the display and is
-/// no longer mark-up of the book, which is intended.
+/// no longer mark-up of the book, which is intended. Escape cancels a paste that takes longer than a moment.
 namespace vmk {
 
 /// Pastes into the line. Blanks collapse. Whole lines become part of the caret's line if the caret is inside

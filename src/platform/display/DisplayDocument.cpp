@@ -1,5 +1,6 @@
 #include "DisplayDocument.h"
 
+#include "Cancelling.h"
 #include "HtmlReader.h"
 #include "HtmlWriter.h"
 #include "InLineRun.h"
@@ -142,6 +143,7 @@ void DisplayDocument::reset(std::vector<LinePtr> newLines)
     if (newLines.empty())
         newLines.push_back(MakeLine({}));
     lines.assign(std::move(newLines));
+    ++revision;
     knownLineStarts = 0;
     history.clear();
     currentSelection = {};
@@ -271,6 +273,7 @@ void DisplayDocument::exchange(int first, const std::vector<LinePtr>& removed,
                                const std::vector<LinePtr>& inserted, const EditMap& map)
 {
     lines.replace(first, int(removed.size()), inserted);
+    ++revision;
     knownLineStarts = std::min({knownLineStarts, first + 1, lineCount()});
     // Positions before the edit are unchanged; all others may have to be adjusted to the new lines.
     const auto carried = [&](Position place) { return place < map.from ? place : valid(map(place)); };
@@ -338,6 +341,20 @@ Position DisplayDocument::deleteRange(Position from, Position to)
     return valid(from);
 }
 
+/// Reads HTML that will be inserted. Looking for a key may run other code: if that changes the lines, the
+/// positions of the insertion are no longer valid, and it is cancelled too.
+HtmlContent DisplayDocument::readFragment(QStringView html)
+{
+    const unsigned before = revision;
+    HtmlContent content = ReadFragment(tagTable, html);
+    if (revision != before) {
+        CancellableWork::cancel();
+        content = {};
+        content.cancelled = true;
+    }
+    return content;
+}
+
 Position DisplayDocument::replaceHtml(Position from, Position to, QStringView html)
 {
     if (from.line == to.line) {
@@ -345,13 +362,15 @@ Position DisplayDocument::replaceHtml(Position from, Position to, QStringView ht
         return replaceHtml(from.line, StartCut(tagTable, line, from, to), EndCut(tagTable, line, from, to),
                            html);
     }
-    std::vector<LinePtr> content = ReadFragment(tagTable, html).lines;
-    if (content.empty())
-        content.push_back(MakeLine({}));
+    HtmlContent read = readFragment(html);
+    if (read.cancelled)
+        return from;
+    if (read.lines.empty())
+        read.lines.push_back(MakeLine({}));
 
-    const TagId firstBlock = content[0]->block;
+    const TagId firstBlock = read.lines[0]->block;
     const EditGroup group(*this);
-    const Position end = replaceContent(from, to, std::move(content), false);
+    const Position end = replaceContent(from, to, std::move(read.lines), false);
     if (from.offset == 0 && firstBlock != NoTag)
         setBlock(from.line, firstBlock);
     return end;
@@ -359,7 +378,9 @@ Position DisplayDocument::replaceHtml(Position from, Position to, QStringView ht
 
 Position DisplayDocument::replaceHtml(int line, Cut from, Cut to, QStringView html)
 {
-    HtmlContent read = ReadFragment(tagTable, html);
+    HtmlContent read = readFragment(html);
+    if (read.cancelled)
+        return {line, from.offset};
     if (!read.lines.empty())
         return replaceBlocks(line, from, to, std::move(read.lines), read.openEnded);
     if (from.offset == to.offset && from.mark == to.mark)
@@ -408,8 +429,9 @@ void DisplayDocument::insertLines(int line, QStringView html)
 
 void DisplayDocument::replaceLines(int first, int count, QStringView html)
 {
-    std::vector<LinePtr> made = ReadFragment(tagTable, html).lines;
-    if (count == 0 && made.empty())
+    HtmlContent read = readFragment(html);
+    std::vector<LinePtr> made = std::move(read.lines);
+    if (read.cancelled || (count == 0 && made.empty()))
         return;
     const auto inserted = int(made.size());
     // Positions in the replaced lines move to their start; those after them move with their lines.

@@ -21,12 +21,15 @@
 /// one character. No position is inside a surrogate pair. The marks of a line are always properly nested and
 /// closed within the line, so that the meaning of a line does not depend on the lines around it.
 ///
+/// Inserting HTML can be cancelled while it is read (`CancellableWork`); the document is then unchanged.
+///
 /// Queries that need a layout (rectangles, points) use `LayoutQuery`, which the view implements.
 namespace vmk {
 
 class TextRange;
 class DisplayElement;
 class LayoutQuery;
+struct HtmlContent;
 
 /// Observes the changes of a document. Called after each change, in the order of the changes. A listener must
 /// not change the document during a call.
@@ -199,6 +202,7 @@ private:
             call(*listener);
     }
     void reset(std::vector<LinePtr> newLines);
+    [[nodiscard]] HtmlContent readFragment(QStringView html);
     Position replaceContent(Position from, Position to, std::vector<LinePtr> content, bool dropEmptyElements);
     Position replaceBlocks(int line, Cut from, Cut to, std::vector<LinePtr> content, bool openEnded);
     [[nodiscard]] TagId blockWithoutId(TagId block);
@@ -214,6 +218,7 @@ private:
 
     TagTable tagTable;
     LineStore lines;
+    unsigned revision = 0; ///< Different after each change of the lines.
     QString pageHead;
     TagId pageBody = NoTag;
     Selection currentSelection;

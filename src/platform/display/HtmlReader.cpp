@@ -1,5 +1,6 @@
 #include "HtmlReader.h"
 
+#include "Cancelling.h"
 #include "HtmlCharacters.h"
 #include "HtmlLineBuilder.h"
 #include "HtmlScanner.h"
@@ -31,6 +32,7 @@ public:
         , spacing(spacingRule)
         , scanner(html)
         , builder(tagTable, spacingRule)
+        , nextLook(spacingRule == Spacing::Keep ? 0 : View::npos)
     {
     }
 
@@ -57,6 +59,8 @@ private:
     void readReferenceAt();
     void readCharacter();
     [[nodiscard]] bool isTooCostly() const;
+    [[nodiscard]] bool isCancelled() { return at >= nextLook && lookForEscape(); }
+    bool lookForEscape();
     void readRestAsText();
     QString toText(View piece) const;
 
@@ -73,6 +77,7 @@ private:
     std::size_t at = 0;
     std::size_t tagCost = 0; ///< Of the distinct tags.
     bool restIsText = false;
+    std::size_t nextLook; ///< The position where to look for Escape next.
 
     HtmlContent content;
     std::size_t headEnd = 0;
@@ -94,13 +99,15 @@ private:
 template <class Char>
 HtmlContent Reader<Char>::read()
 {
-    while (at < input.size()) {
+    while (at < input.size() && !isCancelled()) {
         readText(find(Char('<'), at));
         if (!isTooCostly() && at < input.size() && !readMarkup())
             readCharacter();
         if (isTooCostly())
             readRestAsText();
     }
+    if (content.cancelled)
+        return std::move(content);
     content.lines = builder.finish(content.openEnded);
     content.head = head();
     return std::move(content);
@@ -117,6 +124,16 @@ bool Reader<Char>::isTooCostly() const
         && builder.cost() + tagCost > Allowance + MostPerCharacter * at;
 }
 
+/// Returns true for the rest of the reading if the user has pressed Escape.
+template <class Char>
+bool Reader<Char>::lookForEscape()
+{
+    constexpr std::size_t Stride = 16384;
+    content.cancelled = content.cancelled || CancellableWork::isCancelled();
+    nextLook = content.cancelled ? 0 : at + Stride;
+    return content.cancelled;
+}
+
 /// Reads the rest of the input without its tags: each of their characters is text, each line end ends a line.
 template <class Char>
 void Reader<Char>::readRestAsText()
@@ -124,7 +141,7 @@ void Reader<Char>::readRestAsText()
     constexpr std::array<Char, 3> Stops = {Char('<'), Char('\r'), Char('\n')};
     restIsText = true;
     builder.closeAll();
-    while (at < input.size()) {
+    while (at < input.size() && !isCancelled()) {
         if (input[at] == Char('<')) {
             readCharacter();
         } else if (input[at] == Char('\r') || input[at] == Char('\n')) {
@@ -292,7 +309,7 @@ QString Reader<Char>::toText(View piece) const
 template <class Char>
 void Reader<Char>::readText(std::size_t stop)
 {
-    while (at < stop && !isTooCostly()) {
+    while (at < stop && !isTooCostly() && !isCancelled()) {
         const auto c = char32_t(std::make_unsigned_t<Char>(input[at]));
         if (IsHtmlSpace(c))
             readSpace();

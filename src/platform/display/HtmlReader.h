@@ -23,6 +23,8 @@ struct HtmlContent
     std::vector<LinePtr> lines;
     /// The last line is text outside any block and is not terminated: content that follows is joined to it.
     bool openEnded = false;
+    /// Only for fragments: Escape was pressed meanwhile, and there are no lines; see `CancellableWork`.
+    bool cancelled = false;
     /// Only for pages: the part before the start tag of the body, as written.
     QString head;
     /// Only for pages: the start tag of the body; `NoTag` if there is none.

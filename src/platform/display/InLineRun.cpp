@@ -160,6 +160,7 @@ void DisplayDocument::moveRun(InLineRun& run, std::size_t done)
         removed[0] = lines[changed.index];
         inserted[0] = run.lineWhen(changed, done);
         lines.replace(changed.index, 1, inserted);
+        ++revision;
         knownLineStarts = std::min(knownLineStarts, changed.index + 1);
         const auto carry = [&](Position& place) {
             if (place.line == changed.index)

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 
 using namespace std::chrono_literals;
 
@@ -162,8 +163,13 @@ void PlayToEnd(const QString& path)
         return;
 
     // Plays on a separate thread, so that no timer and no key of the program runs meanwhile.
-    std::unique_ptr<QThread> player(
-        QThread::create([sound = *sound, makeOutput] { PlayHere(sound, makeOutput); }));
+    std::unique_ptr<QThread> player(QThread::create([sound = *sound, makeOutput] {
+        try {
+            PlayHere(sound, makeOutput);
+        } catch (const std::bad_alloc&) {
+            // Without memory there is no sound.
+        }
+    }));
     player->start();
     if (player->wait(QDeadlineTimer(sound->length() + Patience + Patience / 2)))
         return;

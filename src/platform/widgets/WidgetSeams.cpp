@@ -4,6 +4,7 @@
 #include "Desktop.h"
 #include "DesktopMeasures.h"
 #include "Dialogs.h"
+#include "EscapeKey.h"
 #include "MainWindowSeams.h"
 #include "MessageBoxes.h"
 #include "SoundPlayer.h"
@@ -88,6 +89,7 @@ void FillWidgetSeams()
             [](const QString& text) { QGuiApplication::clipboard()->setText(text, QClipboard::Selection); });
     }
     PointerSeam().Fill(ShowPointer);
+    EscapeWatchSeam().Fill(WatchEscapeKey);
     ScreenMeasuresSeam().Fill(ReadDesktopMeasures);
 }
 

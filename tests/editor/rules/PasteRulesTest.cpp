@@ -1,4 +1,6 @@
 #include "PasteRules.h"
+#include "Cancelling.h"
+#include "Chance.h"
 #include "ClipboardRules.h"
 #include "Desktop.h"
 #include "RulesFixture.h"
@@ -518,4 +520,128 @@ TEST_F(Pasting, ThePageThatWasCutComesBack)
         document.undo();
         EXPECT_EQ(lines(), before);
     }
+}
+
+// ---------------------------------------------------------------- cancelled by Escape
+
+namespace {
+
+/// A program in which time passes fast, and Escape is pressed at the n-th look.
+class CancelledPaste : public Pasting
+{
+protected:
+    CancelledPaste()
+        : clock(TickSeam(), [this] { return now += 1000; })
+        , watches(EscapeWatchSeam(), [this] { return std::make_unique<Watch>(*this); })
+    {
+    }
+
+    class Watch final : public EscapeWatch
+    {
+    public:
+        explicit Watch(CancelledPaste& watchedTest)
+            : test(watchedTest)
+        {
+        }
+        bool takeEscape() override
+        {
+            test.whenLooking();
+            return ++test.looks == test.pressedAt;
+        }
+
+    private:
+        CancelledPaste& test;
+    };
+
+    static QString Long(const char* piece) { return QString::fromLatin1(piece).repeated(4000); }
+
+    int64_t now = 0;
+    int looks = 0;
+    int pressedAt = 0;
+    std::function<void()> whenLooking = [] {};
+    SeamGuard<int64_t()> clock;
+    SeamGuard<std::unique_ptr<EscapeWatch>()> watches;
+};
+
+} // namespace
+
+TEST_F(CancelledPaste, LeavesTextCaretAndMarksAtAnyMoment)
+{
+    const QString clipboards[]
+        = {Long("text <b>bold</b> "), Long("<DIV>a line</DIV>"), Long("<p>a paragraph"), Long("    ") + u'x'};
+    for (const QString& clipboard : clipboards) {
+        for (const int offset : {0, 3, 6}) {
+            for (const bool asHtml : {false, true}) {
+                int cancelled = 0;
+                for (bool isComplete = false; !isComplete; ++cancelled) {
+                    show("<DIV id=FirstDiv>one</DIV>\r<DIV>second</DIV>");
+                    caret(1, offset);
+                    document.typeText(u"T"_s);
+                    const std::string before = lines();
+                    const Position place = caretPlace();
+                    const std::size_t steps = document.undoSteps();
+                    const QPoint pressed = press();
+                    looks = 0;
+                    pressedAt = cancelled + 1;
+                    asHtml ? PasteHtml(document, clipboard, pressed, QChar(127))
+                           : PasteText(document, clipboard, pressed, QChar(127));
+                    isComplete = looks < pressedAt;
+                    ASSERT_EQ(document.undoSteps(), steps + (isComplete ? 1 : 0));
+                    ASSERT_EQ(UndoSteps, isComplete ? 1 : 0);
+                    ASSERT_EQ(lines() == before, !isComplete) << cancelled;
+                    if (!isComplete) {
+                        ASSERT_EQ(caretPlace(), place) << cancelled;
+                        ASSERT_TRUE(BookUnchanged);
+                    }
+                    ASSERT_TRUE(document.undo());
+                    EXPECT_EQ(lines() == before, isComplete);
+                }
+                // While the text is read, and when it has been inserted.
+                EXPECT_GE(cancelled, 3);
+            }
+        }
+    }
+}
+
+TEST_F(CancelledPaste, ReplacesNoSelection)
+{
+    show("<DIV id=FirstDiv>one</DIV>\r<DIV>second</DIV>");
+    select(0, 1, 1, 3);
+    const std::string before = lines();
+    const Selection selected = document.selection();
+    for (pressedAt = 1; pressedAt <= 3; ++pressedAt) {
+        looks = 0;
+        PasteText(document, Long("text "), press(), QChar(127));
+        ASSERT_EQ(looks, pressedAt);
+        ASSERT_EQ(lines(), before);
+        ASSERT_EQ(document.selection(), selected);
+    }
+}
+
+TEST_F(CancelledPaste, APasteIsCancelledIfTheBookChangesMeanwhile)
+{
+    for (const bool asHtml : {false, true}) {
+        show("<DIV id=FirstDiv>one</DIV>\r<DIV>second</DIV>");
+        caret(1, 3);
+        const QPoint pressed = press();
+        looks = 0;
+        whenLooking = [this] {
+            if (looks == 1)
+                document.loadPage("<HTML><BODY>\r\n<DIV>another</DIV></BODY></HTML>");
+        };
+        asHtml ? PasteHtml(document, Long("<DIV>a line</DIV>"), pressed, QChar(127))
+               : PasteText(document, Long("text "), pressed, QChar(127));
+        EXPECT_EQ(lines(), "<DIV>another</DIV>");
+        EXPECT_FALSE(document.canUndo());
+        EXPECT_EQ(UndoSteps, 0);
+    }
+}
+
+TEST_F(CancelledPaste, WhatTheProgramInsertsItselfIsNotCancelled)
+{
+    show("<DIV>ab</DIV>");
+    pressedAt = 1;
+    document.insertLines(1, Long("<DIV>a line</DIV>"));
+    EXPECT_EQ(document.lineCount(), 4001);
+    EXPECT_EQ(looks, 0);
 }
