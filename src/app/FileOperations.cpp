@@ -48,15 +48,21 @@ bool LeadsOutOfWorkspace(const QString& path)
     return false;
 }
 
-/// Replaces a file. A link in the workspace is replaced, and its target is unchanged; other links are
-/// followed.
-bool Replace(const QString& path, std::string_view bytes, Durability durability)
+/// Prepares a path for a file or a folder that replaces what is there. A link in the workspace to a file is
+/// removed, and its target stays as it is. \return false for a path that leads out of the workspace
+bool MayReplace(const QString& path)
 {
     if (LeadsOutOfWorkspace(path))
         return false;
-    if (!OfficeFolder.isEmpty() && path.startsWith(OfficeFolder + u'/') && IsLink(path))
-        DeleteOneFile(path);
-    return bool(ReplaceContent(path, bytes, durability));
+    if (OfficeFolder.isEmpty() || !path.startsWith(OfficeFolder + u'/') || !IsLink(path))
+        return true;
+    return KindOfFile(path) != FileKind::Folder && DeleteOneFile(path);
+}
+
+/// Replaces a file; links outside the workspace are followed.
+bool Replace(const QString& path, std::string_view bytes, Durability durability)
+{
+    return MayReplace(path) && bool(ReplaceContent(path, bytes, durability));
 }
 
 bool IsPattern(const QString& path)
@@ -163,7 +169,8 @@ QString FileOperation(int mode, const QString& a, const QString& b)
     if (a.isEmpty() || (needsTarget && b.isEmpty()))
         return {};
     const bool deletes = mode == DeleteFileMode || mode == DeleteFolderMode;
-    if ((deletes && LeadsOutOfWorkspace(a)) || (needsTarget && LeadsOutOfWorkspace(b)))
+    if ((deletes && LeadsOutOfWorkspace(a))
+        || (needsTarget && FileExists(a) && !MayReplace(DropTrailingSeparator(b))))
         return {};
     switch (mode) {
     case DeleteFileMode:

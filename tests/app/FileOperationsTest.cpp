@@ -2,6 +2,8 @@
 #include "StartUpVariables.h"
 #include "Workplace.h"
 
+#include <QFileInfo>
+
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -425,6 +427,25 @@ TEST_F(LinksInTheWorkspace, ALinkToAFileIsReplacedByTheFile)
     EXPECT_TRUE(WriteFileText(in(u"new.dat"_s), "new"));
     EXPECT_EQ(ReadFileText(in(u"list.dat"_s)), "list");
     EXPECT_EQ(ReadFileText(in(u"new.dat"_s)), "new");
+    checkElsewhere();
+}
+
+TEST_F(LinksInTheWorkspace, ACopyReplacesALinkToAFileAndRefusesOneToAFolder)
+{
+    place.Make(u"source"_s, "x");
+    ASSERT_TRUE(QFile::link(place.Path(u"elsewhere/file"_s), in(u"list.dat"_s)));
+    FileOperation(CopyFileMode, place.Path(u"source"_s), in(u"list.dat"_s));
+    EXPECT_EQ(ReadFileText(in(u"list.dat"_s)), "x");
+    ASSERT_TRUE(QFile::remove(in(u"list.dat"_s)));
+    ASSERT_TRUE(QFile::link(place.Path(u"elsewhere/file"_s), in(u"list.dat"_s)));
+    EXPECT_EQ(FileOperation(MoveFileMode, place.Path(u"source"_s), in(u"list.dat"_s)), u"ok"_s);
+    EXPECT_EQ(ReadFileText(in(u"list.dat"_s)), "x");
+    place.Make(u"source"_s, "x");
+    FileOperation(CopyFileMode, place.Path(u"sourc*"_s), in(u"folder"_s));
+    FileOperation(CopyFileMode, place.Path(u"sourc*"_s), in(u"folder/"_s));
+    FileOperation(CopyFolderMode, place.Path(u"elsewhere/inner"_s), in(u"folder"_s));
+    EXPECT_FALSE(WriteFileText(in(u"folder"_s), "x"));
+    EXPECT_TRUE(QFileInfo(in(u"folder"_s)).isSymLink());
     checkElsewhere();
 }
 
