@@ -206,7 +206,8 @@ void ReadJpeg(PictureInfo& info, std::string_view bytes)
         hasScan = hasScan || code == ScanMarker;
         at += length;
     }
-    if (!hasScan || info.width == 0)
+    // A height after the data, which the format allows, is not read by decoders either.
+    if (!hasScan || info.width == 0 || info.height == 0)
         info.problem = Damaged;
 }
 

@@ -56,6 +56,19 @@ TEST(PictureInfo, EachChangedByteOfAPngIsReported)
     }
 }
 
+TEST(PictureInfo, AJpegWithoutASizeIsDamaged)
+{
+    const std::string whole = SmallJpeg();
+    const size_t frame = whole.find("\xff\xc0");
+    ASSERT_NE(frame, std::string::npos);
+    // Height and width are two bytes each.
+    for (const size_t at : {frame + 5, frame + 7}) {
+        std::string bytes = whole;
+        bytes[at] = bytes[at + 1] = '\0';
+        EXPECT_EQ(ReadPictureInfo(bytes).problem, u"the data is damaged") << at;
+    }
+}
+
 TEST(PictureInfo, AnyBytesAfterASignatureAreSafe)
 {
     std::mt19937 random(7);
