@@ -180,7 +180,9 @@ TEST_F(KeptBooks, WhiteSpaceRemainsWhereItSeparatesWordsOnly)
         {"<p>a<strong>b\n</strong>c</p>", "<p>a<strong>b </strong>c</p>"},
         {"<p>a<strong>\n</strong>b</p>", "<p>a<strong/>b</p>"},
         {"<p>\n<strong>b</strong>\n</p>", "<p>\r\n\t\t<strong>b</strong>\r\n\t</p>"},
+        {"<p>\n<strong>b</strong>c</p>", "<p><strong>b</strong>c</p>"},
         {"<p a=\"x \ny\"/>", "<p a=\"x &#32;y\"/>"},
+        {"<p a=\"x \ny\"/><y:z>", "<p a=\"x &#32;y\"/>"},
         {"<p/><!--\nc\n--><p/>", "<!--c-->"},
         {"<p><strong>a</strong> <strong>b</strong></p>", "<p><strong>a</strong> <strong>b</strong></p>"},
     };
@@ -200,6 +202,14 @@ TEST_F(KeptBooks, ElementsOfAParagraphAreBrokenOnlyWithoutContentBetweenWords)
         EXPECT_THAT(content("<p><image/><image/></p>", style), testing::HasSubstr("<image/>\r\n"));
         EXPECT_THAT(content("<p><strong>x</strong></p>"), testing::HasSubstr("<p>\r\n"));
     }
+    // Only line ends next to text are losses.
+    const auto torn = [this](const std::string& inner) {
+        static_cast<void>(content(inner));
+        return losses.lines.tornTexts;
+    };
+    EXPECT_GT(torn("<p><strong>x</strong><image/></p>"), 0U);
+    EXPECT_EQ(torn("<p><image/><image/></p>"), 0U);
+    EXPECT_EQ(torn("<p><strong>x</strong></p>"), 0U);
     // Also in a book that is not well-formed.
     EXPECT_THAT(content("<a><b></b><![CDATA[x]]><y:z>"), testing::HasSubstr("</b><![CDATA[x]]>"));
 }
