@@ -97,7 +97,7 @@ QString TextAfter(RecordKind kind, const BatchParts& parts)
     QStringList lines;
     for (const LinePtr& line : found->state.lines)
         lines.append(line->text);
-    return lines.join(u'|');
+    return lines.isEmpty() ? u"(no line)"_s : lines.join(u'|');
 }
 
 // ---------------------------------------------------------------- values
