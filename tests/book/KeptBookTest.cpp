@@ -8,6 +8,7 @@
 #include "DisplayCharacters.h"
 #include "DisplayDocument.h"
 #include "DisplayText.h"
+#include "FreeMemory.h"
 #include "MarkupScanner.h"
 #include "SaveBook.h"
 #include "Settings.h"
@@ -528,6 +529,21 @@ TEST_F(KeptBooks, APlaceInTheTextIsFoundInTheDisplay)
     EXPECT_EQ(offset(u"typed<?xml version='1'?>|<a>z"_s, "z"), 28) << "what is dropped counts";
     EXPECT_EQ(offset(u"<a>& \u044f\U0001F600z"_s, "z"), 8);
     EXPECT_EQ(offset(u"<a b='&quot;'><!-- & -->z"_s, "z"), 24);
+}
+
+TEST_F(KeptBooks, APlaceBeyondTheRangeOf32BitsIsFoundInTheDisplay)
+{
+    if (!MayUseMemory(1.2e10))
+        GTEST_SKIP() << "needs VMK_LARGE_TESTS and 12 GB";
+    constexpr qsizetype Lines = 2200;
+    constexpr qsizetype Length = 1'000'000;
+    DisplayDocument document;
+    const TagId div = document.tags().intern(u"DIV", {});
+    const LinePtr line = MakeLine({div, QString(Length, u'x'), {}});
+    std::vector<LinePtr> lines(Lines, line);
+    lines.push_back(MakeLine({div, u"<z>"_s, {}}));
+    document.splice(0, 1, std::move(lines), {{0, 0}, {1, 0}, {int(Lines) + 1, 0}, false});
+    EXPECT_EQ(DisplayOffset(document, Lines * (Length + 2) + 2), Lines * (Length + 1) + 2);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include <malloc.h>
 
 #include <algorithm>
+#include <limits>
 #include <ostream>
 
 namespace vmk {
@@ -342,6 +343,39 @@ TEST_F(Document, CountsCharactersBothWays)
     }
     EXPECT_EQ(document.positionAt(index + 100), document.end());
     EXPECT_EQ(document.positionAt(-1), Position());
+}
+
+// ---------------------------------------------------------------- sizes
+
+TEST(DisplayDocumentSizes, PositionsAreCountedBeyondTheRangeOf32Bits)
+{
+    // One line object at each position: the page needs no memory.
+    constexpr int Lines = 2200;
+    constexpr int Length = 1'000'000;
+    constexpr qint64 LineLength = Length + 1;
+    DisplayDocument document;
+    const LinePtr line = MakeLine({document.tags().intern(u"DIV", {}), QString(Length, u'x'), {}});
+    document.splice(0, 1, std::vector<LinePtr>(Lines, line), {{0, 0}, {1, 0}, {Lines, 0}, false});
+    ASSERT_EQ(document.lineCount(), Lines);
+
+    const qint64 end = Lines * LineLength - 1;
+    ASSERT_GT(end, qint64(std::numeric_limits<int>::max()));
+    EXPECT_EQ(document.characterIndex(document.end()), end);
+    for (const Position& place : {Position{0, 7}, Position{2147, 483'000}, Position{2199, 999'999}}) {
+        const qint64 index = place.line * LineLength + place.offset;
+        EXPECT_EQ(document.characterIndex(place), index);
+        EXPECT_EQ(document.positionAt(index), place);
+    }
+    EXPECT_EQ(document.positionAt(end + 1), document.end());
+
+    // A move counts with 32 bits; two of them pass the limit.
+    TextRange range(document, {}, {});
+    constexpr int Most = std::numeric_limits<int>::max();
+    EXPECT_EQ(range.move(TextUnit::Character, Most), Most);
+    EXPECT_EQ(range.move(TextUnit::Character, 1000), 1000);
+    EXPECT_EQ(document.characterIndex(range.start()), qint64(Most) + 1000);
+    EXPECT_EQ(range.move(TextUnit::Character, -1001), -1001);
+    EXPECT_EQ(document.characterIndex(range.start()), qint64(Most) - 1);
 }
 
 } // namespace vmk

@@ -188,6 +188,19 @@ TEST(HtmlHostile, EqualShortLinesAreOneObject)
     EXPECT_EQ(sizeof(LinePtr), sizeof(void*));
 }
 
+TEST(HtmlHostile, ShortLinesWithEqualTextKeepTheirBlocks)
+{
+    constexpr int Pairs = 3000;
+    TagTable tags;
+    const HtmlContent content
+        = ReadFragment(tags, u"<p class=a>x</p><p class=b>x</p><p class=b><i>x</i></p>"_s.repeated(Pairs));
+    ASSERT_EQ(content.lines.size(), 3U * Pairs);
+    for (std::size_t i = 0; i < content.lines.size(); ++i) {
+        ASSERT_EQ(tags[content.lines[i]->block].className, i % 3 == 0 ? u"a"_s : u"b"_s) << i;
+        ASSERT_EQ(content.lines[i]->marks.size(), i % 3 == 2 ? 2U : 0U) << i;
+    }
+}
+
 TEST(HtmlHostile, DifferentShortLinesRemainDifferent)
 {
     QString html = u"<pre>"_s;

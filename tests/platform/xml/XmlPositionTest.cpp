@@ -1,5 +1,6 @@
 // Positions of errors in every encoding and with every line end: a "‸" in the text marks the position.
 
+#include "FreeMemory.h"
 #include "XmlDocument.h"
 #include "XmlSaxReader.h"
 
@@ -321,4 +322,24 @@ TEST_F(XmlSchemaPosition, OfAnErrorInsideAnEntityIsTheReference)
 {
     ExpectErrorAtMarker("<!DOCTYPE book [<!ENTITY e '<x>ж</x>'>]>\n<book xmlns='urn:t'>\n‸&e;</book>",
                         &schemas);
+}
+
+TEST(XmlPositions, ThePositionOfAnErrorBeyondTheRangeOf32Bits)
+{
+    if (!MayUseMemory(8e9))
+        GTEST_SKIP() << "needs VMK_LARGE_TESTS and 8 GB";
+    std::string text = "<a>";
+    const std::string line = std::string(998, 'x') + "\r\n";
+    constexpr qsizetype Lines = 2'200'000;
+    text.reserve(Lines * 1000 + 100);
+    for (qsizetype i = 0; i < Lines; ++i)
+        text += line;
+    text += "yz</b>";
+    XmlDocument document;
+    EXPECT_FALSE(document.loadXML(text, XmlEncoding::utf8()));
+    const XmlParseError& error = document.parseError();
+    EXPECT_EQ(error.line, Lines + 1) << error.reason;
+    EXPECT_GT(error.filepos, 3 + Lines * 1000);
+    EXPECT_LE(error.filepos, 3 + Lines * 1000 + 8);
+    EXPECT_EQ(error.filepos, error.fileByte);
 }
