@@ -158,10 +158,13 @@ TEST_F(EscapeKey, TheMouseAndTheEndOfAWindowWait)
                                     new QMouseEvent(QEvent::MouseButtonPress, {5, 5},
                                                     window.mapToGlobal(QPointF(5, 5)), Qt::LeftButton,
                                                     Qt::LeftButton, Qt::NoModifier));
-        QCoreApplication::postEvent(window.windowHandle(), new QCloseEvent);
+        bool isClosed = true;
+        QMetaObject::invokeMethod(
+            &window, [&] { isClosed = window.windowHandle()->close(); }, Qt::QueuedConnection);
         EXPECT_FALSE(watch->takeEscape());
         EXPECT_EQ(window.presses, 0);
         EXPECT_EQ(window.closes, 0);
+        EXPECT_FALSE(isClosed);
     }
     EXPECT_TRUE(QTest::qWaitFor([this] { return window.closes == 1; }));
     EXPECT_EQ(window.presses, 1);
