@@ -338,7 +338,7 @@ TEST(XmlPositions, ThePositionOfAnErrorBeyondTheRangeOf32Bits)
     XmlDocument document;
     EXPECT_FALSE(document.loadXML(text, XmlEncoding::utf8()));
     const XmlParseError& error = document.parseError();
-    EXPECT_EQ(error.line, Lines + 1) << error.reason;
+    EXPECT_EQ(error.line, Lines + 1) << error.reason.toStdString();
     EXPECT_GT(error.filepos, 3 + Lines * 1000);
     EXPECT_LE(error.filepos, 3 + Lines * 1000 + 8);
     EXPECT_EQ(error.filepos, error.fileByte);
