@@ -49,6 +49,22 @@ TEST(RecoveryFolder, ACrashedSessionIsFound)
     EXPECT_EQ(document.savePage(), page);
 }
 
+TEST(RecoveryFolder, AJournalThatIsCutIsFoundAsIncomplete)
+{
+    const Workplace place;
+    Session session(place);
+    session.type({2, 5}, u"lost"_s);
+    session.type({2, 5}, u"last"_s);
+    const QString journal = session.folder + u'/' + session.journals().front();
+    session.crash();
+    ASSERT_TRUE(Newest(session.folder)->isComplete);
+    QFile file(journal);
+    ASSERT_TRUE(file.resize(file.size() - 1));
+    const std::optional<InterruptedSession> found = Newest(session.folder);
+    ASSERT_TRUE(found);
+    EXPECT_FALSE(found->isComplete);
+}
+
 TEST(RecoveryFolder, AMissingFolderHasNoSessions)
 {
     const Workplace place;
