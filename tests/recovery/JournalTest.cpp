@@ -40,6 +40,19 @@ TEST(Journal, AMarkAloneIsNoChangeOfTheText)
     EXPECT_EQ(RecoveredPage(session.journalBytes()), session.document.savePage());
 }
 
+TEST(Journal, AChangeOfTheTextBeforeAMarkIsAChange)
+{
+    const Workplace place;
+    Session session(place);
+    // Both reach the recorder together.
+    session.document.setSelection({1, 1}, {1, 1});
+    session.document.typeText(u"x"_s);
+    session.document.wrapRange({2, 4}, {2, 7}, session.document.tags().intern(u"B", u""));
+    EXPECT_TRUE(session.recorder->hasUnsavedText());
+    session.recorder->waitUntilWritten();
+    EXPECT_EQ(RecoveredPage(session.journalBytes()), session.document.savePage());
+}
+
 TEST(Journal, HoldsPageCaretAndBinaryPart)
 {
     const Workplace place;
