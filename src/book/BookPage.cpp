@@ -3,6 +3,7 @@
 #include "DisplayCharacters.h"
 #include "LineEnds.h"
 #include "MainWindowSeams.h"
+#include "OutlinePage.h"
 #include "PageLines.h"
 #include "XmlDocument.h"
 
@@ -148,6 +149,20 @@ std::string PageWithTree(const XmlTreeText& tree, const PageRequest& request)
     AppendTreeLines(tree, request.xmlDeclaration, request.values, page, replaced);
     page += PageEnd;
     return page;
+}
+
+std::string PageWithOutline(const OutlinedText& text, const DisplayValues& values)
+{
+    ShowPaintingSteps(values);
+    std::string page = PageStart(values);
+    AppendOutlineLines(text, values, page);
+    page += PageEnd;
+    return page;
+}
+
+std::string PageWithoutLines(const DisplayValues& values)
+{
+    return PageStart(values) + std::string(PageEnd);
 }
 
 std::string PageWithoutTree(std::string text, const PageRequest& request)

@@ -13,6 +13,8 @@
 /// Converts the XML text of a book to the page of the display. Does not use any shared variable.
 namespace vmk {
 
+struct OutlinedText;
+
 /// The values besides the text that the conversion to a page needs.
 struct PageRequest
 {
@@ -40,6 +42,12 @@ struct PageRequest
 
 /// Returns the page of a text that has a tree.
 [[nodiscard]] std::string PageWithTree(const XmlTreeText& tree, const PageRequest& request);
+
+/// Returns the page of a text in common form.
+[[nodiscard]] std::string PageWithOutline(const OutlinedText& text, const DisplayValues& values);
+
+/// Returns a page without lines: its head, its style rules, and its body.
+[[nodiscard]] std::string PageWithoutLines(const DisplayValues& values);
 
 /// Returns the page of a text that has no tree: without margins, with line breaks only where its tags require
 /// them.

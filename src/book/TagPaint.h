@@ -6,6 +6,11 @@
 
 namespace vmk {
 
+// The marks around names and values of attributes in a page.
+inline constexpr std::string_view NameStart = "<FONT class=n>";
+inline constexpr std::string_view ValueStart = "<FONT class=v>";
+inline constexpr std::string_view FontEnd = "</FONT>";
+
 /// The display of a tag of the book: the marks that represent its angle brackets.
 struct TagPaint
 {

@@ -106,7 +106,7 @@ bool LineBreaker::breaksAfter(std::string_view piece, size_t next) const
     if (tagStart != std::string_view::npos) {
         const std::string_view tag = piece.substr(tagStart);
         breaks -= inLineTags.count(tag);
-        breaks -= static_cast<int>(std::count(FieldTags.begin(), FieldTags.end(), tag));
+        breaks -= IsFieldTag(tag) ? 1 : 0;
     }
     if (breaks > 0 && tagFollows)
         breaks -= inLineTags.count(tagAt(next));
@@ -184,6 +184,11 @@ std::string TreeLines(std::string text, std::string_view lineEnd, const InLineTa
     if (!inLineTags.isPlain())
         return BreakStepByStep(std::move(text), lineEnd, inLineTags);
     return LineBreaker(text, lineEnd, inLineTags).run();
+}
+
+bool IsFieldTag(std::string_view tag)
+{
+    return std::find(FieldTags.begin(), FieldTags.end(), tag) != FieldTags.end();
 }
 
 bool LineEndsAfter(std::string_view joined, size_t from, size_t next, const InLineTagSet& inLineTags)

@@ -47,6 +47,9 @@ private:
 [[nodiscard]] std::string TreeLines(std::string text, std::string_view lineEnd,
                                     const InLineTagSet& inLineTags);
 
+/// Returns true for a start tag whose text remains on the same line in any case, such as `<date>`.
+[[nodiscard]] bool IsFieldTag(std::string_view tag);
+
 /// Returns whether `TreeLines` ends a line at `next` of a joined text, directly after a ">"; `from` is the
 /// position after the previous ">". Requires a list without an empty entry.
 [[nodiscard]] bool LineEndsAfter(std::string_view joined, size_t from, size_t next,

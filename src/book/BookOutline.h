@@ -1,0 +1,62 @@
+#pragma once
+
+#include "TreeLines.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vmk {
+
+/// The lines of the display of a book, as positions in the book's text: each line is a piece of the text
+/// whose mark-up `OutlineLines` and `OutlinePage` write in the form of the display.
+///
+/// An outline exists only for a text in common form. In this form one pass over the bytes shows that the text
+/// is well-formed and where its lines begin: UTF-8 with an XML declaration, elements with names in ASCII,
+/// attributes without references, and no comment, CDATA section, instruction, document type, or ">" in the
+/// text. All other texts are read by the parser (`KeptTreeOfBook`), with the same result.
+struct BookOutline
+{
+    struct LineStart
+    {
+        std::uint64_t position : 40; ///< of the tag that begins the line, in bytes
+        std::uint64_t depth : 24; ///< the number of elements around it
+    };
+
+    /// The lines after the one of the XML declaration, in order.
+    std::vector<LineStart> lines;
+    std::size_t end = 0; ///< of the last line, in bytes
+    std::uint32_t deepest = 0; ///< the largest depth
+    std::vector<std::string> inLineNames; ///< of elements in which a blank is text
+    std::vector<std::string> wordNames; ///< of elements that may be parts of words
+    // The changes that the editor's own rules would make; see `BookLosses`.
+    std::size_t joinedWords = 0;
+    std::size_t tornTexts = 0;
+    std::size_t movedElements = 0;
+};
+
+/// Whether the text beside a text continues it: in-line elements do, and all tags that do not enclose it.
+struct TextSides
+{
+    bool wordBefore = false;
+    bool wordAfter = false;
+};
+
+/// Joins the lines of a text between two tags: a line end between two words becomes a blank.
+/// \param joined  receives the result
+/// \return the number of such line ends
+std::size_t JoinText(std::string_view text, TextSides sides, std::string& joined);
+
+/// Returns the outline of a text, or nothing if it is not in common form.
+/// \param text   the whole text of a book, without its pictures
+/// \param start  the position after the XML declaration
+/// \param descriptionEnd  the position after the description, which has been updated: a later tag of a
+///                        description is not in common form
+[[nodiscard]] std::optional<BookOutline> OutlineOf(std::string_view text, std::size_t start,
+                                                   std::size_t descriptionEnd,
+                                                   const InLineTagSet& inLineTags, bool showNbsp);
+
+} // namespace vmk

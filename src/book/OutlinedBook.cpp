@@ -1,0 +1,195 @@
+#include "OutlinedBook.h"
+
+#include "BookParts.h"
+#include "CodePages.h"
+#include "TextFunctions.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace vmk {
+
+namespace {
+
+constexpr std::size_t None = std::string_view::npos;
+constexpr std::string_view White = " \t\r\n";
+constexpr std::string_view Utf8Mark = "\xef\xbb\xbf";
+constexpr std::string_view BookEnd = "</FictionBook>";
+constexpr std::string_view BinaryStart = "<binary";
+constexpr std::string_view BinaryEnd = "</binary>";
+constexpr std::string_view DescriptionEnd = "</description>";
+
+/// Returns the declaration at the start of the bytes if it has the usual form, otherwise an empty text.
+/// \param encoding  receives the declared encoding in lower case
+std::string_view UsualDeclaration(std::string_view bytes, std::string& encoding)
+{
+    constexpr std::string_view Front = R"(<?xml version="1.0" encoding=")";
+    if (!bytes.starts_with(Front))
+        return {};
+    const std::string_view rest = bytes.substr(Front.size());
+    const std::size_t quote = rest.find('"');
+    constexpr std::size_t LongestName = 20;
+    if (quote == None || quote > LongestName)
+        return {};
+    encoding = LowerCase(std::string(rest.substr(0, quote)));
+    for (const std::string_view end :
+         {R"("?>)", R"(" standalone="yes"?>)", R"(" standalone="no"?>)"}) {
+        if (rest.substr(quote).starts_with(end))
+            return bytes.substr(0, Front.size() + quote + end.size());
+    }
+    return {};
+}
+
+/// True if each byte is a character of the code page.
+bool AreCharacters(std::string_view bytes, std::int32_t codePage)
+{
+    std::string_view undefined;
+    if (codePage == CodePageCyrillic)
+        undefined = "\x98";
+    else if (codePage == CodePageWestern)
+        undefined = "\x81\x8d\x8f\x90\x9d";
+    else
+        undefined = "\x81\x83\x88\x90\x98";
+    return bytes.find('\0') == None
+        && std::ranges::all_of(undefined, [bytes](char c) { return bytes.find(c) == None; });
+}
+
+/// Returns the end of the pictures that begin at `start`, if they are complete, one after another, and only
+/// the end tag of the book follows; otherwise `None`.
+std::size_t EndOfPictures(std::string_view text, std::size_t start)
+{
+    std::size_t at = start;
+    std::size_t end = start;
+    while (text.substr(at).starts_with(BinaryStart)) {
+        const std::size_t name = at + BinaryStart.size();
+        const std::size_t close = text.find('>', name);
+        if (close == None || White.find(text[name]) == None || text[close - 1] == '/')
+            return None;
+        const std::string_view tag = text.substr(at, close - at);
+        if (tag.find('<', 1) != None || tag.find('\'') != None || std::ranges::count(tag, '"') % 2 != 0)
+            return None;
+        const std::size_t next = text.find('<', close);
+        if (next == None || !text.substr(next).starts_with(BinaryEnd))
+            return None;
+        end = next + BinaryEnd.size();
+        at = std::min(text.find_first_not_of(White, end), text.size());
+    }
+    const bool isEnd = text.substr(at).starts_with(BookEnd)
+        && text.find_first_not_of(White, at + BookEnd.size()) == None;
+    return isEnd && end > start ? end : None;
+}
+
+/// Cuts the pictures out of the text. Returns false, with the text unchanged, if they are not in common form.
+bool CutPictures(OutlinedBook& book, std::string& text)
+{
+    const std::size_t start = text.find(BinaryStart);
+    if (start == None)
+        return true;
+    const std::size_t end = EndOfPictures(text, start);
+    if (end == None)
+        return false;
+    book.binaryPart = text.substr(start, end - start);
+    book.binaryCodePage = book.encoding.work.codePage;
+    book.afterPictures = text.substr(end);
+    text.resize(start);
+    text += BookEnd;
+    return true;
+}
+
+/// Names the program in the description, whose end is `book.updatedEnd`. Returns false, with the text
+/// unchanged, if the description is not in common form.
+bool UpdateOutlinedDescription(OutlinedBook& book, std::string& text)
+{
+    std::string head = text.substr(0, book.updatedEnd);
+    const std::size_t used = FindText(head, "<program-used>", 0, true);
+    const std::size_t usedEnd = used == None ? None : FindText(head, "</program-used>", used, true);
+    if (usedEnd != None && head.find('<', used + 1) < usedEnd)
+        return false;
+    // The update may look for an author after the description.
+    const std::size_t info = FindText(head, "<document-info>", 0, true);
+    if (info != None && head.find("</author>", info) == None && text.find("</author>", head.size()) != None)
+        return false;
+    std::string updated = head;
+    UpdateDescription(updated);
+    text.replace(0, head.size(), updated);
+    book.description = std::move(head);
+    book.updatedEnd = updated.size();
+    return true;
+}
+
+/// Reverts the changes of the text.
+void Restore(OutlinedBook& book, std::string& text)
+{
+    if (!book.afterPictures.empty()) {
+        text.resize(text.size() - BookEnd.size());
+        text += book.binaryPart;
+        text += book.afterPictures;
+    }
+    if (!book.description.empty())
+        text.replace(0, book.updatedEnd, book.description);
+}
+
+} // namespace
+
+std::string OutlinedBook::takeBytes()
+{
+    if (!bytes.empty())
+        return std::exchange(bytes, {});
+    std::string all = std::exchange(text->text, {});
+    Restore(*this, all);
+    return all;
+}
+
+std::optional<OutlinedBook> ReadOutlinedBook(std::string& bytes, bool showNbsp,
+                                             const InLineTagSet& inLineTags, const QString& inputEncoding)
+{
+    if (inputEncoding != u"original")
+        return std::nullopt;
+    const std::size_t mark = bytes.starts_with(Utf8Mark) ? Utf8Mark.size() : 0;
+    std::string declared;
+    const std::string_view declaration = UsualDeclaration(std::string_view(bytes).substr(mark), declared);
+    if (declaration.empty())
+        return std::nullopt;
+    OutlinedBook book;
+    book.encoding = FindBookEncoding(bytes, "original");
+    const std::int32_t codePage = book.encoding.work.codePage;
+    if (codePage == CodePageUtf16 || book.encoding.work.name != declared
+        || MakeBookEncoding(declared).name != declared || OutputEncodingInfo(declared).name != declared)
+        return std::nullopt;
+    const bool isUtf8 = codePage == CodePageUtf8;
+    // In a code page the editor's own rules read references to characters in another way.
+    if (!isUtf8 && (mark > 0 || !AreCharacters(bytes, codePage) || bytes.find("&#") != None))
+        return std::nullopt;
+
+    book.text = std::make_shared<OutlinedText>();
+    book.text->declaration = book.encoding.declaration;
+    const std::size_t start = mark + declaration.size();
+    std::string& text = book.text->text;
+    text = isUtf8 ? std::move(bytes) : BytesToUtf8(bytes, codePage);
+    const auto refuse = [&] {
+        if (isUtf8) {
+            Restore(book, text);
+            bytes = std::move(text);
+        }
+        return std::nullopt;
+    };
+    const std::size_t descriptionEnd = text.find(DescriptionEnd);
+    if (descriptionEnd == None)
+        return refuse();
+    book.updatedEnd = descriptionEnd + DescriptionEnd.size();
+    if (!CutPictures(book, text) || !UpdateOutlinedDescription(book, text))
+        return refuse();
+    std::optional<BookOutline> outline
+        = OutlineOf(text, start, book.updatedEnd, inLineTags, showNbsp);
+    if (!outline)
+        return refuse();
+    book.text->outline = *std::move(outline);
+    book.losses.lines.joinedWords = book.text->outline.joinedWords;
+    book.losses.lines.tornTexts = book.text->outline.tornTexts;
+    book.losses.movedElements = book.text->outline.movedElements;
+    if (!isUtf8)
+        book.bytes = std::exchange(bytes, {});
+    return book;
+}
+
+} // namespace vmk

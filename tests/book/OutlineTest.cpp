@@ -1,0 +1,218 @@
+#include "BookPage.h"
+#include "BookReading.h"
+#include "BookTestSupport.h"
+#include "DisplayDocument.h"
+#include "OutlinedBook.h"
+#include "Settings.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+// Books in common form are read without the parser. The parser's reading is the judge.
+
+using namespace Qt::StringLiterals;
+
+namespace vmk::test {
+namespace {
+
+const std::string Declaration = "<?xml version=\"1.0\" encoding=\"utf-8\"?>";
+
+/// Reads a book in both ways and compares the results. Returns false if it is not in common form.
+bool ReadsTheSame(const std::string& book, const DisplayValues& values, const InLineTagSet& tags)
+{
+    std::string bytes = book;
+    std::optional<OutlinedBook> outlined = ReadOutlinedBook(bytes, values.showNbsp, tags, u"original"_s);
+    if (!outlined) {
+        EXPECT_EQ(bytes, book);
+        return false;
+    }
+    EXPECT_TRUE(bytes.empty());
+    const KeptBook kept = ReadKeptBook(book, values, tags, u"original"_s);
+    EXPECT_TRUE(kept.hasTree);
+    const std::string page = PageWithOutline(*outlined->text, values);
+    EXPECT_EQ(page, kept.page) << Difference(page, kept.page);
+    EXPECT_EQ(outlined->binaryPart, kept.binaryPart);
+    EXPECT_EQ(kept.binaryPart.empty() ? 0 : outlined->binaryCodePage, kept.binaryCodePage);
+    EXPECT_EQ(outlined->encoding.work, kept.encoding.work);
+    EXPECT_EQ(outlined->encoding.file, kept.encoding.file);
+    EXPECT_EQ(outlined->encoding.declaration, kept.encoding.declaration);
+    EXPECT_EQ(outlined->losses.lines.joinedWords, kept.losses.lines.joinedWords);
+    EXPECT_EQ(outlined->losses.lines.tornTexts, kept.losses.lines.tornTexts);
+    EXPECT_EQ(outlined->losses.movedElements, kept.losses.movedElements);
+    EXPECT_EQ(outlined->losses.descriptionLines().join(u'\n').toStdString(),
+              kept.losses.descriptionLines().join(u'\n').toStdString());
+
+    DisplayDocument parsed;
+    parsed.loadPage(QByteArray::fromStdString(kept.page));
+    TagTable tagTable;
+    const OutlineLines lines(outlined->text, values, tagTable);
+    const std::vector<LinePtr> made = lines.make(0, lines.count());
+    EXPECT_EQ(int(made.size()), parsed.lineCount());
+    for (int i = 0; i < std::min(int(made.size()), parsed.lineCount()); ++i) {
+        const Line& line = *made[std::size_t(i)];
+        const Line& expected = parsed.line(i);
+        EXPECT_EQ(line.text, expected.text);
+        EXPECT_EQ(tagTable[line.block].startTag(), parsed.tags()[expected.block].startTag());
+        EXPECT_EQ(line.marks.size(), expected.marks.size());
+        for (std::size_t k = 0; k < std::min(line.marks.size(), expected.marks.size()); ++k) {
+            EXPECT_EQ(line.marks[k].pos, expected.marks[k].pos);
+            EXPECT_EQ(line.marks[k].open, expected.marks[k].open);
+            EXPECT_EQ(tagTable[line.marks[k].tag].startTag(), parsed.tags()[expected.marks[k].tag].startTag());
+        }
+        if (::testing::Test::HasFailure())
+            break;
+    }
+    EXPECT_EQ(outlined->takeBytes(), book);
+    return true;
+}
+
+class Outlines : public ::testing::Test
+{
+protected:
+    void SetUp() override { ReadSettings(true); }
+    bool same(const std::string& book) { return ReadsTheSame(book, values, tags); }
+    static std::string whole(const std::string& body)
+    {
+        return Declaration + "\r\n<FictionBook xmlns=\"http://www.gribuser.ru/xml/fictionbook/2.0\" "
+            + "xmlns:l=\"http://www.w3.org/1999/xlink\"><description><title-info><book-title>T</book-title>"
+            + "</title-info></description><body>" + body + "</body></FictionBook>";
+    }
+
+    DisplayValues values = DefaultValues();
+    InLineTagSet tags{DefaultInLineTags()};
+};
+
+TEST_F(Outlines, ABookInCommonFormIsReadAsByTheParser)
+{
+    EXPECT_TRUE(same(whole("<section id=\"s1\"><title><p>Один</p></title><p>Текст <emphasis>и</emphasis> ещё "
+                           "<a l:href=\"#n1\" type=\"note\">1</a>.</p><empty-line/><p>A &amp; B &lt;C&gt;</p></section>")));
+}
+
+TEST_F(Outlines, TheBooksOfTheCorpusAreTheSame)
+{
+    if (CorpusBooks().empty())
+        GTEST_SKIP() << NoCorpus;
+    int count = 0;
+    for (const CorpusBook& book : CorpusBooks()) {
+        SCOPED_TRACE(book.name);
+        count += same(book.bytes) ? 1 : 0;
+        if (HasFailure())
+            return;
+    }
+    std::cout << count << " of " << CorpusBooks().size() << " books are in common form\n";
+}
+
+/// Random books close to the common form.
+class Maker
+{
+public:
+    explicit Maker(std::uint32_t seed)
+        : random(seed)
+    {
+    }
+    std::string book();
+
+private:
+    std::size_t below(std::size_t count) { return random() % count; }
+    bool rarely() { return below(60) == 0; }
+    std::string pick(std::initializer_list<const char*> texts) { return texts.begin()[below(texts.size())]; }
+    std::string white();
+    std::string tag(const std::string& name);
+    std::string text();
+    std::string element(int depth);
+
+    std::mt19937 random;
+};
+
+std::string Maker::white()
+{
+    return below(3) == 0 ? "" : pick({"", "", " ", "\n", "\r\n", "\n\t", "\r\n  ", "  ", "\t", " \n", "\t ", " \t \t"});
+}
+
+std::string Maker::tag(const std::string& name)
+{
+    std::string result = "<" + name;
+    while (below(4) == 0) {
+        result += rarely() ? pick({"\n", "\t", "  ", "\n "}) : " ";
+        result += pick({"id", "name", "l:href", "type", "number", "value", "x", "xml:lang", "style", "l:type", "match"});
+        if (below(8) == 0)
+            result += std::to_string(below(9));
+        result += "=" + (below(5) == 0 ? "'" + pick({"a", "Имя", "", "a b", "it"}) + "'"
+                                        : "\"" + pick({"a", "Имя", "", "#n1", "a b", "it's", "1", "x\u00a0y", " z", "id="}) + "\"");
+    }
+    return result + (rarely() ? pick({" ", "\n", "\t"}) : "");
+}
+
+std::string Maker::text()
+{
+    std::string result;
+    for (std::size_t i = below(5); i > 0; --i)
+        result += pick({"слово", " ", "word", "  ", "—", "&amp;", "&lt;", "&gt;", "&quot;", "&apos;", "\"", "x=", "' ", ". ",
+                        "\u00a0", "ё", "Ж", "ß", "€", "\U0001F600", " name=", "&amp;lt;", "&amp;#60;", "длинное слово подлиннее, чем шестнадцать байт"});
+    if (rarely())
+        result += pick({"\n", "\t", "‹", "\x7f", "&#160;", "<!--c-->", "\xff", "\xef\xb8\x8c", ">", "&x;", "\xef\xbf\xbe", "\xd0", "<b", "\x01"});
+    return result;
+}
+
+std::string Maker::element(int depth)
+{
+    const std::string name = pick({"p", "p", "p", "section", "title", "emphasis", "strong", "a", "code", "image", "empty-line", "v", "cite", "td", "sub", "date",
+                                   "stanza", "style", "author", "poem", "subtitle", "tr", "lang", "l:x"});
+    if (below(6) == 0)
+        return tag(name) + "/>";
+    std::string result = tag(name) + ">";
+    for (std::size_t i = depth > 5 ? 0 : below(5); i > 0; --i) {
+        result += white();
+        result += below(3) == 0 ? text() : element(depth + 1);
+    }
+    if (depth > 5 || below(3) == 0)
+        result += text();
+    result += white();
+    return result + (below(3000) == 0 ? "</x>" : "</" + name + (rarely() ? " >" : ">"));
+}
+
+std::string Maker::book()
+{
+    std::string result = pick({"", "", "", "\xef\xbb\xbf"})
+        + pick({"<?xml version=\"1.0\" encoding=\"utf-8\"?>", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>",
+                "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\"?>"})
+        + white() + "<FictionBook xmlns=\"http://www.gribuser.ru/xml/fictionbook/2.0\" xmlns:l=\"http://www.w3.org/1999/xlink\">" + white();
+    result += "<description>" + white() + "<title-info>" + element(4) + "</title-info>" + white()
+        + pick({"", "<document-info><author><nickname>N</nickname></author></document-info>",
+                "<document-info>\n<program-used>Editor</program-used></document-info>", "<document-info><date>1</date></document-info>",
+                "<document-info><program-used>Vellumark, x</program-used></document-info>"})
+        + "</description>" + white() + "<body>";
+    for (std::size_t i = below(6); i > 0; --i)
+        result += white() + element(0);
+    result += white() + "</body>" + white();
+    if (below(3) == 0) {
+        result += "<binary id=\"a.png\" content-type=\"image/png\">aGFsbG8=</binary>" + white()
+            + pick({"", "<binary id=\"b\" content-type=\"image/png\">\n</binary>", "<binary id=\"b\"/>", "<!-- -->"}) + white();
+    }
+    return result + "</FictionBook>" + white() + (rarely() ? "x" : "");
+}
+
+TEST_F(Outlines, RandomBooksAreTheSame)
+{
+    const char* wanted = std::getenv("VMK_OUTLINE_BOOKS");
+    const int books = wanted ? std::atoi(wanted) : 3000;
+    int common = 0;
+    for (int i = 0; i < books; ++i) {
+        Maker maker(std::uint32_t(i) + 1);
+        values = DefaultValues();
+        values.showNbsp = i % 3 != 0;
+        values.tagHighlighting = i % 7 != 0;
+        values.tagFontWeight = i % 2 == 0 ? "bold" : "normal";
+        const std::string book = maker.book();
+        SCOPED_TRACE("seed " + std::to_string(i + 1) + "\n" + book);
+        common += same(book) ? 1 : 0;
+        if (HasFailure())
+            return;
+    }
+    std::cout << common << " of " << books << " are in common form\n";
+    EXPECT_GT(common, books / 5);
+}
+
+} // namespace
+} // namespace vmk::test
