@@ -1,18 +1,34 @@
 #include "BookDocument.h"
 
+#include "BookPage.h"
 #include "BookToDisplay.h"
 #include "DisplayDocument.h"
 #include "DisplayText.h"
+#include "OutlineSource.h"
 #include "SaveBook.h"
 
 namespace vmk {
 
 bool BookToDocument(std::string bytes, DisplayDocument& document)
 {
-    if (!ConvertBookToDisplay(bytes, false))
+    std::optional<BookDisplay> display = DisplayOfBook(std::move(bytes), false);
+    if (!display)
         return false;
-    document.loadPage(QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())));
+    ShowDisplay(*std::move(display), document);
     return true;
+}
+
+void ShowDisplay(BookDisplay display, DisplayDocument& document)
+{
+    if (display.outline) {
+        const std::string front = PageWithoutLines(display.values);
+        OutlineLines lines(std::move(display.outline), display.values, document.tags());
+        document.loadLines(QByteArray::fromStdString(front),
+                           std::make_unique<OutlineSource>(std::move(lines), 0));
+        static_cast<void>(document.lineCount()); // loads all lines
+    } else {
+        document.loadPage(QByteArray::fromRawData(display.page.data(), qsizetype(display.page.size())));
+    }
 }
 
 BookFile DocumentToBook(const DisplayDocument& document)

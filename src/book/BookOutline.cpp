@@ -323,10 +323,10 @@ bool Outliner::checkText(std::size_t at, std::size_t end)
             const __m128i leads = _mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_set1_epi8(char(0xC2))),
                                                 _mm_cmplt_epi8(bytes, _mm_set1_epi8(char(0xE0))));
             const __m128i ascii = _mm_cmpgt_epi8(bytes, _mm_set1_epi8(0x1F));
-            const __m128i special
-                = _mm_or_si128(_mm_or_si128(equals('&'), equals('"')), _mm_or_si128(equals('>'), equals(0x7F)));
-            const auto good = static_cast<unsigned>(
-                _mm_movemask_epi8(_mm_andnot_si128(special, _mm_or_si128(_mm_or_si128(trails, leads), ascii))));
+            const __m128i special = _mm_or_si128(_mm_or_si128(equals('&'), equals('"')),
+                                                 _mm_or_si128(equals('>'), equals(0x7F)));
+            const auto good = static_cast<unsigned>(_mm_movemask_epi8(
+                _mm_andnot_si128(special, _mm_or_si128(_mm_or_si128(trails, leads), ascii))));
             const auto trail = static_cast<unsigned>(_mm_movemask_epi8(trails));
             const auto lead = static_cast<unsigned>(_mm_movemask_epi8(leads));
             if (good != 0xFFFF || (trail & 0xFFFF) != ((lead << 1U) & 0xFFFF))
@@ -363,7 +363,8 @@ bool Outliner::checkReference(std::size_t& at, std::size_t end) const
     if (!numeric)
         return false;
     const std::uint32_t c = numeric->character;
-    if (c <= ' ' || c == '"' || c == 0x7F || (c == 0xA0 && !showNbsp) || IsSpecialInDisplay(c) || !IsXmlCharacter(c))
+    if (c <= ' ' || c == '"' || c == 0x7F || (c == 0xA0 && !showNbsp) || IsSpecialInDisplay(c)
+        || !IsXmlCharacter(c))
         return false;
     at += numeric->length;
     return true;

@@ -56,7 +56,7 @@ std::size_t JoinText(std::string_view text, TextSides sides, std::string& joined
 /// \param descriptionEnd  the position after the description, which has been updated: a later tag of a
 ///                        description is not in common form
 [[nodiscard]] std::optional<BookOutline> OutlineOf(std::string_view text, std::size_t start,
-                                                   std::size_t descriptionEnd,
-                                                   const InLineTagSet& inLineTags, bool showNbsp);
+                                                   std::size_t descriptionEnd, const InLineTagSet& inLineTags,
+                                                   bool showNbsp);
 
 } // namespace vmk

@@ -1,9 +1,9 @@
 #include "BookPage.h"
 
 #include "DisplayCharacters.h"
+#include "LargeBuffers.h"
 #include "LineEnds.h"
 #include "MainWindowSeams.h"
-#include "OutlinePage.h"
 #include "PageLines.h"
 #include "XmlDocument.h"
 
@@ -151,12 +151,28 @@ std::string PageWithTree(const XmlTreeText& tree, const PageRequest& request)
     return page;
 }
 
+PageOfLines::PageOfLines(const OutlinedText& outlined, const DisplayValues& displayValues)
+    : text(outlined)
+    , values(displayValues)
+    , lines(outlined, displayValues)
+{
+}
+
+void PageOfLines::append(std::size_t first, std::size_t last, std::string& page) const
+{
+    if (first == 0)
+        page += PageStart(values);
+    lines.append(first, last, page);
+    if (last == text.lineCount())
+        page += PageEnd;
+}
+
 std::string PageWithOutline(const OutlinedText& text, const DisplayValues& values)
 {
+    constexpr std::size_t PerLine = 100;
     ShowPaintingSteps(values);
-    std::string page = PageStart(values);
-    AppendOutlineLines(text, values, page);
-    page += PageEnd;
+    std::string page = StringWithRoom(text.text.size() + text.lineCount() * PerLine);
+    PageOfLines(text, values).append(0, text.lineCount(), page);
     return page;
 }
 

@@ -2,6 +2,7 @@
 
 #include "DisplayValues.h"
 #include "KeptLines.h"
+#include "OutlinePage.h"
 #include "TreeLines.h"
 #include "XmlInput.h"
 #include "XmlSerializer.h"
@@ -12,8 +13,6 @@
 
 /// Converts the XML text of a book to the page of the display. Does not use any shared variable.
 namespace vmk {
-
-struct OutlinedText;
 
 /// The values besides the text that the conversion to a page needs.
 struct PageRequest
@@ -43,7 +42,23 @@ struct PageRequest
 /// Returns the page of a text that has a tree.
 [[nodiscard]] std::string PageWithTree(const XmlTreeText& tree, const PageRequest& request);
 
-/// Returns the page of a text in common form.
+/// The page of a text in common form, in pieces.
+class PageOfLines
+{
+public:
+    PageOfLines(const OutlinedText& text, const DisplayValues& values);
+
+    /// Appends the lines from `first` to before `last`, and the parts of the page before the first line and
+    /// after the last one.
+    void append(std::size_t first, std::size_t last, std::string& page) const;
+
+private:
+    const OutlinedText& text;
+    const DisplayValues& values;
+    OutlineDivs lines;
+};
+
+/// Returns the whole page of a text in common form.
 [[nodiscard]] std::string PageWithOutline(const OutlinedText& text, const DisplayValues& values);
 
 /// Returns a page without lines: its head, its style rules, and its body.

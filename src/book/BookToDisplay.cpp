@@ -12,6 +12,7 @@
 #include "EmptyPage.h"
 #include "Encodings.h"
 #include "MainWindowSeams.h"
+#include "OutlinedBook.h"
 #include "SettingsVariables.h"
 #include "StartUpVariables.h"
 
@@ -92,23 +93,51 @@ void ConvertAsEditor(std::string& text, bool preview)
     BookHasCharRefs = false;
 }
 
-/// Makes a book that was read without losses the open book.
-void TakeKeptBook(KeptBook& kept, std::string& text)
+/// Makes the encoding and the pictures of a book that was read without losses those of the open book.
+template <typename ReadBook>
+void TakeBook(ReadBook& book)
 {
-    WorkEncodingName = std::move(kept.encoding.work.name);
-    WorkCodePage = kept.encoding.work.codePage;
-    WorkMetaTag = std::move(kept.encoding.work.metaTag);
-    FileEncodingName = std::move(kept.encoding.file.name);
-    FileCodePage = kept.encoding.file.codePage;
-    FileMetaTag = std::move(kept.encoding.file.metaTag);
-    XmlDeclaration = std::move(kept.encoding.declaration);
-    BinaryPart = std::move(kept.binaryPart);
-    BinaryCodePage = kept.binaryCodePage;
+    WorkEncodingName = std::move(book.encoding.work.name);
+    WorkCodePage = book.encoding.work.codePage;
+    WorkMetaTag = std::move(book.encoding.work.metaTag);
+    FileEncodingName = std::move(book.encoding.file.name);
+    FileCodePage = book.encoding.file.codePage;
+    FileMetaTag = std::move(book.encoding.file.metaTag);
+    XmlDeclaration = std::move(book.encoding.declaration);
+    BinaryPart = std::move(book.binaryPart);
+    BinaryCodePage = book.binaryCodePage;
     BookHasCharRefs = BadBinaryPart = false;
     BookKeepsText = true;
-    if (!kept.hasTree)
+}
+
+/// Whether a book is read without losses: if there are none, or if that is the answer to the question.
+bool KeepsText(const BookLosses& losses)
+{
+    const bool asks = losses.any() || losses.replacedBytes > 0;
+    return !asks || LossSeam()(losses);
+}
+
+/// Reads a book without losses. Returns nothing, with the bytes unchanged, if it is to be read by the rules
+/// of the editor.
+std::optional<BookDisplay> KeptDisplay(std::string& bytes)
+{
+    ShowStatus(u"...converting xml to html: checking namespace..."_s);
+    const PageRequest request = RequestOfSettings(false);
+    if (auto book = ReadOutlinedBook(bytes, request.values.showNbsp, request.inLineTags, InputEncoding)) {
+        if (!KeepsText(book->losses)) {
+            bytes = book->takeBytes();
+            return std::nullopt;
+        }
+        TakeBook(*book);
+        return BookDisplay{{}, std::move(book->text), request.values};
+    }
+    KeptBook book = ReadKeptBook(bytes, request.values, request.inLineTags, InputEncoding);
+    if (!KeepsText(book.losses))
+        return std::nullopt;
+    TakeBook(book);
+    if (!book.hasTree)
         WarnOfNamespaceError(false);
-    text = std::move(kept.page);
+    return BookDisplay{std::move(book.page), nullptr, {}};
 }
 
 } // namespace
@@ -119,24 +148,26 @@ Seam<bool(const BookLosses& losses)>& LossSeam()
     return seam;
 }
 
+std::optional<BookDisplay> DisplayOfBook(std::string bytes, bool preview)
+{
+    if (!preview && !IsBinaryPartDamaged(bytes)) {
+        if (std::optional<BookDisplay> kept = KeptDisplay(bytes))
+            return kept;
+    }
+    if (!SplitBinaryPart(bytes, preview))
+        return std::nullopt;
+    ShowStatus(u"...converting xml to html: checking namespace..."_s);
+    ConvertAsEditor(bytes, preview);
+    return BookDisplay{std::move(bytes), nullptr, {}};
+}
+
 bool ConvertBookToDisplay(std::string& text, bool preview)
 {
-    if (!preview && !IsBinaryPartDamaged(text)) {
-        ShowStatus(u"...converting xml to html: checking namespace..."_s);
-        const PageRequest request = RequestOfSettings(false);
-        KeptBook kept = ReadKeptBook(text, request.values, request.inLineTags, InputEncoding);
-        const bool asks = kept.losses.any() || kept.losses.replacedBytes > 0;
-        if (!asks || LossSeam()(kept.losses)) {
-            TakeKeptBook(kept, text);
-            return true;
-        }
-    }
-    if (!SplitBinaryPart(text, preview)) {
-        text.clear();
+    std::optional<BookDisplay> display = DisplayOfBook(std::move(text), preview);
+    text.clear();
+    if (!display)
         return false;
-    }
-    ShowStatus(u"...converting xml to html: checking namespace..."_s);
-    ConvertAsEditor(text, preview);
+    text = display->outline ? PageWithOutline(*display->outline, display->values) : std::move(display->page);
     return true;
 }
 

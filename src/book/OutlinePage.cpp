@@ -1,8 +1,6 @@
 #include "OutlinePage.h"
 
-#include "LargeBuffers.h"
 #include "NonBreakingSpace.h"
-#include "TagPaint.h"
 #include "XmlReference.h"
 
 #include <algorithm>
@@ -209,9 +207,8 @@ std::size_t OutlineWriter<Sink>::writeTag(std::string_view line, std::size_t at)
     return i;
 }
 
-/// An element without content is written as one tag. Returns the position after its end tag, or `at` if it has
-/// content; a blank is content of an in-line element.
-/// \param at  the position after the start tag
+/// An element without content is written as one tag. Returns the position after its end tag, or `at` if it
+/// has content; a blank is content of an in-line element. \param at  the position after the start tag
 template <class Sink>
 std::size_t OutlineWriter<Sink>::emptyEnd(std::string_view line, std::size_t at, std::string_view name) const
 {
@@ -298,7 +295,8 @@ std::string LineStart(std::size_t depth, const DisplayValues& values)
 {
     if (depth == 0)
         return "<DIV>";
-    return "<DIV style=\"MARGIN-LEFT: " + std::to_string(static_cast<long long>(depth) * values.nodeShift) + "px\">";
+    return "<DIV style=\"MARGIN-LEFT: " + std::to_string(static_cast<long long>(depth) * values.nodeShift)
+        + "px\">";
 }
 
 /// Makes the text and the marks of one line.
@@ -415,7 +413,8 @@ std::string_view OutlinedText::line(std::size_t index) const
     if (index == 0)
         return declaration;
     const std::size_t start = outline.lines[index - 1].position;
-    const std::size_t end = index < outline.lines.size() ? std::size_t(outline.lines[index].position) : outline.end;
+    const std::size_t end
+        = index < outline.lines.size() ? std::size_t(outline.lines[index].position) : outline.end;
     return std::string_view(text).substr(start, end - start);
 }
 
@@ -424,20 +423,19 @@ std::size_t OutlinedText::depth(std::size_t index) const
     return index == 0 ? 0 : std::size_t(outline.lines[index - 1].depth);
 }
 
-void AppendOutlineLines(const OutlinedText& book, const DisplayValues& values, std::string& page)
+OutlineDivs::OutlineDivs(const OutlinedText& outlined, const DisplayValues& values)
+    : book(outlined)
+    , paint(TagPaint::Of(values))
 {
-    const TagPaint paint = TagPaint::Of(values);
-    std::vector<std::string> starts;
     for (std::size_t depth = 0; depth <= book.outline.deepest; ++depth)
         starts.push_back(LineStart(depth, values));
+}
 
-    constexpr std::size_t PerLine = 120;
-    std::string roomy = StringWithRoom(page.size() + book.text.size() + book.lineCount() * PerLine);
-    roomy += page;
-    page = std::move(roomy);
+void OutlineDivs::append(std::size_t first, std::size_t last, std::string& page) const
+{
     PageSink sink(paint, page);
     OutlineWriter<PageSink> writer(sink, paint.attributes, book.outline);
-    for (std::size_t i = 0; i < book.lineCount(); ++i) {
+    for (std::size_t i = first; i < last; ++i) {
         page += i == 0 ? std::string_view("<DIV id=FirstDiv>") : std::string_view(starts[book.depth(i)]);
         writer.write(book.line(i));
         page += i + 1 < book.lineCount() ? "</DIV>\r" : "</DIV>";

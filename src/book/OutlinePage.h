@@ -3,6 +3,7 @@
 #include "BookOutline.h"
 #include "DisplayLines.h"
 #include "DisplayValues.h"
+#include "TagPaint.h"
 
 #include <memory>
 #include <string>
@@ -29,8 +30,20 @@ struct OutlinedText
     [[nodiscard]] std::size_t depth(std::size_t index) const;
 };
 
-/// Appends the lines of a page, one `DIV` each.
-void AppendOutlineLines(const OutlinedText& book, const DisplayValues& values, std::string& page);
+/// Makes the lines of a page, one `DIV` each.
+class OutlineDivs
+{
+public:
+    OutlineDivs(const OutlinedText& book, const DisplayValues& values);
+
+    /// Appends the lines from `first` to before `last` to a page.
+    void append(std::size_t first, std::size_t last, std::string& page) const;
+
+private:
+    const OutlinedText& book;
+    TagPaint paint;
+    std::vector<std::string> starts; ///< of lines, by depth
+};
 
 /// Makes the lines of a document. Independent of the document once it exists, so that another thread can make
 /// lines.

@@ -32,8 +32,7 @@ std::string_view UsualDeclaration(std::string_view bytes, std::string& encoding)
     if (quote == None || quote > LongestName)
         return {};
     encoding = LowerCase(std::string(rest.substr(0, quote)));
-    for (const std::string_view end :
-         {R"("?>)", R"(" standalone="yes"?>)", R"(" standalone="no"?>)"}) {
+    for (const std::string_view end : {R"("?>)", R"(" standalone="yes"?>)", R"(" standalone="no"?>)"}) {
         if (rest.substr(quote).starts_with(end))
             return bytes.substr(0, Front.size() + quote + end.size());
     }
@@ -74,8 +73,8 @@ std::size_t EndOfPictures(std::string_view text, std::size_t start)
         end = next + BinaryEnd.size();
         at = std::min(text.find_first_not_of(White, end), text.size());
     }
-    const bool isEnd = text.substr(at).starts_with(BookEnd)
-        && text.find_first_not_of(White, at + BookEnd.size()) == None;
+    const bool isEnd
+        = text.substr(at).starts_with(BookEnd) && text.find_first_not_of(White, at + BookEnd.size()) == None;
     return isEnd && end > start ? end : None;
 }
 
@@ -179,8 +178,7 @@ std::optional<OutlinedBook> ReadOutlinedBook(std::string& bytes, bool showNbsp,
     book.updatedEnd = descriptionEnd + DescriptionEnd.size();
     if (!CutPictures(book, text) || !UpdateOutlinedDescription(book, text))
         return refuse();
-    std::optional<BookOutline> outline
-        = OutlineOf(text, start, book.updatedEnd, inLineTags, showNbsp);
+    std::optional<BookOutline> outline = OutlineOf(text, start, book.updatedEnd, inLineTags, showNbsp);
     if (!outline)
         return refuse();
     book.text->outline = *std::move(outline);

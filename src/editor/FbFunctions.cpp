@@ -2,6 +2,7 @@
 
 #include "BookFileCheck.h"
 #include "BookOnDisk.h"
+#include "BookPage.h"
 #include "BookSeams.h"
 #include "BookToDisplay.h"
 #include "BookValidation.h"
@@ -18,6 +19,8 @@
 #include "FilePaths.h"
 #include "Form1.h"
 #include "MainWindowSeams.h"
+#include "OutlineSource.h"
+#include "PageFileThread.h"
 #include "PanelBar.h"
 #include "SaveBook.h"
 #include "SchemaViewerF.h"
@@ -75,9 +78,23 @@ void BringUpWindow()
     Window().activateWindow();
 }
 
-/// Reads a book and writes its page to the next file of the display. Returns false on failure; status and
+/// The thread that writes the page file.
+PageFileThread& PageThread()
+{
+    static PageFileThread thread;
+    return thread;
+}
+
+/// Writes the page of a book to `DisplayFile`. Nothing waits for a page that is made from an outline.
+bool WritePage(const BookDisplay& display)
+{
+    return display.outline ? PageThread().write(DisplayFile, display.outline, display.values)
+                           : WriteScratchFile(DisplayFile, display.page);
+}
+
+/// Reads a book and writes its page to the next file of the display. Returns nothing on failure; status and
 /// sound have reported the reason.
-bool LayDownPage(const QString& path)
+std::optional<BookDisplay> LayDownPage(const QString& path)
 {
     const HourglassScope hourglass;
     // A file that cannot be read completely must not be treated as a shorter one, and later saved as such.
@@ -86,43 +103,53 @@ bool LayDownPage(const QString& path)
     int32_t length = WholeFile;
     if (!ReadFileBytes(path, text, length)) {
         RefuseBook(path);
-        return false;
+        return std::nullopt;
     }
     View().setDesignMode(u"Off"_s);
     ShowStatus(u"...converting xml to html...wait, please..."_s);
     MakeFolder(TempFolder);
     DisplayFile = NextDisplayFile();
+    PageThread().stop();
     // The file contains the page of the book before the last one; no failure from here on may show it again.
     FileOperation(DeleteFileMode, DisplayFile);
 
     KeepUnsavedText();
     NoteBookLoaded(path, state, text);
+    std::optional<BookDisplay> display;
     try {
-        if (!ConvertBookToDisplay(text, false)) {
+        display = DisplayOfBook(std::move(text), false);
+        if (!display) {
             ShowStatus(u"cannot load file: parse error"_s);
             PlayProgramSound(u"FileLoadError.wav"_s, true);
-            return false;
+            return std::nullopt;
         }
     } catch (const std::bad_alloc&) {
         // The old page must not remain with parts of the new book; its unsaved text is kept.
-        text = std::string();
         ShowEmptyPage({.caption = u"Vellumark"_s});
         throw;
     }
-    if (!WriteScratchFile(DisplayFile, text)) {
+    if (!WritePage(*display)) {
         // The old page must not remain: a save would append the new book's binary part to it.
         ShowEmptyPage({.caption = u"Vellumark"_s});
         RefuseBook(path);
-        return false;
+        return std::nullopt;
     }
-    return true;
+    return display;
 }
 
 /// Has the display open `DisplayFile` as the page of a book.
-void NavigateToBook(const QString& path)
+void NavigateToBook(const QString& path, BookDisplay display = {})
 {
+    // More than the lines of a screen.
+    constexpr std::size_t FirstLines = 300;
     LoadingByProgram = true;
-    View().Navigate(DisplayFile);
+    if (display.outline) {
+        OutlineLines lines(std::move(display.outline), display.values, View().document().tags());
+        View().Navigate(DisplayFile, QByteArray::fromStdString(PageWithoutLines(display.values)),
+                        std::make_unique<OutlineSource>(std::move(lines), FirstLines));
+    } else {
+        View().Navigate(DisplayFile);
+    }
     CurrentBook = path;
     Window().setWindowTitle(u" VMK: "_s + ReadableName(FileNameOf(path)));
     LastBookFolder = FolderOf(path);
@@ -143,12 +170,13 @@ bool LoadBook(const QString& path, bool opening)
     }
     if (!CheckBookFile(path, BookRefusal::StatusBar))
         return false;
-    if (!LayDownPage(path))
+    std::optional<BookDisplay> display = LayDownPage(path);
+    if (!display)
         return false;
     ShowStatus(u"...loading file...wait, please..."_s);
     if (opening)
         BringUpWindow();
-    NavigateToBook(path);
+    NavigateToBook(path, *std::move(display));
     return true;
 }
 
@@ -167,6 +195,7 @@ bool ShowPageOfBook(const QString& path, std::string_view page)
 
 void RemoveDisplayFiles(bool remake)
 {
+    PageThread().stop();
     FileOperation(DeleteFileMode, DisplayFile);
     FileOperation(DeleteFolderMode, TempFolder);
     // A link in place of the folder.

@@ -4,7 +4,10 @@
 #include "BookVariables.h"
 #include "Chance.h"
 
+#include <QTimer>
+
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace vmk {
@@ -90,6 +93,7 @@ bool SessionRecorder::hasUnsavedText()
 
 void SessionRecorder::begin(std::function<void()> whenSafe)
 {
+    static_cast<void>(document.lineCount()); // loads all lines
     JournalBase base;
     base.facts = FactsOfOpenBook(document, CurrentBook);
     knownTags = 0;
@@ -154,6 +158,11 @@ void SessionRecorder::linesChanged(int first, const std::vector<LinePtr>& remove
     gather();
 }
 
+void SessionRecorder::linesLoaded(int, const std::vector<LinePtr>& loaded)
+{
+    lines.append(loaded);
+}
+
 void SessionRecorder::selectionChanged()
 {
     if (recording)
@@ -168,17 +177,29 @@ void SessionRecorder::gather()
         isGathering = true;
         gatheringSince = TickMilliseconds();
         QMetaObject::invokeMethod(
-            &context, [this] { publish(); }, Qt::QueuedConnection);
+            &context, [this] { publishIfComplete(); }, Qt::QueuedConnection);
     } else if (gathered.splices.size() % Stride == 0
                && TickMilliseconds() - gatheringSince > LongestCommand) {
         publish();
     }
 }
 
+/// A change of a page that is not complete yet waits for it.
+void SessionRecorder::publishIfComplete()
+{
+    constexpr std::chrono::milliseconds Wait(20);
+    if (document.isComplete())
+        publish();
+    else
+        QTimer::singleShot(Wait, &context, [this] { publishIfComplete(); });
+}
+
 void SessionRecorder::publish()
 {
     if (!isGathering)
         return;
+    // A journal begins with all lines, which this loads.
+    static_cast<void>(document.lineCount());
     isGathering = false;
     if (!gathered.splices.empty()) {
         if (unsaved)

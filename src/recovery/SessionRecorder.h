@@ -45,6 +45,7 @@ public:
 private:
     void linesChanged(int first, const std::vector<LinePtr>& removed,
                       const std::vector<LinePtr>& inserted) override;
+    void linesLoaded(int first, const std::vector<LinePtr>& loaded) override;
     void selectionChanged() override;
     void documentReset() override;
 
@@ -53,6 +54,7 @@ private:
     void readLines();
     void gather();
     void publish();
+    void publishIfComplete();
     void takeNewTags(std::vector<JournalTag>& tags);
     void applySplices();
     [[nodiscard]] bool applySplicesAndCompare();

@@ -58,7 +58,8 @@ bool ReadsTheSame(const std::string& book, const DisplayValues& values, const In
         for (std::size_t k = 0; k < std::min(line.marks.size(), expected.marks.size()); ++k) {
             EXPECT_EQ(line.marks[k].pos, expected.marks[k].pos);
             EXPECT_EQ(line.marks[k].open, expected.marks[k].open);
-            EXPECT_EQ(tagTable[line.marks[k].tag].startTag(), parsed.tags()[expected.marks[k].tag].startTag());
+            EXPECT_EQ(tagTable[line.marks[k].tag].startTag(),
+                      parsed.tags()[expected.marks[k].tag].startTag());
         }
         if (::testing::Test::HasFailure())
             break;
@@ -85,8 +86,9 @@ protected:
 
 TEST_F(Outlines, ABookInCommonFormIsReadAsByTheParser)
 {
-    EXPECT_TRUE(same(whole("<section id=\"s1\"><title><p>Один</p></title><p>Текст <emphasis>и</emphasis> ещё "
-                           "<a l:href=\"#n1\" type=\"note\">1</a>.</p><empty-line/><p>A &amp; B &lt;C&gt;</p></section>")));
+    EXPECT_TRUE(same(whole(
+        "<section id=\"s1\"><title><p>Один</p></title><p>Текст <emphasis>и</emphasis> ещё "
+        "<a l:href=\"#n1\" type=\"note\">1</a>.</p><empty-line/><p>A &amp; B &lt;C&gt;</p></section>")));
 }
 
 TEST_F(Outlines, TheBooksOfTheCorpusAreTheSame)
@@ -127,7 +129,9 @@ private:
 
 std::string Maker::white()
 {
-    return below(3) == 0 ? "" : pick({"", "", " ", "\n", "\r\n", "\n\t", "\r\n  ", "  ", "\t", " \n", "\t ", " \t \t"});
+    return below(3) == 0
+        ? ""
+        : pick({"", "", " ", "\n", "\r\n", "\n\t", "\r\n  ", "  ", "\t", " \n", "\t ", " \t \t"});
 }
 
 std::string Maker::tag(const std::string& name)
@@ -135,11 +139,14 @@ std::string Maker::tag(const std::string& name)
     std::string result = "<" + name;
     while (below(4) == 0) {
         result += rarely() ? pick({"\n", "\t", "  ", "\n "}) : " ";
-        result += pick({"id", "name", "l:href", "type", "number", "value", "x", "xml:lang", "style", "l:type", "match"});
+        result += pick(
+            {"id", "name", "l:href", "type", "number", "value", "x", "xml:lang", "style", "l:type", "match"});
         if (below(8) == 0)
             result += std::to_string(below(9));
-        result += "=" + (below(5) == 0 ? "'" + pick({"a", "Имя", "", "a b", "it"}) + "'"
-                                        : "\"" + pick({"a", "Имя", "", "#n1", "a b", "it's", "1", "x\u00a0y", " z", "id="}) + "\"");
+        result += "="
+            + (below(5) == 0 ? "'" + pick({"a", "Имя", "", "a b", "it"}) + "'"
+                             : "\""
+                       + pick({"a", "Имя", "", "#n1", "a b", "it's", "1", "x\u00a0y", " z", "id="}) + "\"");
     }
     return result + (rarely() ? pick({" ", "\n", "\t"}) : "");
 }
@@ -148,17 +155,24 @@ std::string Maker::text()
 {
     std::string result;
     for (std::size_t i = below(5); i > 0; --i)
-        result += pick({"слово", " ", "word", "  ", "—", "&amp;", "&lt;", "&gt;", "&quot;", "&apos;", "\"", "x=", "' ", ". ",
-                        "\u00a0", "ё", "Ж", "ß", "€", "\U0001F600", " name=", "&amp;lt;", "&amp;#60;", "длинное слово подлиннее, чем шестнадцать байт"});
+        result += pick({"слово",  " ",        "word",      "  ",
+                        "—",      "&amp;",    "&lt;",      "&gt;",
+                        "&quot;", "&apos;",   "\"",        "x=",
+                        "' ",     ". ",       "\u00a0",    "ё",
+                        "Ж",      "ß",        "€",         "\U0001F600",
+                        " name=", "&amp;lt;", "&amp;#60;", "длинное слово подлиннее, чем шестнадцать байт"});
     if (rarely())
-        result += pick({"\n", "\t", "‹", "\x7f", "&#160;", "<!--c-->", "\xff", "\xef\xb8\x8c", ">", "&x;", "\xef\xbf\xbe", "\xd0", "<b", "\x01"});
+        result += pick({"\n", "\t", "‹", "\x7f", "&#160;", "<!--c-->", "\xff", "\xef\xb8\x8c", ">", "&x;",
+                        "\xef\xbf\xbe", "\xd0", "<b", "\x01"});
     return result;
 }
 
 std::string Maker::element(int depth)
 {
-    const std::string name = pick({"p", "p", "p", "section", "title", "emphasis", "strong", "a", "code", "image", "empty-line", "v", "cite", "td", "sub", "date",
-                                   "stanza", "style", "author", "poem", "subtitle", "tr", "lang", "l:x"});
+    const std::string name
+        = pick({"p",      "p",     "p",          "section", "title",    "emphasis", "strong", "a",
+                "code",   "image", "empty-line", "v",       "cite",     "td",       "sub",    "date",
+                "stanza", "style", "author",     "poem",    "subtitle", "tr",       "lang",   "l:x"});
     if (below(6) == 0)
         return tag(name) + "/>";
     std::string result = tag(name) + ">";
@@ -177,10 +191,14 @@ std::string Maker::book()
     std::string result = pick({"", "", "", "\xef\xbb\xbf"})
         + pick({"<?xml version=\"1.0\" encoding=\"utf-8\"?>", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>",
                 "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\"?>"})
-        + white() + "<FictionBook xmlns=\"http://www.gribuser.ru/xml/fictionbook/2.0\" xmlns:l=\"http://www.w3.org/1999/xlink\">" + white();
+        + white()
+        + "<FictionBook xmlns=\"http://www.gribuser.ru/xml/fictionbook/2.0\" "
+          "xmlns:l=\"http://www.w3.org/1999/xlink\">"
+        + white();
     result += "<description>" + white() + "<title-info>" + element(4) + "</title-info>" + white()
         + pick({"", "<document-info><author><nickname>N</nickname></author></document-info>",
-                "<document-info>\n<program-used>Editor</program-used></document-info>", "<document-info><date>1</date></document-info>",
+                "<document-info>\n<program-used>Editor</program-used></document-info>",
+                "<document-info><date>1</date></document-info>",
                 "<document-info><program-used>Vellumark, x</program-used></document-info>"})
         + "</description>" + white() + "<body>";
     for (std::size_t i = below(6); i > 0; --i)
@@ -188,7 +206,9 @@ std::string Maker::book()
     result += white() + "</body>" + white();
     if (below(3) == 0) {
         result += "<binary id=\"a.png\" content-type=\"image/png\">aGFsbG8=</binary>" + white()
-            + pick({"", "<binary id=\"b\" content-type=\"image/png\">\n</binary>", "<binary id=\"b\"/>", "<!-- -->"}) + white();
+            + pick({"", "<binary id=\"b\" content-type=\"image/png\">\n</binary>", "<binary id=\"b\"/>",
+                    "<!-- -->"})
+            + white();
     }
     return result + "</FictionBook>" + white() + (rarely() ? "x" : "");
 }

@@ -21,7 +21,7 @@ Position EndOfLine(const DisplayDocument& document, int line)
 EditMap MapOfRemoval(const DisplayDocument& document, int first, int count)
 {
     const int after = first + count;
-    if (after < document.lineCount())
+    if (document.hasLine(after))
         return {{first, 0}, {after, 0}, {first, 0}};
     const Position before = first > 0 ? EndOfLine(document, first - 1) : Position{};
     return {before, document.end(), before};
@@ -101,7 +101,7 @@ void RemoveAndInsertLines(DisplayDocument& document, const SelectedLines& lines,
     document.splice(first, count, {}, MapOfRemoval(document, first, count));
 
     // A document that has lost all its lines consists of one empty line, which is replaced here.
-    const bool wasAll = count > 0 && document.lineCount() == 1 && document.line(0).block == NoTag
+    const bool wasAll = count > 0 && !document.hasLine(1) && document.line(0).block == NoTag
         && document.line(0).text.isEmpty();
     if (newLines.empty()) {
         // The second step changes nothing, so that an undo command takes back this edit and no other.
@@ -109,7 +109,7 @@ void RemoveAndInsertLines(DisplayDocument& document, const SelectedLines& lines,
     } else if (wasAll) {
         const Position newEnd{added - 1, int(newLines.back()->text.size())};
         document.splice(0, 1, std::move(newLines), {{0, 0}, {0, 0}, newEnd});
-    } else if (first < document.lineCount()) {
+    } else if (document.hasLine(first)) {
         document.splice(first, 0, std::move(newLines), {{first, 0}, {first, 0}, {first + added, 0}});
     } else {
         const Position before = EndOfLine(document, first - 1);

@@ -84,7 +84,7 @@ SplitLine SplitAt(DisplayDocument& document, const TextRange& caret, int node)
 /// Inserts lines after a line. The empty line that is left of a page without text gives way to them.
 void InsertAfter(DisplayDocument& document, DisplayElement& line, const QString& html)
 {
-    if (document.lineCount() == 1 && document.line(0).text.isEmpty())
+    if (!document.hasLine(1) && document.line(0).text.isEmpty())
         line.setOuterHTML(html);
     else
         line.insertAdjacentHTML(Adjacent::AfterEnd, html);

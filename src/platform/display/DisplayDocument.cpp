@@ -112,6 +112,40 @@ void DisplayDocument::loadPage(const QByteArray& html)
     reset(std::move(content.lines));
 }
 
+void DisplayDocument::loadLines(const QByteArray& front, std::unique_ptr<LineSource> source)
+{
+    const HtmlContent content = ReadPage(tagTable, front);
+    pageHead = content.head;
+    pageBody = content.body == NoTag ? tagTable.intern(u"BODY", {}) : content.body;
+    std::vector<LinePtr> first = source->next();
+    reset(std::move(first));
+    rest = std::move(source);
+}
+
+bool DisplayDocument::loadMore()
+{
+    if (!rest || isLoading)
+        return false;
+    const std::vector<LinePtr> piece = rest->next();
+    if (piece.empty()) {
+        rest.reset();
+    } else {
+        const int first = lines.size();
+        lines.append(piece);
+        isLoading = true;
+        notify([&](DisplayListener& observer) { observer.linesLoaded(first, piece); });
+        isLoading = false;
+    }
+    return !isComplete();
+}
+
+/// To a caller a page is the same before and after: its rest is loaded when it is needed.
+void DisplayDocument::loadAll() const
+{
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
+    while (const_cast<DisplayDocument*>(this)->loadMore()) { }
+}
+
 QByteArray DisplayDocument::pageFront() const
 {
     const QByteArray head = pageHead.isEmpty() ? QByteArrayLiteral("<HTML>") : pageHead.toUtf8();
@@ -142,6 +176,7 @@ void DisplayDocument::reset(std::vector<LinePtr> newLines)
 {
     if (newLines.empty())
         newLines.push_back(MakeLine({}));
+    rest.reset();
     lines.assign(std::move(newLines));
     ++revision;
     knownLineStarts = 0;
@@ -162,7 +197,7 @@ Position DisplayDocument::valid(Position place) const
 {
     if (place.line < 0)
         return {};
-    if (place.line >= lineCount())
+    if (!hasLine(place.line))
         return end();
     const QString& text = line(place.line).text;
     place.offset = std::clamp(place.offset, 0, int(text.size()));
@@ -177,7 +212,7 @@ void DisplayDocument::knowLineStarts(int count) const
 {
     if (count <= knownLineStarts)
         return;
-    lineStarts.resize(std::max(lineStarts.size(), std::size_t(lineCount())));
+    lineStarts.resize(std::max(lineStarts.size(), std::size_t(lines.size())));
     for (int i = knownLineStarts; i < count; ++i)
         lineStarts[std::size_t(i)]
             = i == 0 ? 0 : lineStarts[std::size_t(i) - 1] + line(i - 1).text.size() + 1;
@@ -197,10 +232,9 @@ Position DisplayDocument::positionAt(qint64 characterIndex) const
         return {};
     // Only up to the position: the line starts after it remain unknown until they are needed.
     constexpr int Stride = 256;
-    while (
-        knownLineStarts == 0
-        || (knownLineStarts < lineCount() && lineStarts[std::size_t(knownLineStarts) - 1] <= characterIndex))
-        knowLineStarts(std::min(knownLineStarts + Stride, lineCount()));
+    while (knownLineStarts == 0
+           || (hasLine(knownLineStarts) && lineStarts[std::size_t(knownLineStarts) - 1] <= characterIndex))
+        knowLineStarts(std::min(knownLineStarts + Stride, lines.size()));
     const auto begin = lineStarts.begin();
     const auto next = std::upper_bound(begin, begin + knownLineStarts, characterIndex);
     const auto index = int(next - begin) - 1;
@@ -224,9 +258,9 @@ void DisplayDocument::setSelection(Position anchor, Position focus)
 void DisplayDocument::splice(int first, int removed, std::vector<LinePtr> inserted, const EditMap& map)
 {
     const EditGroup group(*this);
-    if (removed == lineCount() && inserted.empty())
+    if (inserted.empty() && areAllLines(removed))
         inserted.push_back(MakeLine({}));
-    const bool isBare = removed == lineCount() && inserted.size() == 1 && !HasContent(*inserted[0]);
+    const bool isBare = inserted.size() == 1 && !HasContent(*inserted[0]) && areAllLines(removed);
     if (!isBare) {
         for (LinePtr& line : inserted)
             makeFit(line);
@@ -274,7 +308,7 @@ void DisplayDocument::exchange(int first, const std::vector<LinePtr>& removed,
 {
     lines.replace(first, int(removed.size()), inserted);
     ++revision;
-    knownLineStarts = std::min({knownLineStarts, first + 1, lineCount()});
+    knownLineStarts = std::min({knownLineStarts, first + 1, lines.size()});
     // Positions before the edit are unchanged; all others may have to be adjusted to the new lines.
     const auto carried = [&](Position place) { return place < map.from ? place : valid(map(place)); };
     for (TextRange* range : liveRanges) {
@@ -423,7 +457,7 @@ Position DisplayDocument::replaceBlocks(int line, Cut from, Cut to, std::vector<
 void DisplayDocument::insertLines(int line, QStringView html)
 {
     line = std::clamp(line, 0, lineCount());
-    const bool isBare = lineCount() == 1 && lines[0]->block == NoTag;
+    const bool isBare = areAllLines(1) && lines[0]->block == NoTag;
     replaceLines(isBare ? 0 : line, isBare ? 1 : 0, html);
 }
 
@@ -525,7 +559,7 @@ void DisplayDocument::eraseSelection()
     const EditGroup group(*this);
     const TagId block = lines[0]->block;
     deleteSelection();
-    if (lineCount() == 1 && lines[0]->block == NoTag && block != NoTag)
+    if (areAllLines(1) && lines[0]->block == NoTag && block != NoTag)
         setBlock(0, block);
 }
 

@@ -7,6 +7,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <memory>
 #include <vector>
 
 /// The display document: the page in which a book is edited, without a window.
@@ -36,6 +37,12 @@ struct HtmlContent;
 class DisplayListener
 {
 public:
+    /// Lines were read from the page that is being loaded, and added after all others. The text has not
+    /// changed: it has become visible.
+    virtual void linesLoaded(int first, const std::vector<LinePtr>& loaded)
+    {
+        linesChanged(first, {}, loaded);
+    }
     /// The lines `removed`, from line `first` on, were replaced by `inserted`.
     virtual void linesChanged(int first, const std::vector<LinePtr>& removed,
                               const std::vector<LinePtr>& inserted)
@@ -47,6 +54,21 @@ public:
 
 protected:
     ~DisplayListener() = default;
+};
+
+/// The lines of a page that is loaded piece by piece.
+class LineSource
+{
+public:
+    LineSource() = default;
+    LineSource(const LineSource&) = delete;
+    LineSource& operator=(const LineSource&) = delete;
+    virtual ~LineSource() = default;
+
+    /// Returns the next lines; none at the end.
+    [[nodiscard]] virtual std::vector<LinePtr> next() = 0;
+    /// Returns whether `next` returns at once.
+    [[nodiscard]] virtual bool isReady() = 0;
 };
 
 /// The document: lines, selection, undo. See the beginning of this file.
@@ -64,6 +86,17 @@ public:
     /// Loads a page from the bytes of its file (UTF-8, or UTF-16 with a byte order mark). Any bytes are
     /// accepted; text is never lost. Clears undo, redo and selection, and moves live ranges to the start.
     void loadPage(const QByteArray& html);
+    /// Loads a page whose lines come from a source. The first piece is loaded at once, the others by
+    /// `loadMore`, or when a caller asks for all lines (`lineCount` and everything that depends on it): no
+    /// operation works with a part of a page. Otherwise as above.
+    /// \param front  the page without its lines
+    void loadLines(const QByteArray& front, std::unique_ptr<LineSource> source);
+    /// Loads the next piece. Returns false if all lines are loaded.
+    bool loadMore();
+    /// Returns whether `loadMore` has work that it does at once.
+    [[nodiscard]] bool isMoreReady() const { return rest && rest->isReady(); }
+    /// Returns whether all lines are loaded.
+    [[nodiscard]] bool isComplete() const { return !rest; }
     /// Returns the whole page as a browser saves it, in UTF-8: head and body tag as loaded, lines in
     /// canonical form.
     [[nodiscard]] QByteArray savePage() const;
@@ -76,7 +109,17 @@ public:
 
     // ---- lines
 
-    [[nodiscard]] int lineCount() const { return lines.size(); }
+    /// The number of lines. Loads all of them first.
+    [[nodiscard]] int lineCount() const
+    {
+        if (rest)
+            loadAll();
+        return lines.size();
+    }
+    /// The number of lines that are loaded, for the view.
+    [[nodiscard]] int loadedLineCount() const { return lines.size(); }
+    /// Returns whether a line with this index exists. Loads all lines only if it is not loaded yet.
+    [[nodiscard]] bool hasLine(int index) const { return index < lines.size() || index < lineCount(); }
     /// \param index  0 to `lineCount() - 1`
     [[nodiscard]] const Line& line(int index) const { return *lines[index]; }
     [[nodiscard]] const LinePtr& linePtr(int index) const { return lines[index]; }
@@ -203,6 +246,8 @@ private:
     }
     void reset(std::vector<LinePtr> newLines);
     [[nodiscard]] HtmlContent readFragment(QStringView html);
+    void loadAll() const;
+    [[nodiscard]] bool areAllLines(int count) const { return !hasLine(count); }
     Position replaceContent(Position from, Position to, std::vector<LinePtr> content, bool dropEmptyElements);
     Position replaceBlocks(int line, Cut from, Cut to, std::vector<LinePtr> content, bool openEnded);
     [[nodiscard]] TagId blockWithoutId(TagId block);
@@ -219,6 +264,8 @@ private:
     TagTable tagTable;
     LineStore lines;
     unsigned revision = 0; ///< Different after each change of the lines.
+    std::unique_ptr<LineSource> rest; ///< of the page that is being loaded
+    bool isLoading = false; ///< a piece is being added
     QString pageHead;
     TagId pageBody = NoTag;
     Selection currentSelection;

@@ -36,7 +36,7 @@ DisplayElement::DisplayElement(DisplayDocument& ofDocument, int ofLine, std::siz
 
 bool DisplayElement::exists() const
 {
-    if (!document || lineIndex < 0 || lineIndex >= document->lineCount())
+    if (!document || lineIndex < 0 || !document->hasLine(lineIndex))
         return false;
     const Line& line = document->line(lineIndex);
     if (isInline())

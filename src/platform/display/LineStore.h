@@ -32,6 +32,12 @@ public:
         gapSize = 0;
     }
 
+    /// Adds lines after all others.
+    void append(const std::vector<LinePtr>& newLines)
+    {
+        slots.insert(slots.end(), newLines.begin(), newLines.end());
+    }
+
     /// Takes the memory for inserting that many lines. The next `replace` by as many then cannot fail.
     void reserve(std::size_t inserted)
     {

@@ -37,11 +37,11 @@ Position MovedByCharacters(const DisplayDocument& document, Position place, int 
     const int length = int(document.line(place.line).text.size());
     if (place.offset + qint64(count) >= 0 && place.offset + qint64(count) <= length)
         target.offset += count;
-    else if (count == 1 && place.line + 1 < document.lineCount())
+    else if (count == 1 && document.hasLine(place.line + 1))
         target = {place.line + 1, 0};
     else if (count == -1 && place.line > 0)
         target = {place.line - 1, int(document.line(place.line - 1).text.size())};
-    else if (std::abs(qint64(count)) <= ShortWay && count > 0 && place.line + 1 < document.lineCount())
+    else if (std::abs(qint64(count)) <= ShortWay && count > 0 && document.hasLine(place.line + 1))
         return MovedByCharacters(document, {place.line + 1, 0}, count - (length - place.offset) - 1);
     else if (std::abs(qint64(count)) <= ShortWay && count < 0 && place.line > 0)
         return MovedByCharacters(document, {place.line - 1, int(document.line(place.line - 1).text.size())},

@@ -110,7 +110,7 @@ int TextSearch::lastIndexIn(const QString& text, int from) const
 std::optional<TextSearch::Hit> TextSearch::acrossBreaks(const DisplayDocument& document, int line) const
 {
     const int breaks = int(pieces.size()) - 1;
-    if (line + breaks >= document.lineCount())
+    if (!document.hasLine(line + breaks))
         return {};
     const QString& firstText = document.line(line).text;
     const auto start = int(firstText.size() - pieces.front().size());
@@ -144,7 +144,7 @@ bool TextSearch::isSeparateWord(const DisplayDocument& document, const Hit& hit)
 
 std::optional<TextSearch::Hit> TextSearch::findForward(const DisplayDocument& document, Position from) const
 {
-    for (int line = from.line; line < document.lineCount(); ++line) {
+    for (int line = from.line; document.hasLine(line); ++line) {
         const int begin = line == from.line ? from.offset : 0;
         if (pieces.size() > 1) {
             const auto hit = acrossBreaks(document, line);

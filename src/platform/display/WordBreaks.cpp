@@ -41,7 +41,7 @@ Position NextWordStart(const DisplayDocument& document, Position place)
 {
     const QString& text = document.line(place.line).text;
     if (place.offset >= text.size())
-        return place.line + 1 < document.lineCount() ? Position{place.line + 1, 0} : place;
+        return document.hasLine(place.line + 1) ? Position{place.line + 1, 0} : place;
     do
         ++place.offset;
     while (!IsWordStart(text, place.offset));

@@ -5,6 +5,7 @@
 #include "PageFile.h"
 
 #include <QAccessible>
+#include <QDeadlineTimer>
 #include <QGuiApplication>
 #include <QMimeData>
 #include <QPaintEvent>
@@ -14,7 +15,9 @@
 #include <QStyleHints>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -71,7 +74,17 @@ bool DisplayView::Navigate(const QString& target)
         return false;
     loading = true;
     pendingLocation = PathOfPage(target);
+    pendingLines.reset();
     QMetaObject::invokeMethod(this, &DisplayView::completeNavigation, Qt::QueuedConnection);
+    return true;
+}
+
+bool DisplayView::Navigate(const QString& target, QByteArray front, std::unique_ptr<LineSource> lines)
+{
+    if (!Navigate(target))
+        return false;
+    pendingFront = std::move(front);
+    pendingLines = std::move(lines);
     return true;
 }
 
@@ -82,7 +95,12 @@ void DisplayView::completeNavigation()
         return;
     pageLocation = std::exchange(pendingLocation, QString());
     editable = false;
-    content.loadPage(ReadPageFile(pageLocation));
+    if (pendingLines) {
+        content.loadLines(std::exchange(pendingFront, {}), std::move(pendingLines));
+        loadTimer.start(0, this);
+    } else {
+        content.loadPage(ReadPageFile(pageLocation));
+    }
     loading = false;
     if (events.ondocumentcomplete)
         events.ondocumentcomplete(pageLocation);
@@ -90,9 +108,24 @@ void DisplayView::completeNavigation()
     raise(events.onreadystatechange, event);
 }
 
+/// Loads the rest of the page for a few milliseconds.
+void DisplayView::loadSlice()
+{
+    constexpr std::chrono::milliseconds Slice(6);
+    constexpr int Wait = 2; // milliseconds, for the source
+    const QDeadlineTimer end(Slice);
+    while (content.isMoreReady() && !end.hasExpired())
+        content.loadMore();
+    if (content.isComplete())
+        loadTimer.stop();
+    else
+        loadTimer.start(content.isMoreReady() ? 0 : Wait, this);
+}
+
 void DisplayView::setPage(const QByteArray& html)
 {
     pendingLocation = QString();
+    pendingLines.reset();
     loading = false;
     pageLocation = u"about:blank"_s;
     content.loadPage(html);
@@ -166,6 +199,14 @@ void DisplayView::linesChanged(int first, const std::vector<LinePtr>& removed,
     if (QAccessible::isActive())
         ReportTextChange(*this, first, removed, inserted);
     Q_EMIT selectionOrTextChanged();
+}
+
+void DisplayView::linesLoaded(int first, const std::vector<LinePtr>& loaded)
+{
+    page.linesLoaded(first, int(loaded.size()));
+    scroller.linesChanged(first, 0, int(loaded.size()));
+    if (updateHolds == 0)
+        viewport()->update();
 }
 
 void DisplayView::selectionChanged()
@@ -468,6 +509,8 @@ void DisplayView::timerEvent(QTimerEvent* event)
         viewport()->update(caretRect().adjusted(-1, 0, CaretWidth + 1, 0));
     } else if (event->timerId() == dragTimer.timerId()) {
         scrollWhileDragging();
+    } else if (event->timerId() == loadTimer.timerId()) {
+        loadSlice();
     } else if (event->timerId() == idleTimer.timerId()) {
         settle();
         const bool more = page.measureFor(IdleSlice, scroller.anchor().place.line);

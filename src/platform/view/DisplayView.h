@@ -9,6 +9,7 @@
 #include <QAbstractScrollArea>
 #include <QBasicTimer>
 
+#include <memory>
 #include <optional>
 
 namespace vmk {
@@ -46,6 +47,10 @@ public:
     /// \param target  a path or a file URL
     /// \return false if `onbeforenavigate` has cancelled it
     bool Navigate(const QString& target);
+    /// The same for a page that exists already: the file is not read. Its lines are loaded in slices of the
+    /// event loop, the first ones before `ondocumentcomplete`.
+    /// \param front  the page without its lines
+    bool Navigate(const QString& target, QByteArray front, std::unique_ptr<LineSource> lines);
     /// Shows a page given as UTF-8 text, at once and without any event, with the location "about:blank".
     void setPage(const QByteArray& html);
     /// The path of the current page.
@@ -176,6 +181,7 @@ private:
     // DisplayListener
     void linesChanged(int first, const std::vector<LinePtr>& removed,
                       const std::vector<LinePtr>& inserted) override;
+    void linesLoaded(int first, const std::vector<LinePtr>& loaded) override;
     void selectionChanged() override;
     void documentReset() override;
 
@@ -186,6 +192,7 @@ private:
     bool raise(const DisplayEvents::Handler& handler, DisplayEvent& event);
     bool raiseMouse(const DisplayEvents::Handler& handler, QLatin1StringView type, const QMouseEvent& event);
     void completeNavigation();
+    void loadSlice();
 
     // ScrollerView
     [[nodiscard]] int visibleHeight() const override { return clientHeight(); }
@@ -236,6 +243,8 @@ private:
 
     QString pageLocation;
     QString pendingLocation;
+    QByteArray pendingFront;
+    std::unique_ptr<LineSource> pendingLines;
     bool loading = false;
     bool editable = false;
 
@@ -269,6 +278,7 @@ private:
     QBasicTimer blinkTimer;
     QBasicTimer dragTimer;
     QBasicTimer idleTimer;
+    QBasicTimer loadTimer; ///< while the page is not complete
 };
 
 } // namespace vmk

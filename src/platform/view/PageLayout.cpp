@@ -50,13 +50,18 @@ void PageLayout::setWidth(double width)
     longLines.clear();
     preeditLine.reset();
     placeFirstLine();
-    extents.assign(estimates(0, document.lineCount()));
+    extents.assign(estimates(0, document.loadedLineCount()));
 }
 
 void PageLayout::linesChanged(int first, int removed, int inserted)
 {
     preeditLine.reset();
     replaceLines(first, removed, inserted);
+}
+
+void PageLayout::linesLoaded(int first, int count)
+{
+    extents.replace(first, 0, estimates(first, count));
 }
 
 void PageLayout::replaceLines(int first, int removed, int inserted)
@@ -206,7 +211,7 @@ Position PageLayout::onRow(Position place, double x)
 Position PageLayout::next(Position place)
 {
     if (place.offset >= document.line(place.line).text.size())
-        return place.line + 1 < document.lineCount() ? Position{place.line + 1, 0} : place;
+        return document.hasLine(place.line + 1) ? Position{place.line + 1, 0} : place;
     return {place.line, layoutOf(place.line).nextCursorPosition(place.offset)};
 }
 
@@ -224,7 +229,7 @@ bool PageLayout::prepare(double top, double bottom)
     bool changed = false;
     int line = lineAt(top);
     auto y = double(lineTop(line));
-    for (; line < document.lineCount() && y < bottom; ++line) {
+    for (; line < document.loadedLineCount() && y < bottom; ++line) {
         const LineExtent before = extents.at(line);
         LineLayout& layout = layoutOf(line);
         layout.prepare(top - y, bottom - y);

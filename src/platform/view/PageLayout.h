@@ -43,6 +43,8 @@ public:
     void setWidth(double width);
     /// The document's lines have changed; see `DisplayListener::linesChanged`.
     void linesChanged(int first, int removed, int inserted);
+    /// The lines from `first` on, after all others, were loaded.
+    void linesLoaded(int first, int count);
 
     /// Sets the text of an input method at a position, which is not in the document yet; empty for none.
     void setPreedit(Position place, const QString& text);

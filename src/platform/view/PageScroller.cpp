@@ -30,7 +30,7 @@ void PageScroller::reset()
 
 void PageScroller::layoutReset()
 {
-    if (firstRow.place.line >= document.lineCount())
+    if (firstRow.place.line >= document.loadedLineCount())
         firstRow = {};
     unsettled = true;
 }
