@@ -1,6 +1,7 @@
 #include "BookOutline.h"
 
 #include "KeptLines.h"
+#include "TextFunctions.h"
 #include "XmlReference.h"
 #include "XmlSaxReader.h"
 
@@ -107,6 +108,9 @@ struct NameFacts
     int startBefore = 0, endBefore = 0, emptyBefore = 0;
 };
 
+/// The facts about mark-up that is no element.
+const NameFacts NoElement;
+
 /// The names of the elements that may be parts of words.
 std::vector<std::string> WordNames(const InLineTagSet& tags)
 {
@@ -196,6 +200,7 @@ private:
     enum class Kind
     {
         Declaration,
+        Comment,
         Start,
         Empty,
         End
@@ -205,7 +210,7 @@ private:
         Kind kind = Kind::Declaration;
         std::size_t start = 0;
         std::size_t end = 0;
-        const NameFacts* facts = nullptr;
+        const NameFacts* facts = &NoElement;
         bool isBare = false; ///< without attributes and white space
     };
     /// White space between two tags.
@@ -215,7 +220,7 @@ private:
     };
     struct Element
     {
-        const NameFacts* facts = nullptr;
+        const NameFacts* facts = &NoElement;
         std::size_t firstLine = 0; ///< of its content
         // As in `XmlSerializer`.
         bool mixed = false, hasContent = false, afterInLine = false, afterElement = false, touching = false,
@@ -228,6 +233,7 @@ private:
     };
 
     [[nodiscard]] bool readTag(std::size_t at, Tag& tag);
+    [[nodiscard]] bool readComment(std::size_t at, Tag& tag);
     [[nodiscard]] bool readEndTag(std::size_t at, Tag& tag);
     [[nodiscard]] bool readAttributes(std::size_t at, Tag& tag);
     [[nodiscard]] bool readAttribute(std::size_t& at);
@@ -239,12 +245,14 @@ private:
     [[nodiscard]] bool checkText(std::size_t at, std::size_t end);
     [[nodiscard]] bool checkCharacter(std::size_t& at, std::size_t end, bool inText) const;
     [[nodiscard]] bool checkReference(std::size_t& at, std::size_t end) const;
+    [[nodiscard]] bool checkReferenceInTag(std::size_t& at, std::size_t end) const;
 
     [[nodiscard]] static White whiteOf(std::string_view piece);
     [[nodiscard]] static int breaksOf(const Tag& tag);
     [[nodiscard]] bool lineEndsBetween(const White& white, const Tag& next) const;
-    void takeText(std::string_view piece, const Tag& next);
+    void takeText(std::string_view piece, bool withLines, const Tag& next);
     [[nodiscard]] bool takeWhite(const White& white, const Tag& next);
+    void takeComment(const White& white, const Tag& tag);
     [[nodiscard]] bool takeStart(const White& white, const Tag& tag);
     [[nodiscard]] bool takeEnd(const White& white, const Tag& tag);
     [[nodiscard]] bool closeWords(Element& element, bool isJoined);
@@ -258,7 +266,7 @@ private:
     std::vector<Element> open;
     Tag before;
     std::string joined; ///< the last text with line ends, joined
-    bool hasLines = false; ///< the last text contains line ends or tabs
+    bool hasLines = false; ///< the text checked last contains line ends or tabs
     std::size_t gapBreaks = 0; ///< gaps at which the editor's own rules end a line
     std::size_t lateBlanks = 0; ///< line ends between elements, which are blanks if text follows
     std::vector<std::string_view> prefixes; ///< of namespaces, declared by the root
@@ -285,25 +293,24 @@ bool Outliner::run(std::size_t start, std::size_t descriptionEnd)
         const bool isText = !std::ranges::all_of(piece, IsWhite);
         if (isText && (open.empty() || !checkText(from, next)))
             return false;
+        const bool textHasLines = isText && hasLines;
         if (next == text.size())
             return rootClosed && open.empty();
-        if (rootClosed)
-            return false;
-
         Tag tag;
         if (!readTag(next, tag) || (tag.facts->describes && next >= descriptionEnd))
             return false;
         White white;
         if (isText)
-            takeText(piece, tag);
+            takeText(piece, textHasLines, tag);
         else if (!takeWhite(white = whiteOf(piece), tag))
             return false;
-        if (tag.kind == Kind::End ? !takeEnd(white, tag) : !takeStart(white, tag))
+        if (tag.kind == Kind::Comment)
+            takeComment(white, tag);
+        else if (rootClosed || (tag.kind == Kind::End ? !takeEnd(white, tag) : !takeStart(white, tag)))
             return false;
         before = tag;
-        rootClosed = open.empty();
-        if (rootClosed)
-            outline.end = tag.end;
+        rootClosed = rootClosed || (open.empty() && tag.kind == Kind::End);
+        outline.end = tag.end;
     }
 }
 
@@ -368,6 +375,19 @@ bool Outliner::checkReference(std::size_t& at, std::size_t end) const
         return false;
     at += numeric->length;
     return true;
+}
+
+bool Outliner::checkReferenceInTag(std::size_t& at, std::size_t end) const
+{
+    const std::string_view rest = text.substr(at, end - at);
+    for (const std::string_view reference : {"&amp;", "&lt;", "&gt;"}) {
+        if (rest.starts_with(reference)) {
+            at += reference.size();
+            // An ampersand before the text of a reference has another form in a display.
+            return reference != "&amp;" || !IsTagReference(rest.substr(reference.size()));
+        }
+    }
+    return false;
 }
 
 /// Checks the character at `at` and moves to the next one.
@@ -454,6 +474,8 @@ bool Outliner::readTag(std::size_t at, Tag& tag)
     tag.start = at;
     if (at + 1 < text.size() && text[at + 1] == '/')
         return readEndTag(at + 2, tag);
+    if (text.substr(at).starts_with("<!--"))
+        return readComment(at, tag);
     if (at + 1 >= text.size() || !IsNameStart(text[at + 1]))
         return false;
     const std::size_t end = nameEnd(at + 1);
@@ -472,6 +494,30 @@ bool Outliner::readTag(std::size_t at, Tag& tag)
     if (!attributes.empty() && !checkAttributes(isRoot))
         return false;
     return isKnownPrefix(name);
+}
+
+/// Reads a comment without mark-up and references.
+bool Outliner::readComment(std::size_t at, Tag& tag)
+{
+    constexpr std::size_t FrontLength = 4;
+    const std::size_t from = at + FrontLength;
+    const std::size_t end = text.find("--", from);
+    if (end == None || text.substr(end, 3) != "-->")
+        return false;
+    const std::string_view piece = text.substr(from, end - from);
+    if (piece.find('&') != None || !checkText(from, end))
+        return false;
+    // The update of the description treats a comment with one of its names in another way.
+    const std::string lower = LowerCase(std::string(piece));
+    if (lower.find("author") != None
+        || std::ranges::any_of(DescriptionNames,
+                               [&lower](std::string_view name) { return lower.find(name) != None; }))
+        return false;
+    tag.kind = Kind::Comment;
+    tag.end = end + 3;
+    if (hasLines)
+        outline.joinedWords += JoinComment(text.substr(at, tag.end - at), joined);
+    return true;
 }
 
 /// \param at  the position of the name
@@ -547,14 +593,14 @@ bool Outliner::readAttribute(std::size_t& at)
     return checkValue(attributes.back().value);
 }
 
-/// Checks a value: without references, mark-up, quotes, and white space that a parser would change.
+/// Checks a value: without mark-up, quotes, and white space that a parser would change.
 bool Outliner::checkValue(std::string_view value) const
 {
     if (value.ends_with('=') || value.find("  ") != None)
         return false;
     auto at = static_cast<std::size_t>(value.data() - text.data());
     for (const std::size_t end = at + value.size(); at < end;) {
-        if (!checkCharacter(at, end, false))
+        if (text[at] != '&' ? !checkCharacter(at, end, false) : !checkReferenceInTag(at, end))
             return false;
     }
     return true;
@@ -627,7 +673,7 @@ bool Outliner::lineEndsBetween(const White& white, const Tag& next) const
     int breaks = breaksOf(before);
     if (breaks == 0)
         breaks = white.tab ? 0 : 1;
-    if (breaks > 0 && before.isBare && before.facts != nullptr)
+    if (breaks > 0 && before.isBare)
         breaks -= before.kind == Kind::Start ? before.facts->startAfter
             : before.kind == Kind::End       ? before.facts->endAfter
                                              : before.facts->emptyAfter;
@@ -639,9 +685,9 @@ bool Outliner::lineEndsBetween(const White& white, const Tag& next) const
 }
 
 /// Handles the text between the last tag and the next one.
-void Outliner::takeText(std::string_view piece, const Tag& next)
+void Outliner::takeText(std::string_view piece, bool withLines, const Tag& next)
 {
-    if (hasLines) {
+    if (withLines) {
         const TextSides sides{before.kind != Kind::Start || before.facts->isInLineWord,
                               next.kind != Kind::End || next.facts->isInLineWord};
         outline.joinedWords += JoinText(piece, sides, joined);
@@ -679,6 +725,20 @@ bool Outliner::takeWhite(const White& white, const Tag& next)
     ++lateBlanks;
     // Whether the two elements count as adjacent depends on the elements around them.
     return !parent.facts->isText;
+}
+
+void Outliner::takeComment(const White& white, const Tag& tag)
+{
+    if (open.empty())
+        return addLine(tag.start, 0);
+    Element& parent = open.back();
+    parent.wordsContent = true;
+    parent.wordsAfter = false;
+    settleWhite(parent, white, tag);
+    parent.hasContent = true;
+    if (!parent.mixed)
+        addLine(tag.start, open.size());
+    parent.afterInLine = parent.afterElement = false;
 }
 
 bool Outliner::takeStart(const White& white, const Tag& tag)
@@ -824,6 +884,32 @@ std::size_t JoinText(std::string_view text, TextSides sides, std::string& joined
     if (lineEnded && !endsWhite() && sides.wordAfter) {
         joined += ' ';
         ++words;
+    }
+    return words;
+}
+
+std::size_t JoinComment(std::string_view comment, std::string& joined)
+{
+    constexpr std::size_t FrontLength = 4;
+    constexpr std::size_t EndLength = 3;
+    const std::size_t back = comment.size() - EndLength;
+    joined.clear();
+    std::size_t words = 0;
+    bool lineEnded = false;
+    for (std::size_t i = 0; i < comment.size(); ++i) {
+        const char c = comment[i];
+        if (c == '\r' || c == '\n') {
+            lineEnded = true;
+            continue;
+        }
+        const bool atEdge = joined.size() <= FrontLength || i >= back;
+        if (lineEnded && !IsWhite(c) && !joined.ends_with(' ') && !joined.ends_with('\t') && !atEdge) {
+            joined += ' ';
+            ++words;
+        }
+        if (c != ' ' || !joined.ends_with(' '))
+            joined += c;
+        lineEnded = lineEnded && c == ' ';
     }
     return words;
 }

@@ -16,8 +16,8 @@ namespace vmk {
 ///
 /// An outline exists only for a text in common form. In this form one pass over the bytes shows that the text
 /// is well-formed and where its lines begin: UTF-8 with an XML declaration, elements with names in ASCII,
-/// attributes without references, and no comment, CDATA section, instruction, document type, or ">" in the
-/// text. All other texts are read by the parser (`KeptTreeOfBook`), with the same result.
+/// and no CDATA section, instruction, document type, or ">" in a text, value or comment. All other texts are
+/// read by the parser (`KeptTreeOfBook`), with the same result.
 struct BookOutline
 {
     struct LineStart
@@ -49,6 +49,9 @@ struct TextSides
 /// \param joined  receives the result
 /// \return the number of such line ends
 std::size_t JoinText(std::string_view text, TextSides sides, std::string& joined);
+
+/// Joins the lines of a comment, given with its brackets, in the same way.
+std::size_t JoinComment(std::string_view comment, std::string& joined);
 
 /// Returns the outline of a text, or nothing if it is not in common form.
 /// \param text   the whole text of a book, without its pictures

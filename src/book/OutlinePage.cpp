@@ -61,6 +61,7 @@ private:
     void writeText(std::string_view text);
     void writeWhite(std::string_view white);
     void writeReference(std::string_view text, std::size_t& at);
+    std::size_t writeComment(std::string_view line, std::size_t at);
     std::size_t writeTag(std::string_view line, std::size_t at);
     [[nodiscard]] std::size_t emptyEnd(std::string_view line, std::size_t at, std::string_view name) const;
     void writeAttribute(std::string_view name, std::string_view value);
@@ -77,7 +78,7 @@ void OutlineWriter<Sink>::write(std::string_view piece)
 {
     for (std::size_t at = 0; at < piece.size();) {
         if (piece[at] == '<') {
-            at = writeTag(piece, at);
+            at = piece[at + 1] == '!' ? writeComment(piece, at) : writeTag(piece, at);
             continue;
         }
         const std::size_t next = std::min(piece.find('<', at), piece.size());
@@ -165,6 +166,22 @@ void OutlineWriter<Sink>::writeWhite(std::string_view white)
     }
     if (!kept.empty())
         sink.white(kept);
+}
+
+template <class Sink>
+std::size_t OutlineWriter<Sink>::writeComment(std::string_view line, std::size_t at)
+{
+    const std::size_t end = line.find('>', at) + 1;
+    std::string_view comment = line.substr(at, end - at);
+    if (comment.find_first_of("\t\r\n") != None) {
+        JoinComment(comment, joined);
+        comment = Sink::spaced(joined);
+    }
+    sink.startComment();
+    writeText(comment.substr(1, comment.size() - 2));
+    sink.endComment();
+    openTag = None;
+    return end;
 }
 
 /// Writes the tag at `at`, and its end tag if that follows; returns the position after it.
@@ -281,6 +298,8 @@ public:
     void ampersand() { page += "&amp;"; }
     void startTag() { page += paint.start; }
     void endTag() { page += paint.end; }
+    void startComment() { page += CommentStart; }
+    void endComment() { page += CommentEnd; }
     void startName() { page += NameStart; }
     void startValue() { page += ValueStart; }
     void endMark() { page += FontEnd; }
@@ -303,10 +322,11 @@ std::string LineStart(std::size_t depth, const DisplayValues& values)
 class LineSink
 {
 public:
-    LineSink(TagId tag, TagId name, TagId value)
+    LineSink(TagId tag, TagId name, TagId value, TagId comment)
         : tagMark(tag)
         , nameMark(name)
         , valueMark(value)
+        , commentMark(comment)
     {
     }
 
@@ -328,9 +348,23 @@ public:
         if (tagMark != NoTag)
             marks.push_back(Mark::closing(position(), tagMark));
     }
+    void startComment()
+    {
+        start(commentMark);
+        units.push_back(u'<');
+    }
+    void endComment()
+    {
+        units.push_back(u'>');
+        endMark();
+    }
     void startName() { start(nameMark); }
     void startValue() { start(valueMark); }
-    void endMark() { marks.push_back(Mark::closing(position(), marks.back().tag)); }
+    void endMark()
+    {
+        const TagId tag = marks.back().tag;
+        marks.push_back(Mark::closing(position(), tag));
+    }
 
     /// Returns the line and begins the next one.
     [[nodiscard]] LinePtr take(TagId block);
@@ -342,6 +376,7 @@ private:
     const TagId tagMark;
     const TagId nameMark;
     const TagId valueMark;
+    const TagId commentMark;
     std::u16string units;
     std::vector<Mark> marks;
 };
@@ -454,6 +489,7 @@ OutlineLines::OutlineLines(std::shared_ptr<const OutlinedText> outlined, const D
         tagMark = tags.intern(u"B", {});
     nameMark = tags.intern(u"FONT", u" class=n");
     valueMark = tags.intern(u"FONT", u" class=v");
+    commentMark = tags.intern(u"SPAN", u" class=c");
     firstBlock = tags.intern(u"DIV", u" id=FirstDiv");
     for (std::size_t depth = 0; depth <= book->outline.deepest; ++depth) {
         const std::string start = LineStart(depth, values);
@@ -467,7 +503,7 @@ std::vector<LinePtr> OutlineLines::make(std::size_t first, std::size_t last) con
 {
     std::vector<LinePtr> lines;
     lines.reserve(last - first);
-    LineSink sink(tagMark, nameMark, valueMark);
+    LineSink sink(tagMark, nameMark, valueMark, commentMark);
     OutlineWriter<LineSink> writer(sink, paintsAttributes, book->outline);
     for (std::size_t i = first; i < last; ++i) {
         writer.write(book->line(i));

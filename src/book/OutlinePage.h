@@ -64,6 +64,7 @@ private:
     TagId tagMark = NoTag; ///< around the tags of the book; `NoTag` if they are not painted
     TagId nameMark = NoTag;
     TagId valueMark = NoTag;
+    TagId commentMark = NoTag;
     bool paintsAttributes = false;
 };
 

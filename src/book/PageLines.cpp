@@ -22,8 +22,6 @@ constexpr std::array<std::string_view, 10> PaintedNames
 /// Only the names are painted: their values keep the tag's colour.
 constexpr std::array<std::string_view, 2> NamespaceNames = {" xmlns=", " xmlns:l="};
 
-constexpr std::string_view CommentStart = "<SPAN class=c>&lt;";
-constexpr std::string_view CommentEnd = "&gt;</SPAN>";
 /// Replace the brackets of a comment. If the text contains them itself, they are painted as brackets.
 constexpr char CommentStartMark = 3;
 constexpr char CommentEndMark = 4;

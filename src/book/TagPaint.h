@@ -10,6 +10,9 @@ namespace vmk {
 inline constexpr std::string_view NameStart = "<FONT class=n>";
 inline constexpr std::string_view ValueStart = "<FONT class=v>";
 inline constexpr std::string_view FontEnd = "</FONT>";
+// The brackets of a comment.
+inline constexpr std::string_view CommentStart = "<SPAN class=c>&lt;";
+inline constexpr std::string_view CommentEnd = "&gt;</SPAN>";
 
 /// The display of a tag of the book: the marks that represent its angle brackets.
 struct TagPaint
