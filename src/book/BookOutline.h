@@ -38,21 +38,6 @@ struct BookOutline
     std::size_t movedElements = 0;
 };
 
-/// Whether the text beside a text continues it: in-line elements do, and all tags that do not enclose it.
-struct TextSides
-{
-    bool wordBefore = false;
-    bool wordAfter = false;
-};
-
-/// Joins the lines of a text between two tags: a line end between two words becomes a blank.
-/// \param joined  receives the result
-/// \return the number of such line ends
-std::size_t JoinText(std::string_view text, TextSides sides, std::string& joined);
-
-/// Joins the lines of a comment, given with its brackets, in the same way.
-std::size_t JoinComment(std::string_view comment, std::string& joined);
-
 /// Returns the outline of a text, or nothing if it is not in common form.
 /// \param text   the whole text of a book, without its pictures
 /// \param start  the position after the XML declaration

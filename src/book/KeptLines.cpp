@@ -28,6 +28,18 @@ constexpr bool IsWhite(char c)
     return c == ' ' || c == '\t' || IsLineEnd(c);
 }
 
+/// Appends a character; a run of blanks becomes one.
+void Put(char c, std::string& joined)
+{
+    if (c != ' ' || (!joined.empty() && joined.back() != ' '))
+        joined += c;
+}
+
+bool EndsWhite(std::string_view joined)
+{
+    return joined.empty() || joined.back() == ' ' || joined.back() == '\t';
+}
+
 /// Joins the lines of a text and records where it may be broken again.
 class LineJoiner
 {
@@ -69,8 +81,7 @@ private:
     void takeText(const MarkupToken& token, const MarkupToken* before, const MarkupToken* after);
     void takeWhite(const MarkupToken& token, const MarkupToken* before, const MarkupToken* after);
     void takeTag(std::string_view tag);
-    void takeRaw(const MarkupToken& token);
-    void put(char c);
+    void put(char c) { Put(c, joined); }
     void putBlank();
     void endMarkup(const MarkupToken& token, const MarkupToken* after);
     void openElement(const MarkupToken& token);
@@ -79,10 +90,7 @@ private:
     [[nodiscard]] bool isInLine(const MarkupToken& token) const;
     [[nodiscard]] bool partsAfter(const MarkupToken* before) const;
     [[nodiscard]] bool partsBefore(const MarkupToken* after) const;
-    [[nodiscard]] bool endsWhite() const
-    {
-        return joined.empty() || joined.back() == ' ' || joined.back() == '\t';
-    }
+    [[nodiscard]] bool endsWhite() const { return EndsWhite(joined); }
 
     std::string_view text;
     LineLosses& losses;
@@ -136,17 +144,10 @@ void LineJoiner::take(const MarkupToken& token, const MarkupToken* before, const
     if (token.isTag())
         takeTag(token.text);
     else
-        takeRaw(token);
+        losses.joinedWords += AppendJoinedMarkup(token.text, joined);
     if (token.kind == Kind::StartTag)
         openElement(token);
     endMarkup(token, after);
-}
-
-void LineJoiner::put(char c)
-{
-    if (c == ' ' && (joined.empty() || joined.back() == ' '))
-        return;
-    joined += c;
 }
 
 /// Inserts a blank for line ends that separate two words.
@@ -183,21 +184,7 @@ void LineJoiner::takeText(const MarkupToken& token, const MarkupToken* before, c
         open.back().hasText = open.back().hasContent = true;
         open.back().afterElement = false;
     }
-    bool lineEnded = false;
-    bool first = true;
-    for (const char c : token.text) {
-        if (IsLineEnd(c)) {
-            lineEnded = true;
-            continue;
-        }
-        if (lineEnded && !IsWhite(c) && !endsWhite() && (!first || partsAfter(before)))
-            putBlank();
-        put(c);
-        first = first && IsWhite(c);
-        lineEnded = lineEnded && c == ' ';
-    }
-    if (lineEnded && !endsWhite() && partsBefore(after))
-        putBlank();
+    losses.joinedWords += AppendJoinedText(token.text, {partsAfter(before), partsBefore(after)}, joined);
 }
 
 /// Handles white space between two pieces of mark-up.
@@ -265,29 +252,6 @@ void LineJoiner::takeTag(std::string_view tag)
         else if (c == quote)
             quote = 0;
         solid = IsWhite(c) ? solid : c;
-    }
-}
-
-/// Handles a comment or similar: its line ends become blanks if they are between words.
-void LineJoiner::takeRaw(const MarkupToken& token)
-{
-    const bool isCData = token.kind == Kind::CData;
-    const size_t frontLength = token.kind == Kind::Comment ? 4 : 2;
-    const size_t backLength = token.kind == Kind::Comment ? 3 : token.kind == Kind::DocType ? 1 : 2;
-    const size_t back = token.text.size() - backLength;
-    const size_t start = joined.size();
-    bool lineEnded = false;
-    for (size_t i = 0; i < token.text.size(); ++i) {
-        const char c = token.text[i];
-        if (IsLineEnd(c)) {
-            lineEnded = true;
-            continue;
-        }
-        const bool atEdge = joined.size() <= start + frontLength || i >= back;
-        if (lineEnded && !IsWhite(c) && !endsWhite() && (isCData || !atEdge))
-            putBlank();
-        put(c);
-        lineEnded = lineEnded && c == ' ';
     }
 }
 
@@ -406,6 +370,59 @@ std::string LineAssembler::run(const InLineTagSet& inLineTags)
 }
 
 } // namespace
+
+size_t AppendJoinedText(std::string_view text, TextSides sides, std::string& joined)
+{
+    size_t words = 0;
+    bool lineEnded = false;
+    bool first = true;
+    for (const char c : text) {
+        if (IsLineEnd(c)) {
+            lineEnded = true;
+            continue;
+        }
+        if (lineEnded && !IsWhite(c) && !EndsWhite(joined) && (!first || sides.wordBefore)) {
+            joined += ' ';
+            ++words;
+        }
+        Put(c, joined);
+        first = first && IsWhite(c);
+        lineEnded = lineEnded && c == ' ';
+    }
+    if (lineEnded && !EndsWhite(joined) && sides.wordAfter) {
+        joined += ' ';
+        ++words;
+    }
+    return words;
+}
+
+size_t AppendJoinedMarkup(std::string_view markup, std::string& joined)
+{
+    const bool isCData = markup.starts_with("<![CDATA[");
+    const bool isComment = markup.starts_with("<!--");
+    const bool isDocType = markup.starts_with("<!DOCTYPE");
+    const size_t frontLength = isComment ? 4 : 2;
+    const size_t backLength = isComment ? 3 : isDocType ? 1 : 2;
+    const size_t back = markup.size() - backLength;
+    const size_t start = joined.size();
+    size_t words = 0;
+    bool lineEnded = false;
+    for (size_t i = 0; i < markup.size(); ++i) {
+        const char c = markup[i];
+        if (IsLineEnd(c)) {
+            lineEnded = true;
+            continue;
+        }
+        const bool atEdge = joined.size() <= start + frontLength || i >= back;
+        if (lineEnded && !IsWhite(c) && !EndsWhite(joined) && (isCData || !atEdge)) {
+            joined += ' ';
+            ++words;
+        }
+        Put(c, joined);
+        lineEnded = lineEnded && c == ' ';
+    }
+    return words;
+}
 
 std::vector<std::string> TextElementNames(const InLineTagSet& inLineTags)
 {

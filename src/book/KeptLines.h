@@ -20,6 +20,20 @@ struct LineLosses
     friend bool operator==(const LineLosses&, const LineLosses&) = default;
 };
 
+/// Whether the mark-up beside a text may be a part of the words there.
+struct TextSides
+{
+    bool wordBefore = false;
+    bool wordAfter = false;
+};
+
+/// Appends a text to a joined one, with its lines joined: a line end between two words becomes a blank.
+/// \return the number of such line ends
+size_t AppendJoinedText(std::string_view text, TextSides sides, std::string& joined);
+
+/// Appends a comment, a CDATA section, an instruction or a document type in the same way.
+size_t AppendJoinedMarkup(std::string_view markup, std::string& joined);
+
 /// Returns the names of the elements that contain text in this format, including the in-line elements.
 [[nodiscard]] std::vector<std::string> TextElementNames(const InLineTagSet& inLineTags);
 

@@ -1,5 +1,6 @@
 #include "OutlinePage.h"
 
+#include "KeptLines.h"
 #include "NonBreakingSpace.h"
 #include "XmlReference.h"
 
@@ -97,8 +98,9 @@ std::string_view OutlineWriter<Sink>::joinedText(std::string_view line, std::siz
 {
     const bool beforeEnd = line[to + 1] == '/';
     const TextSides sides{openTag == None || isWord(line, openTag + 1), !beforeEnd || isWord(line, to + 2)};
-    JoinText(line.substr(from, to - from), sides, joined);
-    return Sink::spaced(joined);
+    joined = '>';
+    AppendJoinedText(line.substr(from, to - from), sides, joined);
+    return Sink::spaced(joined).substr(1);
 }
 
 /// Whether the element whose name is at a position may be part of a word.
@@ -174,8 +176,9 @@ std::size_t OutlineWriter<Sink>::writeComment(std::string_view line, std::size_t
     const std::size_t end = line.find('>', at) + 1;
     std::string_view comment = line.substr(at, end - at);
     if (comment.find_first_of("\t\r\n") != None) {
-        JoinComment(comment, joined);
-        comment = Sink::spaced(joined);
+        joined = '>';
+        AppendJoinedMarkup(comment, joined);
+        comment = Sink::spaced(joined).substr(1);
     }
     sink.startComment();
     writeText(comment.substr(1, comment.size() - 2));
@@ -434,8 +437,7 @@ void LineSink::character(std::uint32_t c)
 LinePtr LineSink::take(TagId block)
 {
     const QStringView text(units.data(), static_cast<qsizetype>(units.size()));
-    LinePtr line = std::make_shared<const Line>(
-        Line{block, text.toString(), std::vector<Mark>(marks.begin(), marks.end())});
+    LinePtr line = MakeLine(Line{block, text.toString(), std::vector<Mark>(marks.begin(), marks.end())});
     units.clear();
     marks.clear();
     return line;

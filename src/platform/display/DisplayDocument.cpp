@@ -533,9 +533,9 @@ void DisplayDocument::deleteForward()
     if (!currentSelection.isEmpty())
         return eraseSelection();
     const Position from = currentSelection.focus;
-    if (from == end())
-        return;
     const QString& text = line(from.line).text;
+    if (from.offset == text.size() && !hasLine(from.line + 1))
+        return;
     const bool isPair = from.offset + 1 < text.size() && text[from.offset].isHighSurrogate()
         && text[from.offset + 1].isLowSurrogate();
     const Position to = from.offset == text.size() ? Position{from.line + 1, 0}

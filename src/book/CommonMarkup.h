@@ -1,0 +1,97 @@
+#pragma once
+
+#include "ElementFacts.h"
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+namespace vmk {
+
+[[nodiscard]] constexpr bool IsXmlWhite(char c)
+{
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+[[nodiscard]] constexpr bool IsTagNameStart(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+}
+
+[[nodiscard]] constexpr bool IsTagNameByte(char c)
+{
+    return IsTagNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.' || c == ':';
+}
+
+/// One tag or comment.
+struct CommonToken
+{
+    enum class Kind
+    {
+        Declaration,
+        Comment,
+        Start,
+        Empty,
+        End
+    };
+
+    Kind kind = Kind::Declaration;
+    std::size_t start = 0; ///< in the text, in bytes
+    std::size_t end = 0;
+    const ElementFacts* facts = &NoElement;
+    bool isBare = false; ///< without attributes and white space
+    bool hasLines = false; ///< a comment of several lines
+};
+
+/// Reads the tags, comments and texts of a book in common form (`BookOutline`), and checks that a parser
+/// accepts them. Every function returns false if they are not in this form.
+class CommonMarkup
+{
+public:
+    /// \param showsNbsp  non-breaking spaces are visible in the display
+    CommonMarkup(std::string_view source, const InLineTagSet& inLineTags, bool showsNbsp)
+        : text(source)
+        , showNbsp(showsNbsp)
+        , elements(inLineTags)
+    {
+    }
+
+    /// Reads the tag or comment whose "<" is at `at`.
+    /// \param around  the innermost open element; null before the root
+    [[nodiscard]] bool readToken(std::size_t at, const ElementFacts* around, CommonToken& token);
+    /// Checks a text that is not blank.
+    /// \param hasLines  set to true if it contains line ends or tabs
+    [[nodiscard]] bool checkText(std::size_t at, std::size_t end, bool& hasLines) const;
+
+private:
+    struct Attribute
+    {
+        std::string_view name;
+        std::string_view value;
+    };
+
+    [[nodiscard]] bool readComment(std::size_t at, CommonToken& token) const;
+    [[nodiscard]] bool readEndTag(std::size_t at, const ElementFacts& element, CommonToken& token) const;
+    [[nodiscard]] bool readAttributes(std::size_t at, CommonToken& token);
+    [[nodiscard]] bool readAttribute(std::size_t& at);
+    [[nodiscard]] bool readWhiteInTag(std::size_t& at) const;
+    [[nodiscard]] std::size_t nameEnd(std::size_t at) const;
+    [[nodiscard]] bool isKnownPrefix(std::string_view name) const;
+    [[nodiscard]] bool checkAttributes(bool isRoot);
+    [[nodiscard]] bool takePrefix(const Attribute& attribute, bool isRoot);
+    [[nodiscard]] bool isUnique(std::size_t index) const;
+    [[nodiscard]] bool checkValue(std::string_view value) const;
+    [[nodiscard]] std::size_t skipPlain(std::size_t at, std::size_t end) const;
+    [[nodiscard]] bool checkCharacter(std::size_t& at, std::size_t end, bool inText) const;
+    [[nodiscard]] bool checkLongCharacter(std::size_t& at, std::size_t end) const;
+    [[nodiscard]] bool checkReference(std::size_t& at, std::size_t end) const;
+    [[nodiscard]] bool checkReferenceInTag(std::size_t& at, std::size_t end) const;
+
+    std::string_view text;
+    const bool showNbsp;
+    ElementTable elements;
+    std::vector<std::string_view> prefixes; ///< of namespaces, declared by the root
+    std::vector<Attribute> attributes; ///< of the current tag
+};
+
+} // namespace vmk
