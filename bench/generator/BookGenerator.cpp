@@ -71,6 +71,7 @@ constexpr std::array Genres
        "sci_history"sv, "children"sv,    "humor_prose"sv,   "nonf_biography"sv, "unrecognised"sv};
 constexpr std::array FirstNames = {"Анна"sv, "Пётр"sv, "Мария"sv, "John"sv, "Ødegård"sv, "Илья"sv};
 constexpr std::array LastNames = {"Речной"sv, "Калинина"sv, "Smith-Jones"sv, "Щукин"sv, "Müller"sv};
+constexpr std::array PlainMarks = {"strong"sv, "emphasis"sv, "strikethrough"sv, "sub"sv, "sup"sv, "sup"sv};
 constexpr std::array Marks = {"strong"sv, "emphasis"sv, "strikethrough"sv, "sub"sv, "sup"sv, "code"sv};
 constexpr std::array Aligns = {"left"sv, "right"sv, "center"sv};
 constexpr std::array VerticalAligns = {"top"sv, "middle"sv, "bottom"sv};
@@ -253,14 +254,14 @@ std::string BookWriter::inLine(int depth, bool insideLink)
     const int kind = chance.between(1, 20);
     if (depth > 3 || kind <= 8)
         return words(1, 5);
-    if (kind == 9)
+    if (kind == 9 && plan.movable)
         return "<image l:href=\"" + picture() + "\" alt=\"" + words(1, 2) + "\"/>";
     if (kind <= 12 && !insideLink)
         return link();
     if (kind == 13)
         return "<style name=\"own\">" + inLine(depth + 1, insideLink) + "</style>";
     const std::string name(chance.percent(70) ? chance.oneOf(std::array{"strong"sv, "emphasis"sv})
-                                              : chance.oneOf(Marks));
+                                              : chance.oneOf(plan.movable ? Marks : PlainMarks));
     return "<" + name + (insideLink ? "" : langSometimes()) + ">" + inLine(depth + 1, insideLink) + "</"
         + name + ">";
 }
@@ -514,7 +515,7 @@ void BookWriter::textBlocksOnce()
     put("<empty-line/>");
     table();
     std::string marked;
-    for (const std::string_view mark : Marks) {
+    for (const std::string_view mark : plan.movable ? Marks : PlainMarks) {
         const std::string name(mark);
         marked += "<" + name + ">" + words(1, 3) + "</" + name + "> ";
     }

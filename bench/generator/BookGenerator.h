@@ -15,6 +15,8 @@ struct BookPlan
     /// "windows-1252". Characters that are not in the encoding are written as numeric references.
     std::string encoding = "utf-8";
     std::string lineEnd = "\n";
+    /// With elements in the text that loading by the editor's own rules would move to other lines.
+    bool movable = true;
     bool pictures = true; ///< about an eighth of the size, and at least one
 };
 

@@ -8,9 +8,12 @@
 
 namespace {
 
-constexpr char Usage[] = "usage: make_book SIZE[K|M] [--seed N] [--encoding E] [--crlf] [--no-pictures]\n"
-                         "Writes a valid book of about SIZE bytes to standard output.\n"
-                         "E: utf-8, utf-16, windows-1250, windows-1251, windows-1252\n";
+constexpr char Usage[]
+    = "usage: make_book SIZE[K|M] [--seed N] [--encoding E] [--crlf] [--no-pictures]\n"
+      "                 [--no-movable]\n"
+      "Writes a valid book of about SIZE bytes to standard output; without movable elements,\n"
+      "it is loaded without a question.\n"
+      "E: utf-8, utf-16, windows-1250, windows-1251, windows-1252\n";
 
 std::optional<size_t> ParseSize(const char* text)
 {
@@ -40,6 +43,8 @@ std::optional<vmk::BookPlan> ParseArguments(int count, char** arguments)
             plan.lineEnd = "\r\n";
         else if (option == "--no-pictures")
             plan.pictures = false;
+        else if (option == "--no-movable")
+            plan.movable = false;
         else if (option == "--seed" && i + 1 < count)
             plan.seed = static_cast<uint32_t>(std::strtoul(arguments[++i], nullptr, 10));
         else if (option == "--encoding" && i + 1 < count && vmk::IsBookEncoding(arguments[i + 1]))

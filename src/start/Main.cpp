@@ -98,9 +98,12 @@ public:
 
 /// A signal ends the program as closing the window does. The end of the desktop session keeps the unsaved
 /// text; the desktop then closes the window, or not if another program cancels the end.
-void EndWithoutLoss(QApplication& application, const std::unique_ptr<vmk::Form1>& mainWindow)
+/// \param isEnded  set at a signal: one that arrives at a question of the start leaves only the loop of its
+/// box
+void EndWithoutLoss(QApplication& application, const std::unique_ptr<vmk::Form1>& mainWindow, bool& isEnded)
 {
-    const auto end = [&mainWindow] {
+    const auto end = [&mainWindow, &isEnded] {
+        isEnded = true;
         // Without memory for the text, which its journal has, the program ends without a question.
         try {
             vmk::KeepUnsavedText();
@@ -156,7 +159,8 @@ int main(int argc, char* argv[])
         mainWindow->Load();
     });
 
-    EndWithoutLoss(application, mainWindow);
+    bool isEnded = false;
+    EndWithoutLoss(application, mainWindow, isEnded);
 
     // The toolkit has removed its own options from them. Its list of arguments replaces the bytes of a name
     // that are not UTF-8.
@@ -164,7 +168,7 @@ int main(int argc, char* argv[])
     for (int i = 1; i < argc; ++i)
         arguments.append(vmk::DecodeFileName(argv[i]));
     const QString commandText = vmk::CommandText(arguments);
-    const int result = vmk::RunStart(commandText) ? QApplication::exec() : 0;
+    const int result = vmk::RunStart(commandText) && !isEnded ? QApplication::exec() : 0;
     vmk::CommLineInfoF::Unload();
     return result;
 }

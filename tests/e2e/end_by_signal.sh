@@ -31,4 +31,11 @@ for signal in TERM HUP; do
         failures=$((failures + 1))
     fi
 done
+
+# The question about losses is open, before the program's own event loop has begun.
+has_question() { [ "$(windows '^Vellumark$' | wc -l)" -ge 2 ]; }
+launch "$folder/book.fb2"
+wait_until 60 has_question || { echo "FAILED: there was no question"; failures=$((failures + 1)); }
+kill -TERM "$program"
+wait_for_end "$program" || { echo "FAILED: the program did not end at its question"; failures=$((failures + 1)); }
 [ "$failures" = 0 ]
