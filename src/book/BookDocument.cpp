@@ -21,10 +21,11 @@ bool BookToDocument(std::string bytes, DisplayDocument& document)
 void ShowDisplay(BookDisplay display, DisplayDocument& document)
 {
     if (display.outline) {
+        constexpr std::size_t FirstLines = 1'000;
         const std::string front = PageWithoutLines(display.values);
         OutlineLines lines(std::move(display.outline), display.values, document.tags());
         document.loadLines(QByteArray::fromStdString(front),
-                           std::make_unique<OutlineSource>(std::move(lines), 0));
+                           std::make_unique<OutlineSource>(std::move(lines), FirstLines));
         static_cast<void>(document.lineCount()); // loads all lines
     } else {
         document.loadPage(QByteArray::fromRawData(display.page.data(), qsizetype(display.page.size())));

@@ -15,7 +15,7 @@ constexpr std::size_t LinesOfPiece = 2'000;
 OutlineSource::OutlineSource(OutlineLines outlineLines, std::size_t first)
     : lines(std::move(outlineLines))
 {
-    const std::size_t end = std::min(first, lines.count());
+    const std::size_t end = std::clamp<std::size_t>(first, 1, lines.count());
     pieces.push_back(lines.make(0, end));
     try {
         thread = std::jthread([this, end](const std::stop_token& stop) { work(stop, end); });

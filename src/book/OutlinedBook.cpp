@@ -185,8 +185,12 @@ std::optional<OutlinedBook> ReadOutlinedBook(std::string& bytes, bool showNbsp,
     book.losses.lines.joinedWords = book.text->outline.joinedWords;
     book.losses.lines.tornTexts = book.text->outline.tornTexts;
     book.losses.movedElements = book.text->outline.movedElements;
-    if (!isUtf8)
+    if (!isUtf8) {
+        // The pictures are kept in the encoding of the book.
+        std::string rest = bytes;
+        static_cast<void>(CutBinaryPart(rest, book.binaryPart));
         book.bytes = std::exchange(bytes, {});
+    }
     return book;
 }
 

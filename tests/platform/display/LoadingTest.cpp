@@ -131,7 +131,7 @@ TEST(Loading, TypingAtTheFirstLinesWaitsForNothing)
     document.setBlock(2, document.tags().intern(u"P", {}));
     EXPECT_TRUE(DisplayElement(document, 4).exists());
     EXPECT_FALSE(document.isComplete());
-    EXPECT_EQ(document.loadedLineCount(), LinesOfPiece - 2);
+    EXPECT_EQ(document.loadedLineCount(), LinesOfPiece - 1);
 }
 
 TEST(Loading, APageWithoutLinesIsOneEmptyLine)
