@@ -80,6 +80,41 @@ void DecodeUtf16(DecodedBook& book, std::string_view bytes, BookLosses& losses)
     book.asGiven = false;
 }
 
+/// The name of the encoding if it is one that the editor itself reads and writes; otherwise empty.
+std::string OwnEncoding(std::string name)
+{
+    if (name == "utf8")
+        name = Utf8Name;
+    if (name.starts_with("cp125"))
+        name = "windows-" + name.substr(2);
+    return OutputEncodingInfo(name).name == name ? name : std::string();
+}
+
+/// True if most of the bytes that are not ASCII belong to characters of UTF-8.
+bool IsMostlyUtf8(std::string_view bytes)
+{
+    size_t characters = 0;
+    size_t foreign = 0;
+    while (!bytes.empty()) {
+        const size_t valid = ValidUtf8Prefix(bytes);
+        characters += NonAsciiCount(bytes.substr(0, valid));
+        foreign += valid < bytes.size() ? 1 : 0;
+        bytes.remove_prefix(std::min(valid + 1, bytes.size()));
+    }
+    return characters >= foreign;
+}
+
+/// Decodes a text with bytes that are no characters of its encoding, which alone do not make another encoding
+/// likely. Returns false if the editor has no table for the encoding.
+bool DecodeWithForeignBytes(XmlDecodedText& decoded, std::string_view bytes)
+{
+    const std::string own = OwnEncoding(decoded.encoding);
+    if (own.empty() || (own == Utf8Name && !IsMostlyUtf8(bytes)))
+        return false;
+    decoded.text = DecodeAsGiven(bytes, EncodingCodePage(own));
+    return true;
+}
+
 bool StartsWithDeclaration(std::string_view text)
 {
     constexpr std::string_view Start = "<?xml";
@@ -112,12 +147,13 @@ DecodedBook Decode(std::string_view bytes, const QString& inputEncoding, BookLos
     const std::string_view start = bytes.substr(marked ? Utf8Mark.size() : 0);
     const bool declared = StartsWithDeclaration(start) || start.starts_with('\xff')
         || start.starts_with('\xfe') || start.find('\0') < 4;
-    if (!declared && (codePage == CodePageUtf8 || IsDeclaredLate(start) || !IsValidUtf8(bytes)))
+    const auto isUtf8 = [&] { return marked ? IsMostlyUtf8(start) : IsValidUtf8(bytes); };
+    if (!declared && (codePage == CodePageUtf8 || IsDeclaredLate(start) || !isUtf8()))
         return book;
     if (codePage == CodePageUtf8 && (marked || !declared))
         return book;
     XmlDecodedText decoded = DecodeXmlText(bytes);
-    if (!decoded.complete || decoded.encoding.empty())
+    if (decoded.encoding.empty() || (!decoded.complete && !DecodeWithForeignBytes(decoded, start)))
         return book;
     const std::string_view given = std::string_view(book.text).substr(
         decoded.encoding == Utf8Name && marked && codePage == CodePageUtf8 ? Utf8Mark.size() : 0);

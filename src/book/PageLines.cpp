@@ -49,7 +49,7 @@ std::optional<PaintedName> PaintedNameAtEnd(std::string_view text)
 enum class LineEnds
 {
     CrLfAndTabs, ///< the parser's layout: CrLf and one tab per level
-    Cr, ///< a text without a tree; each comment is on its own line
+    Cr, ///< a text without a tree; each comment is on its own line, except in a text that is kept
 };
 
 /// Bytes at which copying stops.
@@ -78,6 +78,7 @@ public:
                ControlCharacters controls = ControlCharacters::Mark)
         : values(displayValues)
         , lineEnds(ends)
+        , commentLines(ends == LineEnds::Cr && controls == ControlCharacters::Mark)
         , levels(maxDepth)
         , paint(TagPaint::Of(displayValues))
         , special(paint.attributes, displayValues.showNbsp, controls)
@@ -109,6 +110,7 @@ private:
 
     const DisplayValues& values;
     const LineEnds lineEnds;
+    const bool commentLines; // each comment is on its own line
     const size_t levels;
     const TagPaint paint;
     const SpecialBytes special;
@@ -184,7 +186,7 @@ size_t LineWriter::writeStart(size_t at)
 {
     if (at < commentEnd || !startsComment(at))
         return replace(at, 1, paint.start);
-    if (lineEnds == LineEnds::Cr)
+    if (commentLines)
         endLine(at, at, 0);
     return replace(at, 1, CommentStart);
 }
@@ -194,7 +196,7 @@ size_t LineWriter::writeEnd(size_t at)
     if (at + 1 != commentEnd)
         return replace(at, 1, paint.end);
     replace(at, 1, CommentEnd);
-    if (lineEnds == LineEnds::Cr)
+    if (commentLines)
         endLine(at + 1, at + 1, 0);
     return at + 1;
 }

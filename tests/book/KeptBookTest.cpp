@@ -170,6 +170,37 @@ std::vector<std::string> Described(const std::string& bytes)
     return lines;
 }
 
+TEST_F(KeptBooks, ABadByteDoesNotChangeTheEncoding)
+{
+    const std::string words = "<r>\xd0\x96\xd0\xb8\xd0\xb7\xd0\xbd\xd1\x8c \xff \xd1\x91</r>";
+    const std::string mark = "\xef\xbb\xbf";
+    for (const std::string& front : {std::string("<?xml version='1.0' encoding='utf-8'?>"),
+                                     std::string("<?xml version=\"1.0\" encoding = \"UTF-8\"?>"),
+                                     mark + "<?xml version=\"1.0\"?>", mark})
+        EXPECT_EQ(saved(front + words), Declaration + "\r\n" + words + "\r\n") << front;
+    // A byte that the code page lacks.
+    const std::string western = "<r>na\xefve \x81</r>";
+    EXPECT_EQ(saved("<?xml version='1.0' encoding='windows-1252'?>" + western),
+              "<?xml version=\"1.0\" encoding=\"windows-1252\"?>\r\n" + western);
+}
+
+TEST_F(KeptBooks, ATextThatIsNotUtf8IsNotReadAsUtf8)
+{
+    const std::string words = "<r>\xc6\xe8\xe7\xed\xfc \xf1\xeb\xee\xe2\xe0</r>";
+    for (const std::string front : {"<?xml version='1.0' encoding='utf-8'?>", "\xef\xbb\xbf"}) {
+        static_cast<void>(saved(front + words));
+        EXPECT_THAT(shown, testing::HasSubstr(BytesToUtf8(words, CodePageCyrillic))) << front;
+    }
+}
+
+TEST_F(KeptBooks, CommentsOfADamagedBookGetNoBlanks)
+{
+    for (const std::string inner : {"<p>q<!-- c <p>x</p> d -->e</p>", "<p>q<!--c--></p>", "<p><!--c-->q</p>"})
+        EXPECT_THAT(content(inner + "<x:y>"), testing::HasSubstr(inner));
+    // Between elements a comment is on its own line.
+    EXPECT_THAT(content("<a/><!--c--><b/><x:y>"), testing::HasSubstr("<a/>\r\n<!--c-->\r\n<b/>\r\n"));
+}
+
 TEST_F(KeptBooks, WhiteSpaceRemainsWhereItSeparatesWordsOnly)
 {
     const struct
