@@ -8,6 +8,7 @@
 // caused by the load of the machine.
 
 #include "BookGenerator.h"
+#include "Boxes.h"
 #include "Desktop.h"
 #include "DisplayView.h"
 #include "FbFunctions.h"
@@ -192,6 +193,9 @@ int main(int count, char** arguments)
     const QTemporaryDir folder;
     FillWidgetSeams();
     const SeamGuard<void(const QString&)> silence(SoundSeam(), [](const QString&) {});
+    // A question of the loading would wait for an answer.
+    const SeamGuard<bool(BoxKind, const QString&, const QString&)> answer(
+        BoxSeam(), [](BoxKind, const QString&, const QString&) { return true; });
     FileOperation(CopyFolderMode, QStringLiteral(VMK_BIN_DIR "/VMK Office"),
                   folder.filePath(u"VMK Office"_s));
     InitGlobals({folder.filePath(u"vellumark"_s), folder.filePath(u"user"_s)});
