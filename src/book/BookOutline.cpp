@@ -29,7 +29,9 @@ private:
     /// White space between two tags.
     struct White
     {
-        bool any = false, blank = false, tab = false, lineEnd = false;
+        bool any = false, tab = false, lineEnd = false;
+        bool writtenBlank = false;
+        bool blank = false; ///< also one that a line end becomes
     };
     struct Element
     {
@@ -49,7 +51,7 @@ private:
     [[nodiscard]] static int breaksOf(const CommonToken& tag);
     [[nodiscard]] bool lineEndsBetween(const White& white, const CommonToken& next) const;
     void takeText(std::string_view piece, bool withLines, const CommonToken& next);
-    [[nodiscard]] bool takeWhite(const White& white, const CommonToken& next);
+    [[nodiscard]] bool takeWhite(White& white, const CommonToken& next);
     void takeComment(const White& white, const CommonToken& tag);
     [[nodiscard]] bool takeStart(const White& white, const CommonToken& tag);
     [[nodiscard]] bool takeEnd(const White& white, const CommonToken& tag);
@@ -88,10 +90,10 @@ bool Outliner::run(std::size_t start, std::size_t descriptionEnd)
             || !markup.readToken(next, open.empty() ? nullptr : open.back().facts, tag)
             || (tag.facts->describes && next >= descriptionEnd))
             return false;
-        White white;
+        White white = isText ? White() : whiteOf(piece);
         if (isText)
             takeText(piece, hasLines, tag);
-        else if (!takeWhite(white = whiteOf(piece), tag))
+        else if (!takeWhite(white, tag))
             return false;
         if (tag.kind == Kind::Comment)
             takeComment(white, tag);
@@ -110,10 +112,11 @@ auto Outliner::whiteOf(std::string_view piece) -> White
     White white;
     white.any = !piece.empty();
     for (const char c : piece) {
-        white.blank = white.blank || c == ' ';
+        white.writtenBlank = white.writtenBlank || c == ' ';
         white.tab = white.tab || c == '\t';
         white.lineEnd = white.lineEnd || c == '\r' || c == '\n';
     }
+    white.blank = white.writtenBlank;
     return white;
 }
 
@@ -163,26 +166,29 @@ void Outliner::takeText(std::string_view piece, bool withLines, const CommonToke
     parent.afterInLine = parent.afterElement = false;
 }
 
-/// Handles the white space, or none, between the last tag and this one.
-bool Outliner::takeWhite(const White& white, const CommonToken& next)
+/// Handles the white space, or none, between the last tag and this one. Line ends alone become a blank if
+/// they separate words.
+bool Outliner::takeWhite(White& white, const CommonToken& next)
 {
+    bool isLate = false;
+    if (white.lineEnd && !white.blank && !white.tab && !open.empty()) {
+        const bool empties = before.kind == Kind::Start && next.kind == Kind::End;
+        const bool isEdge = (before.kind == Kind::Start && !before.facts->isInLineWord)
+            || (next.kind == Kind::End && !next.facts->isInLineWord);
+        if (!empties && !isEdge) {
+            white.blank = before.facts->isInLineWord && next.facts->isInLineWord;
+            isLate = !white.blank;
+            // Whether other elements count as adjacent depends on the elements around them.
+            if (isLate && (open.back().hasText || open.back().facts->isText))
+                return false;
+        }
+    }
+    outline.joinedWords += white.blank && !white.writtenBlank ? 1 : 0;
+    lateBlanks += isLate ? 1 : 0;
     gapBreaks += lineEndsBetween(white, next) ? 1 : 0;
-    if (!white.any || open.empty())
-        return true;
-    Element& parent = open.back();
-    parent.wordsAfter = false;
-    if (!white.lineEnd || white.blank || white.tab)
-        return true;
-    const bool empties = before.kind == Kind::Start && next.kind == Kind::End;
-    const bool isEdge = (before.kind == Kind::Start && !before.facts->isInLineWord)
-        || (next.kind == Kind::End && !next.facts->isInLineWord);
-    if (empties || isEdge)
-        return true;
-    if (parent.hasText || (before.facts->isInLineWord && next.facts->isInLineWord))
-        return false;
-    ++lateBlanks;
-    // Whether the two elements count as adjacent depends on the elements around them.
-    return !parent.facts->isText;
+    if (white.any && !open.empty())
+        open.back().wordsAfter = false;
+    return true;
 }
 
 void Outliner::takeComment(const White& white, const CommonToken& tag)

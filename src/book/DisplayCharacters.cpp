@@ -70,6 +70,9 @@ public:
         , showNbsp(showsNbsp)
         , met(counts)
     {
+        for (const unsigned char c : {0x26, 0xE2, 0xEF, 0x7F})
+            special[c] = true;
+        special[0xC2] = !showsNbsp;
     }
 
     void run();
@@ -84,6 +87,7 @@ private:
     std::string_view text;
     Rewriter out;
     const bool showNbsp;
+    bool special[256]{}; ///< bytes with which a character begins that may have to be protected
     ProtectedCharacters& met;
 };
 
@@ -96,11 +100,13 @@ void Protector::run()
 
 void Protector::protect(const MarkupToken& token)
 {
-    const std::string_view special
-        = showNbsp ? std::string_view("&\xe2\xef\x7f") : std::string_view("&\xe2\xef\x7f\xc2");
     const std::string_view within = text.substr(0, token.end());
-    for (size_t at = within.find_first_of(special, token.start); at != std::string_view::npos;
-         at = within.find_first_of(special, at)) {
+    const auto next = [this, within](size_t at) {
+        while (at < within.size() && !special[static_cast<unsigned char>(within[at])])
+            ++at;
+        return at;
+    };
+    for (size_t at = next(token.start); at < within.size(); at = next(at)) {
         if (text[at] != '&')
             at = protectCharacter(at);
         else
@@ -196,6 +202,14 @@ char ByteOf(std::string_view character)
     return static_cast<char>(0x80U | high << 6U | (static_cast<unsigned char>(character[3]) & 0x3FU));
 }
 
+/// Returns the position of the next ampersand, or first byte of a guard.
+size_t FindSpecial(std::string_view text, size_t from)
+{
+    const auto found = std::find_if(text.begin() + std::ptrdiff_t(std::min(from, text.size())), text.end(),
+                                    [](char c) { return c == '&' || c == DisplayGuard.front(); });
+    return found == text.end() ? std::string_view::npos : size_t(found - text.begin());
+}
+
 /// Resolves the text of a display, token by token; calls `edit(at, length, with)` for each replacement.
 template <typename Edit>
 void ForEachResolution(std::string_view text, Edit edit)
@@ -204,7 +218,7 @@ void ForEachResolution(std::string_view text, Edit edit)
     MarkupScanner scanner(text);
     for (MarkupToken token; scanner.next(token);) {
         const std::string_view within = text.substr(0, token.end());
-        for (size_t at = within.find_first_of("&\xef", token.start); at != std::string_view::npos;) {
+        for (size_t at = FindSpecial(within, token.start); at != std::string_view::npos;) {
             const std::string_view rest = text.substr(at);
             size_t next = at + 1;
             if (rest.starts_with(DisplayGuard)) {
@@ -233,7 +247,7 @@ void ForEachResolution(std::string_view text, Edit edit)
                 next = at + 4 + DisplayGuard.size();
                 edit(at, next - at, rest[1] == 'l' ? LeftMark : RightMark);
             }
-            at = within.find_first_of("&\xef", next);
+            at = FindSpecial(within, next);
         }
     }
 }

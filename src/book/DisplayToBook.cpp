@@ -9,6 +9,7 @@
 #include "MainWindowSeams.h"
 #include "MarkupScanner.h"
 #include "NonBreakingSpace.h"
+#include "OutlinePage.h"
 #include "TextFunctions.h"
 #include "XmlDeclarations.h"
 #include "XmlDocument.h"
@@ -183,6 +184,14 @@ void SetKeptDeclaration(std::string& text, std::string_view declaration)
     text.insert(0, declaration);
 }
 
+/// Whether the tabs of a layout dominate its text.
+bool IsMostlyTabs(size_t laidOutSize, size_t textSize)
+{
+    constexpr size_t AlwaysFine = 64'000'000;
+    constexpr size_t TimesTheText = 16;
+    return laidOutSize > AlwaysFine + TimesTheText * textSize;
+}
+
 /// Returns the parser's layout of a text and frees `lines`. Returns nothing, and keeps `lines`, if the text
 /// is not well-formed, or nested so deeply that the tabs would dominate the output.
 std::optional<std::string> TreeForm(std::string& lines, const SaveLayout& layout)
@@ -194,14 +203,34 @@ std::optional<std::string> TreeForm(std::string& lines, const SaveLayout& layout
     if (!document.loadXML(lines, XmlEncoding::utf8(), &serializer))
         return std::nullopt;
     const XmlTreeText tree = serializer.take();
-    constexpr size_t AlwaysFine = 64'000'000;
-    constexpr size_t TimesTheText = 16;
-    if (tree.laidOutSize() > AlwaysFine + TimesTheText * tree.text.size())
+    if (IsMostlyTabs(tree.laidOutSize(), tree.text.size()))
         return std::nullopt;
     std::string().swap(lines); // frees memory for the tree
     if (layout.keepsText)
         return tree.laidOut();
     return ReplaceXmlDeclarations(tree.laidOut(), layout.declaration.size(), layout.declaration);
+}
+
+/// The same for a text in common form, without the parser. Returns nothing, and keeps the text, for any
+/// other.
+std::optional<std::string> OutlinedTree(std::string& text, const SaveLayout& layout)
+{
+    if (!text.starts_with(layout.declaration))
+        return std::nullopt;
+    OutlinedText book;
+    std::optional<BookOutline> outline
+        = OutlineOf(text, layout.declaration.size(), text.size(), layout.inLineTags, true);
+    if (!outline)
+        return std::nullopt;
+    size_t size = text.size();
+    for (const BookOutline::LineStart& line : outline->lines)
+        size += size_t(line.depth);
+    if (IsMostlyTabs(size, text.size()))
+        return std::nullopt;
+    book.outline = *std::move(outline);
+    book.declaration = layout.declaration;
+    book.text = std::move(text);
+    return XmlOfOutline(book);
 }
 
 /// Lays the text out, in UTF-8.
@@ -210,6 +239,10 @@ std::string LaidOut(std::string text, const SaveLayout& layout, bool& treeSkippe
     if (layout.style == LayoutStyle::Compact) {
         text = CollapseRepeats(ReplaceAll(std::move(text), CrLf, " "), " ");
         return std::string(TrimBlanks(text));
+    }
+    if (layout.keepsText && layout.style == LayoutStyle::TagsTree) {
+        if (std::optional<std::string> tree = OutlinedTree(text, layout))
+            return *std::move(tree);
     }
     LineLosses losses; // counted on loading; here nothing is lost
     text = layout.keepsText ? KeptTreeLines(text, CrLf, layout.inLineTags, losses)

@@ -1,6 +1,8 @@
 #include "OutlinePage.h"
 
 #include "KeptLines.h"
+#include "LargeBuffers.h"
+#include "LineEnds.h"
 #include "NonBreakingSpace.h"
 #include "XmlReference.h"
 
@@ -19,6 +21,12 @@ constexpr std::string_view LeftMark = "\xe2\x80\xb9";
 constexpr std::string_view RightMark = "\xe2\x80\xba";
 
 constexpr std::uint32_t NonBreaking = 0xA0;
+
+/// Whether a text contains tabs or line ends; a text in common form has no other control characters.
+bool HasLines(std::string_view text)
+{
+    return std::ranges::any_of(text, [](char c) { return static_cast<unsigned char>(c) < ' '; });
+}
 
 /// How the name of an attribute is painted.
 enum class NamePaint
@@ -40,6 +48,14 @@ NamePaint PaintOf(std::string_view name)
         : NamePaint::Nothing;
 }
 
+/// The name of the tag at the start of a text; empty for a comment.
+std::string_view NameAt(std::string_view text)
+{
+    const std::size_t start = text.starts_with("</") ? 2 : 1;
+    return text[start] == '!' ? std::string_view()
+                              : text.substr(start, text.find_first_of(" \t\r\n/>", start) - start);
+}
+
 /// Writes one line of a text in common form.
 /// \tparam Sink  receives the pieces of the line in order
 template <class Sink>
@@ -58,9 +74,9 @@ public:
 
 private:
     [[nodiscard]] std::string_view joinedText(std::string_view line, std::size_t from, std::size_t to);
-    [[nodiscard]] bool isWord(std::string_view line, std::size_t tag) const;
+    [[nodiscard]] bool isWord(std::string_view name) const;
     void writeText(std::string_view text);
-    void writeWhite(std::string_view white);
+    void writeWhite(std::string_view white, std::string_view next);
     void writeReference(std::string_view text, std::size_t& at);
     std::size_t writeComment(std::string_view line, std::size_t at);
     std::size_t writeTag(std::string_view line, std::size_t at);
@@ -71,6 +87,7 @@ private:
     const bool paintsAttributes;
     const BookOutline& outline;
     std::size_t openTag = None; ///< the position of the last tag in the line if it is a start tag
+    std::string_view lastName; ///< of the last tag; empty after a comment
     std::string joined;
 };
 
@@ -85,9 +102,9 @@ void OutlineWriter<Sink>::write(std::string_view piece)
         const std::size_t next = std::min(piece.find('<', at), piece.size());
         const std::string_view text = piece.substr(at, next - at);
         if (text.find_first_not_of(White) != None)
-            writeText(text.find_first_of("\t\r\n") == None ? text : joinedText(piece, at, next));
+            writeText(!HasLines(text) ? text : joinedText(piece, at, next));
         else if (next < piece.size())
-            writeWhite(text);
+            writeWhite(text, piece.substr(next));
         at = next;
     }
 }
@@ -97,18 +114,17 @@ template <class Sink>
 std::string_view OutlineWriter<Sink>::joinedText(std::string_view line, std::size_t from, std::size_t to)
 {
     const bool beforeEnd = line[to + 1] == '/';
-    const TextSides sides{openTag == None || isWord(line, openTag + 1), !beforeEnd || isWord(line, to + 2)};
+    const TextSides sides{openTag == None || isWord(lastName), !beforeEnd || isWord(NameAt(line.substr(to)))};
     joined = '>';
     AppendJoinedText(line.substr(from, to - from), sides, joined);
     return Sink::spaced(joined).substr(1);
 }
 
-/// Whether the element whose name is at a position may be part of a word.
+/// Whether the element with this name may be part of a word.
 template <class Sink>
-bool OutlineWriter<Sink>::isWord(std::string_view line, std::size_t name) const
+bool OutlineWriter<Sink>::isWord(std::string_view name) const
 {
-    const std::string_view found = line.substr(name, line.find_first_of(" \t\r\n/>", name) - name);
-    return std::ranges::find(outline.wordNames, found) != outline.wordNames.end();
+    return std::ranges::find(outline.wordNames, name) != outline.wordNames.end();
 }
 
 /// Writes text; a run of blanks becomes one blank.
@@ -127,7 +143,7 @@ void OutlineWriter<Sink>::writeText(std::string_view text)
             copied = at;
         } else if (c == Utf8Nbsp[0] && text[at + 1] == Utf8Nbsp[1]) {
             sink.text(text.substr(copied, at - copied));
-            sink.text({&NbspMarker, 1});
+            sink.nonBreaking();
             at = copied = at + 2;
         } else {
             ++at;
@@ -146,9 +162,9 @@ void OutlineWriter<Sink>::writeReference(std::string_view text, std::size_t& at)
     }
     at += rest.find(';') + 1;
     if (rest[1] == 'l')
-        sink.text(LeftMark);
+        sink.angle(true);
     else if (rest[1] == 'g')
-        sink.text(RightMark);
+        sink.angle(false);
     else if (rest[1] == 'q')
         sink.text("\"");
     else if (rest[2] == 'p')
@@ -157,15 +173,18 @@ void OutlineWriter<Sink>::writeReference(std::string_view text, std::size_t& at)
         sink.ampersand();
 }
 
-/// Writes white space between two tags of a line, without its line ends.
+/// Writes white space between two tags of a line, without its line ends. Line ends alone become a blank
+/// between elements that are parts of words. \param next  the text from the next tag on
 template <class Sink>
-void OutlineWriter<Sink>::writeWhite(std::string_view white)
+void OutlineWriter<Sink>::writeWhite(std::string_view white, std::string_view next)
 {
     std::string kept;
     for (const char c : white) {
         if (c == '\t' || (c == ' ' && !kept.ends_with(' ')))
             kept += c;
     }
+    if (kept.empty() && isWord(lastName) && isWord(NameAt(next)))
+        kept = ' ';
     if (!kept.empty())
         sink.white(kept);
 }
@@ -175,7 +194,7 @@ std::size_t OutlineWriter<Sink>::writeComment(std::string_view line, std::size_t
 {
     const std::size_t end = line.find('>', at) + 1;
     std::string_view comment = line.substr(at, end - at);
-    if (comment.find_first_of("\t\r\n") != None) {
+    if (HasLines(comment)) {
         joined = '>';
         AppendJoinedMarkup(comment, joined);
         comment = Sink::spaced(joined).substr(1);
@@ -184,6 +203,7 @@ std::size_t OutlineWriter<Sink>::writeComment(std::string_view line, std::size_t
     writeText(comment.substr(1, comment.size() - 2));
     sink.endComment();
     openTag = None;
+    lastName = {};
     return end;
 }
 
@@ -224,6 +244,7 @@ std::size_t OutlineWriter<Sink>::writeTag(std::string_view line, std::size_t at)
         sink.text("/");
     sink.endTag();
     openTag = isEnd || isEmpty ? None : at;
+    lastName = NameAt(line.substr(at));
     return i;
 }
 
@@ -274,6 +295,48 @@ void OutlineWriter<Sink>::writeAttribute(std::string_view name, std::string_view
         sink.endMark();
 }
 
+void AppendUtf8(std::uint32_t c, std::string& text)
+{
+    text += QString::fromUcs4(std::array{char32_t(c)}.data(), 1).toStdString();
+}
+
+/// Appends XML.
+class XmlSink
+{
+public:
+    explicit XmlSink(std::string& target)
+        : xml(target)
+    {
+    }
+
+    void text(std::string_view piece) { xml += piece; }
+    void white(std::string_view piece) { xml += piece; }
+    static std::string_view spaced(std::string& piece) { return piece; }
+    void character(std::uint32_t c)
+    {
+        if (c == '<' || c == '>')
+            angle(c == '<');
+        else if (c == '&')
+            ampersand();
+        else
+            AppendUtf8(c, xml);
+    }
+    void angle(bool left) { xml += left ? "&lt;" : "&gt;"; }
+    void nonBreaking() { xml += Utf8Nbsp; }
+    void ampersand() { xml += "&amp;"; }
+    void startTag() { xml += '<'; }
+    void endTag() { xml += '>'; }
+    void startComment() { xml += '<'; }
+    void endComment() { xml += '>'; }
+    // Nothing is painted.
+    static void startName() { }
+    static void startValue() { }
+    static void endMark() { }
+
+private:
+    std::string& xml;
+};
+
 /// Appends to a page.
 class PageSink
 {
@@ -290,14 +353,16 @@ public:
     void character(std::uint32_t c)
     {
         if (c == '<' || c == '>')
-            page += c == '<' ? LeftMark : RightMark;
+            angle(c == '<');
         else if (c == '&')
             ampersand();
         else if (c == NonBreaking)
-            page += NbspMarker;
+            nonBreaking();
         else
-            page += QString::fromUcs4(std::array{char32_t(c)}.data(), 1).toStdString();
+            AppendUtf8(c, page);
     }
+    void angle(bool left) { page += left ? LeftMark : RightMark; }
+    void nonBreaking() { page += NbspMarker; }
     void ampersand() { page += "&amp;"; }
     void startTag() { page += paint.start; }
     void endTag() { page += paint.end; }
@@ -338,6 +403,8 @@ public:
     /// In a line, a run of blanks and tabs is one blank.
     static std::string_view spaced(std::string& piece);
     void character(std::uint32_t c);
+    void angle(bool left) { units.push_back(left ? u'\u2039' : u'\u203a'); }
+    void nonBreaking() { units.push_back(char16_t(NbspMarker)); }
     void ampersand() { units.push_back(u'&'); }
     void startTag()
     {
@@ -425,9 +492,9 @@ std::string_view LineSink::spaced(std::string& piece)
 void LineSink::character(std::uint32_t c)
 {
     if (c == '<' || c == '>')
-        units.push_back(c == '<' ? u'\u2039' : u'\u203a');
+        angle(c == '<');
     else if (c == NonBreaking)
-        units.push_back(char16_t(NbspMarker));
+        nonBreaking();
     else if (c < 0x10000)
         units.push_back(static_cast<char16_t>(c));
     else
@@ -477,6 +544,23 @@ void OutlineDivs::append(std::size_t first, std::size_t last, std::string& page)
         writer.write(book.line(i));
         page += i + 1 < book.lineCount() ? "</DIV>\r" : "</DIV>";
     }
+}
+
+std::string XmlOfOutline(const OutlinedText& book)
+{
+    std::size_t size = book.text.size() + book.declaration.size();
+    for (const BookOutline::LineStart& line : book.outline.lines)
+        size += sizeof(CrLf) + std::size_t(line.depth);
+    std::string xml = StringWithRoom(size);
+    XmlSink sink(xml);
+    OutlineWriter<XmlSink> writer(sink, false, book.outline);
+    xml += book.declaration;
+    for (std::size_t i = 1; i < book.lineCount(); ++i) {
+        xml += CrLf;
+        xml.append(book.depth(i), '\t');
+        writer.write(book.line(i));
+    }
+    return xml;
 }
 
 OutlineLines::OutlineLines(std::shared_ptr<const OutlinedText> outlined, const DisplayValues& values,

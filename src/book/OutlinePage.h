@@ -45,6 +45,10 @@ private:
     std::vector<std::string> starts; ///< of lines, by depth
 };
 
+/// Returns the text as XML with one line for each line of the display, indented by tabs: the layout of
+/// `XmlSerializer` with `keepTextOf`.
+[[nodiscard]] std::string XmlOfOutline(const OutlinedText& book);
+
 /// Makes the lines of a document. Independent of the document once it exists, so that another thread can make
 /// lines.
 class OutlineLines

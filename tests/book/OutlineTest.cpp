@@ -4,6 +4,7 @@
 #include "DisplayDocument.h"
 #include "OutlinedBook.h"
 #include "Settings.h"
+#include "XmlDocument.h"
 
 #include <gtest/gtest.h>
 
@@ -17,6 +18,25 @@ namespace vmk::test {
 namespace {
 
 const std::string Declaration = "<?xml version=\"1.0\" encoding=\"utf-8\"?>";
+
+/// Lays a book out in both ways and compares the results.
+void ExpectSameTree(const std::string& book, const InLineTagSet& tags)
+{
+    const std::size_t start = book.find("?>") + 2;
+    const std::optional<BookOutline> outline = OutlineOf(book, start, book.size(), tags, true);
+    if (!outline)
+        return;
+    const std::string xml = XmlOfOutline({book, Declaration, *outline});
+    LineLosses losses;
+    const std::string lines = KeptTreeLines(book, "\r\n", tags, losses);
+    XmlSerializer serializer(tags.elementNames(), Declaration);
+    serializer.keepTextOf(TextElementNames(tags));
+    XmlDocument document;
+    document.validateOnParse = false;
+    ASSERT_TRUE(document.loadXML(lines, XmlEncoding::utf8(), &serializer));
+    const std::string expected = serializer.take().laidOut();
+    EXPECT_EQ(xml, expected) << Difference(xml, expected);
+}
 
 /// Reads a book in both ways and compares the results. Returns false if it is not in common form.
 bool ReadsTheSame(const std::string& book, const DisplayValues& values, const InLineTagSet& tags)
@@ -65,6 +85,7 @@ bool ReadsTheSame(const std::string& book, const DisplayValues& values, const In
             break;
     }
     EXPECT_EQ(outlined->takeBytes(), book);
+    ExpectSameTree(book, tags);
     return true;
 }
 
