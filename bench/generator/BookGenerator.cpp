@@ -252,7 +252,7 @@ std::string BookWriter::link()
 std::string BookWriter::inLine(int depth, bool insideLink)
 {
     const int kind = chance.between(1, 20);
-    if (depth > 3 || kind <= 8)
+    if (depth > 3 || kind <= 8 || (!plan.movable && depth > 0))
         return words(1, 5);
     if (kind == 9 && plan.movable)
         return "<image l:href=\"" + picture() + "\" alt=\"" + words(1, 2) + "\"/>";
@@ -606,7 +606,7 @@ void BookWriter::cell()
         attributes += " align=\"" + std::string(chance.oneOf(Aligns)) + "\"";
     if (chance.percent(20))
         attributes += " valign=\"" + std::string(chance.oneOf(VerticalAligns)) + "\"";
-    put("<" + name + attributes + ">" + inLine(0, false) + "</" + name + ">");
+    put("<" + name + attributes + ">" + (plan.movable ? inLine(0, false) : words(1, 5)) + "</" + name + ">");
 }
 
 void BookWriter::blockImage()

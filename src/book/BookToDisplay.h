@@ -20,7 +20,7 @@ struct OutlinedText;
 struct BookDisplay
 {
     std::string page; ///< UTF-8; empty if there is an outline
-    std::shared_ptr<const OutlinedText> outline;
+    std::shared_ptr<OutlinedText> outline;
     DisplayValues values; ///< of the page of the outline
 };
 

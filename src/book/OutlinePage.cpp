@@ -527,6 +527,20 @@ std::size_t OutlinedText::depth(std::size_t index) const
     return index == 0 ? 0 : std::size_t(outline.lines[index - 1].depth);
 }
 
+void OutlinedText::passed(Reader reader, std::size_t line)
+{
+    constexpr std::size_t LeastBytes = std::size_t(1) << 20U;
+    const std::lock_guard lock(guard);
+    const bool isAll = line > outline.lines.size();
+    passedBytes[static_cast<std::size_t>(reader)]
+        = isAll ? text.size() : std::size_t(outline.lines[line - 1].position);
+    const std::size_t end = std::ranges::min(passedBytes);
+    if (end < released + LeastBytes)
+        return;
+    ReleasePages(text.data() + released, end - released);
+    released = end;
+}
+
 OutlineDivs::OutlineDivs(const OutlinedText& outlined, const DisplayValues& values)
     : book(outlined)
     , paint(TagPaint::Of(values))
@@ -563,7 +577,7 @@ std::string XmlOfOutline(const OutlinedText& book)
     return xml;
 }
 
-OutlineLines::OutlineLines(std::shared_ptr<const OutlinedText> outlined, const DisplayValues& values,
+OutlineLines::OutlineLines(std::shared_ptr<OutlinedText> outlined, const DisplayValues& values,
                            TagTable& tags)
     : book(std::move(outlined))
 {

@@ -5,9 +5,12 @@
 #include "DisplayValues.h"
 #include "TagPaint.h"
 
+#include <array>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// Writes the lines of an outline: as a page of HTML, or as the lines of a document. Both are those that the
@@ -17,6 +20,14 @@ namespace vmk {
 /// The text of a book in common form and its outline.
 struct OutlinedText
 {
+    OutlinedText() = default;
+    OutlinedText(std::string bookText, std::string firstLine, BookOutline bookOutline)
+        : text(std::move(bookText))
+        , declaration(std::move(firstLine))
+        , outline(std::move(bookOutline))
+    {
+    }
+
     std::string text;
     std::string declaration; ///< the first line
     BookOutline outline;
@@ -28,6 +39,21 @@ struct OutlinedText
     [[nodiscard]] std::string_view line(std::size_t index) const;
     /// The number of elements around a line.
     [[nodiscard]] std::size_t depth(std::size_t index) const;
+
+    /// The readers of a text that is shown in a window.
+    enum class Reader
+    {
+        Lines, ///< of the document
+        PageFile
+    };
+    /// Notes that a reader does not need the lines before `line` any more. The memory of the text that
+    /// neither reader needs is released. May be called by several threads.
+    void passed(Reader reader, std::size_t line);
+
+private:
+    std::mutex guard; ///< for the members below
+    std::array<std::size_t, 2> passedBytes{}; ///< by reader
+    std::size_t released = 0;
 };
 
 /// Makes the lines of a page, one `DIV` each.
@@ -55,14 +81,16 @@ class OutlineLines
 {
 public:
     /// \param tags  of the document; the tags of the lines are added
-    OutlineLines(std::shared_ptr<const OutlinedText> book, const DisplayValues& values, TagTable& tags);
+    OutlineLines(std::shared_ptr<OutlinedText> book, const DisplayValues& values, TagTable& tags);
 
     [[nodiscard]] std::size_t count() const { return book->lineCount(); }
     /// Returns the lines from `first` to before `last`. May be called by several threads at a time.
     [[nodiscard]] std::vector<LinePtr> make(std::size_t first, std::size_t last) const;
+    /// Notes that the lines before this one are not made again.
+    void passed(std::size_t line) const { book->passed(OutlinedText::Reader::Lines, line); }
 
 private:
-    std::shared_ptr<const OutlinedText> book;
+    std::shared_ptr<OutlinedText> book;
     std::vector<TagId> blocks; ///< by depth
     TagId firstBlock = NoTag;
     TagId tagMark = NoTag; ///< around the tags of the book; `NoTag` if they are not painted

@@ -39,6 +39,7 @@ void OutlineSource::work(const std::stop_token& stop, std::size_t start)
         }
         const std::lock_guard lock(guard);
         pieces.push_back(std::move(piece));
+        lines.passed(end);
         made.notify_one();
         start = end;
     }

@@ -12,7 +12,7 @@ namespace vmk {
 
 namespace {
 
-void WritePage(ScratchFile& file, const OutlinedText& book, const DisplayValues& values,
+void WritePage(ScratchFile& file, OutlinedText& book, const DisplayValues& values,
                const std::stop_token& stop)
 {
     constexpr std::size_t LinesOfPiece = 4'000;
@@ -23,12 +23,13 @@ void WritePage(ScratchFile& file, const OutlinedText& book, const DisplayValues&
         page.append(line, std::min(line + LinesOfPiece, book.lineCount()), piece);
         if (!file.append(piece))
             return;
+        book.passed(OutlinedText::Reader::PageFile, line + LinesOfPiece);
     }
 }
 
 } // namespace
 
-bool PageFileThread::write(const QString& path, std::shared_ptr<const OutlinedText> book,
+bool PageFileThread::write(const QString& path, std::shared_ptr<OutlinedText> book,
                            const DisplayValues& values)
 {
     stop();

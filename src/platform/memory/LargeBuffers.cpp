@@ -22,4 +22,14 @@ std::string StringWithRoom(size_t capacity)
     return text;
 }
 
+void ReleasePages(char* start, size_t size)
+{
+    const auto page = static_cast<uintptr_t>(::sysconf(_SC_PAGESIZE));
+    const auto from = reinterpret_cast<uintptr_t>(start);
+    const uintptr_t first = (from + page - 1) / page * page;
+    const uintptr_t end = (from + size) / page * page;
+    if (first < end)
+        static_cast<void>(::madvise(start + (first - from), end - first, MADV_DONTNEED));
+}
+
 } // namespace vmk
