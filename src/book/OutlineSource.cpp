@@ -17,6 +17,10 @@ OutlineSource::OutlineSource(OutlineLines outlineLines, std::size_t first)
 {
     const std::size_t end = std::clamp<std::size_t>(first, 1, lines.count());
     pieces.push_back(lines.make(0, end));
+    if (end == lines.count()) {
+        isWorking = false;
+        return;
+    }
     try {
         thread = std::jthread([this, end](const std::stop_token& stop) { work(stop, end); });
     } catch (const std::system_error&) {
