@@ -46,7 +46,7 @@ struct PageRequest
 class PageOfLines
 {
 public:
-    PageOfLines(const OutlinedText& text, const DisplayValues& values);
+    PageOfLines(const OutlinedText& outlined, const DisplayValues& displayValues);
 
     /// Appends the lines from `first` to before `last`, and the parts of the page before the first line and
     /// after the last one.

@@ -114,7 +114,7 @@ void LineJoiner::run()
     bool more = scanner.next(window[1]);
     while (more) {
         const bool hasAfter = scanner.next(window[2]);
-        take(window[1], hasBefore ? &window[0] : nullptr, hasAfter ? &window[2] : nullptr);
+        take(window[1], hasBefore ? window.data() : nullptr, hasAfter ? &window[2] : nullptr);
         window[0] = window[1];
         window[1] = window[2];
         hasBefore = true;

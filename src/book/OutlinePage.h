@@ -60,7 +60,7 @@ private:
 class OutlineDivs
 {
 public:
-    OutlineDivs(const OutlinedText& book, const DisplayValues& values);
+    OutlineDivs(const OutlinedText& outlined, const DisplayValues& values);
 
     /// Appends the lines from `first` to before `last` to a page.
     void append(std::size_t first, std::size_t last, std::string& page) const;
@@ -81,7 +81,7 @@ class OutlineLines
 {
 public:
     /// \param tags  of the document; the tags of the lines are added
-    OutlineLines(std::shared_ptr<OutlinedText> book, const DisplayValues& values, TagTable& tags);
+    OutlineLines(std::shared_ptr<OutlinedText> outlined, const DisplayValues& values, TagTable& tags);
 
     [[nodiscard]] std::size_t count() const { return book->lineCount(); }
     /// Returns the lines from `first` to before `last`. May be called by several threads at a time.

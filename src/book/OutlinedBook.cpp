@@ -164,11 +164,14 @@ std::optional<OutlinedBook> ReadOutlinedBook(std::string& bytes, bool showNbsp,
     book.text->declaration = book.encoding.declaration;
     const std::size_t start = mark + declaration.size();
     std::string& text = book.text->text;
-    text = isUtf8 ? std::move(bytes) : BytesToUtf8(bytes, codePage);
+    if (isUtf8)
+        text.swap(bytes);
+    else
+        text = BytesToUtf8(bytes, codePage);
     const auto refuse = [&] {
         if (isUtf8) {
             Restore(book, text);
-            bytes = std::move(text);
+            text.swap(bytes);
         }
         return std::nullopt;
     };
