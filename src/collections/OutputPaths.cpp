@@ -107,7 +107,7 @@ QString OutputFolder::pathFor(const std::string& relative, QString* problem)
 
 QString OutputFolder::pathFor(const BookItem& book, QString* problem)
 {
-    const QString path = pathFor(book.output, problem);
+    QString path = pathFor(book.output, problem);
     if (path.isEmpty() || book.packed || !IsSameAt(book.path, EncodeFileName(path).toStdString()))
         return path;
     *problem = u"not written: the path of the result is that of the book"_s;

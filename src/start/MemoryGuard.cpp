@@ -58,7 +58,7 @@ bool GuardMemory(const std::function<bool()>& deliver)
     static_cast<void>(Reserve());
     std::size_t undoSteps = 0;
     try {
-        undoSteps = UndoStepsSeam()();
+        undoSteps = UndoStepsSeam()(); // NOLINT(clang-analyzer-deadcode.DeadStores): read after an exception
         return deliver();
     } catch (const std::bad_alloc&) {
         // Within the report itself, the outer call ends the program.

@@ -146,7 +146,7 @@ void Describe(const xmlNode* parent, std::vector<std::string>& lines)
                 lines.push_back("value " + std::string(reinterpret_cast<const char*>(value->name)) + "="
                                 + Owned(xmlNodeListGetString(node->doc, value->children, 1)));
             Describe(node, lines);
-            lines.push_back("end");
+            lines.emplace_back("end");
             break;
         default:
             break;
@@ -343,7 +343,7 @@ TEST_F(KeptBooks, RandomBooksStayWhatTheyWereInEveryLayout)
         const std::vector<std::string> before = Described(book);
         if (before.front() == "not well-formed" || !IsValidUtf8(book))
             continue;
-        const QString style = OutputStyles[i % 3];
+        const QString& style = OutputStyles[i % 3];
         const std::string file = saved(book, style, i % 4 == 0 ? u"windows-1251"_s : u"utf-8"_s);
         ASSERT_EQ(Described(file), before) << i << ' ' << style.toStdString() << "\n" << book << "\n" << file;
         ++compared;

@@ -10,6 +10,7 @@
 #include <functional>
 #include <iterator>
 #include <random>
+#include <utility>
 #include <vector>
 
 /// Random keys, clicks and commands on a book in the real window. After each of them the text of the page
@@ -98,7 +99,7 @@ protected:
     /// An action that does not change the text.
     void AddQuiet(const char* name, int weight, std::function<void()> run)
     {
-        Add(name, weight, [run](const test::Place& place) {
+        Add(name, weight, [run = std::move(run)](const test::Place& place) {
             run();
             return Outcome{test::Unchanged(place)};
         });
@@ -107,7 +108,7 @@ protected:
     void AddEdit(const char* name, int weight, std::function<void()> run,
                  std::function<QString(const test::Place&)> expected)
     {
-        Add(name, weight, [run, expected](const test::Place& place) {
+        Add(name, weight, [run = std::move(run), expected = std::move(expected)](const test::Place& place) {
             run();
             return Outcome{expected(place)};
         });

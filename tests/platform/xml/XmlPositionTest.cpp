@@ -68,7 +68,8 @@ XmlPosition PositionAfter(const std::string& before, const Form& form)
     const QString text = QString::fromStdString(before);
     const QString normal = QString(text).replace(u"\r\n"_s, u"\n"_s).replace(u'\r', u'\n');
     XmlPosition place;
-    place.fileByte = static_cast<qsizetype>(form.mark.size() + Convert(before, form.name).size());
+    place.fileByte = static_cast<qsizetype>(form.mark.size())
+        + static_cast<qsizetype>(Convert(before, form.name).size());
     place.filepos = text.size() + (form.mark.empty() ? 0 : 1);
     place.line = 1 + static_cast<int>(normal.count(u'\n'));
     place.linepos = 1 + static_cast<int>(normal.mid(normal.lastIndexOf(u'\n') + 1).toUcs4().size());
