@@ -156,8 +156,7 @@ std::optional<OutlinedBook> ReadOutlinedBook(std::string& bytes, bool showNbsp,
         || MakeBookEncoding(declared).name != declared || OutputEncodingInfo(declared).name != declared)
         return std::nullopt;
     const bool isUtf8 = codePage == CodePageUtf8;
-    // In a code page the editor's own rules read references to characters in another way.
-    if (!isUtf8 && (mark > 0 || !AreCharacters(bytes, codePage) || bytes.find("&#") != None))
+    if (!isUtf8 && (mark > 0 || !AreCharacters(bytes, codePage)))
         return std::nullopt;
 
     book.text = std::make_shared<OutlinedText>();
@@ -179,7 +178,12 @@ std::optional<OutlinedBook> ReadOutlinedBook(std::string& bytes, bool showNbsp,
     if (descriptionEnd == None)
         return refuse();
     book.updatedEnd = descriptionEnd + DescriptionEnd.size();
-    if (!CutPictures(book, text) || !UpdateOutlinedDescription(book, text))
+    if (!CutPictures(book, text))
+        return refuse();
+    // In a code page the editor's own rules resolve the references before they protect the brackets.
+    if (!isUtf8 && HasCharRefs(text))
+        book.losses.garbledBrackets = CountOccurrences(text, "&lt;") + CountOccurrences(text, "&gt;");
+    if (!UpdateOutlinedDescription(book, text))
         return refuse();
     std::optional<BookOutline> outline = OutlineOf(text, start, book.updatedEnd, inLineTags, showNbsp);
     if (!outline)

@@ -1,6 +1,7 @@
 #include "BookPage.h"
 #include "BookReading.h"
 #include "BookTestSupport.h"
+#include "CodePages.h"
 #include "DisplayDocument.h"
 #include "OutlinedBook.h"
 #include "Settings.h"
@@ -60,6 +61,7 @@ bool ReadsTheSame(const std::string& book, const DisplayValues& values, const In
     EXPECT_EQ(outlined->losses.lines.joinedWords, kept.losses.lines.joinedWords);
     EXPECT_EQ(outlined->losses.lines.tornTexts, kept.losses.lines.tornTexts);
     EXPECT_EQ(outlined->losses.movedElements, kept.losses.movedElements);
+    EXPECT_EQ(outlined->losses.garbledBrackets, kept.losses.garbledBrackets);
     EXPECT_EQ(outlined->losses.descriptionLines().join(u'\n').toStdString(),
               kept.losses.descriptionLines().join(u'\n').toStdString());
 
@@ -237,6 +239,14 @@ std::string Maker::book()
     return result + "</FictionBook>" + white() + (rarely() ? "x" : "");
 }
 
+/// The book in windows-1251; other characters are lost.
+std::string InCodePage(std::string book)
+{
+    const std::size_t start = book.find("encoding=\"") + 10;
+    book.replace(start, book.find('"', start) - start, "windows-1251");
+    return Utf8ToBytes(book.substr(book.find('<')), CodePageCyrillic);
+}
+
 TEST_F(Outlines, RandomBooksAreTheSame)
 {
     const char* wanted = std::getenv("VMK_OUTLINE_BOOKS");
@@ -248,7 +258,9 @@ TEST_F(Outlines, RandomBooksAreTheSame)
         values.showNbsp = i % 3 != 0;
         values.tagHighlighting = i % 7 != 0;
         values.tagFontWeight = i % 2 == 0 ? "bold" : "normal";
-        const std::string book = maker.book();
+        std::string book = maker.book();
+        if (i % 4 == 1)
+            book = InCodePage(book);
         SCOPED_TRACE("seed " + std::to_string(i + 1) + "\n" + book);
         common += same(book) ? 1 : 0;
         if (HasFailure())
