@@ -117,6 +117,9 @@ public:
                 hasFacts = true;
             } else if (record->kind == RecordKind::Tags) {
                 state.tags = DecodeTags(reader);
+                // The lines before them were checked with other tags.
+                if (!state.lines.empty())
+                    reader.fail();
             } else if (record->kind == RecordKind::Binary) {
                 state.binary = std::make_shared<const std::string>(reader.bytes());
             } else if (record->kind == RecordKind::Lines) {
