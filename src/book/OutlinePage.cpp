@@ -17,9 +17,18 @@ constexpr std::string_view LeftMark = "\xe2\x80\xb9";
 constexpr std::string_view RightMark = "\xe2\x80\xba";
 constexpr std::uint32_t NonBreaking = 0xA0;
 
-void AppendUtf8(std::uint32_t c, std::string& text)
+/// Writes a character of a reference to a sink of UTF-8.
+template <class Sink>
+void WriteCharacter(std::uint32_t c, Sink& sink)
 {
-    text += QString::fromUcs4(std::array{char32_t(c)}.data(), 1).toStdString();
+    if (c == '<' || c == '>')
+        sink.angle(c == '<');
+    else if (c == '&')
+        sink.ampersand();
+    else if (c == NonBreaking)
+        sink.nonBreaking();
+    else
+        sink.text(QString::fromUcs4(std::array{char32_t(c)}.data(), 1).toStdString());
 }
 
 /// Appends XML.
@@ -34,15 +43,7 @@ public:
     void text(std::string_view piece) { xml += piece; }
     void white(std::string_view piece) { xml += piece; }
     static std::string_view spaced(std::string& piece) { return piece; }
-    void character(std::uint32_t c)
-    {
-        if (c == '<' || c == '>')
-            angle(c == '<');
-        else if (c == '&')
-            ampersand();
-        else
-            AppendUtf8(c, xml);
-    }
+    void character(std::uint32_t c) { WriteCharacter(c, *this); }
     void angle(bool left) { xml += left ? "&lt;" : "&gt;"; }
     void nonBreaking() { xml += Utf8Nbsp; }
     void ampersand() { xml += "&amp;"; }
@@ -72,17 +73,7 @@ public:
     void text(std::string_view piece) { page += piece; }
     void white(std::string_view piece) { page += piece; }
     static std::string_view spaced(std::string& piece) { return piece; }
-    void character(std::uint32_t c)
-    {
-        if (c == '<' || c == '>')
-            angle(c == '<');
-        else if (c == '&')
-            ampersand();
-        else if (c == NonBreaking)
-            nonBreaking();
-        else
-            AppendUtf8(c, page);
-    }
+    void character(std::uint32_t c) { WriteCharacter(c, *this); }
     void angle(bool left) { page += left ? LeftMark : RightMark; }
     void nonBreaking() { page += NbspMarker; }
     void ampersand() { page += "&amp;"; }

@@ -35,14 +35,13 @@ void OutlineSource::work(const std::stop_token& stop, std::size_t start)
 {
     while (start < lines.count() && !stop.stop_requested()) {
         const std::size_t end = endOfPiece(start);
-        std::vector<LinePtr> piece;
         try {
-            piece = lines.make(start, end);
+            std::vector<LinePtr> piece = lines.make(start, end);
+            const std::lock_guard lock(guard);
+            pieces.push_back(std::move(piece));
         } catch (const std::bad_alloc&) {
             break;
         }
-        const std::lock_guard lock(guard);
-        pieces.push_back(std::move(piece));
         lines.passed(end);
         made.notify_one();
         start = end;

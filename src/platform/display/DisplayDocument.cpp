@@ -7,7 +7,11 @@
 #include "LineEdit.h"
 #include "TextRange.h"
 
+#include <QScopedValueRollback>
+
 #include <algorithm>
+#include <new>
+#include <utility>
 
 namespace vmk {
 
@@ -57,6 +61,20 @@ Cut EndCut(const TagTable& tags, const Line& line, Position from, Position to)
 {
     return from == to ? InsertionCut(tags, line, to.offset) : RangeEndCut(line, to.offset);
 }
+
+/// A piece that could not be added, before the rest of its source.
+class ReturnedPiece final : public LineSource
+{
+public:
+    [[nodiscard]] std::vector<LinePtr> next() override
+    {
+        return piece.empty() ? source->next() : std::exchange(piece, {});
+    }
+    [[nodiscard]] bool isReady() override { return !piece.empty() || source->isReady(); }
+
+    std::vector<LinePtr> piece;
+    std::unique_ptr<LineSource> source;
+};
 
 } // namespace
 
@@ -126,17 +144,25 @@ bool DisplayDocument::loadMore()
 {
     if (!rest || isLoading)
         return false;
-    const std::vector<LinePtr> piece = rest->next();
+    // If memory runs out, the piece is not lost: it is the next one of the source again.
+    auto returned = std::make_unique<ReturnedPiece>();
+    std::vector<LinePtr> piece = rest->next();
     if (piece.empty()) {
         rest.reset();
-    } else {
-        const int first = lines.size();
-        lines.append(piece);
-        isLoading = true;
-        notify([&](DisplayListener& observer) { observer.linesLoaded(first, piece); });
-        isLoading = false;
+        return false;
     }
-    return !isComplete();
+    const int first = lines.size();
+    try {
+        lines.append(piece);
+    } catch (const std::bad_alloc&) {
+        returned->piece = std::move(piece);
+        returned->source = std::move(rest);
+        rest = std::move(returned);
+        throw;
+    }
+    const QScopedValueRollback<bool> loading(isLoading, true);
+    notify([&](DisplayListener& observer) { observer.linesLoaded(first, piece); });
+    return true;
 }
 
 /// To a caller a page is the same before and after: its rest is loaded when it is needed.

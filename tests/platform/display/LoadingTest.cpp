@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <new>
 #include <random>
+#include <utility>
 
 // A page that is loaded piece by piece: to every caller it is the whole page.
 
@@ -202,6 +204,57 @@ TEST(Loading, ListenersSeeLoadedLinesAsNoChange)
     EXPECT_EQ(int(mirror.lines.size()), 100);
     EXPECT_FALSE(document.canUndo());
     document.setListener(nullptr);
+}
+
+/// A listener, or a source, without memory for the next call.
+class WithoutMemory final : public DisplayListener
+{
+public:
+    void linesChanged(int, const std::vector<LinePtr>&, const std::vector<LinePtr>&) override
+    {
+        if (std::exchange(fails, false))
+            throw std::bad_alloc();
+    }
+    void selectionChanged() override { }
+    void documentReset() override { }
+    bool fails = true;
+};
+
+class FailingPieces final : public LineSource
+{
+public:
+    explicit FailingPieces(DisplayDocument& document)
+        : pieces(document, 100)
+    {
+    }
+    std::vector<LinePtr> next() override
+    {
+        if (++calls == 3)
+            throw std::bad_alloc();
+        return pieces.next();
+    }
+    bool isReady() override { return true; }
+
+private:
+    Pieces pieces;
+    int calls = 0;
+};
+
+TEST(Loading, NoLineIsLostIfMemoryRunsOutDuringALoad)
+{
+    DisplayDocument document;
+    WithoutMemory listener;
+    document.setListener(&listener);
+    Load(document, 100);
+    EXPECT_THROW(static_cast<void>(document.lineCount()), std::bad_alloc);
+    EXPECT_EQ(document.lineCount(), 100);
+    document.setListener(nullptr);
+
+    document.loadLines(Front, std::make_unique<FailingPieces>(document));
+    EXPECT_THROW(static_cast<void>(document.savePage()), std::bad_alloc);
+    EXPECT_EQ(document.lineCount(), 100);
+    for (int i = 0; i < document.lineCount(); ++i)
+        EXPECT_EQ(document.line(i).text, TextOfLine(i));
 }
 
 /// One random edit; the same for both documents.
