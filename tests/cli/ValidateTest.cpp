@@ -161,9 +161,9 @@ TEST_F(Validate, EveryMadeBookIsCleanInEveryEncoding)
 
 TEST_F(Validate, RealBooksGetTheFirstErrorAtTheExpectedPosition)
 {
-    const std::string corpus(std::string_view{VMK_CORPUS_DIR});
     if (test::CorpusBooks().empty())
         GTEST_SKIP() << test::NoCorpus;
+    const std::string corpus = test::CorpusFolder();
     const auto resultOf = [&corpus](const std::string& name) {
         const ProgramRun run = validate({corpus + "/" + name});
         EXPECT_EQ(run.exitCode, 1) << name;
@@ -182,9 +182,9 @@ TEST_F(Validate, RealBooksGetTheFirstErrorAtTheExpectedPosition)
 
 TEST_F(Validate, RealBooksThatAreNotWellFormedHaveAPosition)
 {
-    const std::string corpus(std::string_view{VMK_CORPUS_DIR});
     if (test::CorpusBooks().empty())
         GTEST_SKIP() << test::NoCorpus;
+    const std::string corpus = test::CorpusFolder();
     for (const char* name : {"help-ru.fb2", "help-zh.fb2", "manual-ru.fb2"}) {
         const ProgramRun run = validate({"--against", "namespace", corpus + "/" + name});
         EXPECT_EQ(run.exitCode, 1) << name;

@@ -26,7 +26,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr std::chrono::milliseconds LongestWait(300);
 constexpr int BottomRightOfReference = 3;
 constexpr int ReportLines = 5;
 
@@ -314,8 +313,8 @@ void SpellCheckF::showWord(const QString& word)
     txtReplaceWith->clear();
     replacementEdited = false;
     pendingWord = word;
-    suggestionsDue = std::chrono::steady_clock::now() + LongestWait;
-    suggestionTime->start(LongestWait);
+    suggestionsDue = std::chrono::steady_clock::now() + SuggestionWait;
+    suggestionTime->start(SuggestionWait);
     suggestions.setDictionaries(check.dictionaries());
     suggestions.request(word, check.followingWord());
     suggestionsFound(word);

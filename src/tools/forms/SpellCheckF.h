@@ -24,8 +24,8 @@ class Form1;
 /// The window of the spell check; at most one exists. It stays open while the user works in the main window;
 /// each action uses the current state of the display.
 ///
-/// Suggestions are found on another thread. The list shows them when they are complete, or after 0.3 s those
-/// found so far, so that the step to the next word never waits for them.
+/// Suggestions are found on another thread. The list shows them when they are complete, or after
+/// `SuggestionWait` those found so far, so that the step to the next word never waits for them.
 class SpellCheckF : public QWidget, private SpellCheckWindow
 {
     Q_OBJECT
@@ -42,6 +42,10 @@ public:
     void PageReplaced();
 
     [[nodiscard]] const SpellCheckWalk& Check() const { return check; }
+
+    /// The time after which the list shows the suggestions found so far, and for which `ReplaceB` waits.
+    /// Tests set a longer one, because a busy machine finds nothing in this time.
+    std::chrono::milliseconds SuggestionWait{300};
 
     QPushButton* StartB = nullptr;
     QPushButton* SelIniB = nullptr;

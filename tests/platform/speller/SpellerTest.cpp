@@ -2,6 +2,7 @@
 #include "SmallDictionaries.h"
 #include "SpellDictionary.h"
 #include "Trial.h"
+#include "Workplace.h"
 
 #include <QDir>
 #include <QFile>
@@ -10,6 +11,9 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <mutex>
 #include <random>
 #include <sys/stat.h>
 
@@ -156,6 +160,34 @@ TEST(Trial, ACrashAnExceptionAndAnEndAreDistinguished)
     EXPECT_FALSE(PassesTrial([] { ::raise(SIGSEGV); }, lock));
     EXPECT_FALSE(PassesTrial([] { throw std::runtime_error("no"); }, lock));
     EXPECT_TRUE(PassesTrial([&] { lock.lock(); }, lock));
+}
+
+TEST(Trial, AnAttemptThatALockOfAnotherThreadBlocksIsRepeated)
+{
+    const Workplace workplace;
+    const std::string marker = workplace.Path(u"tried"_s).toStdString();
+    std::mutex lock;
+    std::mutex foreign;
+    const auto blockedOnce = [&](bool crash) {
+        if (!std::filesystem::exists(marker)) {
+            std::ofstream(marker).put('x');
+            foreign.lock();
+        }
+        if (crash)
+            ::raise(SIGSEGV);
+    };
+    const std::lock_guard held(foreign);
+    EXPECT_TRUE(PassesTrial([&] { blockedOnce(false); }, lock));
+    std::filesystem::remove(marker);
+    EXPECT_FALSE(PassesTrial([&] { blockedOnce(true); }, lock));
+}
+
+TEST(Trial, AnAttemptThatIsBlockedEachTimeIsNoFailure)
+{
+    std::mutex lock;
+    std::mutex foreign;
+    const std::lock_guard held(foreign);
+    EXPECT_TRUE(PassesTrial([&] { foreign.lock(); }, lock));
 }
 
 TEST(SpellDictionaryTest, TheNameContainsLanguageAndScript)
