@@ -23,6 +23,7 @@ public:
     }
 
     [[nodiscard]] bool run(std::size_t start, std::size_t descriptionEnd);
+    [[nodiscard]] const ProtectedCharacters& characters() const { return markup.met; }
     BookOutline outline;
 
 private:
@@ -49,8 +50,10 @@ private:
 
     [[nodiscard]] static White whiteOf(std::string_view piece);
     [[nodiscard]] static int breaksOf(const CommonToken& tag);
+    [[nodiscard]] static int removedBefore(const CommonToken& tag);
     [[nodiscard]] bool lineEndsBetween(const White& white, const CommonToken& next) const;
-    void takeText(std::string_view piece, bool withLines, const CommonToken& next);
+    void takeText(std::string_view piece, TextFeatures features, const CommonToken& next);
+    [[nodiscard]] static std::size_t breaksAtAngles(std::string_view joined, const CommonToken& next);
     [[nodiscard]] bool takeWhite(White& white, const CommonToken& next);
     void takeComment(const White& white, const CommonToken& tag);
     [[nodiscard]] bool takeStart(const White& white, const CommonToken& tag);
@@ -80,19 +83,19 @@ bool Outliner::run(std::size_t start, std::size_t descriptionEnd)
         const std::size_t next = std::min(text.find('<', from), text.size());
         const std::string_view piece = text.substr(from, next - from);
         const bool isText = !std::ranges::all_of(piece, IsXmlWhite);
-        bool hasLines = false;
-        if (isText && (open.empty() || !markup.checkText(from, next, hasLines)))
+        TextFeatures features;
+        if (isText && (open.empty() || !markup.checkText(from, next, features)))
             return false;
         if (next == text.size())
             return rootClosed && open.empty();
         CommonToken tag;
         if (open.size() >= XmlMaxDepth
-            || !markup.readToken(next, open.empty() ? nullptr : open.back().facts, tag)
+            || !markup.readToken(next, open.size(), open.empty() ? nullptr : open.back().facts, tag)
             || (tag.facts->describes && next >= descriptionEnd))
             return false;
         White white = isText ? White() : whiteOf(piece);
         if (isText)
-            takeText(piece, hasLines, tag);
+            takeText(piece, features, tag);
         else if (!takeWhite(white, tag))
             return false;
         if (tag.kind == Kind::Comment)
@@ -126,6 +129,14 @@ int Outliner::breaksOf(const CommonToken& tag)
     return tag.kind == Kind::End || tag.kind == Kind::Empty ? 1 : 0;
 }
 
+/// The line ends before a tag without attributes that the editor's own rules remove.
+int Outliner::removedBefore(const CommonToken& tag)
+{
+    if (tag.kind == Kind::Start)
+        return tag.facts->startBefore;
+    return tag.kind == Kind::End ? tag.facts->endBefore : tag.facts->emptyBefore;
+}
+
 /// Whether the editor's own rules end a line between the last tag and this one; see `LineEndsAfter`.
 bool Outliner::lineEndsBetween(const White& white, const CommonToken& next) const
 {
@@ -138,21 +149,21 @@ bool Outliner::lineEndsBetween(const White& white, const CommonToken& next) cons
             : before.kind == Kind::End       ? before.facts->endAfter
                                              : before.facts->emptyAfter;
     if (breaks > 0 && adjacent && next.isBare)
-        breaks -= next.kind == Kind::Start ? next.facts->startBefore
-            : next.kind == Kind::End       ? next.facts->endBefore
-                                           : next.facts->emptyBefore;
+        breaks -= removedBefore(next);
     return breaks > 0;
 }
 
 /// Handles the text between the last tag and the next one.
-void Outliner::takeText(std::string_view piece, bool withLines, const CommonToken& next)
+void Outliner::takeText(std::string_view piece, TextFeatures features, const CommonToken& next)
 {
-    if (withLines) {
+    if (features.hasLines || features.hasAngles) {
         const TextSides sides{before.kind != Kind::Start || before.facts->isInLineWord,
                               next.kind != Kind::End || next.facts->isInLineWord};
         joined = '>';
         outline.joinedWords += AppendJoinedText(piece, sides, joined);
     }
+    if (features.hasAngles)
+        outline.tornTexts += breaksAtAngles(std::string_view(joined).substr(1), next);
     int breaks = breaksOf(before);
     if (breaks > 0 && before.isBare)
         breaks -= before.kind == Kind::End ? before.facts->endAfter : before.facts->emptyAfter;
@@ -164,6 +175,20 @@ void Outliner::takeText(std::string_view piece, bool withLines, const CommonToke
     makeMixed(parent);
     parent.hasContent = true;
     parent.afterInLine = parent.afterElement = false;
+}
+
+/// The line ends that the editor's own rules insert after ">" in a text; see `LineEndsAfter`.
+std::size_t Outliner::breaksAtAngles(std::string_view joined, const CommonToken& next)
+{
+    std::size_t lines = 0;
+    for (std::size_t at = joined.find('>'); at != std::string_view::npos; at = joined.find('>', at + 1)) {
+        const std::string_view rest = joined.substr(at + 1);
+        int breaks = (at > 0 && joined[at - 1] == '/') || rest.empty() || rest == " " ? 1 : 0;
+        if (breaks > 0 && rest.empty() && next.isBare)
+            breaks -= removedBefore(next);
+        lines += breaks > 0 ? 1 : 0;
+    }
+    return lines;
 }
 
 /// Handles the white space, or none, between the last tag and this one. Line ends alone become a blank if
@@ -322,6 +347,7 @@ std::optional<BookOutline> OutlineOf(std::string_view text, std::size_t start, s
     Outliner outliner(text, inLineTags, showNbsp);
     if (!outliner.run(start, descriptionEnd))
         return std::nullopt;
+    outliner.outline.characters = outliner.characters();
     outliner.outline.inLineNames = inLineTags.elementNames();
     outliner.outline.wordNames = WordNames(inLineTags);
     return std::move(outliner.outline);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DisplayCharacters.h"
 #include "TreeLines.h"
 
 #include <cstddef>
@@ -16,7 +17,7 @@ namespace vmk {
 ///
 /// An outline exists only for a text in common form. In this form one pass over the bytes shows that the text
 /// is well-formed and where its lines begin: UTF-8 with an XML declaration, elements with names in ASCII,
-/// and no CDATA section, instruction, document type, or ">" in a text, value or comment. All other texts are
+/// and no CDATA section, instruction, document type, or ">" in a value or comment. All other texts are
 /// read by the parser (`KeptTreeOfBook`), with the same result.
 struct BookOutline
 {
@@ -36,6 +37,7 @@ struct BookOutline
     std::size_t joinedWords = 0;
     std::size_t tornTexts = 0;
     std::size_t movedElements = 0;
+    ProtectedCharacters characters;
 };
 
 /// Returns the outline of a text, or nothing if it is not in common form.

@@ -30,14 +30,15 @@ enum class Byte : std::uint8_t
     Four,
     Ampersand,
     Quote,
-    Other ///< white space except blanks, control characters, angle brackets, no first byte of a character
+    Angle, ///< ">"
+    Other ///< white space except blanks, control characters, "<", no first byte of a character
 };
 
 constexpr std::array<Byte, 256> ClassesOfBytes()
 {
     std::array<Byte, 256> classes{};
     for (std::size_t i = 0; i < classes.size(); ++i) {
-        if (i < 0x20 || i == '<' || i == '>' || i == 0x7F || (i >= 0x80 && i < 0xC2) || i >= 0xF5)
+        if (i < 0x20 || i == '<' || i == 0x7F || (i >= 0x80 && i < 0xC2) || i >= 0xF5)
             classes[i] = Byte::Other;
         else if (i >= 0xF0)
             classes[i] = Byte::Four;
@@ -48,6 +49,7 @@ constexpr std::array<Byte, 256> ClassesOfBytes()
     }
     classes['&'] = Byte::Ampersand;
     classes['"'] = Byte::Quote;
+    classes['>'] = Byte::Angle;
     return classes;
 }
 
@@ -64,10 +66,27 @@ constexpr bool IsXmlCharacter(std::uint32_t c)
     return c < 0xD800 || (c >= 0xE000 && c < 0xFFFE) || (c >= 0x10000 && c < 0x110000);
 }
 
-/// True for the angle quotes and the guard, which have another meaning in a display.
-constexpr bool IsSpecialInDisplay(std::uint32_t c)
+constexpr bool IsAngleQuote(std::uint32_t c)
 {
-    return c == 0x2039 || c == 0x203A || c == 0xFE0C;
+    return c == 0x2039 || c == 0x203A;
+}
+
+constexpr std::uint32_t Guard = 0xFE0C; ///< `DisplayGuard`
+
+/// True for the ASCII characters of a painted name, which a reference would hide from `mayBePainted`.
+constexpr bool IsNamePart(std::uint32_t c)
+{
+    return c < 0x80 && (IsTagNameByte(static_cast<char>(c)) || c == '=');
+}
+
+/// True if a display may paint a quote after this text as the start of a value (`PaintOf`).
+bool MayBePainted(std::string_view text)
+{
+    constexpr std::array<std::string_view, 11> Names
+        = {"id=",    "href=", "type=",   "version=", "encoding=", "match=",
+           "value=", "name=", "number=", "xmlns=",   "xmlns:l="};
+    return text.ends_with('=')
+        && std::ranges::any_of(Names, [text](std::string_view name) { return text.ends_with(name); });
 }
 
 } // namespace
@@ -102,11 +121,18 @@ std::size_t CommonMarkup::skipPlain(std::size_t at, [[maybe_unused]] std::size_t
     return at;
 }
 
-bool CommonMarkup::checkText(std::size_t at, std::size_t end, bool& hasLines) const
+bool CommonMarkup::checkText(std::size_t at, std::size_t end, TextFeatures& features)
 {
+    const std::size_t start = at;
     while ((at = skipPlain(at, end)) < end) {
         if (text[at] == '\t' || text[at] == '\r' || text[at] == '\n') {
-            hasLines = true;
+            features.hasLines = true;
+            ++at;
+        } else if (text[at] == '>') {
+            // "]]>" is an error.
+            if (text.substr(start, at - start).ends_with("]]"))
+                return false;
+            features.hasAngles = true;
             ++at;
         } else if (!checkCharacter(at, end, true)) {
             return false;
@@ -122,8 +148,7 @@ bool CommonMarkup::checkReference(std::size_t& at, std::size_t end) const
     for (const std::string_view reference : {"&amp;", "&lt;", "&gt;", "&quot;", "&apos;"}) {
         if (!rest.starts_with(reference))
             continue;
-        // A quote after an equals sign may be painted as the start of a value.
-        if (reference == "&quot;" && text[at - 1] == '=')
+        if (reference == "&quot;" && MayBePainted(text.substr(0, at)))
             return false;
         at += reference.size();
         return true;
@@ -132,8 +157,8 @@ bool CommonMarkup::checkReference(std::size_t& at, std::size_t end) const
     if (!numeric)
         return false;
     const std::uint32_t c = numeric->character;
-    if (c <= ' ' || c == '"' || c == 0x7F || (c == 0xA0 && !showNbsp) || IsSpecialInDisplay(c)
-        || !IsXmlCharacter(c))
+    if (c <= ' ' || c == '"' || c == 0x7F || IsNamePart(c) || (c == 0xA0 && !showNbsp) || IsAngleQuote(c)
+        || c == Guard || !IsXmlCharacter(c))
         return false;
     at += numeric->length;
     return true;
@@ -153,17 +178,18 @@ bool CommonMarkup::checkReferenceInTag(std::size_t& at, std::size_t end) const
 }
 
 /// Checks a character of three or four bytes.
-bool CommonMarkup::checkLongCharacter(std::size_t& at, std::size_t end) const
+bool CommonMarkup::checkLongCharacter(std::size_t& at, std::size_t end)
 {
     const Utf8Character read = DecodeUtf8(text.substr(at, end - at));
-    if (read.length == 0 || !IsXmlCharacter(read.character) || IsSpecialInDisplay(read.character))
+    if (read.length == 0 || !IsXmlCharacter(read.character) || read.character == Guard)
         return false;
+    met.angleQuotes += IsAngleQuote(read.character) ? 1 : 0;
     at += read.length;
     return true;
 }
 
 /// Checks the character at `at` and moves to the next one.
-bool CommonMarkup::checkCharacter(std::size_t& at, std::size_t end, bool inText) const
+bool CommonMarkup::checkCharacter(std::size_t& at, std::size_t end, bool inText)
 {
     const auto byte = [this, at](std::size_t i) { return static_cast<unsigned char>(text[at + i]); };
     switch (ByteClasses[byte(0)]) {
@@ -172,8 +198,9 @@ bool CommonMarkup::checkCharacter(std::size_t& at, std::size_t end, bool inText)
         return true;
     case Byte::Two:
     case Byte::TwoSpecial:
-        if (end - at < 2 || !IsTrail(byte(1)) || (byte(0) == 0xC2 && byte(1) == 0xA0 && !showNbsp))
+        if (end - at < 2 || !IsTrail(byte(1)))
             return false;
+        met.nonBreaking += byte(0) == 0xC2 && byte(1) == 0xA0 && !showNbsp ? 1 : 0;
         at += 2;
         return true;
     case Byte::Three:
@@ -182,7 +209,7 @@ bool CommonMarkup::checkCharacter(std::size_t& at, std::size_t end, bool inText)
     case Byte::Ampersand:
         return inText && checkReference(at, end);
     case Byte::Quote:
-        if (!inText || text[at - 1] == '=')
+        if (!inText || MayBePainted(text.substr(0, at)))
             return false;
         ++at;
         return true;
@@ -209,10 +236,11 @@ bool CommonMarkup::isKnownPrefix(std::string_view name) const
     const std::string_view local = name.substr(colon + 1);
     if (local.empty() || !IsTagNameStart(local.front()) || local.find(':') != None)
         return false;
-    return std::ranges::find(prefixes, prefix) != prefixes.end();
+    return std::ranges::find(prefixes, prefix, &Prefix::name) != prefixes.end();
 }
 
-bool CommonMarkup::readToken(std::size_t at, const ElementFacts* around, CommonToken& token)
+bool CommonMarkup::readToken(std::size_t at, std::size_t depth, const ElementFacts* around,
+                             CommonToken& token)
 {
     token.start = at;
     if (at + 1 >= text.size())
@@ -229,16 +257,18 @@ bool CommonMarkup::readToken(std::size_t at, const ElementFacts* around, CommonT
     if (token.facts == nullptr)
         return false;
     attributes.clear();
+    while (!prefixes.empty() && prefixes.back().depth >= depth)
+        prefixes.pop_back();
     if (!readAttributes(end, token))
         return false;
-    const bool isRoot = around == nullptr;
+    const bool isRoot = depth == 0;
     if (isRoot != (name == RootName) || (isRoot && token.kind == CommonToken::Kind::Empty))
         return false;
-    return (attributes.empty() || checkAttributes(isRoot)) && isKnownPrefix(name);
+    return (attributes.empty() || checkAttributes(depth)) && isKnownPrefix(name);
 }
 
 /// Reads a comment without mark-up and references.
-bool CommonMarkup::readComment(std::size_t at, CommonToken& token) const
+bool CommonMarkup::readComment(std::size_t at, CommonToken& token)
 {
     constexpr std::string_view Front = "<!--";
     constexpr std::string_view End = "-->";
@@ -249,8 +279,10 @@ bool CommonMarkup::readComment(std::size_t at, CommonToken& token) const
     if (end == None || !text.substr(end).starts_with(End))
         return false;
     const std::string_view piece = text.substr(from, end - from);
-    if (piece.find_first_of("&<") != None || !checkText(from, end, token.hasLines))
+    TextFeatures features;
+    if (piece.find_first_of("&<>") != None || !checkText(from, end, features))
         return false;
+    token.hasLines = features.hasLines;
     // The update of the description treats a comment with one of its names in another way.
     const std::string lower = LowerCase(std::string(piece));
     const auto contains = [&lower](std::string_view name) { return lower.find(name) != None; };
@@ -334,9 +366,9 @@ bool CommonMarkup::readAttribute(std::size_t& at)
 }
 
 /// Checks a value: without mark-up, quotes, and white space that a parser would change.
-bool CommonMarkup::checkValue(std::string_view value) const
+bool CommonMarkup::checkValue(std::string_view value)
 {
-    if (value.ends_with('=') || value.find("  ") != None)
+    if (MayBePainted(value) || value.find("  ") != None)
         return false;
     auto at = static_cast<std::size_t>(value.data() - text.data());
     for (const std::size_t end = at + value.size(); at < end;) {
@@ -347,10 +379,10 @@ bool CommonMarkup::checkValue(std::string_view value) const
 }
 
 /// Checks the names of the attributes and the namespaces that they declare.
-bool CommonMarkup::checkAttributes(bool isRoot)
+bool CommonMarkup::checkAttributes(std::size_t depth)
 {
     for (const Attribute& attribute : attributes) {
-        if (attribute.name.starts_with("xmlns") && !takePrefix(attribute, isRoot))
+        if (attribute.name.starts_with("xmlns") && !takePrefix(attribute, depth))
             return false;
     }
     for (std::size_t i = 0; i < attributes.size(); ++i) {
@@ -363,8 +395,9 @@ bool CommonMarkup::checkAttributes(bool isRoot)
     return true;
 }
 
-/// Checks the declaration of a namespace. Only those of the root may have a prefix.
-bool CommonMarkup::takePrefix(const Attribute& attribute, bool isRoot)
+/// Checks the declaration of a namespace.
+/// \param depth  of the element
+bool CommonMarkup::takePrefix(const Attribute& attribute, std::size_t depth)
 {
     // The namespaces of XML itself have only their own prefixes.
     if (attribute.value.find("www.w3.org/XML") != None
@@ -373,10 +406,10 @@ bool CommonMarkup::takePrefix(const Attribute& attribute, bool isRoot)
     if (!attribute.name.starts_with(PrefixDeclaration))
         return true;
     const std::string_view prefix = attribute.name.substr(PrefixDeclaration.size());
-    if (!isRoot || prefix.empty() || !IsTagNameStart(prefix.front()) || prefix.find(':') != None
+    if (prefix.empty() || !IsTagNameStart(prefix.front()) || prefix.find(':') != None
         || LowerCase(std::string(prefix)).starts_with("xml") || attribute.value.empty())
         return false;
-    prefixes.push_back(prefix);
+    prefixes.push_back({prefix, depth});
     return true;
 }
 

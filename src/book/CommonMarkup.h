@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DisplayCharacters.h"
 #include "ElementFacts.h"
 
 #include <cstddef>
@@ -43,6 +44,13 @@ struct CommonToken
     bool hasLines = false; ///< a comment of several lines
 };
 
+/// What a text contains besides characters that the display shows as they are.
+struct TextFeatures
+{
+    bool hasLines = false; ///< line ends or tabs
+    bool hasAngles = false; ///< ">"
+};
+
 /// Reads the tags, comments and texts of a book in common form (`BookOutline`), and checks that a parser
 /// accepts them. Every function returns false if they are not in this form.
 class CommonMarkup
@@ -57,11 +65,15 @@ public:
     }
 
     /// Reads the tag or comment whose "<" is at `at`.
-    /// \param around  the innermost open element; null before the root
-    [[nodiscard]] bool readToken(std::size_t at, const ElementFacts* around, CommonToken& token);
+    /// \param depth   the number of open elements
+    /// \param around  the innermost of them; null before the root
+    [[nodiscard]] bool readToken(std::size_t at, std::size_t depth, const ElementFacts* around,
+                                 CommonToken& token);
     /// Checks a text that is not blank.
-    /// \param hasLines  set to true if it contains line ends or tabs
-    [[nodiscard]] bool checkText(std::size_t at, std::size_t end, bool& hasLines) const;
+    [[nodiscard]] bool checkText(std::size_t at, std::size_t end, TextFeatures& features);
+
+    /// The characters read so far that the display guards.
+    ProtectedCharacters met;
 
 private:
     struct Attribute
@@ -69,28 +81,33 @@ private:
         std::string_view name;
         std::string_view value;
     };
+    struct Prefix
+    {
+        std::string_view name;
+        std::size_t depth; ///< of the element that declares it
+    };
 
-    [[nodiscard]] bool readComment(std::size_t at, CommonToken& token) const;
+    [[nodiscard]] bool readComment(std::size_t at, CommonToken& token);
     [[nodiscard]] bool readEndTag(std::size_t at, const ElementFacts& element, CommonToken& token) const;
     [[nodiscard]] bool readAttributes(std::size_t at, CommonToken& token);
     [[nodiscard]] bool readAttribute(std::size_t& at);
     [[nodiscard]] bool readWhiteInTag(std::size_t& at) const;
     [[nodiscard]] std::size_t nameEnd(std::size_t at) const;
     [[nodiscard]] bool isKnownPrefix(std::string_view name) const;
-    [[nodiscard]] bool checkAttributes(bool isRoot);
-    [[nodiscard]] bool takePrefix(const Attribute& attribute, bool isRoot);
+    [[nodiscard]] bool checkAttributes(std::size_t depth);
+    [[nodiscard]] bool takePrefix(const Attribute& attribute, std::size_t depth);
     [[nodiscard]] bool isUnique(std::size_t index) const;
-    [[nodiscard]] bool checkValue(std::string_view value) const;
+    [[nodiscard]] bool checkValue(std::string_view value);
     [[nodiscard]] std::size_t skipPlain(std::size_t at, std::size_t end) const;
-    [[nodiscard]] bool checkCharacter(std::size_t& at, std::size_t end, bool inText) const;
-    [[nodiscard]] bool checkLongCharacter(std::size_t& at, std::size_t end) const;
+    [[nodiscard]] bool checkCharacter(std::size_t& at, std::size_t end, bool inText);
+    [[nodiscard]] bool checkLongCharacter(std::size_t& at, std::size_t end);
     [[nodiscard]] bool checkReference(std::size_t& at, std::size_t end) const;
     [[nodiscard]] bool checkReferenceInTag(std::size_t& at, std::size_t end) const;
 
     std::string_view text;
     const bool showNbsp;
     ElementTable elements;
-    std::vector<std::string_view> prefixes; ///< of namespaces, declared by the root
+    std::vector<Prefix> prefixes; ///< of namespaces, declared by the open elements
     std::vector<Attribute> attributes; ///< of the current tag
 };
 

@@ -1,5 +1,6 @@
 #include "OutlinePage.h"
 
+#include "DisplayCharacters.h"
 #include "LargeBuffers.h"
 #include "LineEnds.h"
 #include "NonBreakingSpace.h"
@@ -16,6 +17,7 @@ namespace {
 constexpr std::string_view LeftMark = "\xe2\x80\xb9";
 constexpr std::string_view RightMark = "\xe2\x80\xba";
 constexpr std::uint32_t NonBreaking = 0xA0;
+constexpr char16_t Guard = 0xFE0C; ///< `DisplayGuard`
 
 /// Writes a character of a reference to a sink of UTF-8.
 template <class Sink>
@@ -45,6 +47,8 @@ public:
     static std::string_view spaced(std::string& piece) { return piece; }
     void character(std::uint32_t c) { WriteCharacter(c, *this); }
     void angle(bool left) { xml += left ? "&lt;" : "&gt;"; }
+    void rawAngle() { angle(false); }
+    void angleQuote(std::string_view quote) { xml += quote; }
     void nonBreaking() { xml += Utf8Nbsp; }
     void ampersand() { xml += "&amp;"; }
     void startTag() { xml += '<'; }
@@ -64,8 +68,9 @@ private:
 class PageSink
 {
 public:
-    PageSink(const TagPaint& tagPaint, std::string& target)
+    PageSink(const TagPaint& tagPaint, bool showsNbsp, std::string& target)
         : paint(tagPaint)
+        , showNbsp(showsNbsp)
         , page(target)
     {
     }
@@ -75,7 +80,22 @@ public:
     static std::string_view spaced(std::string& piece) { return piece; }
     void character(std::uint32_t c) { WriteCharacter(c, *this); }
     void angle(bool left) { page += left ? LeftMark : RightMark; }
-    void nonBreaking() { page += NbspMarker; }
+    /// Written as the end of a tag that has no start.
+    void rawAngle() { page += paint.end; }
+    void angleQuote(std::string_view quote)
+    {
+        page += quote;
+        page += DisplayGuard;
+    }
+    void nonBreaking()
+    {
+        if (showNbsp) {
+            page += NbspMarker;
+        } else {
+            page += Utf8Nbsp;
+            page += DisplayGuard;
+        }
+    }
     void ampersand() { page += "&amp;"; }
     void startTag() { page += paint.start; }
     void endTag() { page += paint.end; }
@@ -87,6 +107,7 @@ public:
 
 private:
     const TagPaint& paint;
+    const bool showNbsp;
     std::string& page;
 };
 
@@ -103,8 +124,9 @@ std::string LineStart(std::size_t depth, const DisplayValues& values)
 class LineSink
 {
 public:
-    LineSink(TagId tag, TagId name, TagId value, TagId comment)
-        : tagMark(tag)
+    LineSink(TagId tag, TagId name, TagId value, TagId comment, bool showsNbsp)
+        : showNbsp(showsNbsp)
+        , tagMark(tag)
         , nameMark(name)
         , valueMark(value)
         , commentMark(comment)
@@ -117,7 +139,19 @@ public:
     static std::string_view spaced(std::string& piece);
     void character(std::uint32_t c);
     void angle(bool left) { units.push_back(left ? u'\u2039' : u'\u203a'); }
-    void nonBreaking() { units.push_back(char16_t(NbspMarker)); }
+    void rawAngle() { units.push_back(u'>'); }
+    void angleQuote(std::string_view quote)
+    {
+        text(quote);
+        units.push_back(Guard);
+    }
+    void nonBreaking()
+    {
+        if (showNbsp)
+            units.push_back(char16_t(NbspMarker));
+        else
+            units.append({char16_t(NonBreaking), Guard});
+    }
     void ampersand() { units.push_back(u'&'); }
     void startTag()
     {
@@ -156,6 +190,7 @@ private:
     [[nodiscard]] int position() const { return static_cast<int>(units.size()); }
     void start(TagId tag) { marks.push_back(Mark::opening(position(), tag)); }
 
+    const bool showNbsp;
     const TagId tagMark;
     const TagId nameMark;
     const TagId valueMark;
@@ -257,6 +292,7 @@ void OutlinedText::passed(Reader reader, std::size_t line)
 OutlineDivs::OutlineDivs(const OutlinedText& outlined, const DisplayValues& values)
     : book(outlined)
     , paint(TagPaint::Of(values))
+    , showNbsp(values.showNbsp)
 {
     for (std::size_t depth = 0; depth <= book.outline.deepest; ++depth)
         starts.push_back(LineStart(depth, values));
@@ -264,7 +300,7 @@ OutlineDivs::OutlineDivs(const OutlinedText& outlined, const DisplayValues& valu
 
 void OutlineDivs::append(std::size_t first, std::size_t last, std::string& page) const
 {
-    PageSink sink(paint, page);
+    PageSink sink(paint, showNbsp, page);
     outline::OutlineWriter<PageSink> writer(sink, paint.attributes, book.outline);
     for (std::size_t i = first; i < last; ++i) {
         page += i == 0 ? std::string_view("<DIV id=FirstDiv>") : std::string_view(starts[book.depth(i)]);
@@ -293,6 +329,7 @@ std::string XmlOfOutline(const OutlinedText& book)
 OutlineLines::OutlineLines(std::shared_ptr<OutlinedText> outlined, const DisplayValues& values,
                            TagTable& tags)
     : book(std::move(outlined))
+    , showNbsp(values.showNbsp)
 {
     const TagPaint paint = TagPaint::Of(values);
     paintsAttributes = paint.attributes;
@@ -316,7 +353,7 @@ std::vector<LinePtr> OutlineLines::make(std::size_t first, std::size_t last) con
 {
     std::vector<LinePtr> lines;
     lines.reserve(last - first);
-    LineSink sink(tagMark, nameMark, valueMark, commentMark);
+    LineSink sink(tagMark, nameMark, valueMark, commentMark, showNbsp);
     outline::OutlineWriter<LineSink> writer(sink, paintsAttributes, book->outline);
     for (std::size_t i = first; i < last; ++i) {
         writer.write(book->line(i));

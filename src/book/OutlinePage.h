@@ -68,6 +68,7 @@ public:
 private:
     const OutlinedText& book;
     TagPaint paint;
+    bool showNbsp;
     std::vector<std::string> starts; ///< of lines, by depth
 };
 
@@ -91,6 +92,7 @@ public:
 
 private:
     std::shared_ptr<OutlinedText> book;
+    bool showNbsp;
     std::vector<TagId> blocks; ///< by depth
     TagId firstBlock = NoTag;
     TagId tagMark = NoTag; ///< around the tags of the book; `NoTag` if they are not painted

@@ -24,6 +24,16 @@ inline bool HasLines(std::string_view text)
     return std::ranges::any_of(text, [](char c) { return static_cast<unsigned char>(c) < ' '; });
 }
 
+/// The common first bytes of U+2039 and U+203A.
+inline constexpr std::string_view AngleQuoteFront = "\xe2\x80";
+
+/// Whether a text begins with U+2039 or U+203A.
+/// \param text  valid UTF-8 that begins with the first byte of these characters
+inline bool IsAngleQuote(std::string_view text)
+{
+    return text[1] == AngleQuoteFront[1] && (text[2] == '\xb9' || text[2] == '\xba');
+}
+
 /// How the name of an attribute is painted.
 enum class NamePaint
 {
@@ -55,8 +65,8 @@ inline std::string_view NameAt(std::string_view text)
 /// Writes one line of a text in common form.
 /// \tparam Sink  receives the pieces of the line in order: text, white space between tags, characters with a
 /// form of
-///               their own (`character`, `angle`, `nonBreaking`, `ampersand`), the brackets of tags and
-///               comments, and the starts and the end of painted names and values
+///               their own (`character`, `angle`, `rawAngle`, `angleQuote`, `nonBreaking`, `ampersand`), the
+///               brackets of tags and comments, and the starts and the end of painted names and values
 template <class Sink>
 class OutlineWriter
 {
@@ -144,6 +154,14 @@ void OutlineWriter<Sink>::writeText(std::string_view text)
             sink.text(text.substr(copied, at - copied));
             sink.nonBreaking();
             at = copied = at + 2;
+        } else if (c == '>') {
+            sink.text(text.substr(copied, at - copied));
+            sink.rawAngle();
+            copied = ++at;
+        } else if (c == AngleQuoteFront[0] && IsAngleQuote(text.substr(at))) {
+            sink.text(text.substr(copied, at - copied));
+            sink.angleQuote(text.substr(at, 3));
+            at = copied = at + 3;
         } else {
             ++at;
         }

@@ -192,6 +192,7 @@ std::optional<OutlinedBook> ReadOutlinedBook(std::string& bytes, bool showNbsp,
     book.losses.lines.joinedWords = book.text->outline.joinedWords;
     book.losses.lines.tornTexts = book.text->outline.tornTexts;
     book.losses.movedElements = book.text->outline.movedElements;
+    book.losses.characters = book.text->outline.characters;
     if (!isUtf8) {
         // The pictures are kept in the encoding of the book.
         std::string rest = bytes;

@@ -162,15 +162,15 @@ std::string Maker::tag(const std::string& name)
     std::string result = "<" + name;
     while (below(4) == 0) {
         result += rarely() ? pick({"\n", "\t", "  ", "\n "}) : " ";
-        result += pick(
-            {"id", "name", "l:href", "type", "number", "value", "x", "xml:lang", "style", "l:type", "match"});
+        result += pick({"id", "name", "l:href", "type", "number", "value", "x", "xml:lang", "style", "l:type",
+                        "match", "q:href", "q:a", "xmlns:q", "xmlns", "xmlns:l"});
         if (below(8) == 0)
             result += std::to_string(below(9));
         result += "="
             + (below(5) == 0 ? "'" + pick({"a", "Имя", "", "a b", "it"}) + "'"
                              : "\""
                        + pick({"a", "Имя", "", "#n1", "a b", "it's", "1", "x\u00a0y", "a&amp;b",
-                               "&amp;amp;quot;", "&lt;x", "&amp;#5;", " z", "id="})
+                               "&amp;amp;quot;", "a‹b›", "k=", "a>b", "&lt;x", "&amp;#5;", " z", "id="})
                        + "\"");
     }
     return result + (rarely() ? pick({" ", "\n", "\t"}) : "");
@@ -180,16 +180,44 @@ std::string Maker::text()
 {
     std::string result;
     for (std::size_t i = below(5); i > 0; --i)
-        result += pick({"слово",  " ",        "word",      "  ",
-                        "—",      "&amp;",    "&lt;",      "&gt;",
-                        "&quot;", "&apos;",   "\"",        "x=",
-                        "' ",     ". ",       "\u00a0",    "ё",
-                        "Ж",      "ß",        "€",         "\U0001F600",
-                        " name=", "&amp;lt;", "&amp;#60;", "длинное слово подлиннее, чем шестнадцать байт"});
+        result += pick({"слово",     " ",
+                        "word",      "  ",
+                        "—",         "&amp;",
+                        "&lt;",      "&gt;",
+                        "&quot;",    "&apos;",
+                        "\"",        "x=",
+                        "' ",        ". ",
+                        "\u00a0",    "ё",
+                        "Ж",         "ß",
+                        "€",         "\U0001F600",
+                        " name=",    ">",
+                        " >",        "‹",
+                        "›",         " class=\"c\"",
+                        "/>",        "&amp;lt;",
+                        "&amp;#60;", "длинное слово подлиннее, чем шестнадцать байт"});
     if (rarely())
-        result += pick({"\n", "\t", "‹", "\x7f", "&#160;", "&#1046;", "&#38;#60;", "<!--c-->",
-                        "<!-- a\n  b \"x\" -->", "<!--\nЖ\u00a0\n-->", "<!--a=\"b\"-->", "\xff",
-                        "\xef\xb8\x8c", ">", "&x;", "\xef\xbf\xbe", "\xd0", "<b", "\x01"});
+        result += pick({"\n",
+                        "\t",
+                        "]]>",
+                        "id=\"",
+                        " href=&quot;",
+                        "i&#100;=\"",
+                        "id&#61;\"",
+                        "\x7f",
+                        "&#160;",
+                        "&#1046;",
+                        "&#38;#60;",
+                        "<!--c-->",
+                        "<!-- a\n  b \"x\" -->",
+                        "<!--\nЖ\u00a0\n-->",
+                        "<!--a=\"b\"-->",
+                        "\xff",
+                        "\xef\xb8\x8c",
+                        "&x;",
+                        "\xef\xbf\xbe",
+                        "\xd0",
+                        "<b",
+                        "\x01"});
     return result;
 }
 
