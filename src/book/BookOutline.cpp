@@ -54,7 +54,7 @@ private:
     [[nodiscard]] bool lineEndsBetween(const White& white, const CommonToken& next) const;
     void takeText(std::string_view piece, TextFeatures features, const CommonToken& next);
     [[nodiscard]] static std::size_t breaksAtAngles(std::string_view joined, const CommonToken& next);
-    [[nodiscard]] bool takeWhite(White& white, const CommonToken& next);
+    void takeWhite(White& white, const CommonToken& next);
     void takeComment(const White& white, const CommonToken& tag);
     [[nodiscard]] bool takeStart(const White& white, const CommonToken& tag);
     [[nodiscard]] bool takeEnd(const White& white, const CommonToken& tag);
@@ -69,7 +69,7 @@ private:
     CommonToken before;
     std::string joined; ///< the last text with line ends, joined
     std::size_t gapBreaks = 0; ///< gaps at which the editor's own rules end a line
-    std::size_t lateBlanks = 0; ///< line ends between elements, which are blanks if text follows
+    std::vector<std::uint64_t> lateBlanks; ///< line ends between elements, which are blanks if text follows
 };
 
 bool Outliner::run(std::size_t start, std::size_t descriptionEnd)
@@ -96,8 +96,8 @@ bool Outliner::run(std::size_t start, std::size_t descriptionEnd)
         White white = isText ? White() : whiteOf(piece);
         if (isText)
             takeText(piece, features, tag);
-        else if (!takeWhite(white, tag))
-            return false;
+        else
+            takeWhite(white, tag);
         if (tag.kind == Kind::Comment)
             takeComment(white, tag);
         else if (rootClosed || (tag.kind == Kind::End ? !takeEnd(white, tag) : !takeStart(white, tag)))
@@ -193,27 +193,23 @@ std::size_t Outliner::breaksAtAngles(std::string_view joined, const CommonToken&
 
 /// Handles the white space, or none, between the last tag and this one. Line ends alone become a blank if
 /// they separate words.
-bool Outliner::takeWhite(White& white, const CommonToken& next)
+void Outliner::takeWhite(White& white, const CommonToken& next)
 {
-    bool isLate = false;
     if (white.lineEnd && !white.blank && !white.tab && !open.empty()) {
         const bool empties = before.kind == Kind::Start && next.kind == Kind::End;
         const bool isEdge = (before.kind == Kind::Start && !before.facts->isInLineWord)
             || (next.kind == Kind::End && !next.facts->isInLineWord);
         if (!empties && !isEdge) {
-            white.blank = before.facts->isInLineWord && next.facts->isInLineWord;
-            isLate = !white.blank;
-            // Whether other elements count as adjacent depends on the elements around them.
-            if (isLate && (open.back().hasText || open.back().facts->isText))
-                return false;
+            const bool isWord = before.facts->isInLineWord && next.facts->isInLineWord;
+            white.blank = isWord || open.back().hasText;
+            if (!isWord)
+                (white.blank ? outline.blanks : lateBlanks).push_back(before.end);
         }
     }
     outline.joinedWords += white.blank && !white.writtenBlank ? 1 : 0;
-    lateBlanks += isLate ? 1 : 0;
     gapBreaks += lineEndsBetween(white, next) ? 1 : 0;
     if (white.any && !open.empty())
         open.back().wordsAfter = false;
-    return true;
 }
 
 void Outliner::takeComment(const White& white, const CommonToken& tag)
@@ -245,7 +241,8 @@ bool Outliner::takeStart(const White& white, const CommonToken& tag)
         parent.wordsTouching = parent.wordsTouching || parent.wordsAfter;
         parent.wordsAfter = true;
 
-        parent.touching = parent.touching || (parent.afterElement && !white.any);
+        // Whether line ends part elements depends on the elements around them.
+        parent.touching = parent.touching || (parent.afterElement && !white.blank && !white.tab);
         settleWhite(parent, white, tag);
         parent.hasContent = true;
         if (!parent.mixed)
@@ -260,7 +257,7 @@ bool Outliner::takeStart(const White& white, const CommonToken& tag)
     element.mixed = !open.empty() && open.back().mixed;
     element.firstLine = outline.lines.size();
     element.firstGap = gapBreaks;
-    element.firstBlank = lateBlanks;
+    element.firstBlank = lateBlanks.size();
     open.push_back(element);
     return true;
 }
@@ -299,12 +296,16 @@ bool Outliner::takeEnd(const White& white, const CommonToken& tag)
 bool Outliner::closeWords(Element& element, bool isJoined)
 {
     if (isJoined) {
-        if (lateBlanks > element.firstBlank)
+        const auto first = lateBlanks.begin() + std::ptrdiff_t(element.firstBlank);
+        // The blanks could change the lines of elements after them.
+        if ((!element.hasText || element.facts->isInLine) && first != lateBlanks.end())
             return false;
+        outline.joinedWords += std::size_t(lateBlanks.end() - first);
+        outline.blanks.insert(outline.blanks.end(), first, lateBlanks.end());
         outline.tornTexts += gapBreaks - element.firstGap;
         gapBreaks = element.firstGap;
     }
-    lateBlanks = element.firstBlank;
+    lateBlanks.resize(element.firstBlank);
     return true;
 }
 
@@ -347,6 +348,7 @@ std::optional<BookOutline> OutlineOf(std::string_view text, std::size_t start, s
     Outliner outliner(text, inLineTags, showNbsp);
     if (!outliner.run(start, descriptionEnd))
         return std::nullopt;
+    std::ranges::sort(outliner.outline.blanks);
     outliner.outline.characters = outliner.characters();
     outliner.outline.inLineNames = inLineTags.elementNames();
     outliner.outline.wordNames = WordNames(inLineTags);

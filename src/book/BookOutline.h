@@ -33,6 +33,8 @@ struct BookOutline
     std::uint32_t deepest = 0; ///< the largest depth
     std::vector<std::string> inLineNames; ///< of elements in which a blank is text
     std::vector<std::string> wordNames; ///< of elements that may be parts of words
+    /// The positions of the line ends between other elements that become a blank, in order.
+    std::vector<std::uint64_t> blanks;
     // The changes that the editor's own rules would make; see `BookLosses`.
     std::size_t joinedWords = 0;
     std::size_t tornTexts = 0;

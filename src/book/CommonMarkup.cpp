@@ -1,5 +1,6 @@
 #include "CommonMarkup.h"
 
+#include "PaintedNames.h"
 #include "TextFunctions.h"
 #include "Utf8.h"
 #include "XmlReference.h"
@@ -7,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <utility>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -73,20 +75,27 @@ constexpr bool IsAngleQuote(std::uint32_t c)
 
 constexpr std::uint32_t Guard = 0xFE0C; ///< `DisplayGuard`
 
-/// True for the ASCII characters of a painted name, which a reference would hide from `mayBePainted`.
+/// True for the characters of a painted name, which a reference would hide from `NameBeforeEquals`.
 constexpr bool IsNamePart(std::uint32_t c)
 {
-    return c < 0x80 && (IsTagNameByte(static_cast<char>(c)) || c == '=');
+    return (c >= 'a' && c <= 'z') || c == ':' || c == '=';
 }
 
-/// True if a display may paint a quote after this text as the start of a value (`PaintOf`).
-bool MayBePainted(std::string_view text)
+/// Returns the position of a painted name before an equals sign at the end of a text, whatever is before the
+/// name.
+std::size_t NameBeforeEquals(std::string_view text)
 {
-    constexpr std::array<std::string_view, 11> Names
-        = {"id=",    "href=", "type=",   "version=", "encoding=", "match=",
-           "value=", "name=", "number=", "xmlns=",   "xmlns:l="};
-    return text.ends_with('=')
-        && std::ranges::any_of(Names, [text](std::string_view name) { return text.ends_with(name); });
+    if (!text.ends_with('='))
+        return None;
+    text.remove_suffix(1);
+    std::size_t start = None;
+    const auto look = [&](std::string_view name) {
+        if (text.ends_with(name))
+            start = text.size() - name.size();
+    };
+    std::ranges::for_each(PaintedAttributes, look);
+    std::ranges::for_each(PaintedNamespaces, look);
+    return start;
 }
 
 } // namespace
@@ -123,7 +132,8 @@ std::size_t CommonMarkup::skipPlain(std::size_t at, [[maybe_unused]] std::size_t
 
 bool CommonMarkup::checkText(std::size_t at, std::size_t end, TextFeatures& features)
 {
-    const std::size_t start = at;
+    const std::size_t start = textStart = at;
+    inPaintedValue = false;
     while ((at = skipPlain(at, end)) < end) {
         if (text[at] == '\t' || text[at] == '\r' || text[at] == '\n') {
             features.hasLines = true;
@@ -138,17 +148,34 @@ bool CommonMarkup::checkText(std::size_t at, std::size_t end, TextFeatures& feat
             return false;
         }
     }
-    return true;
+    return !inPaintedValue;
+}
+
+/// Checks a double quote of a text. A display paints names and values in texts too. A value has to end in the
+/// text in which it begins, and the blank before a name has to be the same if the lines are joined. \param at
+/// the position of the quote
+bool CommonMarkup::takeQuote(std::size_t at)
+{
+    const std::string_view before = text.substr(textStart, at - textStart);
+    const std::size_t name = NameBeforeEquals(before);
+    const bool ends = std::exchange(inPaintedValue, false);
+    if (name == None || name == 0)
+        return true;
+    const bool isSafe
+        = before[name - 1] == ' ' ? name > 1 && !IsXmlWhite(before[name - 2]) : !IsXmlWhite(before[name - 1]);
+    const std::optional<PaintedName> painted = PaintedNameAtEnd(before);
+    inPaintedValue = painted && painted->withValue;
+    return isSafe && !(ends && painted);
 }
 
 /// Checks the reference at `at` and moves to the next character.
-bool CommonMarkup::checkReference(std::size_t& at, std::size_t end) const
+bool CommonMarkup::checkReference(std::size_t& at, std::size_t end)
 {
     const std::string_view rest = text.substr(at, end - at);
     for (const std::string_view reference : {"&amp;", "&lt;", "&gt;", "&quot;", "&apos;"}) {
         if (!rest.starts_with(reference))
             continue;
-        if (reference == "&quot;" && MayBePainted(text.substr(0, at)))
+        if (reference == "&quot;" && !takeQuote(at))
             return false;
         at += reference.size();
         return true;
@@ -157,8 +184,10 @@ bool CommonMarkup::checkReference(std::size_t& at, std::size_t end) const
     if (!numeric)
         return false;
     const std::uint32_t c = numeric->character;
-    if (c <= ' ' || c == '"' || c == 0x7F || IsNamePart(c) || (c == 0xA0 && !showNbsp) || IsAngleQuote(c)
-        || c == Guard || !IsXmlCharacter(c))
+    if (c == '"' && !takeQuote(at))
+        return false;
+    if (c <= ' ' || c == 0x7F || IsNamePart(c) || (c == 0xA0 && !showNbsp) || IsAngleQuote(c) || c == Guard
+        || !IsXmlCharacter(c))
         return false;
     at += numeric->length;
     return true;
@@ -209,7 +238,7 @@ bool CommonMarkup::checkCharacter(std::size_t& at, std::size_t end, bool inText)
     case Byte::Ampersand:
         return inText && checkReference(at, end);
     case Byte::Quote:
-        if (!inText || MayBePainted(text.substr(0, at)))
+        if (!inText || !takeQuote(at))
             return false;
         ++at;
         return true;
@@ -368,7 +397,7 @@ bool CommonMarkup::readAttribute(std::size_t& at)
 /// Checks a value: without mark-up, quotes, and white space that a parser would change.
 bool CommonMarkup::checkValue(std::string_view value)
 {
-    if (MayBePainted(value) || value.find("  ") != None)
+    if (NameBeforeEquals(value) != None || value.find("  ") != None)
         return false;
     auto at = static_cast<std::size_t>(value.data() - text.data());
     for (const std::size_t end = at + value.size(); at < end;) {

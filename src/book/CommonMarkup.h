@@ -101,7 +101,8 @@ private:
     [[nodiscard]] std::size_t skipPlain(std::size_t at, std::size_t end) const;
     [[nodiscard]] bool checkCharacter(std::size_t& at, std::size_t end, bool inText);
     [[nodiscard]] bool checkLongCharacter(std::size_t& at, std::size_t end);
-    [[nodiscard]] bool checkReference(std::size_t& at, std::size_t end) const;
+    [[nodiscard]] bool checkReference(std::size_t& at, std::size_t end);
+    [[nodiscard]] bool takeQuote(std::size_t at);
     [[nodiscard]] bool checkReferenceInTag(std::size_t& at, std::size_t end) const;
 
     std::string_view text;
@@ -109,6 +110,8 @@ private:
     ElementTable elements;
     std::vector<Prefix> prefixes; ///< of namespaces, declared by the open elements
     std::vector<Attribute> attributes; ///< of the current tag
+    std::size_t textStart = 0; ///< of the current text
+    bool inPaintedValue = false;
 };
 
 } // namespace vmk

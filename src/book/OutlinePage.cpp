@@ -264,10 +264,15 @@ std::string_view OutlinedText::line(std::size_t index) const
 {
     if (index == 0)
         return declaration;
-    const std::size_t start = outline.lines[index - 1].position;
+    const std::size_t start = position(index);
     const std::size_t end
         = index < outline.lines.size() ? std::size_t(outline.lines[index].position) : outline.end;
     return std::string_view(text).substr(start, end - start);
+}
+
+std::size_t OutlinedText::position(std::size_t index) const
+{
+    return index == 0 ? 0 : std::size_t(outline.lines[index - 1].position);
 }
 
 std::size_t OutlinedText::depth(std::size_t index) const
@@ -304,7 +309,7 @@ void OutlineDivs::append(std::size_t first, std::size_t last, std::string& page)
     outline::OutlineWriter<PageSink> writer(sink, paint.attributes, book.outline);
     for (std::size_t i = first; i < last; ++i) {
         page += i == 0 ? std::string_view("<DIV id=FirstDiv>") : std::string_view(starts[book.depth(i)]);
-        writer.write(book.line(i));
+        writer.write(book.line(i), book.position(i));
         page += i + 1 < book.lineCount() ? "</DIV>\r" : "</DIV>";
     }
 }
@@ -321,7 +326,7 @@ std::string XmlOfOutline(const OutlinedText& book)
     for (std::size_t i = 1; i < book.lineCount(); ++i) {
         xml += CrLf;
         xml.append(book.depth(i), '\t');
-        writer.write(book.line(i));
+        writer.write(book.line(i), book.position(i));
     }
     return xml;
 }
@@ -356,7 +361,7 @@ std::vector<LinePtr> OutlineLines::make(std::size_t first, std::size_t last) con
     LineSink sink(tagMark, nameMark, valueMark, commentMark, showNbsp);
     outline::OutlineWriter<LineSink> writer(sink, paintsAttributes, book->outline);
     for (std::size_t i = first; i < last; ++i) {
-        writer.write(book->line(i));
+        writer.write(book->line(i), book->position(i));
         lines.push_back(sink.take(i == 0 ? firstBlock : blocks[book->depth(i)]));
     }
     return lines;

@@ -37,6 +37,8 @@ struct OutlinedText
     /// The piece of the text of a line; the declaration for the first one.
     /// \param index  0 to `lineCount() - 1`
     [[nodiscard]] std::string_view line(std::size_t index) const;
+    /// The position of that piece in the text, in bytes; 0 for the declaration.
+    [[nodiscard]] std::size_t position(std::size_t index) const;
     /// The number of elements around a line.
     [[nodiscard]] std::size_t depth(std::size_t index) const;
 

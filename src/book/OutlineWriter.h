@@ -3,6 +3,7 @@
 #include "BookOutline.h"
 #include "KeptLines.h"
 #include "NonBreakingSpace.h"
+#include "PaintedNames.h"
 #include "XmlReference.h"
 
 #include <algorithm>
@@ -10,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 /// Writes the lines of a text in common form to a sink, in the form that the parser's reading has: tags with
 /// single blanks and double quotes, elements without content as one tag, joined lines.
@@ -45,13 +47,23 @@ enum class NamePaint
 /// The attributes that are painted, without the blank before the name.
 inline NamePaint PaintOf(std::string_view name)
 {
-    constexpr std::array<std::string_view, 9> Painted
-        = {"id", "href", "type", "version", "encoding", "match", "value", "name", "number"};
-    if (name == "xmlns" || name == "xmlns:l")
+    if (std::ranges::find(PaintedNamespaces, name) != PaintedNamespaces.end())
         return NamePaint::Name;
-    return name.ends_with(":href") || std::ranges::find(Painted, name) != Painted.end()
+    return name.ends_with(":href") || std::ranges::find(PaintedAttributes, name) != PaintedAttributes.end()
         ? NamePaint::NameAndValue
         : NamePaint::Nothing;
+}
+
+/// The length of the double quote or of the reference to it at the start of a text; 0 for other texts.
+inline std::size_t QuoteLength(std::string_view text)
+{
+    constexpr std::string_view Reference = "&quot;";
+    if (text[0] == '"')
+        return 1;
+    if (text.starts_with(Reference))
+        return Reference.size();
+    const std::optional<XmlReference> numeric = NumericReference(text);
+    return numeric && numeric->character == '"' ? numeric->length : 0;
 }
 
 /// The name of the tag at the start of a text; empty for a comment.
@@ -78,15 +90,18 @@ public:
     {
     }
 
-    /// \param piece  a line of the text
-    void write(std::string_view piece);
+    /// \param piece     a line of the text
+    /// \param position  of the line in the text, in bytes
+    void write(std::string_view piece, std::size_t position);
 
 private:
     [[nodiscard]] std::string_view joinedText(std::string_view line, std::size_t from, std::size_t to);
     [[nodiscard]] bool isWord(std::string_view name) const;
+    void writeDeclaration(std::string_view declaration);
     void writeText(std::string_view text);
-    void writeWhite(std::string_view white, std::string_view next);
+    void writeWhite(std::string_view white, std::size_t position, std::string_view next);
     void writeReference(std::string_view text, std::size_t& at);
+    void writeQuote(std::string_view text, std::size_t from, std::size_t at);
     std::size_t writeComment(std::string_view line, std::size_t at);
     std::size_t writeTag(std::string_view line, std::size_t at);
     [[nodiscard]] std::size_t emptyEnd(std::string_view line, std::size_t at, std::string_view name) const;
@@ -97,12 +112,15 @@ private:
     const BookOutline& outline;
     std::size_t openTag = None; ///< the position of the last tag in the line if it is a start tag
     std::string_view lastName; ///< of the last tag; empty after a comment
+    bool inValue = false; ///< a painted one of a text
     std::string joined;
 };
 
 template <class Sink>
-void OutlineWriter<Sink>::write(std::string_view piece)
+void OutlineWriter<Sink>::write(std::string_view piece, std::size_t position)
 {
+    if (piece.starts_with("<?"))
+        return writeDeclaration(piece);
     for (std::size_t at = 0; at < piece.size();) {
         if (piece[at] == '<') {
             at = piece[at + 1] == '!' ? writeComment(piece, at) : writeTag(piece, at);
@@ -113,9 +131,17 @@ void OutlineWriter<Sink>::write(std::string_view piece)
         if (text.find_first_not_of(White) != None)
             writeText(!HasLines(text) ? text : joinedText(piece, at, next));
         else if (next < piece.size())
-            writeWhite(text, piece.substr(next));
+            writeWhite(text, position + at, piece.substr(next));
         at = next;
     }
+}
+
+template <class Sink>
+void OutlineWriter<Sink>::writeDeclaration(std::string_view declaration)
+{
+    sink.startTag();
+    writeText(declaration.substr(1, declaration.size() - 2));
+    sink.endTag();
 }
 
 /// Joins the lines of the text from `from` to `to`, between two tags.
@@ -146,9 +172,15 @@ void OutlineWriter<Sink>::writeText(std::string_view text)
         if (c == ' ' && at + 1 < text.size() && text[at + 1] == ' ') {
             sink.text(text.substr(copied, at + 1 - copied));
             at = copied = std::min(text.find_first_not_of(' ', at), text.size());
-        } else if (c == '&') {
-            sink.text(text.substr(copied, at - copied));
-            writeReference(text, at);
+        } else if (c == '"' || c == '&') {
+            const std::size_t quote = QuoteLength(text.substr(at));
+            if (quote > 0) {
+                writeQuote(text, copied, at);
+                at += quote;
+            } else {
+                sink.text(text.substr(copied, at - copied));
+                writeReference(text, at);
+            }
             copied = at;
         } else if (c == Utf8Nbsp[0] && text[at + 1] == Utf8Nbsp[1]) {
             sink.text(text.substr(copied, at - copied));
@@ -169,6 +201,29 @@ void OutlineWriter<Sink>::writeText(std::string_view text)
     sink.text(text.substr(copied));
 }
 
+/// Writes the text before a double quote, and the quote. A name before the quote and the value after it are
+/// painted. \param from  the end of the text that is already written \param at    the position of the quote
+template <class Sink>
+void OutlineWriter<Sink>::writeQuote(std::string_view text, std::size_t from, std::size_t at)
+{
+    const bool closes = std::exchange(inValue, false);
+    const std::optional<PaintedName> painted
+        = paintsAttributes && !closes ? PaintedNameAtEnd(text.substr(0, at)) : std::nullopt;
+    const std::size_t end = painted ? at - painted->name.size() : at;
+    sink.text(text.substr(from, end - from));
+    if (painted) {
+        sink.startName();
+        sink.text(painted->name);
+        sink.endMark();
+        inValue = painted->withValue;
+        if (inValue)
+            sink.startValue();
+    }
+    sink.text("\"");
+    if (closes)
+        sink.endMark();
+}
+
 template <class Sink>
 void OutlineWriter<Sink>::writeReference(std::string_view text, std::size_t& at)
 {
@@ -182,8 +237,6 @@ void OutlineWriter<Sink>::writeReference(std::string_view text, std::size_t& at)
         sink.angle(true);
     else if (rest[1] == 'g')
         sink.angle(false);
-    else if (rest[1] == 'q')
-        sink.text("\"");
     else if (rest[2] == 'p')
         sink.text("'");
     else
@@ -191,16 +244,19 @@ void OutlineWriter<Sink>::writeReference(std::string_view text, std::size_t& at)
 }
 
 /// Writes white space between two tags of a line, without its line ends. Line ends alone become a blank
-/// between elements that are parts of words. \param next  the text from the next tag on
+/// between elements that are parts of words, and in some other positions (`BookOutline::blanks`).
+/// \param position  of the white space in the text
+/// \param next      the text from the next tag on
 template <class Sink>
-void OutlineWriter<Sink>::writeWhite(std::string_view white, std::string_view next)
+void OutlineWriter<Sink>::writeWhite(std::string_view white, std::size_t position, std::string_view next)
 {
     std::string kept;
     for (const char c : white) {
         if (c == '\t' || (c == ' ' && !kept.ends_with(' ')))
             kept += c;
     }
-    if (kept.empty() && isWord(lastName) && isWord(NameAt(next)))
+    const auto isBlank = [this, position] { return std::ranges::binary_search(outline.blanks, position); };
+    if (kept.empty() && ((isWord(lastName) && isWord(NameAt(next))) || isBlank()))
         kept = ' ';
     if (!kept.empty())
         sink.white(kept);
@@ -230,18 +286,15 @@ std::size_t OutlineWriter<Sink>::writeTag(std::string_view line, std::size_t at)
 {
     const bool isEnd = line[at + 1] == '/';
     const std::size_t nameStart = at + (isEnd ? 2 : 1);
-    std::size_t i = std::min(line.find_first_of(" \t\r\n/>?", nameStart + (line[nameStart] == '?' ? 1 : 0)),
-                             line.size());
+    std::size_t i = std::min(line.find_first_of(" \t\r\n/>", nameStart), line.size());
     sink.startTag();
     sink.text(line.substr(at + 1, i - at - 1));
     bool isEmpty = false;
     while (line[i] != '>') {
         if (White.find(line[i]) != None) {
             ++i;
-        } else if (line[i] == '/' || line[i] == '?') {
-            isEmpty = line[i] == '/';
-            if (!isEmpty)
-                sink.text("?");
+        } else if (line[i] == '/') {
+            isEmpty = true;
             ++i;
         } else {
             const std::size_t equals = line.find('=', i);

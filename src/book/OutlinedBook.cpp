@@ -32,11 +32,16 @@ std::string_view UsualDeclaration(std::string_view bytes, std::string& encoding)
     if (quote == None || quote > LongestName)
         return {};
     encoding = LowerCase(std::string(rest.substr(0, quote)));
-    for (const std::string_view end : {R"("?>)", R"(" standalone="yes"?>)", R"(" standalone="no"?>)"}) {
-        if (rest.substr(quote).starts_with(end))
-            return bytes.substr(0, Front.size() + quote + end.size());
-    }
-    return {};
+    std::size_t end = Front.size() + quote + 1;
+    const auto skip = [&bytes, &end](std::string_view piece) {
+        const bool isThere = bytes.substr(end).starts_with(piece);
+        end += isThere ? piece.size() : 0;
+        return isThere;
+    };
+    if (!skip(R"( standalone="yes")"))
+        skip(R"( standalone="no")");
+    skip(" ");
+    return skip("?>") ? bytes.substr(0, end) : std::string_view();
 }
 
 /// True if each byte is a character of the code page.

@@ -3,6 +3,7 @@
 #include "LargeBuffers.h"
 #include "LineEnds.h"
 #include "NonBreakingSpace.h"
+#include "PaintedNames.h"
 #include "TagPaint.h"
 #include "XmlDeclarations.h"
 #include "XmlSerializer.h"
@@ -16,35 +17,9 @@ namespace vmk {
 
 namespace {
 
-constexpr std::array<std::string_view, 10> PaintedNames
-    = {" id=",       " href=",  ":href=",  " type=", " version=",
-       " encoding=", " match=", " value=", " name=", " number="};
-/// Only the names are painted: their values keep the tag's colour.
-constexpr std::array<std::string_view, 2> NamespaceNames = {" xmlns=", " xmlns:l="};
-
 /// Replace the brackets of a comment. If the text contains them itself, they are painted as brackets.
 constexpr char CommentStartMark = 3;
 constexpr char CommentEndMark = 4;
-
-struct PaintedName
-{
-    std::string_view name;
-    bool withValue;
-};
-
-/// Returns the listed name at the end of `text`, which ends before a double quote.
-std::optional<PaintedName> PaintedNameAtEnd(std::string_view text)
-{
-    if (!text.ends_with('='))
-        return std::nullopt;
-    for (const std::string_view name : PaintedNames)
-        if (text.ends_with(name))
-            return PaintedName{name, true};
-    for (const std::string_view name : NamespaceNames)
-        if (text.ends_with(name))
-            return PaintedName{name, false};
-    return std::nullopt;
-}
 
 enum class LineEnds
 {

@@ -114,6 +114,37 @@ TEST_F(Outlines, ABookInCommonFormIsReadAsByTheParser)
         "<a l:href=\"#n1\" type=\"note\">1</a>.</p><empty-line/><p>A &amp; B &lt;C&gt;</p></section>")));
 }
 
+TEST_F(Outlines, TextsOfProgramsAreInCommonForm)
+{
+    EXPECT_TRUE(same(whole("<p>a > b, a -> b, a/></p><p>x = \"y\"; class=\"c\"; <sup>></sup></p>")));
+    EXPECT_TRUE(same(whole("<p>&lt;a id=\"x\" l:href=&quot;‹y›&#34; xmlns=\"z\"&gt;</p>")));
+    EXPECT_FALSE(same(whole("<p>]]></p>")));
+    // The value would end in another text.
+    EXPECT_FALSE(same(whole("<p>a id=\"x</p>")));
+}
+
+TEST_F(Outlines, CharactersThatTheDisplayGuardsAreInCommonForm)
+{
+    for (const bool showNbsp : {false, true}) {
+        values.showNbsp = showNbsp;
+        EXPECT_TRUE(same(whole("<p id=\"‹\u00a0\">‹a› \u00a0b\u00a0</p><!-- ›\u00a0 -->")));
+    }
+}
+
+TEST_F(Outlines, NamespacesOfInnerElementsAreInCommonForm)
+{
+    EXPECT_TRUE(same(whole("<p><a xmlns:q=\"u\" q:href=\"#n\">1</a></p><q:x xmlns:q=\"u\"><q:y/></q:x>")));
+    EXPECT_FALSE(same(whole("<p><a xmlns:q=\"u\" q:href=\"#n\"/></p><q:x/>")));
+    EXPECT_FALSE(same(whole("<p q:a=\"\" xmlns:q=\"u\"/><p q:a=\"\"/>")));
+}
+
+TEST_F(Outlines, LinesBetweenElementsOfATextAreInCommonForm)
+{
+    EXPECT_TRUE(same(whole("<section>text<p>a</p>\n<p>b</p>\r\n<empty-line/>\n</section>")));
+    EXPECT_TRUE(same(whole("<section><p>a</p>\n<p>b</p>\n\ntext</section>")));
+    EXPECT_TRUE(same(whole("<p><code>a</code>\n<empty-line/>\ntext</p>")));
+}
+
 TEST_F(Outlines, TheBooksOfTheCorpusAreTheSame)
 {
     if (CorpusBooks().empty())
@@ -244,7 +275,9 @@ std::string Maker::book()
 {
     std::string result = pick({"", "", "", "\xef\xbb\xbf"})
         + pick({"<?xml version=\"1.0\" encoding=\"utf-8\"?>", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>",
-                "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\"?>"})
+                "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\"?>",
+                "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>",
+                "<?xml version=\"1.0\" encoding=\"utf-8\" standalone=\"yes\" ?>"})
         + white()
         + "<FictionBook xmlns=\"http://www.gribuser.ru/xml/fictionbook/2.0\" "
           "xmlns:l=\"http://www.w3.org/1999/xlink\">"
