@@ -69,7 +69,7 @@ private:
     CommonToken before;
     std::string joined; ///< the last text with line ends, joined
     std::size_t gapBreaks = 0; ///< gaps at which the editor's own rules end a line
-    std::vector<std::uint64_t> lateBlanks; ///< line ends between elements, which are blanks if text follows
+    std::size_t lateBlanks = 0; ///< line ends between elements, which are blanks if text follows
 };
 
 bool Outliner::run(std::size_t start, std::size_t descriptionEnd)
@@ -202,8 +202,10 @@ void Outliner::takeWhite(White& white, const CommonToken& next)
         if (!empties && !isEdge) {
             const bool isWord = before.facts->isInLineWord && next.facts->isInLineWord;
             white.blank = isWord || open.back().hasText;
-            if (!isWord)
-                (white.blank ? outline.blanks : lateBlanks).push_back(before.end);
+            if (!white.blank)
+                ++lateBlanks;
+            else if (!isWord)
+                outline.blanks.push_back(before.end);
         }
     }
     outline.joinedWords += white.blank && !white.writtenBlank ? 1 : 0;
@@ -257,7 +259,7 @@ bool Outliner::takeStart(const White& white, const CommonToken& tag)
     element.mixed = !open.empty() && open.back().mixed;
     element.firstLine = outline.lines.size();
     element.firstGap = gapBreaks;
-    element.firstBlank = lateBlanks.size();
+    element.firstBlank = lateBlanks;
     open.push_back(element);
     return true;
 }
@@ -296,16 +298,13 @@ bool Outliner::takeEnd(const White& white, const CommonToken& tag)
 bool Outliner::closeWords(Element& element, bool isJoined)
 {
     if (isJoined) {
-        const auto first = lateBlanks.begin() + std::ptrdiff_t(element.firstBlank);
         // The blanks could change the lines of elements after them.
-        if ((!element.hasText || element.facts->isInLine) && first != lateBlanks.end())
+        if (lateBlanks > element.firstBlank)
             return false;
-        outline.joinedWords += std::size_t(lateBlanks.end() - first);
-        outline.blanks.insert(outline.blanks.end(), first, lateBlanks.end());
         outline.tornTexts += gapBreaks - element.firstGap;
         gapBreaks = element.firstGap;
     }
-    lateBlanks.resize(element.firstBlank);
+    lateBlanks = element.firstBlank;
     return true;
 }
 
@@ -348,7 +347,6 @@ std::optional<BookOutline> OutlineOf(std::string_view text, std::size_t start, s
     Outliner outliner(text, inLineTags, showNbsp);
     if (!outliner.run(start, descriptionEnd))
         return std::nullopt;
-    std::ranges::sort(outliner.outline.blanks);
     outliner.outline.characters = outliner.characters();
     outliner.outline.inLineNames = inLineTags.elementNames();
     outliner.outline.wordNames = WordNames(inLineTags);

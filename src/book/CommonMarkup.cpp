@@ -152,8 +152,8 @@ bool CommonMarkup::checkText(std::size_t at, std::size_t end, TextFeatures& feat
 }
 
 /// Checks a double quote of a text. A display paints names and values in texts too. A value has to end in the
-/// text in which it begins, and the blank before a name has to be the same if the lines are joined. \param at
-/// the position of the quote
+/// text in which it begins, and the blank before a name has to be the same if the lines are joined.
+/// \param at  the position of the quote
 bool CommonMarkup::takeQuote(std::size_t at)
 {
     const std::string_view before = text.substr(textStart, at - textStart);

@@ -201,8 +201,9 @@ void OutlineWriter<Sink>::writeText(std::string_view text)
     sink.text(text.substr(copied));
 }
 
-/// Writes the text before a double quote, and the quote. A name before the quote and the value after it are
-/// painted. \param from  the end of the text that is already written \param at    the position of the quote
+/// Writes the text before a double quote, and the quote, with the paint of a name and a value.
+/// \param from  the end of the text that is already written
+/// \param at    the position of the quote
 template <class Sink>
 void OutlineWriter<Sink>::writeQuote(std::string_view text, std::size_t from, std::size_t at)
 {
@@ -318,8 +319,9 @@ std::size_t OutlineWriter<Sink>::writeTag(std::string_view line, std::size_t at)
     return i;
 }
 
-/// An element without content is written as one tag. Returns the position after its end tag, or `at` if it
-/// has content; a blank is content of an in-line element. \param at  the position after the start tag
+/// An element without content is written as one tag. A blank is content of an in-line element.
+/// \param at  the position after the start tag
+/// \return the position after the end tag, or `at` if the element has content
 template <class Sink>
 std::size_t OutlineWriter<Sink>::emptyEnd(std::string_view line, std::size_t at, std::string_view name) const
 {

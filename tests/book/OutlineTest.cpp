@@ -141,8 +141,9 @@ TEST_F(Outlines, NamespacesOfInnerElementsAreInCommonForm)
 TEST_F(Outlines, LinesBetweenElementsOfATextAreInCommonForm)
 {
     EXPECT_TRUE(same(whole("<section>text<p>a</p>\n<p>b</p>\r\n<empty-line/>\n</section>")));
-    EXPECT_TRUE(same(whole("<section><p>a</p>\n<p>b</p>\n\ntext</section>")));
-    EXPECT_TRUE(same(whole("<p><code>a</code>\n<empty-line/>\ntext</p>")));
+    EXPECT_TRUE(same(whole("<p>a<code>b</code>\n<empty-line/>\nc</p>")));
+    // What the first line end is depends on the text after it.
+    EXPECT_FALSE(same(whole("<section><p>a</p>\n<p>b</p>\n\ntext</section>")));
 }
 
 TEST_F(Outlines, TheBooksOfTheCorpusAreTheSame)
