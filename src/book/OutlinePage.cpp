@@ -252,7 +252,7 @@ void LineSink::character(std::uint32_t c)
 LinePtr LineSink::take(TagId block)
 {
     const QStringView text(units.data(), static_cast<qsizetype>(units.size()));
-    LinePtr line = MakeLine(Line{block, text.toString(), std::vector<Mark>(marks.begin(), marks.end())});
+    LinePtr line = MakeLine(Line{block, text.toString(), marks});
     units.clear();
     marks.clear();
     return line;

@@ -44,15 +44,15 @@ void ByteWriter::line(const Line& line)
 {
     number(line.block);
     string(line.text);
-    marks(line.marks, 0, line.marks.size());
+    marks(line.marks);
 }
 
-void ByteWriter::marks(const std::vector<Mark>& marks, std::size_t from, std::size_t to)
+void ByteWriter::marks(std::span<const Mark> marks)
 {
-    number(to - from);
-    for (std::size_t i = from; i < to; ++i) {
-        number(std::uint64_t(marks[i].pos));
-        number(std::uint64_t(marks[i].tag) * 2 + marks[i].open);
+    number(marks.size());
+    for (const Mark& mark : marks) {
+        number(std::uint64_t(mark.pos));
+        number(std::uint64_t(mark.tag) * 2 + mark.open);
     }
 }
 

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -108,7 +109,7 @@ public:
     void string(std::string_view value);
     void string(QStringView value);
     void line(const Line& line);
-    void marks(const std::vector<Mark>& marks, std::size_t from, std::size_t to);
+    void marks(std::span<const Mark> marks);
 
 private:
     std::string text;

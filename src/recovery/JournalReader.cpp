@@ -220,18 +220,19 @@ private:
         const QString middle = reader.string();
         const int firstMarks = reader.count(before.marks.size());
         const int lastMarks = reader.count(before.marks.size() - std::size_t(firstMarks));
-        const std::vector<Mark> marks = reader.marks();
+        const std::vector<Mark> changed = reader.marks();
         if (!reader.isGood())
             return false;
 
         after.text = before.text.left(start) + middle + before.text.right(end);
         const auto shift = int(after.text.size() - before.text.size());
-        after.marks.assign(before.marks.begin(), before.marks.begin() + firstMarks);
-        after.marks.insert(after.marks.end(), marks.begin(), marks.end());
+        std::vector<Mark> marks(before.marks.begin(), before.marks.begin() + firstMarks);
+        marks.insert(marks.end(), changed.begin(), changed.end());
         for (auto mark = before.marks.end() - lastMarks; mark != before.marks.end(); ++mark) {
-            after.marks.push_back(*mark);
-            after.marks.back().pos += shift;
+            marks.push_back(*mark);
+            marks.back().pos += shift;
         }
+        after.marks = marks;
         const LinePtr made = soundLine(std::move(after), reader);
         if (!reader.isGood())
             return false;
@@ -295,8 +296,10 @@ std::vector<LinePtr> LinesOfSession(const JournalBase& session, TagTable& tags)
     for (const LinePtr& line : session.lines) {
         Line made = *line;
         made.block = numbers[made.block];
-        for (Mark& mark : made.marks)
+        std::vector<Mark> marks = made.marks.toVector();
+        for (Mark& mark : marks)
             mark.tag = numbers[mark.tag] & 0x7FFFFFFF;
+        made.marks = marks;
         lines.push_back(MakeLine(std::move(made)));
     }
     return lines;

@@ -7,6 +7,8 @@
 #include <QCoreApplication>
 
 #include <algorithm>
+#include <cstddef>
+#include <span>
 
 using namespace Qt::StringLiterals;
 
@@ -42,6 +44,29 @@ CommonText CommonTextOf(QStringView a, QStringView b)
     return common;
 }
 
+/// A single line that is replaced by another is written as the difference between them.
+bool IsChangeOfLine(const LineSplice& splice)
+{
+    return splice.removed == 1 && splice.inserted.size() == 1;
+}
+
+/// Whether the record of a batch would be larger than several pieces of a base.
+bool IsLarge(const JournalBatch& batch)
+{
+    constexpr std::size_t Large = std::size_t(4) << 20;
+    constexpr std::size_t BytesOfLine = 3; // at least
+    std::size_t bytes = 0;
+    for (const LineSplice& splice : batch.splices) {
+        if (IsChangeOfLine(splice))
+            continue;
+        for (const LinePtr& line : splice.inserted)
+            bytes += BytesOfLine + sizeof(char16_t) * std::size_t(line->text.size());
+        if (bytes > Large)
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 JournalWriter::JournalWriter(QString recoveryFolder)
@@ -64,6 +89,13 @@ bool JournalWriter::write(const JournalBatch& batch)
 {
     if (!isBegun || isGivenUp)
         return !isGivenUp;
+    if (IsLarge(batch)) {
+        // A base is written piece by piece; the record would be in memory as a whole, and packed once more.
+        for (const LineSplice& splice : batch.splices)
+            lines.replace(splice.first, splice.removed, splice.inserted);
+        keep(batch);
+        return writeBase();
+    }
     // Encoded before the lines change: a changed line is written as a difference from the old one.
     const std::string payload = encode(batch);
     if (!isUsable)
@@ -201,14 +233,12 @@ std::string JournalWriter::encode(const JournalBatch& batch)
 {
     ByteWriter writer;
     writer.string(std::string_view(EncodeTags(batch.newTags)));
-    state.tags.insert(state.tags.end(), batch.newTags.begin(), batch.newTags.end());
 
     std::vector<const LineSplice*> splices;
     for (const LineSplice& splice : batch.splices) {
         // Of a line that changes several times in a row, only the last state matters.
-        const bool repeated = !splices.empty() && splice.removed == 1 && splice.inserted.size() == 1
-            && splices.back()->first == splice.first && splices.back()->inserted.size() == 1
-            && splices.back()->removed == 1;
+        const bool repeated = !splices.empty() && IsChangeOfLine(splice)
+            && splices.back()->first == splice.first && IsChangeOfLine(*splices.back());
         if (repeated)
             splices.back() = &splice;
         else
@@ -221,23 +251,30 @@ std::string JournalWriter::encode(const JournalBatch& batch)
     }
 
     writer.number((batch.binary ? 1U : 0U) + (batch.facts ? 2U : 0U) + (batch.unsaved ? 4U : 0U));
-    if (batch.binary) {
-        state.binary = batch.binary;
+    if (batch.binary)
         writer.string(std::string_view(*batch.binary));
-    }
-    if (batch.facts) {
-        state.facts = *batch.facts;
+    if (batch.facts)
         writer.string(std::string_view(EncodeFacts(*batch.facts)));
-    }
     EncodeSelection(writer, batch.selection);
+    keep(batch);
+    return writer.take();
+}
+
+/// Applies a batch to the state, except its lines.
+void JournalWriter::keep(const JournalBatch& batch)
+{
+    state.tags.insert(state.tags.end(), batch.newTags.begin(), batch.newTags.end());
+    if (batch.binary)
+        state.binary = batch.binary;
+    if (batch.facts)
+        state.facts = *batch.facts;
     state.selection = batch.selection;
     state.unsaved = batch.unsaved;
-    return writer.take();
 }
 
 void JournalWriter::encodeSplice(ByteWriter& writer, const LineSplice& splice)
 {
-    const bool oneLine = splice.removed == 1 && splice.inserted.size() == 1;
+    const bool oneLine = IsChangeOfLine(splice);
     writer.number(std::uint64_t(oneLine ? SpliceForm::Change : SpliceForm::Lines));
     writer.number(std::uint64_t(splice.first));
     if (!oneLine) {
@@ -272,7 +309,7 @@ void JournalWriter::encodeSplice(ByteWriter& writer, const LineSplice& splice)
         QStringView(after.text).sliced(common.start, after.text.size() - common.start - common.end));
     writer.number(start);
     writer.number(end);
-    writer.marks(after.marks, start, after.marks.size() - end);
+    writer.marks(std::span<const Mark>(after.marks).subspan(start, after.marks.size() - end - start));
 }
 
 } // namespace vmk

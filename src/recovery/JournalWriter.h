@@ -56,6 +56,7 @@ private:
     bool writeBase();
     bool appendBase(LockedFile& fresh, std::uint64_t& written);
     [[nodiscard]] std::string encode(const JournalBatch& batch);
+    void keep(const JournalBatch& batch);
     void encodeSplice(ByteWriter& writer, const LineSplice& splice);
     [[nodiscard]] std::uint64_t longest() const;
     bool fail(const QString& reason);

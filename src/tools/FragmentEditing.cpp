@@ -84,8 +84,7 @@ public:
     /// tag
     [[nodiscard]] LinePtr paint(const Line& line, const std::vector<bool>& isMarker, int lastTagEnd)
     {
-        Line painted{line.block, line.text, {}};
-        std::vector<Mark>& marks = painted.marks;
+        std::vector<Mark> marks;
         const int length = int(line.text.size());
         const auto color = [&](int at) {
             if (line.text[at] == u'<')
@@ -112,7 +111,7 @@ public:
         }
         if (blueOpen)
             marks.push_back(Mark::closing(length, blueTag));
-        return MakeLine(std::move(painted));
+        return MakeLine({line.block, line.text, marks});
     }
 
 private:

@@ -3,6 +3,7 @@
 
 #include <QElapsedTimer>
 
+#include <algorithm>
 #include <map>
 #include <random>
 
@@ -419,6 +420,52 @@ TEST(Journal, TypingInAVeryLongLineWritesOnlyTheDifference)
     const std::size_t after = session.journalBytes().size();
     EXPECT_GT(after, before);
     EXPECT_LT(after - before, 100U);
+}
+
+TEST(Journal, AVeryLargeInsertionIsWrittenAsANewBase)
+{
+    const Workplace place;
+    JournalBase base;
+    base.binary = std::make_shared<const std::string>();
+    base.lines = {MakeLine({NoTag, u"one"_s, {}}), MakeLine({NoTag, u"two"_s, {}})};
+    base.facts.pageFront = "<HTML><BODY>";
+    JournalWriter writer(place.Path(u"Recovery"_s));
+    ASSERT_TRUE(writer.begin(base));
+
+    JournalBatch batch;
+    batch.newTags = {{u"DIV"_s, {}}, {u"B"_s, {}}};
+    batch.splices.push_back({1, 1, {}});
+    for (int i = 0; i < 300'000; ++i) {
+        const QString number = QString::number(i);
+        batch.splices.back().inserted.push_back(
+            MakeLine({1, number, {Mark::opening(0, 2), Mark::closing(int(number.size()), 2)}}));
+    }
+    batch.splices.push_back({0, 1, {MakeLine({1, u"none"_s, {}})}});
+    batch.binary = std::make_shared<const std::string>("<binary/>");
+    batch.facts = base.facts;
+    batch.facts->path = u"other.fb2"_s;
+    batch.selection = {{7, 1}, {8, 1}};
+    batch.unsaved = false;
+    ASSERT_TRUE(writer.write(batch)) << writer.reason().toStdString();
+    EXPECT_EQ(writer.baseCount(), 2);
+    JournalBatch small;
+    small.splices.push_back({2, 1, {MakeLine({1, u"last"_s, {}})}});
+    small.selection = {{1, 0}, {1, 0}};
+    ASSERT_TRUE(writer.write(small));
+    EXPECT_EQ(writer.baseCount(), 2);
+
+    const std::optional<RecordedSession> read = ReadJournal(ReadContent(writer.path()).bytes);
+    ASSERT_TRUE(read);
+    EXPECT_TRUE(read->isComplete);
+    std::vector<LinePtr> expected = batch.splices[0].inserted;
+    expected[1] = small.splices[0].inserted[0];
+    expected.insert(expected.begin(), batch.splices[1].inserted[0]);
+    EXPECT_TRUE(std::ranges::equal(read->state.lines, expected,
+                                   [](const LinePtr& a, const LinePtr& b) { return *a == *b; }));
+    EXPECT_EQ(*read->state.binary, "<binary/>");
+    EXPECT_EQ(read->state.facts.path, u"other.fb2"_s);
+    EXPECT_EQ(read->state.selection, small.selection);
+    EXPECT_EQ(read->state.tags.size(), 2U);
 }
 
 // ---------------------------------------------------------------- time

@@ -10,7 +10,10 @@
 
 #include <QHash>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
+#include <vector>
 
 namespace vmk {
 namespace {
@@ -102,18 +105,20 @@ std::string PaintLines(std::string_view html, const TagPaint& paint)
 QString BareHtml(const DisplayDocument& document, int first, int count)
 {
     QHash<TagId, bool> paint;
+    std::vector<Mark> marks;
     QString html;
     for (int i = first; i < first + count; ++i) {
-        Line bare = document.line(i);
-        std::erase_if(bare.marks, [&](const Mark& mark) {
+        const Line& line = document.line(i);
+        marks.clear();
+        std::ranges::copy_if(line.marks, std::back_inserter(marks), [&](const Mark& mark) {
             auto known = paint.constFind(mark.tag);
             if (known == paint.cend())
                 known = paint.insert(mark.tag, IsPaint(document.tags()[mark.tag]));
-            return *known;
+            return !*known;
         });
         if (i > first)
             html += "\r\n"_L1;
-        WriteLine(html, document.tags(), bare);
+        WriteLine(html, document.tags(), {line.block, line.text, marks});
     }
     return html;
 }

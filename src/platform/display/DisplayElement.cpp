@@ -75,8 +75,9 @@ void DisplayElement::setTag(TagId newTag)
         return document->setBlock(lineIndex, newTag);
     Line line = document->line(lineIndex);
     const std::size_t closing = closingMark();
-    line.marks[markIndex] = Mark::opening(line.marks[markIndex].pos, newTag);
-    line.marks[closing] = Mark::closing(line.marks[closing].pos, newTag);
+    std::vector<Mark> marks = line.marks.toVector();
+    marks[markIndex].tag = marks[closing].tag = newTag & 0x7FFFFFFF;
+    line.marks = marks;
     const Position start{lineIndex, 0};
     document->splice(lineIndex, 1, {MakeLine(std::move(line))}, {start, start, start});
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "MarkList.h"
 #include "TagTable.h"
 
 #include <QString>
@@ -13,22 +14,6 @@
 /// The parts of a display document: lines with their marks, positions between characters, and the effect of
 /// an edit on positions.
 namespace vmk {
-
-/// An in-line start or end tag before the character at `pos`.
-struct Mark
-{
-    std::int32_t pos = 0; ///< Offset in the line's text, 0 to its length.
-    std::uint32_t open : 1 = 0; ///< 1 for a start tag, 0 for an end tag.
-    std::uint32_t tag : 31 = 0; ///< `TagId`; an end tag has the number of its start tag.
-
-    [[nodiscard]] static Mark opening(int pos, TagId tag) { return {pos, 1, tag & 0x7FFFFFFF}; }
-    [[nodiscard]] static Mark closing(int pos, TagId tag) { return {pos, 0, tag & 0x7FFFFFFF}; }
-
-    friend bool operator==(const Mark& a, const Mark& b)
-    {
-        return a.pos == b.pos && a.open == b.open && a.tag == b.tag;
-    }
-};
 
 /// The number of `LinePtr` to a line. It is not part of the line's value: a copy begins with none.
 class LineUses
@@ -53,7 +38,7 @@ private:
 struct Line
 {
     Line() = default;
-    Line(TagId lineBlock, QString lineText, std::vector<Mark> lineMarks)
+    Line(TagId lineBlock, QString lineText, MarkList lineMarks)
         : block(lineBlock)
         , text(std::move(lineText))
         , marks(std::move(lineMarks))
@@ -63,7 +48,7 @@ struct Line
     TagId block = NoTag; ///< `NoTag` only for the one empty line of a document without content.
     LineUses uses;
     QString text; ///< Never contains CR or LF.
-    std::vector<Mark> marks; ///< Ascending by `pos`, properly nested, all closed.
+    MarkList marks; ///< Ascending by `pos`, properly nested, all closed.
 
     friend bool operator==(const Line&, const Line&) = default;
 };

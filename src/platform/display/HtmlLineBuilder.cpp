@@ -253,7 +253,10 @@ void HtmlLineBuilder::addLine(TagId block)
 {
     const QStringView written(text.data(), qsizetype(text.size()));
     if (!marks.empty()) {
-        lines.push_back(MakeLine({block, written.toString(), {marks.begin(), marks.end()}}));
+        // Of a longer line, the marks are a small part.
+        constexpr qsizetype Short = 32;
+        MarkList made = written.size() <= Short ? knownMarks.list(marks) : MarkList(marks);
+        lines.push_back(MakeLine({block, written.toString(), std::move(made)}));
         return;
     }
     // Equal lines are one object: most of them are empty, or very short in a text of very many lines.

@@ -122,6 +122,7 @@ private:
 
     std::vector<LinePtr> lines;
     LinePtr lastPlainLine; ///< The last line without marks.
+    SharedMarks knownMarks;
     std::vector<LinePtr> shortLines; ///< Very short ones, each at a position computed from its content.
     std::vector<OpenBlock> blocks;
     std::vector<OpenInline> inlines;

@@ -2,6 +2,8 @@
 
 #include "CommonEnds.h"
 
+#include <span>
+
 namespace vmk {
 
 CommonEnds CommonEndsOf(const std::vector<LinePtr>& before, const std::vector<LinePtr>& after)
@@ -34,13 +36,12 @@ std::vector<LinePtr> WithoutEnds(const std::vector<LinePtr>& lines, const Common
     std::vector<LinePtr> trimmed = lines;
     Line last = *lines.back();
     last.text.chop(ends.backText);
-    last.marks.resize(last.marks.size() - ends.backMarks);
+    last.marks = std::span<const Mark>(last.marks).first(last.marks.size() - ends.backMarks);
     trimmed.back() = MakeLine(std::move(last));
     Line first = *trimmed.front();
     first.text.remove(0, ends.frontText);
     first.text.squeeze();
-    first.marks.erase(first.marks.begin(), first.marks.begin() + std::ptrdiff_t(ends.frontMarks));
-    first.marks.shrink_to_fit();
+    first.marks = std::span<const Mark>(first.marks).subspan(ends.frontMarks);
     trimmed.front() = MakeLine(std::move(first));
     return trimmed;
 }
@@ -51,17 +52,19 @@ std::vector<LinePtr> WithEnds(const std::vector<LinePtr>& trimmed, const CommonE
     std::vector<LinePtr> whole = trimmed;
     Line first = *trimmed.front();
     first.text.prepend(QStringView(otherFirst.text).first(ends.frontText));
-    first.marks.insert(first.marks.begin(), otherFirst.marks.begin(),
-                       otherFirst.marks.begin() + std::ptrdiff_t(ends.frontMarks));
+    std::vector<Mark> marks(otherFirst.marks.begin(), otherFirst.marks.begin() + ends.frontMarks);
+    marks.insert(marks.end(), first.marks.begin(), first.marks.end());
+    first.marks = marks;
     whole.front() = MakeLine(std::move(first));
     Line last = *whole.back();
     last.text.append(QStringView(otherLast.text).last(ends.backText));
     const auto longer = std::int32_t(last.text.size() - otherLast.text.size());
-    for (auto mark = otherLast.marks.end() - std::ptrdiff_t(ends.backMarks); mark != otherLast.marks.end();
-         ++mark) {
-        last.marks.push_back(*mark);
-        last.marks.back().pos += longer;
+    marks = last.marks.toVector();
+    for (Mark mark : std::span<const Mark>(otherLast.marks).last(ends.backMarks)) {
+        mark.pos += longer;
+        marks.push_back(mark);
     }
+    last.marks = marks;
     whole.back() = MakeLine(std::move(last));
     return whole;
 }

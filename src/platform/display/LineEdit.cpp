@@ -54,7 +54,10 @@ std::size_t EndingAt(const Line& line, Cut cut)
 class LineComposer
 {
 public:
-    explicit LineComposer(TagId block) { line.block = block; }
+    explicit LineComposer(TagId lineBlock)
+        : block(lineBlock)
+    {
+    }
 
     /// Appends the line up to a cut. Of the elements open there, those deeper than `shared` end; those that
     /// begin exactly at the cut are omitted.
@@ -65,11 +68,11 @@ public:
                 return mark.index == index && mark.pos == cut.offset;
             });
         };
-        line.text = source.text.first(cut.offset);
-        line.marks.reserve(cut.mark);
+        text = source.text.first(cut.offset);
+        marks.reserve(cut.mark);
         for (std::size_t i = 0; i < cut.mark; ++i) {
             if (source.marks[i].pos < cut.offset || !beginsAtCut(i))
-                line.marks.push_back(source.marks[i]);
+                marks.push_back(source.marks[i]);
         }
         for (std::size_t i = open.size(); i > shared; --i) {
             if (open[i - 1].pos < cut.offset)
@@ -87,39 +90,38 @@ public:
         for (std::size_t i = shared; i < depth; ++i)
             this->open(open[i].tag);
         const int shift = length() - cut.offset;
-        line.text += QStringView(source.text).sliced(cut.offset);
+        text += QStringView(source.text).sliced(cut.offset);
         for (; next < source.marks.size(); ++next) {
-            line.marks.push_back(source.marks[next]);
-            line.marks.back().pos += shift;
+            marks.push_back(source.marks[next]);
+            marks.back().pos += shift;
         }
     }
 
     void append(const Line& piece)
     {
         const int shift = length();
-        line.text += piece.text;
+        text += piece.text;
         for (Mark mark : piece.marks) {
             mark.pos += shift;
-            line.marks.push_back(mark);
+            marks.push_back(mark);
         }
     }
 
-    void open(TagId tag) { line.marks.push_back(Mark::opening(length(), tag)); }
-    void close(TagId tag) { line.marks.push_back(Mark::closing(length(), tag)); }
+    void open(TagId tag) { marks.push_back(Mark::opening(length(), tag)); }
+    void close(TagId tag) { marks.push_back(Mark::closing(length(), tag)); }
 
-    [[nodiscard]] int length() const { return int(line.text.size()); }
-    [[nodiscard]] Line take()
-    {
-        line.marks.shrink_to_fit();
-        return std::move(line);
-    }
+    [[nodiscard]] int length() const { return int(text.size()); }
+    [[nodiscard]] Line take() { return {block, std::move(text), marks}; }
+    [[nodiscard]] Line take(SharedMarks& known) { return {block, std::move(text), known.list(marks)}; }
 
 private:
-    Line line;
+    TagId block;
+    QString text;
+    std::vector<Mark> marks;
 };
 
-/// The results for the inner lines of a long content. Equal lines of it are mostly one object, and remain
-/// one.
+/// The results for the inner lines of a content. Equal lines of a long one are mostly one object, and remain
+/// one; equal marks become one list.
 class ComposedLines
 {
 public:
@@ -140,6 +142,7 @@ public:
         const auto address = std::uint64_t(reinterpret_cast<std::uintptr_t>(piece.get()));
         return entries[entries.size() == 1 ? 0 : address * Spread >> (64 - HashBits)];
     }
+    SharedMarks marks;
 
 private:
     static constexpr std::size_t ManyLines = 1000;
@@ -249,7 +252,7 @@ std::vector<LinePtr> ReplaceLineContent(const Line& first, Cut a, const Line& la
             for (std::size_t k = around; k > 0; --k)
                 composer.close(openBefore[k - 1].tag);
         }
-        content[i] = MakeLine(composer.take());
+        content[i] = MakeLine(isInner ? composer.take(known.marks) : composer.take());
         if (isInner)
             entry = {kept, content[i]};
     }
@@ -265,12 +268,10 @@ Line ContentBetween(const Line& line, Cut a, Cut b)
     LineComposer composer(line.block);
     for (std::size_t i = shared; i < openBefore.size(); ++i)
         composer.open(openBefore[i].tag);
-    Line middle{line.block, line.text.mid(a.offset, b.offset - a.offset), {}};
-    for (std::size_t i = a.mark; i < b.mark; ++i) {
-        middle.marks.push_back(line.marks[i]);
-        middle.marks.back().pos -= a.offset;
-    }
-    composer.append(middle);
+    std::vector<Mark> inner(line.marks.begin() + a.mark, line.marks.begin() + b.mark);
+    for (Mark& mark : inner)
+        mark.pos -= a.offset;
+    composer.append({line.block, line.text.mid(a.offset, b.offset - a.offset), inner});
     for (std::size_t i = openAfter.size(); i > shared; --i)
         composer.close(openAfter[i - 1].tag);
     return composer.take();
@@ -289,14 +290,14 @@ bool IsTooDeep(const Line& line)
 
 Line WithinDepth(const Line& line)
 {
-    Line result{line.block, line.text, {}};
+    std::vector<Mark> kept;
     std::size_t depth = 0;
     for (const Mark& mark : line.marks) {
         const std::size_t inside = mark.open ? ++depth : depth--;
         if (inside <= MaxInlineDepth)
-            result.marks.push_back(mark);
+            kept.push_back(mark);
     }
-    return result;
+    return {line.block, line.text, kept};
 }
 
 std::vector<Mark> WrappedMarks(std::span<const Mark> inside, int from, int to, TagId tag)
@@ -335,12 +336,12 @@ Line WrapContent(const Line& line, int from, int to, TagId tag)
     const auto first = line.marks.begin() + std::ptrdiff_t(RangeStartCut(line, from).mark);
     const auto last = line.marks.begin() + std::ptrdiff_t(RangeEndCut(line, to).mark);
     const std::vector<Mark> wrapped = WrappedMarks({first, last}, from, to, tag);
-    Line result{line.block, line.text, {}};
-    result.marks.reserve(line.marks.size() + wrapped.size());
-    result.marks.assign(line.marks.begin(), first);
-    result.marks.insert(result.marks.end(), wrapped.begin(), wrapped.end());
-    result.marks.insert(result.marks.end(), last, line.marks.end());
-    return result;
+    std::vector<Mark> marks;
+    marks.reserve(line.marks.size() + wrapped.size());
+    marks.assign(line.marks.begin(), first);
+    marks.insert(marks.end(), wrapped.begin(), wrapped.end());
+    marks.insert(marks.end(), last, line.marks.end());
+    return {line.block, line.text, marks};
 }
 
 } // namespace vmk

@@ -9,16 +9,15 @@ namespace vmk {
 LineRewriter::LineRewriter(const Line& line)
     : source(line)
 {
-    made.block = line.block;
-    made.text.reserve(line.text.size());
-    made.marks.reserve(line.marks.size());
+    text.reserve(line.text.size());
+    marks.reserve(line.marks.size());
 }
 
 void LineRewriter::copyMark(const Mark& mark)
 {
     Mark copy = mark;
     copy.pos = length() + mark.pos - sourceOffset;
-    made.marks.push_back(copy);
+    marks.push_back(copy);
     if (mark.open)
         open.push_back(mark.tag);
     else
@@ -29,8 +28,8 @@ void LineRewriter::copyMark(const Mark& mark)
 void LineRewriter::endElements(std::size_t shared)
 {
     int ended = 0;
-    for (std::size_t i = made.marks.size(); i > 0 && open.size() > shared; --i) {
-        const Mark mark = made.marks[i - 1];
+    for (std::size_t i = marks.size(); i > 0 && open.size() > shared; --i) {
+        const Mark mark = marks[i - 1];
         if (mark.pos < length())
             break;
         ended += mark.open ? -1 : 1;
@@ -38,25 +37,25 @@ void LineRewriter::endElements(std::size_t shared)
             continue;
         ended = 0;
         open.pop_back();
-        made.marks.erase(made.marks.begin() + std::ptrdiff_t(i - 1));
+        marks.erase(marks.begin() + std::ptrdiff_t(i - 1));
     }
     for (; open.size() > shared; open.pop_back())
-        made.marks.push_back(Mark::closing(length(), open.back()));
+        marks.push_back(Mark::closing(length(), open.back()));
 }
 
-void LineRewriter::replace(int from, int to, const QString& text)
+void LineRewriter::replace(int from, int to, const QString& inserted)
 {
     // All that is in front of the text, with the tags at its start.
     for (; sourceMark < source.marks.size() && source.marks[sourceMark].pos <= from; ++sourceMark)
         copyMark(source.marks[sourceMark]);
-    made.text += QStringView(source.text).sliced(sourceOffset, from - sourceOffset);
+    text += QStringView(source.text).sliced(sourceOffset, from - sourceOffset);
     sourceOffset = to;
 
     // The tags within the text: elements around all of it go on, others end, or begin again, beside it.
     const auto isInside
         = [&] { return sourceMark < source.marks.size() && source.marks[sourceMark].pos < to; };
     if (!isInside()) {
-        made.text += text;
+        text += inserted;
         return;
     }
     std::vector<TagId> after = open;
@@ -69,7 +68,7 @@ void LineRewriter::replace(int from, int to, const QString& text)
         shared = std::min(shared, after.size());
     }
     endElements(shared);
-    made.text += text;
+    text += inserted;
     const auto endsHere = [&] {
         return sourceMark < source.marks.size() && source.marks[sourceMark].pos == to
             && !source.marks[sourceMark].open;
@@ -77,7 +76,7 @@ void LineRewriter::replace(int from, int to, const QString& text)
     for (; after.size() > shared && endsHere(); ++sourceMark)
         after.pop_back();
     for (std::size_t i = shared; i < after.size(); ++i) {
-        made.marks.push_back(Mark::opening(length(), after[i]));
+        marks.push_back(Mark::opening(length(), after[i]));
         open.push_back(after[i]);
     }
 }
@@ -86,10 +85,9 @@ void LineRewriter::wrapLast(int count, TagId tag)
 {
     int from = length() - count;
     // No mark begins inside a surrogate pair.
-    if (from > 0 && made.text[from].isLowSurrogate() && made.text[from - 1].isHighSurrogate())
+    if (from > 0 && text[from].isLowSurrogate() && text[from - 1].isHighSurrogate())
         --from;
     const auto byPlace = [](const Mark& mark, int pos) { return mark.pos < pos; };
-    std::vector<Mark>& marks = made.marks;
     // Only the last marks are looked at, not the line's.
     auto first = marks.end();
     while (first != marks.begin() && (first - 1)->pos > from)
@@ -105,10 +103,9 @@ Line LineRewriter::take()
 {
     for (; sourceMark < source.marks.size(); ++sourceMark)
         copyMark(source.marks[sourceMark]);
-    made.text += QStringView(source.text).sliced(sourceOffset);
-    made.marks.shrink_to_fit();
-    made.text.squeeze();
-    return std::move(made);
+    text += QStringView(source.text).sliced(sourceOffset);
+    text.squeeze();
+    return {source.block, std::move(text), marks};
 }
 
 } // namespace vmk

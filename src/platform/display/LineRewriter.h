@@ -19,13 +19,13 @@ public:
     /// Replaces the text between two offsets of the original line.
     /// \param from not in front of the last call's `to`
     /// \param to greater than `from`
-    /// \param text without line breaks
-    void replace(int from, int to, const QString& text);
+    /// \param inserted without line breaks
+    void replace(int from, int to, const QString& inserted);
     /// Puts an element around the last characters written.
     /// \param count 1 to `length()`
     void wrapLast(int count, TagId tag);
     /// How many characters are written: up to the end of the last text put in.
-    [[nodiscard]] int length() const { return int(made.text.size()); }
+    [[nodiscard]] int length() const { return int(text.size()); }
     /// The whole line.
     [[nodiscard]] Line take();
 
@@ -36,8 +36,9 @@ private:
     const Line& source;
     int sourceOffset = 0;
     std::size_t sourceMark = 0;
-    Line made;
-    std::vector<TagId> open; ///< The elements open at the end of `made`, outermost first.
+    QString text; ///< Of the new line, as far as it is written.
+    std::vector<Mark> marks;
+    std::vector<TagId> open; ///< The elements open at the end of `text`, outermost first.
 };
 
 } // namespace vmk

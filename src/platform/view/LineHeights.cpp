@@ -74,11 +74,18 @@ void LineHeights::replace(int first, int removed, std::span<const LineExtent> in
         return;
     }
 
+    // Of many new lines, all but a few need no other copy.
+    const size_t alone = inserted.size() > BlockLimit ? inserted.size() - BlockFill : 0;
     std::vector<LineExtent> merged(block.extents.begin(), block.extents.begin() + from.offset);
-    merged.insert(merged.end(), inserted.begin(), inserted.end());
+    std::vector<Block> fresh;
+    if (alone > 0) {
+        appendBlocks(fresh, merged);
+        appendBlocks(fresh, inserted.first(alone));
+        merged.clear();
+    }
+    merged.insert(merged.end(), inserted.begin() + static_cast<std::ptrdiff_t>(alone), inserted.end());
     const std::vector<LineExtent>& last = blocks[to.block].extents;
     merged.insert(merged.end(), last.begin() + static_cast<std::ptrdiff_t>(tailOffset), last.end());
-    std::vector<Block> fresh;
     appendBlocks(fresh, merged);
     const auto gap = blocks.erase(blocks.begin() + static_cast<std::ptrdiff_t>(from.block),
                                   blocks.begin() + static_cast<std::ptrdiff_t>(to.block) + 1);

@@ -22,10 +22,12 @@ LinePtr WithText(const Line& line, int offset, const QString& text)
 {
     Line changed = line;
     changed.text.insert(offset, text);
-    for (Mark& mark : changed.marks) {
+    std::vector<Mark> marks = line.marks.toVector();
+    for (Mark& mark : marks) {
         if (mark.pos > offset || (mark.pos == offset && offset > 0))
             mark.pos += int(text.size());
     }
+    changed.marks = marks;
     return MakeLine(std::move(changed));
 }
 
@@ -50,7 +52,8 @@ void PageLayout::setWidth(double width)
     longLines.clear();
     preeditLine.reset();
     placeFirstLine();
-    extents.assign(estimates(0, document.loadedLineCount()));
+    extents.assign({});
+    placeEstimates(0, 0, document.loadedLineCount());
 }
 
 void PageLayout::linesChanged(int first, int removed, int inserted)
@@ -61,7 +64,7 @@ void PageLayout::linesChanged(int first, int removed, int inserted)
 
 void PageLayout::linesLoaded(int first, int count)
 {
-    extents.replace(first, 0, estimates(first, count));
+    placeEstimates(first, 0, count);
 }
 
 void PageLayout::replaceLines(int first, int removed, int inserted)
@@ -76,7 +79,7 @@ void PageLayout::replaceLines(int first, int removed, int inserted)
     }
     for (auto later = longLines.erase(from, longLineAt(first + removed)); later != longLines.end(); ++later)
         later->index += inserted - removed;
-    extents.replace(first, removed, estimates(first, inserted));
+    placeEstimates(first, removed, inserted);
     if (first == 0)
         placeFirstLine();
 }
@@ -88,13 +91,20 @@ void PageLayout::placeFirstLine()
     pageTop = int(std::lround(std::max(0.0, pageStyle.topMargin() - own)));
 }
 
-std::vector<LineExtent> PageLayout::estimates(int first, int count)
+/// Replaces the extents of lines by estimates, many at a time: they need no second copy of all.
+void PageLayout::placeEstimates(int first, int removed, int inserted)
 {
+    constexpr int LinesAtOnce = 1 << 16;
     std::vector<LineExtent> made;
-    made.reserve(size_t(count));
-    for (int line = first; line < first + count; ++line)
-        made.push_back(EstimateExtent(*shownLine(line), pageStyle, pageWidth));
-    return made;
+    made.reserve(size_t(std::min(inserted, LinesAtOnce)));
+    const int end = first + inserted;
+    do {
+        made.clear();
+        const int line = first;
+        for (; first < end && first - line < LinesAtOnce; ++first)
+            made.push_back(EstimateExtent(*shownLine(first), pageStyle, pageWidth));
+        extents.replace(line, std::exchange(removed, 0), made);
+    } while (first < end);
 }
 
 void PageLayout::setPreedit(Position place, const QString& text)

@@ -125,7 +125,7 @@ private:
     [[nodiscard]] int shownOffset(Position place) const;
     [[nodiscard]] Position placeOf(int line, int shownOffset) const;
     LineLayout& layoutOf(int line);
-    [[nodiscard]] std::vector<LineExtent> estimates(int first, int count);
+    void placeEstimates(int first, int removed, int inserted);
     void placeFirstLine();
     void replaceLines(int first, int removed, int inserted);
     std::vector<LongLine>::iterator longLineAt(int line);

@@ -184,8 +184,58 @@ TEST(HtmlHostile, EqualShortLinesAreOneObject)
     EXPECT_EQ(document.line(3 * Lines - 1).text, u"c"_s);
     // Until there are many lines, only neighbours are shared.
     EXPECT_LT(objects.size(), 1100U);
-    EXPECT_LE(sizeof(Line), 56U);
+    EXPECT_LE(sizeof(Line), 40U);
     EXPECT_EQ(sizeof(LinePtr), sizeof(void*));
+}
+
+/// The number of different lists, of equal content or not, among the lines from `first` to `last`.
+std::size_t ListsOf(const DisplayDocument& document, int first, int last)
+{
+    std::set<const Mark*> lists;
+    for (int i = first; i <= last; ++i)
+        lists.insert(document.line(i).marks.begin());
+    return lists.size();
+}
+
+TEST(HtmlHostile, LinesWithEqualMarksShareThem)
+{
+    constexpr int Lines = 2000;
+    QString many;
+    for (int i = 0; i < Lines; ++i)
+        many += QString::number(1000 + i) + QString(i % 3, u'x') + u'\n';
+    DisplayDocument document;
+    document.insertLines(0, u"<p><b>word</b></p>"_s);
+    // The new lines are in the element around the caret.
+    document.replaceHtml({0, 2}, {0, 2}, u"<pre>"_s + many);
+    ASSERT_EQ(document.lineCount(), Lines + 2);
+    EXPECT_EQ(ListsOf(document, 1, Lines), 3U);
+    const TagId bold = document.line(0).marks[0].tag;
+    for (int i = 0; i < Lines; ++i) {
+        const MarkList expected = {Mark::opening(0, bold), Mark::closing(4 + i % 3, bold)};
+        ASSERT_EQ(document.line(i + 1).marks, expected) << i;
+    }
+    // The lines of one element, and an edit of one of them.
+    document.insertLines(0, u"<pre><i>"_s + many + u"</i></pre>"_s);
+    EXPECT_EQ(ListsOf(document, 0, Lines - 1), 3U);
+    const Line second = document.line(2);
+    document.replaceText({1, 1}, {1, 2}, u"longer"_s);
+    EXPECT_EQ(document.line(2), second);
+    EXPECT_EQ(document.line(4).marks[1].pos, 5);
+}
+
+TEST(HtmlHostile, DifferentMarksRemainDifferent)
+{
+    QString html;
+    for (int i = 0; i < 5000; ++i)
+        html += u"<p><x%1>%2</x%1>%3</p>"_s.arg(i % 701).arg(QString(i % 97, u'y')).arg(i);
+    DisplayDocument document;
+    document.insertLines(0, html);
+    for (int i = 0; i < 5000; ++i) {
+        const MarkList& marks = document.line(i).marks;
+        ASSERT_EQ(marks.size(), 2U) << i;
+        ASSERT_EQ(document.tags()[marks[0].tag].name, u"X%1"_s.arg(i % 701)) << i;
+        ASSERT_EQ(marks[1], Mark::closing(i % 97, marks[0].tag)) << i;
+    }
 }
 
 TEST(HtmlHostile, ShortLinesWithEqualTextKeepTheirBlocks)

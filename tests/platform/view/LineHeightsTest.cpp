@@ -125,5 +125,32 @@ TEST(LineHeights, AgreesWithAPlainListUnderRandomEdits)
     }
 }
 
+TEST(LineHeights, ManyLinesInsertedAnywhereAgreeWithAPlainList)
+{
+    std::mt19937 random(8);
+    for (const int count : {0, 1, 255, 256, 600, 1500}) {
+        for (const int inserted : {511, 512, 513, 700, 1024, 5000}) {
+            for (const int first : {0, count / 3, count}) {
+                for (const int removed : {0, (count - first) / 2, count - first}) {
+                    PlainHeights plain;
+                    for (int i = 0; i < count; ++i)
+                        plain.lines.push_back(extent(unsigned(i % 50), 1, i % 2 == 0));
+                    LineHeights heights;
+                    heights.assign(plain.lines);
+                    std::vector<LineExtent> lines;
+                    for (int i = 0; i < inserted; ++i)
+                        lines.push_back(extent(unsigned(100 + i), 2, i % 3 == 0));
+                    heights.replace(first, removed, lines);
+                    const auto at = plain.lines.erase(plain.lines.begin() + first,
+                                                      plain.lines.begin() + first + removed);
+                    plain.lines.insert(at, lines.begin(), lines.end());
+                    ASSERT_NO_FATAL_FAILURE(expectAlike(heights, plain, random))
+                        << count << ' ' << inserted << ' ' << first << ' ' << removed;
+                }
+            }
+        }
+    }
+}
+
 } // namespace
 } // namespace vmk
