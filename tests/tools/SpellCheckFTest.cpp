@@ -43,6 +43,14 @@ protected:
     }
     void press(QPushButton* button) { QTest::mouseClick(button, Qt::LeftButton); }
     void start() { press(spell->StartB); }
+    /// Opens a book and the form, and starts at the word "one".
+    void startIn(std::string_view paragraphs)
+    {
+        openBook(paragraphs);
+        openForm();
+        PutCaret(PlaceOf(u"one"_s));
+        start();
+    }
     bool waitForSuggestions()
     {
         return WaitFor([this] { return !list().isEmpty(); });
@@ -85,10 +93,7 @@ TEST_F(SpellCheckFTest, MenuAndToolbarOpenTheOneWindow)
 
 TEST_F(SpellCheckFTest, AHitShowsWordSuggestionsAndReport)
 {
-    openBook("one boook two");
-    openForm();
-    PutCaret(PlaceOf(u"one"_s));
-    start();
+    startIn("one boook two");
     EXPECT_EQ(spell->txtWord->text(), u"boook"_s);
     EXPECT_EQ(SelectedText(), u"boook"_s);
     EXPECT_EQ(spell->ReportL->text(),
@@ -103,10 +108,7 @@ TEST_F(SpellCheckFTest, AHitShowsWordSuggestionsAndReport)
 
 TEST_F(SpellCheckFTest, ReplaceWaitsForTheSuggestionsAndContinues)
 {
-    openBook("one boook titlle");
-    openForm();
-    PutCaret(PlaceOf(u"one"_s));
-    start();
+    startIn("one boook titlle");
     press(spell->ReplaceB);
     EXPECT_TRUE(WaitFor([this] { return FindLine(u"one book titlle"_s) >= 0; }));
     EXPECT_EQ(spell->txtWord->text(), u"titlle"_s);
@@ -140,10 +142,7 @@ TEST_F(SpellCheckFTest, AWholeCheckIsPossibleWithKeys)
 
 TEST_F(SpellCheckFTest, WhatTheUserTypesIsNotOverwrittenBySuggestions)
 {
-    openBook("one boook two");
-    openForm();
-    PutCaret(PlaceOf(u"one"_s));
-    start();
+    startIn("one boook two");
     spell->txtReplaceWith->setFocus();
     spell->txtReplaceWith->selectAll();
     QTest::keyClicks(spell->txtReplaceWith, u"mine"_s);
@@ -153,10 +152,7 @@ TEST_F(SpellCheckFTest, WhatTheUserTypesIsNotOverwrittenBySuggestions)
 
 TEST_F(SpellCheckFTest, AClickTakesASuggestionAndADoubleClickReplaces)
 {
-    openBook("one boook two");
-    openForm();
-    PutCaret(PlaceOf(u"one"_s));
-    start();
+    startIn("one boook two");
     ASSERT_TRUE(waitForSuggestions());
     spell->txtReplaceWith->clear();
     const QPoint place = spell->lstWords->visualItemRect(spell->lstWords->item(0)).center();
@@ -169,10 +165,7 @@ TEST_F(SpellCheckFTest, AClickTakesASuggestionAndADoubleClickReplaces)
 
 TEST_F(SpellCheckFTest, AWordWithoutSuggestionsSaysSo)
 {
-    openBook("one qqxxzz two");
-    openForm();
-    PutCaret(PlaceOf(u"one"_s));
-    start();
+    startIn("one qqxxzz two");
     ASSERT_TRUE(waitForSuggestions());
     EXPECT_EQ(list(), QStringList({u"no suggestions"_s}));
     EXPECT_TRUE(spell->txtReplaceWith->text().isEmpty());
@@ -194,10 +187,7 @@ TEST_F(SpellCheckFTest, ATooSlowSearchForSuggestionsDoesNotDelayTheReplacement)
 
 TEST_F(SpellCheckFTest, AnActivationResetsTheAreaUnlessSkipped)
 {
-    openBook("one boook two");
-    openForm();
-    PutCaret(PlaceOf(u"one"_s));
-    start();
+    startIn("one boook two");
     QEvent activation(QEvent::WindowActivate);
     press(spell->Edit);
     QCoreApplication::sendEvent(spell, &activation);
@@ -264,10 +254,7 @@ TEST_F(SpellCheckFTest, CancellingTheDictionaryModeWritesNothing)
 
 TEST_F(SpellCheckFTest, AddStoresTheFoundWord)
 {
-    openBook("one boook titlle");
-    openForm();
-    PutCaret(PlaceOf(u"one"_s));
-    start();
+    startIn("one boook titlle");
     press(spell->Add);
     EXPECT_EQ(customFile(), "boook\r\n");
     EXPECT_EQ(spell->txtWord->text(), u"titlle"_s);
@@ -275,10 +262,7 @@ TEST_F(SpellCheckFTest, AddStoresTheFoundWord)
 
 TEST_F(SpellCheckFTest, ClosingInTheMiddleKeepsTheReplacements)
 {
-    openBook("one boook titlle");
-    openForm();
-    PutCaret(PlaceOf(u"one"_s));
-    start();
+    startIn("one boook titlle");
     press(spell->ReplaceB);
     EXPECT_EQ(spell->txtWord->text(), u"titlle"_s);
     QTest::keyClick(spell->txtWord, Qt::Key_Escape);
@@ -307,10 +291,7 @@ TEST_F(SpellCheckFTest, TheWindowMovesOffTheHit)
 
 TEST_F(SpellCheckFTest, CancelReportsAndClosingEmptiesTheSelection)
 {
-    openBook("one boook titlle");
-    openForm();
-    PutCaret(PlaceOf(u"one"_s));
-    start();
+    startIn("one boook titlle");
     press(spell->Help);
     press(spell->ReplaceB);
     press(spell->Cancel);
@@ -336,10 +317,7 @@ TEST_F(SpellCheckFTest, ReplaceWithoutAHitLeavesTheBookAlone)
 
 TEST_F(SpellCheckFTest, AnotherBookEndsTheCheck)
 {
-    openBook("one boook two");
-    openForm();
-    PutCaret(PlaceOf(u"one"_s));
-    start();
+    startIn("one boook two");
     LoadAndWait(MakeBook(SmallBook, u"other.fb2"_s));
     EXPECT_TRUE(spell->txtWord->text().isEmpty());
     const QString before = page::innerText(Document());
@@ -361,10 +339,7 @@ TEST_F(SpellCheckFTest, WithoutADictionaryABoxSaysSoAndTheWindowCloses)
 
 TEST_F(SpellCheckFTest, TheMainWindowsCloseClosesIt)
 {
-    openBook("one boook");
-    openForm();
-    PutCaret(PlaceOf(u"one"_s));
-    start();
+    startIn("one boook");
     form->close();
     EXPECT_FALSE(SpellCheckF::Instance());
 }
