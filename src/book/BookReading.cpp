@@ -4,6 +4,7 @@
 #include "CodePages.h"
 #include "MarkupScanner.h"
 #include "TextFunctions.h"
+#include "Utf8.h"
 #include "XmlDeclarations.h"
 #include "XmlInput.h"
 
@@ -18,18 +19,6 @@ constexpr std::string_view Utf8Mark = "\xef\xbb\xbf";
 constexpr std::string_view BookEnd = "</FictionBook>";
 constexpr std::string_view BinaryEnd = "</binary>";
 constexpr std::string_view Utf8Name = "utf-8";
-
-size_t CharacterCount(std::string_view utf8)
-{
-    return static_cast<size_t>(
-        std::ranges::count_if(utf8, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80; }));
-}
-
-size_t NonAsciiCount(std::string_view utf8)
-{
-    return static_cast<size_t>(
-        std::ranges::count_if(utf8, [](char c) { return static_cast<unsigned char>(c) >= 0xC0; }));
-}
 
 /// The text of a book between its bytes and its page.
 struct DecodedBook

@@ -3,6 +3,7 @@
 #include "BookParts.h"
 #include "CodePages.h"
 #include "TextFunctions.h"
+#include "Utf8.h"
 
 #include <algorithm>
 #include <utility>
@@ -19,29 +20,63 @@ constexpr std::string_view BinaryStart = "<binary";
 constexpr std::string_view BinaryEnd = "</binary>";
 constexpr std::string_view DescriptionEnd = "</description>";
 
-/// Returns the declaration at the start of the bytes if it has the usual form, otherwise an empty text.
-/// \param encoding  receives the declared encoding in lower case
-std::string_view UsualDeclaration(std::string_view bytes, std::string& encoding)
+/// An XML declaration in a usual form.
+struct Declaration
 {
-    constexpr std::string_view Front = R"(<?xml version="1.0" encoding=")";
-    if (!bytes.starts_with(Front))
-        return {};
-    const std::string_view rest = bytes.substr(Front.size());
-    const std::size_t quote = rest.find('"');
+    std::string_view text; ///< empty if there is none
+    std::string encoding; ///< in lower case
+    /// The values are in single quotes, in which the editor's own rules do not find the encoding.
+    bool hasSingleQuotes = false;
+};
+
+/// Returns the declaration at the start of the bytes.
+Declaration UsualDeclaration(std::string_view bytes)
+{
+    constexpr std::string_view Front = "<?xml version=";
     constexpr std::size_t LongestName = 20;
-    if (quote == None || quote > LongestName)
+    if (bytes.size() <= Front.size() || !bytes.starts_with(Front))
         return {};
-    encoding = LowerCase(std::string(rest.substr(0, quote)));
-    std::size_t end = Front.size() + quote + 1;
-    const auto skip = [&bytes, &end](std::string_view piece) {
+    const char quote = bytes[Front.size()];
+    std::size_t end = Front.size();
+    const auto skip = [&](std::string piece) {
+        std::ranges::replace(piece, '"', quote);
         const bool isThere = bytes.substr(end).starts_with(piece);
         end += isThere ? piece.size() : 0;
         return isThere;
     };
+    if ((quote != '"' && quote != '\'') || !skip(R"("1.0" encoding=")"))
+        return {};
+    const std::size_t close = bytes.find(quote, end);
+    if (close == None || close - end > LongestName)
+        return {};
+    Declaration found{{}, LowerCase(std::string(bytes.substr(end, close - end))), quote != '"'};
+    end = close + 1;
     if (!skip(R"( standalone="yes")"))
         skip(R"( standalone="no")");
     skip(" ");
-    return skip("?>") ? bytes.substr(0, end) : std::string_view();
+    if (skip("?>"))
+        found.text = bytes.substr(0, end);
+    return found;
+}
+
+/// Finds the encoding of the bytes. Returns false if the editor's own rules find another one than the
+/// declaration, except for UTF-8 that is declared in single quotes.
+bool FindEncoding(OutlinedBook& book, std::string_view bytes, const Declaration& declaration)
+{
+    book.encoding = FindBookEncoding(bytes, "original");
+    const std::string& name = declaration.encoding;
+    const bool isMisread = declaration.hasSingleQuotes && name == "utf-8" && book.encoding.work.name != name;
+    if (isMisread) {
+        const std::size_t characters = NonAsciiCount(bytes);
+        // In ASCII, both encodings are right.
+        if (characters == 0 || !IsValidUtf8(bytes) || book.encoding.work.codePage == CodePageUtf16)
+            return false;
+        book.losses.misreadCharacters = characters;
+        book.losses.encoding = QString::fromStdString(name);
+        book.encoding.work = book.encoding.file = MakeBookEncoding(name);
+    }
+    return book.encoding.work.codePage != CodePageUtf16 && book.encoding.work.name == name
+        && MakeBookEncoding(name).name == name && OutputEncodingInfo(name).name == name;
 }
 
 /// True if each byte is a character of the code page.
@@ -150,23 +185,19 @@ std::optional<OutlinedBook> ReadOutlinedBook(std::string& bytes, bool showNbsp,
     if (inputEncoding != u"original")
         return std::nullopt;
     const std::size_t mark = bytes.starts_with(Utf8Mark) ? Utf8Mark.size() : 0;
-    std::string declared;
-    const std::string_view declaration = UsualDeclaration(std::string_view(bytes).substr(mark), declared);
-    if (declaration.empty())
-        return std::nullopt;
+    const Declaration declaration = UsualDeclaration(std::string_view(bytes).substr(mark));
     OutlinedBook book;
-    book.encoding = FindBookEncoding(bytes, "original");
-    const std::int32_t codePage = book.encoding.work.codePage;
-    if (codePage == CodePageUtf16 || book.encoding.work.name != declared
-        || MakeBookEncoding(declared).name != declared || OutputEncodingInfo(declared).name != declared)
+    if (declaration.text.empty() || (mark > 0 && declaration.hasSingleQuotes)
+        || !FindEncoding(book, bytes, declaration))
         return std::nullopt;
+    const std::int32_t codePage = book.encoding.work.codePage;
     const bool isUtf8 = codePage == CodePageUtf8;
     if (!isUtf8 && (mark > 0 || !AreCharacters(bytes, codePage)))
         return std::nullopt;
 
     book.text = std::make_shared<OutlinedText>();
     book.text->declaration = book.encoding.declaration;
-    const std::size_t start = mark + declaration.size();
+    const std::size_t start = mark + declaration.text.size();
     std::string& text = book.text->text;
     if (isUtf8)
         text.swap(bytes);

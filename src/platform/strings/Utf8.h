@@ -2,6 +2,7 @@
 
 #include <QChar>
 
+#include <algorithm>
 #include <cstddef>
 #include <string_view>
 
@@ -48,6 +49,20 @@ struct Utf8Character
             return {c, 4};
     }
     return {QChar::ReplacementCharacter, 0};
+}
+
+/// Returns the number of characters of a valid text.
+[[nodiscard]] inline std::size_t CharacterCount(std::string_view utf8)
+{
+    return static_cast<std::size_t>(
+        std::ranges::count_if(utf8, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80; }));
+}
+
+/// Returns the number of characters of a valid text that are not ASCII.
+[[nodiscard]] inline std::size_t NonAsciiCount(std::string_view utf8)
+{
+    return static_cast<std::size_t>(
+        std::ranges::count_if(utf8, [](char c) { return static_cast<unsigned char>(c) >= 0xC0; }));
 }
 
 } // namespace vmk
