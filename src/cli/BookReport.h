@@ -41,8 +41,8 @@ private:
 void PrintLine(const QString& line);
 void PrintErrorLine(const QString& line);
 
-/// Reports a book that cannot be read or written: a line on standard error, or a JSON object on standard
-/// output. \param book  its name
+/// Reports a book that cannot be read or written, or that is damaged by a command: a line on standard error,
+/// or a JSON object on standard output. \param book  its name
 void PrintFailure(const QString& book, const QString& reason, bool asJson);
 
 /// Writes a line to standard error that several books of a run can cause, and that is printed once.

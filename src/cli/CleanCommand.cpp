@@ -26,6 +26,9 @@ namespace vmk {
 
 namespace {
 
+/// The reason in the report of a book that the tables have damaged.
+constexpr QLatin1StringView BrokenAfter(": no longer well-formed after ");
+
 struct NamedTable
 {
     QString file;
@@ -218,8 +221,9 @@ int CleanOneBook(const BookItem& book, const CleanOptions& options, const std::v
     }
     if (!isBroken)
         return ExitClean;
-    PrintErrorLine(u"vmk: "_s + ShownName(book.name) + (writes ? u": written"_s : u": not written"_s)
-                   + u": no longer well-formed after "_s + BreakingRow(document, tables));
+    PrintFailure(book.name,
+                 (writes ? u"written"_s : u"not written"_s) + BrokenAfter + BreakingRow(document, tables),
+                 options.collection.json);
     return ExitFaults;
 }
 
@@ -248,6 +252,8 @@ int RunClean(const QStringList& arguments)
         };
     };
     job.codeOfLine = [](const EarlierResult&, std::vector<std::string>&) { return ExitClean; };
+    job.codeOfFailure
+        = [](const QString& reason) { return reason.contains(BrokenAfter) ? ExitFaults : ExitFailure; };
     return RunCollection(options.collection, job).worstCode();
 }
 
@@ -273,7 +279,7 @@ member of one (ARCHIVE.zip:MEMBER).
   --force            write a book also if it was well-formed before and is not any more; without this option
                      it is not written, and a line on standard error names the row
   --as-editor        read the book by the editor's own rules, see vmk convert
-  --json             write one JSON object for each row
+  --json             write one JSON object for each row, and for a book that is not well-formed any more
   --files-from FILE  take further paths from FILE, one in each line ("-": standard input)
   -0                 the paths in FILE end with a NUL character
   --jobs N           clean N books at a time (default: one for each processor); results keep their order

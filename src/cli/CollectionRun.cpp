@@ -49,6 +49,9 @@ private:
     [[nodiscard]] bool belongs(const BookItem& item, std::string_view line) const;
     void account(const BookItem& item, const std::vector<std::string>& lines);
     [[nodiscard]] EarlierResult readLine(const BookItem& item, std::string_view line) const;
+    [[nodiscard]] std::optional<QString> failureOf(const BookItem& item, std::string_view line) const;
+    [[nodiscard]] int codeOfLine(const BookItem& item, std::string_view line,
+                                 std::vector<std::string>& kinds) const;
 
     void handleBooks();
     [[nodiscard]] std::optional<BookItem> nextItem();
@@ -188,17 +191,32 @@ EarlierResult Run::readLine(const BookItem& item, std::string_view line) const
     return {text.mid(ShownName(item.name).size()), {}};
 }
 
+/// Returns the failure that a line of an earlier run reports; nothing if it is a result.
+std::optional<QString> Run::failureOf(const BookItem& item, std::string_view line) const
+{
+    if (options.json) {
+        const QJsonValue failure = readLine(item, line).object.value(u"failure"_s);
+        return failure.isUndefined() ? std::nullopt : std::optional(failure.toString());
+    }
+    const std::string start = "vmk: " + EncodeFileName(ShownName(item.name)).toStdString() + ": ";
+    if (!line.starts_with(start))
+        return std::nullopt;
+    return DecodeFileName(QByteArray(line.data(), qsizetype(line.size())).mid(qsizetype(start.size())));
+}
+
+int Run::codeOfLine(const BookItem& item, std::string_view line, std::vector<std::string>& kinds) const
+{
+    if (const std::optional<QString> failure = failureOf(item, line))
+        return job.codeOfFailure ? job.codeOfFailure(*failure) : int(ExitFailure);
+    return job.codeOfLine(readLine(item, line), kinds);
+}
+
 void Run::account(const BookItem& item, const std::vector<std::string>& lines)
 {
     int code = ExitClean;
     std::vector<std::string> kinds;
-    for (const std::string& line : lines) {
-        const EarlierResult result = readLine(item, line);
-        const bool isFailure = options.json
-            ? result.object.contains(u"failure"_s)
-            : line.starts_with("vmk: " + EncodeFileName(ShownName(item.name)).toStdString() + ": ");
-        code = std::max<int>(code, isFailure ? int(ExitFailure) : job.codeOfLine(result, kinds));
-    }
+    for (const std::string& line : lines)
+        code = std::max(code, codeOfLine(item, line, kinds));
     // A search prints nothing about a book without a match.
     count(lines.empty() ? job.codeOfLine({}, kinds) : code, kinds);
 }

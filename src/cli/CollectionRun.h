@@ -45,6 +45,9 @@ struct CollectionJob
     std::function<BookHandler()> makeHandler;
     /// Returns the exit code of a line of an earlier run; adds its errors to `kinds`.
     std::function<int(const EarlierResult& line, std::vector<std::string>& kinds)> codeOfLine;
+    /// Returns the exit code of a book for which an earlier run has reported this failure; `ExitFailure` if
+    /// it is not set.
+    std::function<int(const QString& reason)> codeOfFailure = {};
     /// Returns the lines at the end of the results; they begin with `closingStart`.
     std::function<QStringList(const RunTotals& totals)> closing = {};
     QString closingStart = {};

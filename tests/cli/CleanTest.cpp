@@ -108,6 +108,33 @@ TEST_F(Clean, ABookThatWouldBreakIsNotWrittenUnlessForced)
     EXPECT_THAT(read("a.fb2"), HasSubstr("<p>one 2"));
 }
 
+TEST_F(Clean, ADamagedBookIsAnObjectOfTheJsonResults)
+{
+    const std::string rows = table("t.dat", {{u"</p>"_s, QString()}});
+    const std::string book = write("a.fb2", Book);
+    const ProgramRun run = RunProgram("vmk", {"clean", "--table", rows, "--dry-run", "--json", book});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_THAT(run.output,
+                HasSubstr(R"({"book":")" + book + R"(","failure":"not written: no longer well-formed after )"
+                          + rows + ":1\"}\n"));
+    EXPECT_EQ(run.errors, "");
+}
+
+TEST_F(Clean, AContinuedRunReturnsTheCodeOfBooksThatAnEarlierRunDidNotWrite)
+{
+    const std::string rows = table("t.dat", {{u"</p>"_s, QString()}});
+    for (const char* form : {"--as-editor", "--json"}) {
+        const std::string results = path(form);
+        std::vector<std::string> arguments
+            = {"clean", "--table", rows, "--dry-run", form, "--resume", results};
+        arguments.insert(arguments.end(), {write("a.fb2", Book), write("b.fb2", "<FictionBook/>")});
+        EXPECT_EQ(RunProgram("vmk", arguments).exitCode, 1);
+        const std::string complete = read(form);
+        EXPECT_EQ(RunProgram("vmk", arguments).exitCode, 1);
+        EXPECT_EQ(read(form), complete);
+    }
+}
+
 TEST_F(Clean, SeveralProcessesGiveTheSameOutputAsOne)
 {
     const std::string rows = table("t.dat", {{u"two"_s, u"2"_s}});
