@@ -1,6 +1,7 @@
 #include "JournalThread.h"
 
 #include "JournalWriter.h"
+#include "LineStore.h"
 
 #include <chrono>
 #include <new>
@@ -31,12 +32,31 @@ public:
     {
     }
 
+    void operator()(AllLines& task)
+    {
+        page.assign(std::move(task.lines));
+        isPageKnown = true;
+    }
+    void operator()(MoreLines& task) { page.append(task.lines); }
     void operator()(Beginning& task)
     {
-        note(writer.begin(std::move(task.base)));
         whenSafe = std::move(task.whenSafe);
+        if (!std::exchange(isPageKnown, false)) {
+            writer.setAside();
+            return giveUp();
+        }
+        task.base.lines = page.take();
+        note(writer.begin(std::move(task.base)));
     }
-    void operator()(JournalBatch& batch) { note(writer.write(batch)); }
+    void operator()(JournalBatch& batch)
+    {
+        if (writer.isOpen())
+            return note(writer.write(batch));
+        if (!isPageKnown)
+            return;
+        for (const LineSplice& splice : batch.splices)
+            page.replace(splice.first, splice.removed, splice.inserted);
+    }
     void operator()(End end)
     {
         whenSafe = {};
@@ -52,15 +72,14 @@ public:
         if (whenSafe && writer.isGood())
             std::exchange(whenSafe, {})();
     }
-    /// Memory has run out in a task: the program continues, and the journal has the text up to that task.
-    void giveUp()
+    /// Memory has run out in a task: the program continues, and the journal has the text up to that task. If
+    /// the lines of a page are lost before its journal begins, that is reported when it would begin.
+    void runOutOfMemory()
     {
-        try {
-            writer.giveUp(NoMemory);
-            note(false);
-        } catch (const std::bad_alloc&) {
-            // The next write reports it.
-        }
+        page.assign({});
+        isPageKnown = false;
+        if (writer.isOpen())
+            giveUp();
     }
     [[nodiscard]] bool needsRetry() const { return writer.isOpen() && !writer.isGood(); }
     void retry()
@@ -70,6 +89,15 @@ public:
     }
 
 private:
+    void giveUp()
+    {
+        try {
+            writer.giveUp(NoMemory);
+            note(false);
+        } catch (const std::bad_alloc&) {
+            // The next write reports it.
+        }
+    }
     void note(bool success)
     {
         if (success == wasGood || (success && writer.isOpen() && !writer.isGood()))
@@ -80,6 +108,8 @@ private:
     }
 
     JournalWriter writer;
+    LineStore page; ///< the lines of the page that is shown, until its journal begins
+    bool isPageKnown = false;
     const std::function<void(const QString&)>& report;
     std::function<void()> whenSafe;
     bool wasGood = true;
@@ -102,18 +132,40 @@ JournalThread::~JournalThread()
         thread.join();
 }
 
+void JournalThread::setLines(std::vector<LinePtr> lines)
+{
+    if (!thread.joinable()) {
+        tasks.clear();
+        isDropping = false;
+    }
+    put(AllLines{std::move(lines)}, false);
+}
+
+void JournalThread::appendLines(std::vector<LinePtr> lines)
+{
+    put(MoreLines{std::move(lines)}, false);
+}
+
 void JournalThread::begin(JournalBase base, std::function<void()> whenSafe)
 {
+    if (start())
+        put(Beginning{std::move(base), std::move(whenSafe)}, true);
+}
+
+/// Starts the thread, which takes the tasks that have been waiting.
+bool JournalThread::start()
+{
     try {
-        if (!thread.joinable())
+        if (!thread.joinable() && !isDropping)
             thread = std::thread([this] { run(); });
     } catch (const std::system_error& error) {
         // The system starts no further thread.
+        tasks.clear();
+        isDropping = true;
         if (report)
             report(QString::fromLocal8Bit(error.what()));
-        return;
     }
-    put(Beginning{std::move(base), std::move(whenSafe)}, true);
+    return thread.joinable();
 }
 
 void JournalThread::add(JournalBatch batch)
@@ -128,7 +180,7 @@ void JournalThread::end(End end)
 
 void JournalThread::put(Task task, bool isUrgent)
 {
-    if (!thread.joinable())
+    if (isDropping)
         return;
     {
         const std::lock_guard lock(mutex);
@@ -173,13 +225,16 @@ void JournalThread::run()
         urgent = stopping;
         busy = true;
         lock.unlock();
-        try {
-            for (Task& task : round)
-                std::visit(worker, task);
-            worker.finishRound();
-        } catch (const std::bad_alloc&) {
-            worker.giveUp();
-        }
+        const auto attempt = [&worker](const auto& work) {
+            try {
+                work();
+            } catch (const std::bad_alloc&) {
+                worker.runOutOfMemory();
+            }
+        };
+        for (Task& task : round)
+            attempt([&] { std::visit(worker, task); });
+        attempt([&] { worker.finishRound(); });
         // Lines that nobody else uses any more are freed here, not while the caller waits.
         round.clear();
         lock.lock();

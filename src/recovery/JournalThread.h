@@ -16,6 +16,9 @@ namespace vmk {
 
 /// Writes the journal of a session on a thread of its own, so that the caller never waits for the disk. What
 /// is passed to `add` is on the disk 0.2 s later, plus the time that the disk needs.
+///
+/// A journal begins with all lines of the page. The thread is therefore told the lines when they are loaded,
+/// and every edit of them: a journal can then begin without a pause of the caller, even of a large book.
 class JournalThread
 {
 public:
@@ -36,9 +39,16 @@ public:
     JournalThread(const JournalThread&) = delete;
     JournalThread& operator=(const JournalThread&) = delete;
 
-    /// Begins a journal, without delay.
+    /// The lines of the page that is shown from now on. To be called before a journal of the page begins.
+    void setLines(std::vector<LinePtr> lines);
+    /// Lines were added after all others, without an edit.
+    void appendLines(std::vector<LinePtr> lines);
+    /// Begins a journal of the lines passed so far, without delay. There is at most one for each call of
+    /// `setLines`.
+    /// \param base      the rest of the state; its lines are not used
     /// \param whenSafe  called on the thread once the base is on the disk; may be empty
     void begin(JournalBase base, std::function<void()> whenSafe = {});
+    /// Adds edits. Before a journal begins, only the lines are changed.
     void add(JournalBatch batch);
     void end(End end);
     /// Returns when everything passed so far is on the disk, or could not be written.
@@ -46,13 +56,22 @@ public:
 
 private:
     class Worker;
+    struct AllLines
+    {
+        std::vector<LinePtr> lines;
+    };
+    struct MoreLines
+    {
+        std::vector<LinePtr> lines;
+    };
     struct Beginning
     {
         JournalBase base;
         std::function<void()> whenSafe;
     };
-    using Task = std::variant<Beginning, JournalBatch, End>;
+    using Task = std::variant<AllLines, MoreLines, Beginning, JournalBatch, End>;
 
+    [[nodiscard]] bool start();
     void put(Task task, bool isUrgent);
     void run();
 
@@ -64,7 +83,8 @@ private:
     bool urgent = false;
     bool stopping = false;
     bool busy = false;
-    std::thread thread; ///< started with the first journal
+    std::thread thread; ///< started with the first journal; until then, the tasks wait
+    bool isDropping = false; ///< no thread could be started: the tasks of this page are not kept
 };
 
 } // namespace vmk

@@ -149,7 +149,7 @@ void JournalWriter::setAside()
 
 void JournalWriter::giveUp(const QString& reason)
 {
-    isGivenUp = true;
+    isBegun = isGivenUp = true;
     fail(reason);
     lines.assign({});
 }

@@ -37,7 +37,8 @@ public:
     /// Closes the journal; its file stays, as after a crash.
     void setAside();
     /// Writes nothing more to the journal, which stays as it is on the disk until it is removed or set aside:
-    /// the state of the book is no longer known.
+    /// the state of the book is no longer known. A journal without a file is open afterwards too, and never
+    /// good.
     /// \param reason  for `reason`
     void giveUp(const QString& reason);
 

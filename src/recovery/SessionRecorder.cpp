@@ -3,6 +3,7 @@
 #include "BookOnDisk.h"
 #include "BookVariables.h"
 #include "Chance.h"
+#include "LineStore.h"
 
 #include <QTimer>
 
@@ -39,6 +40,11 @@ BookFacts FactsOfOpenBook(const DisplayDocument& document, const QString& path)
     return facts;
 }
 
+bool HaveSameText(const std::vector<LinePtr>& a, const std::vector<LinePtr>& b)
+{
+    return std::ranges::equal(a, b, [](const LinePtr& x, const LinePtr& y) { return x->text == y->text; });
+}
+
 } // namespace
 
 SessionRecorder::SessionRecorder(DisplayDocument& recorded, const QString& recoveryFolder,
@@ -51,7 +57,7 @@ SessionRecorder::SessionRecorder(DisplayDocument& recorded, const QString& recov
     })
 {
     document.setRecorder(this);
-    readLines();
+    passLines();
 }
 
 SessionRecorder::~SessionRecorder()
@@ -64,17 +70,20 @@ SessionRecorder::~SessionRecorder()
 
 void SessionRecorder::documentReset()
 {
+    isReplaced = true;
     endSession();
-    readLines();
+    isReplaced = false;
+    passLines();
 }
 
-void SessionRecorder::readLines()
+/// Passes the lines that are loaded to the thread; the others follow.
+void SessionRecorder::passLines()
 {
     std::vector<LinePtr> all;
-    all.reserve(std::size_t(document.lineCount()));
-    for (int i = 0; i < document.lineCount(); ++i)
+    all.reserve(std::size_t(document.loadedLineCount()));
+    for (int i = 0; i < document.loadedLineCount(); ++i)
         all.push_back(document.linePtr(i));
-    lines.assign(std::move(all));
+    journal.setLines(std::move(all));
 }
 
 void SessionRecorder::endSession()
@@ -83,6 +92,7 @@ void SessionRecorder::endSession()
     if (recording)
         journal.end(unsaved && !kept ? JournalThread::End::SetAside : JournalThread::End::Remove);
     recording = unsaved = kept = false;
+    binaryCopy.reset();
 }
 
 bool SessionRecorder::hasUnsavedText()
@@ -98,10 +108,9 @@ void SessionRecorder::begin(std::function<void()> whenSafe)
     base.facts = FactsOfOpenBook(document, CurrentBook);
     knownTags = 0;
     takeNewTags(base.tags);
-    base.binary = std::make_shared<const std::string>(BinaryPart);
-    base.lines.reserve(std::size_t(lines.size()));
-    for (int i = 0; i < lines.size(); ++i)
-        base.lines.push_back(lines[i]);
+    const bool isCopied = binaryCopy && binaryCopy->size() == BinaryPart.size();
+    base.binary = isCopied ? std::move(binaryCopy) : std::make_shared<const std::string>(BinaryPart);
+    binaryCopy.reset();
     base.selection = document.selection();
     base.unsaved = unsaved;
     recording = true;
@@ -134,6 +143,7 @@ void SessionRecorder::noteSaved(const QString& path)
 
 void SessionRecorder::noteBinaryPartChange()
 {
+    binaryCopy.reset();
     publish();
     unsaved = true;
     kept = false;
@@ -155,12 +165,14 @@ void SessionRecorder::linesChanged(int first, const std::vector<LinePtr>& remove
                                    const std::vector<LinePtr>& inserted)
 {
     gathered.splices.push_back({first, int(removed.size()), inserted});
+    if (!unsaved)
+        replaced.push_back(removed);
     gather();
 }
 
 void SessionRecorder::linesLoaded(int, const std::vector<LinePtr>& loaded)
 {
-    lines.append(loaded);
+    journal.appendLines(loaded);
 }
 
 void SessionRecorder::selectionChanged()
@@ -177,21 +189,37 @@ void SessionRecorder::gather()
         isGathering = true;
         gatheringSince = TickMilliseconds();
         QMetaObject::invokeMethod(
-            &context, [this] { publishIfComplete(); }, Qt::QueuedConnection);
-    } else if (gathered.splices.size() % Stride == 0
+            &context, [this] { publishIfReady(); }, Qt::QueuedConnection);
+    } else if (gathered.splices.size() % Stride == 0 && document.isComplete()
                && TickMilliseconds() - gatheringSince > LongestCommand) {
         publish();
     }
 }
 
-/// A change of a page that is not complete yet waits for it.
-void SessionRecorder::publishIfComplete()
+/// A change of a page that is not complete yet waits for it. A large binary part is copied between events.
+void SessionRecorder::publishIfReady()
 {
     constexpr std::chrono::milliseconds Wait(20);
-    if (document.isComplete())
-        publish();
-    else
-        QTimer::singleShot(Wait, &context, [this] { publishIfComplete(); });
+    if (!isGathering)
+        return;
+    const bool isComplete = document.isComplete();
+    const bool mayBegin = !recording && !gathered.splices.empty();
+    if (isComplete && (!mayBegin || copyBinaryPart()))
+        return publish();
+    QTimer::singleShot(isComplete ? std::chrono::milliseconds(0) : Wait, &context,
+                       [this] { publishIfReady(); });
+}
+
+/// Copies the next piece of `BinaryPart`. \return true if all of it is copied
+bool SessionRecorder::copyBinaryPart()
+{
+    constexpr std::size_t PieceBytes = 4 << 20;
+    if (!binaryCopy || binaryCopy->size() > BinaryPart.size()) {
+        binaryCopy = std::make_shared<std::string>();
+        binaryCopy->reserve(BinaryPart.size());
+    }
+    binaryCopy->append(BinaryPart, binaryCopy->size(), PieceBytes);
+    return binaryCopy->size() == BinaryPart.size();
 }
 
 void SessionRecorder::publish()
@@ -202,16 +230,16 @@ void SessionRecorder::publish()
     static_cast<void>(document.lineCount());
     isGathering = false;
     if (!gathered.splices.empty()) {
-        if (unsaved)
-            applySplices();
-        else
-            unsaved = applySplicesAndCompare();
+        unsaved = unsaved || changesText();
+        replaced.clear();
         kept = false;
     }
     JournalBatch batch = std::exchange(gathered, {});
     if (!recording) {
+        journal.add(std::move(batch));
         if (unsaved)
             begin({});
+        binaryCopy.reset();
         return;
     }
     takeNewTags(batch.newTags);
@@ -220,17 +248,24 @@ void SessionRecorder::publish()
     journal.add(std::move(batch));
 }
 
-void SessionRecorder::applySplices()
-{
-    for (const LineSplice& splice : gathered.splices)
-        lines.replace(splice.first, splice.removed, splice.inserted);
-}
-
 /// Returns true if the gathered edits together have changed the text, not only its marks: a command may
 /// remove a text and insert it again.
-bool SessionRecorder::applySplicesAndCompare()
+bool SessionRecorder::changesText() const
 {
-    int count = lines.size();
+    bool eachKeepsText = true;
+    for (std::size_t i = 0; i < replaced.size() && eachKeepsText; ++i)
+        eachKeepsText = HaveSameText(replaced[i], gathered.splices[i].inserted);
+    return !eachKeepsText && (isReplaced || changesTextTogether());
+}
+
+bool SessionRecorder::changesTextTogether() const
+{
+    int count = document.lineCount();
+    const int countNow = count;
+    for (const LineSplice& splice : gathered.splices)
+        count -= int(splice.inserted.size()) - splice.removed;
+    if (count != countNow)
+        return true;
     int first = count;
     int after = count; // lines after all edits
     for (const LineSplice& splice : gathered.splices) {
@@ -238,18 +273,16 @@ bool SessionRecorder::applySplicesAndCompare()
         after = std::min(after, count - splice.first - splice.removed);
         count += int(splice.inserted.size()) - splice.removed;
     }
-    std::vector<LinePtr> before;
-    for (int i = first; i < lines.size() - after; ++i)
-        before.push_back(lines[i]);
-    applySplices();
-    const int now = lines.size() - after - first;
-    if (now != int(before.size()))
-        return true;
-    for (int i = 0; i < now; ++i) {
-        if (lines[first + i]->text != before[std::size_t(i)]->text)
-            return true;
+    std::vector<LinePtr> now;
+    for (int i = first; i < countNow - after; ++i)
+        now.push_back(document.linePtr(i));
+    LineStore before;
+    before.assign(now);
+    for (std::size_t i = gathered.splices.size(); i-- > 0;) {
+        const LineSplice& splice = gathered.splices[i];
+        before.replace(splice.first - first, int(splice.inserted.size()), replaced[i]);
     }
-    return false;
+    return !HaveSameText(before.take(), now);
 }
 
 /// The document numbers its tags from 1 and never removes one.

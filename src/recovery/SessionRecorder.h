@@ -2,12 +2,14 @@
 
 #include "DisplayDocument.h"
 #include "JournalThread.h"
-#include "LineStore.h"
 
 #include <QObject>
 #include <QString>
 
 #include <functional>
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace vmk {
 
@@ -51,25 +53,29 @@ private:
 
     void begin(std::function<void()> whenSafe);
     void endSession();
-    void readLines();
+    void passLines();
     void gather();
     void publish();
-    void publishIfComplete();
+    void publishIfReady();
+    [[nodiscard]] bool copyBinaryPart();
     void takeNewTags(std::vector<JournalTag>& tags);
-    void applySplices();
-    [[nodiscard]] bool applySplicesAndCompare();
+    [[nodiscard]] bool changesText() const;
+    [[nodiscard]] bool changesTextTogether() const;
 
     DisplayDocument& document;
     QObject context; ///< Calls of the thread and of the event loop end with it.
     std::function<void(const QString&)> report;
     JournalThread journal;
 
-    LineStore lines; ///< The document's lines without the gathered edits.
     bool recording = false;
     bool unsaved = false;
     bool kept = false;
 
     JournalBatch gathered;
+    /// The lines that each of the gathered splices has removed; none if the text is unsaved anyway.
+    std::vector<std::vector<LinePtr>> replaced;
+    bool isReplaced = false; ///< The document has another page than the gathered splices.
+    std::shared_ptr<std::string> binaryCopy; ///< the first part of `BinaryPart`, for the next journal
     bool isGathering = false;
     int64_t gatheringSince = 0;
     int knownTags = 0;

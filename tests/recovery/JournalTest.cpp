@@ -290,59 +290,6 @@ TEST(Journal, TheRestOfAnEarlierBaseDoesNotPreventTheNext)
 
 // ---------------------------------------------------------------- random sessions
 
-/// One random edit by the operations that commands use.
-void EditAtRandom(DisplayDocument& document, std::mt19937& random)
-{
-    const auto below = [&random](int count) { return int(random() % unsigned(std::max(count, 1))); };
-    const auto anywhere = [&] {
-        const int line = below(document.lineCount());
-        return document.valid({line, below(int(document.line(line).text.size()) + 1)});
-    };
-    const Position a = anywhere();
-    const Position b = anywhere();
-    const Position from = std::min(a, b);
-    const Position to = std::max(a, b);
-    switch (below(12)) {
-    case 0:
-        document.setSelection(from, from);
-        document.insertLineBreak();
-        break;
-    case 1:
-        document.replaceText(from, from, u"два\r\nстрока 🙂"_s);
-        break;
-    case 2:
-        document.deleteRange(from, std::min(to, document.valid({from.line + 1, 3})));
-        break;
-    case 3:
-        document.replaceHtml(from, from, u"<B>bold</B> and <SPAN class=t>&lt;p&gt;</SPAN>");
-        break;
-    case 4:
-        document.insertLines(from.line, u"<DIV style=\"MARGIN-LEFT: 10px\">new line</DIV><DIV>next</DIV>");
-        break;
-    case 5:
-        document.undo(1 + below(3));
-        break;
-    case 6:
-        document.redo(1 + below(2));
-        break;
-    case 7:
-        document.wrapRange(from, document.valid({from.line, from.offset + 4}),
-                           document.tags().intern(u"FONT", QString(u"color=#0000%1"_s.arg(below(99)))));
-        break;
-    case 8:
-        if (document.line(from.line).text.size() > 3)
-            document.replaceInLines({{from.line, 1, 2, u"run"_s, NoTag, 0}});
-        break;
-    case 9:
-        document.setSelection(from, to);
-        break;
-    default:
-        document.setSelection(from, from);
-        document.typeText(QString(QChar(u'a' + below(26))));
-        break;
-    }
-}
-
 TEST(Journal, RandomSessionsAreRecoveredExactly)
 {
     for (unsigned seed = 1; seed <= 12; ++seed) {
@@ -477,6 +424,7 @@ TEST(Journal, AnEditIsWrittenWithoutFurtherCalls)
     JournalBase base;
     base.binary = std::make_shared<const std::string>();
     base.lines = {MakeLine({NoTag, u"one"_s, {}})};
+    journal.setLines(base.lines);
     journal.begin(base);
     journal.waitUntilWritten();
     const QDir folder(place.Path(u"Recovery"_s));
@@ -513,6 +461,7 @@ TEST(Journal, AFolderThatCannotBeMadeIsReportedOnceAndTriedAgain)
         base.binary = std::make_shared<const std::string>();
         base.lines = {document.linePtr(0)};
         bool isSafe = false;
+        journal.setLines(base.lines);
         journal.begin(base, [&] { isSafe = true; });
         journal.waitUntilWritten();
         EXPECT_FALSE(isSafe);
@@ -545,6 +494,7 @@ TEST(Journal, MemoryThatRunsOutOnTheThreadIsReportedAndTheJournalRemains)
     JournalBase base;
     base.binary = std::make_shared<const std::string>();
     base.lines = {MakeLine({NoTag, u"one"_s, {}})};
+    journal.setLines(base.lines);
     journal.begin(base, [] { throw std::bad_alloc(); });
     journal.waitUntilWritten();
     JournalBatch batch;
@@ -559,6 +509,8 @@ TEST(Journal, MemoryThatRunsOutOnTheThreadIsReportedAndTheJournalRemains)
     journal.end(JournalThread::End::Remove);
     journal.waitUntilWritten();
     EXPECT_EQ(journals().size(), 0);
+
+    journal.setLines(base.lines);
 
     journal.begin(base);
     journal.add(batch);

@@ -13,7 +13,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
+#include <random>
 #include <string>
 
 namespace vmk {
@@ -77,6 +79,60 @@ inline QByteArray RecoveredPage(std::string_view journal)
     DisplayDocument document;
     ShowSession(session->state, document);
     return document.savePage();
+}
+
+/// One random edit by the operations that commands use.
+inline void EditAtRandom(DisplayDocument& document, std::mt19937& random)
+{
+    using namespace Qt::StringLiterals;
+    const auto below = [&random](int count) { return int(random() % unsigned(std::max(count, 1))); };
+    const auto anywhere = [&] {
+        const int line = below(document.lineCount());
+        return document.valid({line, below(int(document.line(line).text.size()) + 1)});
+    };
+    const Position a = anywhere();
+    const Position b = anywhere();
+    const Position from = std::min(a, b);
+    const Position to = std::max(a, b);
+    switch (below(12)) {
+    case 0:
+        document.setSelection(from, from);
+        document.insertLineBreak();
+        break;
+    case 1:
+        document.replaceText(from, from, u"два\r\nстрока 🙂"_s);
+        break;
+    case 2:
+        document.deleteRange(from, std::min(to, document.valid({from.line + 1, 3})));
+        break;
+    case 3:
+        document.replaceHtml(from, from, u"<B>bold</B> and <SPAN class=t>&lt;p&gt;</SPAN>");
+        break;
+    case 4:
+        document.insertLines(from.line, u"<DIV style=\"MARGIN-LEFT: 10px\">new line</DIV><DIV>next</DIV>");
+        break;
+    case 5:
+        document.undo(1 + below(3));
+        break;
+    case 6:
+        document.redo(1 + below(2));
+        break;
+    case 7:
+        document.wrapRange(from, document.valid({from.line, from.offset + 4}),
+                           document.tags().intern(u"FONT", QString(u"color=#0000%1"_s.arg(below(99)))));
+        break;
+    case 8:
+        if (document.line(from.line).text.size() > 3)
+            document.replaceInLines({{from.line, 1, 2, u"run"_s, NoTag, 0}});
+        break;
+    case 9:
+        document.setSelection(from, to);
+        break;
+    default:
+        document.setSelection(from, from);
+        document.typeText(QString(QChar(u'a' + below(26))));
+        break;
+    }
 }
 
 } // namespace vmk

@@ -32,6 +32,15 @@ public:
         gapSize = 0;
     }
 
+    /// Returns all lines in order; the store is empty afterwards.
+    [[nodiscard]] std::vector<LinePtr> take()
+    {
+        moveGap(std::size_t(size()));
+        slots.resize(std::size_t(size()));
+        gapStart = gapSize = 0;
+        return std::exchange(slots, {});
+    }
+
     /// Adds lines after all others.
     void append(const std::vector<LinePtr>& newLines)
     {

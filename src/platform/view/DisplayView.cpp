@@ -111,7 +111,7 @@ void DisplayView::completeNavigation()
 /// Loads the rest of the page for a few milliseconds.
 void DisplayView::loadSlice()
 {
-    constexpr std::chrono::milliseconds Slice(6);
+    constexpr std::chrono::milliseconds Slice(3);
     constexpr int Wait = 2; // milliseconds, for the source
     const QDeadlineTimer end(Slice);
     while (content.isMoreReady() && !end.hasExpired())
