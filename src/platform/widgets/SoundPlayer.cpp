@@ -109,6 +109,24 @@ void PlayHere(const WaveSound& sound, const SoundOutputMaker& makeOutput)
     loop.exec();
 }
 
+/// Plays on a separate thread, so that no timer and no key of the program runs meanwhile.
+void PlayOnThread(const WaveSound& played, const SoundOutputMaker& makeOutput)
+{
+    std::unique_ptr<QThread> player(QThread::create([sound = played, makeOutput] {
+        try {
+            PlayHere(sound, makeOutput);
+        } catch (const std::bad_alloc&) {
+            // Without memory there is no sound.
+        }
+    }));
+    player->start();
+    if (player->wait(QDeadlineTimer(played.length() + Patience + Patience / 2)))
+        return;
+    // The device does not respond. The thread is abandoned and deletes itself if it ever ends.
+    QThread* abandoned = player.release();
+    QObject::connect(abandoned, &QThread::finished, abandoned, &QObject::deleteLater);
+}
+
 } // namespace
 
 std::chrono::milliseconds WaveSound::length() const
@@ -155,27 +173,14 @@ void PlayToEnd(const QString& path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return;
-    const std::optional<WaveSound> sound = ReadWaveSound(file.readAll());
-    if (!sound)
-        return;
-    const SoundOutputMaker makeOutput = SoundOutputSeam()(*sound);
-    if (!makeOutput)
-        return;
-
-    // Plays on a separate thread, so that no timer and no key of the program runs meanwhile.
-    std::unique_ptr<QThread> player(QThread::create([sound = *sound, makeOutput] {
-        try {
-            PlayHere(sound, makeOutput);
-        } catch (const std::bad_alloc&) {
-            // Without memory there is no sound.
-        }
-    }));
-    player->start();
-    if (player->wait(QDeadlineTimer(sound->length() + Patience + Patience / 2)))
-        return;
-    // The device does not respond. The thread is abandoned and deletes itself if it ever ends.
-    QObject::connect(player.get(), &QThread::finished, player.get(), &QObject::deleteLater);
-    (void)player.release();
+    try {
+        const std::optional<WaveSound> sound = ReadWaveSound(file.readAll());
+        const SoundOutputMaker makeOutput = sound ? SoundOutputSeam()(*sound) : SoundOutputMaker();
+        if (makeOutput)
+            PlayOnThread(*sound, makeOutput);
+    } catch (const std::bad_alloc&) {
+        // The command that plays it must not fail for the lack of a sound.
+    }
 }
 
 } // namespace vmk

@@ -53,7 +53,7 @@ using SoundOutputMaker = std::function<std::unique_ptr<SoundOutput>()>;
 [[nodiscard]] Seam<SoundOutputMaker(const WaveSound& sound)>& SoundOutputSeam();
 
 /// Plays a wave file and returns when it has ended. Returns at once if the file cannot be played or there is
-/// no sound device, and one second after the sound's length if the device does not respond.
+/// no sound device or no memory, and one second after the sound's length if the device does not respond.
 void PlayToEnd(const QString& path);
 
 } // namespace vmk

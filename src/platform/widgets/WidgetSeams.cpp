@@ -1,12 +1,14 @@
 #include "WidgetSeams.h"
 
 #include "Boxes.h"
+#include "Cancelling.h"
 #include "Desktop.h"
 #include "DesktopMeasures.h"
 #include "Dialogs.h"
 #include "EscapeKey.h"
 #include "MainWindowSeams.h"
 #include "MessageBoxes.h"
+#include "SelectionTransfer.h"
 #include "SoundPlayer.h"
 #include "StandardDialogs.h"
 
@@ -59,6 +61,26 @@ bool OpenTarget(const QString& target)
     return QDesktopServices::openUrl(url);
 }
 
+/// The text of the clipboard, or the text selected last. Without a window system, and of this program itself,
+/// the toolkit knows it.
+QString TextOfDesktop(QClipboard::Mode mode)
+{
+    using namespace Qt::StringLiterals;
+    const QClipboard& clipboard = *QGuiApplication::clipboard();
+    const bool isPrimary = mode == QClipboard::Selection;
+    const bool isOwn = isPrimary ? clipboard.ownsSelection() : clipboard.ownsClipboard();
+    if (isOwn || QGuiApplication::platformName() != "xcb"_L1)
+        return clipboard.text(mode);
+    TransferredText transferred;
+    {
+        const CancellableWork work(u"...pasting...Esc cancels"_s, u"paste cancelled"_s);
+        transferred = TransferText(isPrimary ? SharedText::Primary : SharedText::Clipboard);
+    }
+    if (transferred.end == TransferEnd::NoAnswer)
+        ShowStatus(u"the clipboard does not answer"_s);
+    return transferred.end == TransferEnd::Unavailable ? clipboard.text(mode) : transferred.text;
+}
+
 /// At most one hourglass, even after several calls: one call restores the default.
 void ShowPointer(Pointer pointer)
 {
@@ -81,10 +103,10 @@ void FillWidgetSeams()
     SoundSeam().Fill(PlayToEnd);
     BeepSeam().Fill([] { QApplication::beep(); });
     OpenSeam().Fill(OpenTarget);
-    ClipboardTextSeam().Fill([] { return QGuiApplication::clipboard()->text(); });
+    ClipboardTextSeam().Fill([] { return TextOfDesktop(QClipboard::Clipboard); });
     SetClipboardTextSeam().Fill([](const QString& text) { QGuiApplication::clipboard()->setText(text); });
     if (QGuiApplication::clipboard()->supportsSelection()) {
-        PrimaryTextSeam().Fill([] { return QGuiApplication::clipboard()->text(QClipboard::Selection); });
+        PrimaryTextSeam().Fill([] { return TextOfDesktop(QClipboard::Selection); });
         SetPrimaryTextSeam().Fill(
             [](const QString& text) { QGuiApplication::clipboard()->setText(text, QClipboard::Selection); });
     }

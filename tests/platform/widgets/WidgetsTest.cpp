@@ -33,6 +33,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <new>
 
 using namespace vmk;
 using namespace Qt::StringLiterals;
@@ -402,6 +403,7 @@ namespace {
 struct DeviceCourse
 {
     bool isRefusing = false;
+    bool hasNoMemory = false;
     bool isSilent = false; ///< It accepts the samples and never plays them.
     bool isUnplugged = false; ///< It stops before the end.
     QSemaphore* blocker = nullptr; ///< Starting waits for it.
@@ -426,6 +428,8 @@ public:
     [[nodiscard]] bool start(QIODevice& samples) override
     {
         course.thread = QThread::currentThread();
+        if (course.hasNoMemory)
+            throw std::bad_alloc();
         if (course.blocker)
             course.blocker->acquire();
         // A real device takes the samples long before it has played them.
@@ -507,6 +511,19 @@ TEST_F(SoundDevice, ADeviceThatRefusesOrStopsIsNotWaitedFor)
         play();
     EXPECT_LT(sum, Few * (sound.length() + std::chrono::milliseconds(500)));
     EXPECT_FALSE(course.hasPlayedAll);
+}
+
+TEST_F(SoundDevice, WithoutMemoryThereIsNoSound)
+{
+    course.hasNoMemory = true;
+    play();
+    EXPECT_NE(course.thread.load(), nullptr);
+    EXPECT_NE(course.thread.load(), QThread::currentThread());
+    EXPECT_TRUE(course.isGone);
+    EXPECT_FALSE(course.hasPlayedAll);
+    const SeamGuard failing(SoundOutputSeam(),
+                            [](const WaveSound&) -> SoundOutputMaker { throw std::bad_alloc(); });
+    play();
 }
 
 TEST_F(SoundDevice, ASilentDeviceIsLeftAfterASecond)
