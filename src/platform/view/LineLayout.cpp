@@ -516,7 +516,10 @@ int LineLayout::layOut(Piece& piece, int end, int lastOffset)
     option.setTextDirection(Qt::LeftToRight);
     layout.setTextOption(option);
     layout.setCacheEnabled(true);
-    layout.setFormats(style->formats(*content, piece.start, end - piece.start));
+    if (isLong() && !openElements)
+        openElements = std::make_unique<OpenElementsOfLine>(*content);
+    layout.setFormats(style->formats(*content, piece.start, end - piece.start,
+                                     openElements ? openElements->before(piece.start) : OpenElements()));
 
     layout.beginLayout();
     int height = 0;

@@ -122,6 +122,7 @@ private:
     int marginTop = 0;
     int marginBottom = 0;
     std::vector<Piece> pieces;
+    std::unique_ptr<OpenElementsOfLine> openElements; ///< Of a long line, once it was needed.
     unsigned useCount = 0;
 };
 

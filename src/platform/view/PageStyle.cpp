@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 using namespace Qt::StringLiterals;
 
@@ -178,14 +179,41 @@ CharWidths& PageStyle::widths(LookId id)
     return *table;
 }
 
-QList<QTextLayout::FormatRange> PageStyle::formats(const Line& line, int from, int length)
+OpenElementsOfLine::OpenElementsOfLine(const Line& line)
+    : marks(line.marks)
+{
+    constexpr std::size_t Distance = 512;
+    OpenElements open;
+    for (; open.mark < marks.size(); ++open.mark) {
+        if (open.mark % Distance == 0)
+            points.push_back(open);
+        if (marks[open.mark].open)
+            open.tags.push_back(marks[open.mark].tag);
+        else if (!open.tags.empty())
+            open.tags.pop_back();
+    }
+    if (points.empty())
+        points.emplace_back();
+}
+
+const OpenElements& OpenElementsOfLine::before(int offset) const
+{
+    const auto after = std::partition_point(points.begin() + 1, points.end(), [&](const OpenElements& point) {
+        return marks[point.mark - 1].pos <= offset;
+    });
+    return *std::prev(after);
+}
+
+QList<QTextLayout::FormatRange> PageStyle::formats(const Line& line, int from, int length,
+                                                   const OpenElements& start)
 {
     QList<QTextLayout::FormatRange> ranges;
     const LookId blockLook = block(line.block).text;
-    forEachRun(line, from, from + length, [&](int begin, int end, LookId look) {
+    const auto take = [&](int begin, int end, LookId look) {
         if (look != blockLook)
             ranges.append({begin - from, end - begin, format(look, blockLook)});
-    });
+    };
+    forEachRun(line, from, from + length, take, start);
     separateMarks(line.text, from, length, fonts[size_t(blockLook)], ranges);
     return ranges;
 }

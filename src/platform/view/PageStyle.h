@@ -68,6 +68,26 @@ private:
     std::array<std::unique_ptr<Page>, 256> pages;
 };
 
+/// The elements that are open before a mark of a line.
+struct OpenElements
+{
+    std::size_t mark = 0; ///< The index of the mark; all marks before it are taken into account.
+    std::vector<TagId> tags; ///< From the outermost to the innermost.
+};
+
+/// Finds the open elements at any offset of a line in time that does not depend on the number of its marks.
+class OpenElementsOfLine
+{
+public:
+    explicit OpenElementsOfLine(const Line& line);
+    /// Returns the elements at a mark shortly before an offset: no mark before it is after the offset.
+    [[nodiscard]] const OpenElements& before(int offset) const;
+
+private:
+    MarkList marks;
+    std::vector<OpenElements> points; ///< At regular distances; the first one is at the first mark.
+};
+
 /// The look of a page: the style rules of its head, its body tag, and the effect of every start tag on the
 /// look around it. Each distinct combination is computed once and has a number.
 class PageStyle
@@ -94,7 +114,9 @@ public:
 
     /// Returns the formats of a line's text from `from` to `from + length`, with offsets relative to `from`.
     /// Text with the look of its block has no format.
-    [[nodiscard]] QList<QTextLayout::FormatRange> formats(const Line& line, int from, int length);
+    /// \param start  the result of `OpenElementsOfLine::before` for `from`, or of an earlier offset
+    [[nodiscard]] QList<QTextLayout::FormatRange> formats(const Line& line, int from, int length,
+                                                          const OpenElements& start = {});
 
     /// Calls `take(from, to, look)` for each run with one look, in order; the runs cover the whole text.
     template <typename Take>
@@ -102,9 +124,10 @@ public:
     {
         forEachRun(line, 0, int(line.text.size()), take);
     }
-    /// The same for the text between two offsets; of the text before it, only the tags are examined.
+    /// The same for the text between two offsets; of the text before it, only the tags from `start` on are
+    /// examined.
     template <typename Take>
-    void forEachRun(const Line& line, int from, int to, Take take);
+    void forEachRun(const Line& line, int from, int to, Take take, const OpenElements& start = {});
 
 private:
     LookId intern(const TextLook& look);
@@ -137,10 +160,10 @@ private:
 };
 
 template <typename Take>
-void PageStyle::forEachRun(const Line& line, int from, int to, Take take)
+void PageStyle::forEachRun(const Line& line, int from, int to, Take take, const OpenElements& start)
 {
-    openTags.clear();
-    auto mark = line.marks.begin();
+    openTags = start.tags;
+    auto mark = line.marks.begin() + start.mark;
     for (; mark != line.marks.end() && mark->pos <= from; ++mark) {
         if (mark->open)
             openTags.push_back(mark->tag);

@@ -134,6 +134,32 @@ TEST_F(PageLayoutTest, APieceOfALongLineIsStyledAsTheLineIs)
         });
         ASSERT_EQ(reached, to);
     }
+
+    // The same if the tags far before the piece are not examined.
+    const OpenElementsOfLine elements(line);
+    for (int round = 0; round < 2000; ++round) {
+        const std::size_t mark = random() % line.marks.size();
+        const int from = std::max(0, line.marks[mark].pos - 1 + round % 3);
+        const auto to = std::min(int(line.text.size()), from + 100);
+        const OpenElements& start = elements.before(from);
+        ASSERT_LT(start.mark, mark + 3);
+        ASSERT_LT(mark, start.mark + 520) << "the tags from there on are few";
+        const auto take = [&](int begin, int end, LookId look) {
+            for (int i = begin; i < end; ++i)
+                ASSERT_EQ(looks[std::size_t(i)], look) << "at " << i;
+        };
+        style.forEachRun(line, from, to, take, start);
+        ASSERT_EQ(style.formats(line, from, to - from, start), style.formats(line, from, to - from));
+    }
+}
+
+TEST_F(PageLayoutTest, TheElementsOfALineWithoutTagsAreNone)
+{
+    const OpenElementsOfLine elements(Line{NoTag, QStringLiteral("text"), {}});
+    for (const int offset : {0, 1, 4}) {
+        EXPECT_EQ(elements.before(offset).mark, 0U);
+        EXPECT_TRUE(elements.before(offset).tags.empty());
+    }
 }
 
 } // namespace
