@@ -48,6 +48,12 @@ public:
         task.base.lines = page.take();
         note(writer.begin(std::move(task.base)));
     }
+    void operator()(Restart& task)
+    {
+        page.assign({});
+        isPageKnown = false;
+        note(writer.restart(std::move(task.base)));
+    }
     void operator()(JournalBatch& batch)
     {
         if (writer.isOpen())
@@ -81,6 +87,7 @@ public:
         if (writer.isOpen())
             giveUp();
     }
+    [[nodiscard]] bool isBehind() const { return writer.isBehind(); }
     [[nodiscard]] bool needsRetry() const { return writer.isOpen() && !writer.isGood(); }
     void retry()
     {
@@ -150,6 +157,12 @@ void JournalThread::begin(JournalBase base, std::function<void()> whenSafe)
 {
     if (start())
         put(Beginning{std::move(base), std::move(whenSafe)}, true);
+}
+
+void JournalThread::restart(JournalBase base)
+{
+    if (start())
+        put(Restart{std::move(base)}, true);
 }
 
 /// Starts the thread, which takes the tasks that have been waiting.
@@ -235,6 +248,7 @@ void JournalThread::run()
         for (Task& task : round)
             attempt([&] { std::visit(worker, task); });
         attempt([&] { worker.finishRound(); });
+        behind = worker.isBehind();
         // Lines that nobody else uses any more are freed here, not while the caller waits.
         round.clear();
         lock.lock();

@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <atomic>
 #include <condition_variable>
 #include <functional>
 #include <memory>
@@ -48,6 +49,10 @@ public:
     /// \param base      the rest of the state; its lines are not used
     /// \param whenSafe  called on the thread once the base is on the disk; may be empty
     void begin(JournalBase base, std::function<void()> whenSafe = {});
+    /// Continues the journal with this state, whatever was passed before. Begins it if it has not begun.
+    void restart(JournalBase base);
+    /// Whether memory has run out on the thread: nothing more is written before a restart.
+    [[nodiscard]] bool isBehind() const { return behind; }
     /// Adds edits. Before a journal begins, only the lines are changed.
     void add(JournalBatch batch);
     void end(End end);
@@ -69,7 +74,11 @@ private:
         JournalBase base;
         std::function<void()> whenSafe;
     };
-    using Task = std::variant<AllLines, MoreLines, Beginning, JournalBatch, End>;
+    struct Restart
+    {
+        JournalBase base;
+    };
+    using Task = std::variant<AllLines, MoreLines, Beginning, Restart, JournalBatch, End>;
 
     [[nodiscard]] bool start();
     void put(Task task, bool isUrgent);
@@ -83,6 +92,7 @@ private:
     bool urgent = false;
     bool stopping = false;
     bool busy = false;
+    std::atomic<bool> behind = false;
     std::thread thread; ///< started with the first journal; until then, the tasks wait
     bool isDropping = false; ///< no thread could be started: the tasks of this page are not kept
 };

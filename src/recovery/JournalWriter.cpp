@@ -77,11 +77,17 @@ JournalWriter::JournalWriter(QString recoveryFolder)
 bool JournalWriter::begin(JournalBase base)
 {
     setAside();
+    baseBytes = 0;
+    return restart(std::move(base));
+}
+
+bool JournalWriter::restart(JournalBase base)
+{
     lines.assign(std::move(base.lines));
     base.lines.clear();
     state = std::move(base);
     isBegun = true;
-    baseBytes = 0;
+    isGivenUp = false;
     return writeBase();
 }
 

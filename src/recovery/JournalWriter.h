@@ -25,6 +25,9 @@ public:
     /// Begins a journal. A journal that is open is set aside.
     /// \return false on failure; a later `write` tries again
     bool begin(JournalBase base);
+    /// Continues the open journal with a new state, also after `giveUp`; begins one if none is open.
+    /// \return as `begin`
+    bool restart(JournalBase base);
     /// Adds edits to the journal. Does nothing if none is open.
     /// \return false on failure; the edits are not lost: a later `write` writes a new base
     bool write(const JournalBatch& batch);
@@ -43,6 +46,7 @@ public:
     void giveUp(const QString& reason);
 
     [[nodiscard]] bool isOpen() const { return isBegun; }
+    [[nodiscard]] bool isBehind() const { return isGivenUp; }
     /// False after a failure, until a later call has succeeded.
     [[nodiscard]] bool isGood() const { return isBegun && isUsable; }
     /// The system's message for the last failure.

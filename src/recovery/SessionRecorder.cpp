@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <new>
 #include <utility>
 
 namespace vmk {
@@ -40,6 +41,15 @@ BookFacts FactsOfOpenBook(const DisplayDocument& document, const QString& path)
     return facts;
 }
 
+std::vector<LinePtr> LoadedLines(const DisplayDocument& document)
+{
+    std::vector<LinePtr> all;
+    all.reserve(std::size_t(document.loadedLineCount()));
+    for (int i = 0; i < document.loadedLineCount(); ++i)
+        all.push_back(document.linePtr(i));
+    return all;
+}
+
 bool HaveSameText(const std::vector<LinePtr>& a, const std::vector<LinePtr>& b)
 {
     return std::ranges::equal(a, b, [](const LinePtr& x, const LinePtr& y) { return x->text == y->text; });
@@ -53,9 +63,22 @@ SessionRecorder::SessionRecorder(DisplayDocument& recorded, const QString& recov
     , report(std::move(reportProblem))
     , journal(recoveryFolder, [this](const QString& problem) {
         QMetaObject::invokeMethod(
-            &context, [this, problem] { report(problem); }, Qt::QueuedConnection);
+            &context,
+            [this, problem] {
+                if (!problem.isEmpty())
+                    catchUp.start();
+                report(problem);
+            },
+            Qt::QueuedConnection);
     })
 {
+    constexpr std::chrono::milliseconds Pause(5000);
+    catchUp.setSingleShot(true);
+    catchUp.setInterval(Pause);
+    QObject::connect(&catchUp, &QTimer::timeout, &context, [this] {
+        isBehind = isBehind || (recording && journal.isBehind());
+        publish();
+    });
     document.setRecorder(this);
     passLines();
 }
@@ -79,11 +102,12 @@ void SessionRecorder::documentReset()
 /// Passes the lines that are loaded to the thread; the others follow.
 void SessionRecorder::passLines()
 {
-    std::vector<LinePtr> all;
-    all.reserve(std::size_t(document.loadedLineCount()));
-    for (int i = 0; i < document.loadedLineCount(); ++i)
-        all.push_back(document.linePtr(i));
-    journal.setLines(std::move(all));
+    isBehind = false;
+    try {
+        journal.setLines(LoadedLines(document));
+    } catch (const std::bad_alloc&) {
+        isBehind = true;
+    }
 }
 
 void SessionRecorder::endSession()
@@ -104,6 +128,32 @@ bool SessionRecorder::hasUnsavedText()
 void SessionRecorder::begin(std::function<void()> whenSafe)
 {
     static_cast<void>(document.lineCount()); // loads all lines
+    recording = true;
+    try {
+        journal.begin(stateOfBook(), std::move(whenSafe));
+    } catch (const std::bad_alloc&) {
+        fallBehind();
+    }
+}
+
+/// Passes the whole state of the book to the thread.
+void SessionRecorder::restart()
+{
+    isBehind = false;
+    if (!recording) {
+        journal.setLines(LoadedLines(document));
+        if (unsaved)
+            begin({});
+    } else {
+        JournalBase base = stateOfBook();
+        base.lines = LoadedLines(document);
+        journal.restart(std::move(base));
+    }
+}
+
+/// The state of the book without its lines.
+JournalBase SessionRecorder::stateOfBook()
+{
     JournalBase base;
     base.facts = FactsOfOpenBook(document, CurrentBook);
     knownTags = 0;
@@ -113,8 +163,21 @@ void SessionRecorder::begin(std::function<void()> whenSafe)
     binaryCopy.reset();
     base.selection = document.selection();
     base.unsaved = unsaved;
-    recording = true;
-    journal.begin(std::move(base), std::move(whenSafe));
+    return base;
+}
+
+/// Memory has run out while an edit was recorded. Whether it has changed the text is not known.
+void SessionRecorder::fallBehind()
+{
+    isBehind = unsaved = true;
+    isGathering = kept = false;
+    gathered = {};
+    replaced.clear();
+    try {
+        catchUp.start();
+    } catch (const std::bad_alloc&) {
+        // The next edit does it.
+    }
 }
 
 void SessionRecorder::beginUnsaved(std::function<void()> whenSafe)
@@ -134,11 +197,15 @@ void SessionRecorder::noteSaved(const QString& path)
     unsaved = kept = false;
     if (!recording)
         return;
-    JournalBatch saved;
-    saved.facts = FactsOfOpenBook(document, path);
-    saved.selection = document.selection();
-    saved.unsaved = false;
-    journal.add(std::move(saved));
+    try {
+        JournalBatch saved;
+        saved.facts = FactsOfOpenBook(document, path);
+        saved.selection = document.selection();
+        saved.unsaved = false;
+        journal.add(std::move(saved));
+    } catch (const std::bad_alloc&) {
+        isBehind = true;
+    }
 }
 
 void SessionRecorder::noteBinaryPartChange()
@@ -149,8 +216,12 @@ void SessionRecorder::noteBinaryPartChange()
     kept = false;
     if (!recording)
         return begin({});
-    gathered.binary = std::make_shared<const std::string>(BinaryPart);
-    gather();
+    try {
+        gathered.binary = std::make_shared<const std::string>(BinaryPart);
+        gather();
+    } catch (const std::bad_alloc&) {
+        fallBehind();
+    }
 }
 
 void SessionRecorder::waitUntilWritten()
@@ -164,21 +235,33 @@ void SessionRecorder::waitUntilWritten()
 void SessionRecorder::linesChanged(int first, const std::vector<LinePtr>& removed,
                                    const std::vector<LinePtr>& inserted)
 {
-    gathered.splices.push_back({first, int(removed.size()), inserted});
-    if (!unsaved)
-        replaced.push_back(removed);
-    gather();
+    try {
+        gathered.splices.push_back({first, int(removed.size()), inserted});
+        if (!unsaved)
+            replaced.push_back(removed);
+        gather();
+    } catch (const std::bad_alloc&) {
+        fallBehind();
+    }
 }
 
 void SessionRecorder::linesLoaded(int, const std::vector<LinePtr>& loaded)
 {
-    journal.appendLines(loaded);
+    try {
+        journal.appendLines(loaded);
+    } catch (const std::bad_alloc&) {
+        isBehind = true;
+    }
 }
 
 void SessionRecorder::selectionChanged()
 {
-    if (recording)
-        gather();
+    try {
+        if (recording)
+            gather();
+    } catch (const std::bad_alloc&) {
+        // The next edit records the selection too.
+    }
 }
 
 /// Has what is gathered published by the event loop.
@@ -186,10 +269,10 @@ void SessionRecorder::gather()
 {
     constexpr std::size_t Stride = 64;
     if (!isGathering) {
-        isGathering = true;
-        gatheringSince = TickMilliseconds();
         QMetaObject::invokeMethod(
             &context, [this] { publishIfReady(); }, Qt::QueuedConnection);
+        isGathering = true;
+        gatheringSince = TickMilliseconds();
     } else if (gathered.splices.size() % Stride == 0 && document.isComplete()
                && TickMilliseconds() - gatheringSince > LongestCommand) {
         publish();
@@ -204,10 +287,14 @@ void SessionRecorder::publishIfReady()
         return;
     const bool isComplete = document.isComplete();
     const bool mayBegin = !recording && !gathered.splices.empty();
-    if (isComplete && (!mayBegin || copyBinaryPart()))
-        return publish();
-    QTimer::singleShot(isComplete ? std::chrono::milliseconds(0) : Wait, &context,
-                       [this] { publishIfReady(); });
+    try {
+        if (isComplete && (!mayBegin || copyBinaryPart()))
+            return publish();
+        QTimer::singleShot(isComplete ? std::chrono::milliseconds(0) : Wait, &context,
+                           [this] { publishIfReady(); });
+    } catch (const std::bad_alloc&) {
+        fallBehind();
+    }
 }
 
 /// Copies the next piece of `BinaryPart`. \return true if all of it is copied
@@ -224,10 +311,19 @@ bool SessionRecorder::copyBinaryPart()
 
 void SessionRecorder::publish()
 {
-    if (!isGathering)
+    if (!isGathering && !isBehind)
         return;
     // A journal begins with all lines, which this loads.
     static_cast<void>(document.lineCount());
+    try {
+        publishGathered();
+    } catch (const std::bad_alloc&) {
+        fallBehind();
+    }
+}
+
+void SessionRecorder::publishGathered()
+{
     isGathering = false;
     if (!gathered.splices.empty()) {
         unsaved = unsaved || changesText();
@@ -235,6 +331,9 @@ void SessionRecorder::publish()
         kept = false;
     }
     JournalBatch batch = std::exchange(gathered, {});
+    // The lines of another page are passed when that page begins.
+    if (isBehind)
+        return isReplaced ? void() : restart();
     if (!recording) {
         journal.add(std::move(batch));
         if (unsaved)

@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -16,6 +17,9 @@ namespace vmk {
 /// Records the edits of a document in a journal, from the first change of its text on. Changes are passed to
 /// the journal's thread from the event loop, so that the journal holds only states between two events; during
 /// a command that takes long, after half a second at the latest.
+///
+/// If memory runs out, the edit is not affected: the journal is behind, and continues with the whole state as
+/// soon as possible.
 ///
 /// Uses the variables of the open book (`BookVariables.h`).
 class SessionRecorder final : private DisplayListener
@@ -54,8 +58,12 @@ private:
     void begin(std::function<void()> whenSafe);
     void endSession();
     void passLines();
+    void restart();
+    void fallBehind();
+    [[nodiscard]] JournalBase stateOfBook();
     void gather();
     void publish();
+    void publishGathered();
     void publishIfReady();
     [[nodiscard]] bool copyBinaryPart();
     void takeNewTags(std::vector<JournalTag>& tags);
@@ -79,6 +87,8 @@ private:
     bool isGathering = false;
     int64_t gatheringSince = 0;
     int knownTags = 0;
+    bool isBehind = false; ///< The thread does not know all lines and edits: memory has run out.
+    QTimer catchUp; ///< after that
 };
 
 } // namespace vmk

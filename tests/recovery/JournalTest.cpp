@@ -506,6 +506,22 @@ TEST(Journal, MemoryThatRunsOutOnTheThreadIsReportedAndTheJournalRemains)
     EXPECT_EQ(ReadJournal(ReadContent(folder.filePath(journals()[0])).bytes)->state.lines.front()->text,
               u"one"_s);
     EXPECT_FALSE(LockedFile::open(folder.filePath(journals()[0])));
+    EXPECT_TRUE(journal.isBehind());
+    // The whole state continues the same journal.
+    JournalBase whole = base;
+    whole.lines = {MakeLine({NoTag, u"three"_s, {}}), MakeLine({NoTag, u"four"_s, {}})};
+    journal.restart(whole);
+    batch.splices[0].first = 1;
+    journal.add(batch);
+    batch.splices[0].first = 0;
+    journal.waitUntilWritten();
+    EXPECT_FALSE(journal.isBehind());
+    ASSERT_EQ(journals().size(), 1);
+    const std::vector<LinePtr> lines
+        = ReadJournal(ReadContent(folder.filePath(journals()[0])).bytes)->state.lines;
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_EQ(lines[0]->text, u"three"_s);
+    EXPECT_EQ(lines[1]->text, u"two"_s);
     journal.end(JournalThread::End::Remove);
     journal.waitUntilWritten();
     EXPECT_EQ(journals().size(), 0);
