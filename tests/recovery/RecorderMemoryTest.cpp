@@ -62,7 +62,8 @@ class RecorderMemory : public testing::Test
 {
 protected:
     /// Runs `work` in new sessions; in each one, another allocation fails. Whatever has failed, the journal
-    /// of a later edit has the page as it is then. \param prepare  runs before, with enough memory
+    /// has what was edited, and a later edit.
+    /// \param prepare  runs before, with enough memory
     static void RunWithEachFailure(const std::function<void(Session&)>& prepare,
                                    const std::function<void(Session&)>& work)
     {

@@ -20,17 +20,21 @@ void UndoHistory::closeGroup(const Selection& selection)
 
 const LineChange& UndoHistory::record(LineChange change, const Selection& selection)
 {
-    if (stepOpen && !steps.back().typing)
-        makeSmall(steps.back().changes.back());
-    if (!stepOpen) {
+    if (stepOpen) {
+        if (!steps.back().typing)
+            makeSmall(steps.back().changes.back());
+        steps.back().changes.push_back(std::move(change));
+    } else {
         dropUndone();
         for (std::size_t i = 0; doneSteps > 0 && i < steps.back().changes.size(); ++i)
             makeSmall(steps.back().changes[i]);
-        steps.push_back({{}, selection, selection, false, nullptr});
+        // If memory runs out, there is no step without a change.
+        Step step{{}, selection, selection, false, nullptr};
+        step.changes.push_back(std::move(change));
+        steps.push_back(std::move(step));
         ++doneSteps;
         stepOpen = true;
     }
-    steps.back().changes.push_back(std::move(change));
     return steps.back().changes.back();
 }
 
