@@ -21,6 +21,12 @@ CleanUpRow InTextRow(const QString& what, const QString& by, bool matchCase = fa
     return {.RepWhat = what + InText(), .RepBy = by, .Case = matchCase, .RegExp = true, .Enabled = true};
 }
 
+/// Matches a non-breaking space: as HTML has it, or the mark that the display shows in its place.
+QString AnyNbsp()
+{
+    return u"&nbsp;|\\x7f"_s;
+}
+
 /// Three dots, and blanks before punctuation; the same in both languages.
 std::vector<CleanUpRow> CommonRows()
 {
@@ -33,16 +39,18 @@ std::vector<CleanUpRow> RussianRows()
     std::vector<CleanUpRow> rows = CommonRows();
     // Dashes at the beginning of a line of dialogue and between words.
     rows.push_back(InTextRow(u"(<p(?: [^<>]*)?>)\\s*(?:-{1,3}|\u2013|\u2014)\\s+"_s, u"$1\u2014&nbsp;"_s));
-    rows.push_back(InTextRow(u"([^\\s<>\\x3c\\x3e])(?: |&nbsp;)(?:-{1,3}|\u2013|\u2014)(?= |&nbsp;)"_s,
+    rows.push_back(InTextRow(u"([^\\s<>\\x3c\\x3e])(?: |%1)(?:-{1,3}|\u2013|\u2014)(?= |%1)"_s.arg(AnyNbsp()),
                              u"$1&nbsp;\u2014"_s));
     // Quotation marks.
-    rows.push_back(InTextRow(u"([>\\s(\u00ab\u2014]|&nbsp;)\"(?=[^\\s<\"])"_s, u"$1\u00ab"_s));
     rows.push_back(
-        InTextRow(u"([^\\s<>(\u00ab\\d])\"(?=[\\s<.,;:!?)\u2026\u00bb\u2014-]|&nbsp;)"_s, u"$1\u00bb"_s));
+        InTextRow(u"([>\\s(\u00ab\u2014]|%1)\"(?=[^\\s<\"\\x7f])"_s.arg(AnyNbsp()), u"$1\u00ab"_s));
+    rows.push_back(
+        InTextRow(u"([^\\s<>(\u00ab\\d\\x7f])\"(?=[\\s<.,;:!?)\u2026\u00bb\u2014-]|%1)"_s.arg(AnyNbsp()),
+                  u"$1\u00bb"_s));
     // Non-breaking spaces.
-    rows.push_back(
-        InTextRow(u"([\\s>(])([А-ЯЁ]\\.) ?([А-ЯЁ]\\.) ?(?=[А-ЯЁ][а-яё])"_s, u"$1$2&nbsp;$3&nbsp;"_s, true));
-    rows.push_back(InTextRow(u"([\\s>(]т\\.) ?([едпк]\\.)"_s, u"$1&nbsp;$2"_s, true));
+    rows.push_back(InTextRow(u"([\\s>(\\x7f])([А-ЯЁ]\\.) ?([А-ЯЁ]\\.) ?(?=[А-ЯЁ][а-яё])"_s,
+                             u"$1$2&nbsp;$3&nbsp;"_s, true));
+    rows.push_back(InTextRow(u"([\\s>(\\x7f]т\\.) ?([едпк]\\.)"_s, u"$1&nbsp;$2"_s, true));
     rows.push_back(InTextRow(u"(\\d{4}) (гг?\\.)"_s, u"$1&nbsp;$2"_s, true));
     rows.push_back(InTextRow(u"№ ?(?=\\d)"_s, u"№&nbsp;"_s));
     return rows;
@@ -55,9 +63,11 @@ std::vector<CleanUpRow> EnglishRows()
     rows.push_back(InTextRow(u"([^\\s<>\\x3c\\x3e-]) ?-{2,3} ?(?=[^\\s-])"_s, u"$1\u2014"_s));
     rows.push_back(InTextRow(u"([^\\s<>\\x3c\\x3e]) - (?=\\S)"_s, u"$1 \u2013 "_s));
     // Quotation marks and apostrophes.
-    rows.push_back(InTextRow(u"([>\\s(\u2018\u2014]|&nbsp;)\"(?=[^\\s<\"])"_s, u"$1\u201c"_s));
     rows.push_back(
-        InTextRow(u"([^\\s<>(\u201c\\d])\"(?=[\\s<.,;:!?)\u2026\u2019\u2014-]|&nbsp;)"_s, u"$1\u201d"_s));
+        InTextRow(u"([>\\s(\u2018\u2014]|%1)\"(?=[^\\s<\"\\x7f])"_s.arg(AnyNbsp()), u"$1\u201c"_s));
+    rows.push_back(
+        InTextRow(u"([^\\s<>(\u201c\\d\\x7f])\"(?=[\\s<.,;:!?)\u2026\u2019\u2014-]|%1)"_s.arg(AnyNbsp()),
+                  u"$1\u201d"_s));
     rows.push_back(InTextRow(u"([A-Za-z])'(?=[A-Za-z])"_s, u"$1\u2019"_s));
     return rows;
 }

@@ -198,6 +198,8 @@ void ShowFragment(DisplayDocument& editor, const QString& source)
         lines.push_back(MakeLine(std::move(line)));
     }
     ReplaceAllLines(editor, std::move(lines));
+    // An undo in the editor must not empty it: "apply" would then remove the fragment from the book.
+    editor.forgetUndo();
     editor.setSelection({}, {});
 }
 

@@ -72,6 +72,14 @@ TEST_F(SampleTables, RussianTextGetsItsTypography)
               "<p>Писал А.\u00a0С.\u00a0Пушкин в 1830\u00a0г. и т.\u00a0д.</p>");
 }
 
+TEST_F(SampleTables, ShownMarksOfNonBreakingSpacesAreSpacesToo)
+{
+    EXPECT_EQ(Russian("—\x7f\"Да\",\x7f- сказал\x7f\"он\"."), "<p>—\x7f«Да»,\u00a0— сказал\x7f«он».</p>");
+    EXPECT_EQ(Russian("Роман \"Мы\"\x7fи\x7fА. С. Пушкин, и\x7fт. д."),
+              "<p>Роман «Мы»\x7fи\x7fА.\u00a0С.\u00a0Пушкин, и\x7fт.\u00a0д.</p>");
+    EXPECT_EQ(English("He said:\x7f\"No\"\x7fonce"), "<p>He said:\x7f“No”\x7fonce</p>");
+}
+
 TEST_F(SampleTables, EnglishTextGetsItsTypography)
 {
     EXPECT_EQ(English("\"Don't\", he said--\"never\" ..."), "<p>“Don’t”, he said—“never”…</p>");

@@ -213,6 +213,17 @@ TEST_F(FragmentEditing, LinesThatAreNoLongerSelectedAreNotRemoved)
         EXPECT_TRUE(page::innerText(display).contains(line)) << line.toStdString();
 }
 
+TEST_F(FragmentEditing, UndoInTheEditorGoesBackToTheSourceAndNotToABlankPage)
+{
+    Fragment fragment = Take({1, 0}, {2, 4}, true);
+    const QString source = FragmentText(editor);
+    Edit(u"three"_s, u"3"_s);
+    while (editor.undo()) { }
+    EXPECT_EQ(FragmentText(editor), source);
+    Apply(fragment);
+    EXPECT_EQ(LinesOf(display), Before);
+}
+
 // ---------------------------------------------------------------- the marker
 
 TEST_F(FragmentEditing, AMarkerOfAJoinedLineIsNotBookText)

@@ -200,6 +200,9 @@ public:
     [[nodiscard]] bool canRedo() const { return history.canRedo(); }
     /// The number of steps that can be undone.
     [[nodiscard]] std::size_t undoSteps() const { return history.undoSteps(); }
+    /// Makes the present text the one that no undo goes back before. Must not be called within an
+    /// `EditGroup`.
+    void forgetUndo() { history.clear(); }
 
     // ---- the one mutation
 

@@ -61,6 +61,9 @@ EditHtmlWbF::EditHtmlWbF()
     all->addLayout(buttons);
     setMinimumHeight(LeastHeight);
     resize(FormSize);
+    // These buttons have no action, by design.
+    FindB->setEnabled(false);
+    HelpB->setEnabled(false);
 
     connect(ApplyB, &QPushButton::clicked, this, &EditHtmlWbF::ApplyFragment);
     connect(RefreshB, &QPushButton::clicked, this, &EditHtmlWbF::Refresh);

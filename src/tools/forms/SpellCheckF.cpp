@@ -165,6 +165,8 @@ void SpellCheckF::makeControls()
     Edit = makeButton("Edit", "edit", "Alt+E");
     Cancel = makeButton("Cancel", "cancel", "Alt+C");
     Help = makeButton("Help", "help");
+    // The button has no action, by design.
+    Help->setEnabled(false);
     remove = makeButton("remove", "remove");
     ClearAll = makeButton("ClearAll", "clear all");
     Done = makeButton("Done", "done");
