@@ -89,7 +89,9 @@ void SetTemporalBookmark()
 
 void RestoreTemporalBookmark()
 {
-    GoToAnchor(QString(), QLatin1StringView(TemporalMarker), -1);
+    // The marker is only where it was set: nothing of a page is loaded for it.
+    if (!page::getLoadedElementsByName(FileDoc(), QLatin1StringView(TemporalMarker)).empty())
+        GoToAnchor(QString(), QLatin1StringView(TemporalMarker), -1);
     MainDisplay().focus();
     DeleteTemporalBookmarks();
 }
@@ -98,8 +100,8 @@ void DeleteTemporalBookmarks()
 {
     const QString name = QLatin1StringView(TemporalMarker);
     // Looked up again each time: removing one invalidates the positions of the others.
-    for (size_t left = page::getElementsByName(FileDoc(), name).size(); left > 0; --left)
-        page::getElementsByName(FileDoc(), name).front().setOuterHTML(QString());
+    for (size_t left = page::getLoadedElementsByName(FileDoc(), name).size(); left > 0; --left)
+        page::getLoadedElementsByName(FileDoc(), name).front().setOuterHTML(QString());
 }
 
 void GoToAnchor(const QString& id1, const QString& id2, int fallbackTop)
@@ -107,7 +109,9 @@ void GoToAnchor(const QString& id1, const QString& id2, int fallbackTop)
     for (const QString& id : {id1, id2}) {
         if (id.isEmpty())
             continue;
-        const std::vector<DisplayElement> found = page::getElementsByName(FileDoc(), id);
+        std::vector<DisplayElement> found = page::getLoadedElementsByName(FileDoc(), id);
+        if (found.empty() && !FileDoc().isComplete())
+            found = page::getElementsByName(FileDoc(), id);
         if (!found.empty() && found.front().sourceIndex() >= 1) {
             found.front().scrollIntoView();
             return;

@@ -7,6 +7,7 @@
 #include "FilePaths.h"
 #include "MainWindowSeams.h"
 #include "SaveBook.h"
+#include "ScrollPositions.h"
 
 #include <QDir>
 
@@ -123,6 +124,20 @@ TEST_F(LoadingWindow, CommandsSeeTheWholeBook)
     ValidateDisplay();
     EXPECT_TRUE(Message().startsWith(u"Error against"_s) || Message().startsWith(u"No errors"_s));
     EXPECT_TRUE(Document().isComplete());
+}
+
+TEST_F(LoadingWindow, TheMarkerOfAResizeLoadsNothing)
+{
+    Open();
+    loadFirstLines(MakeBook(LargeBook("word")));
+    View().scroll(0, 500);
+    for (int i = 0; i < 2; ++i) {
+        SetTemporalBookmark();
+        RestoreTemporalBookmark();
+    }
+    EXPECT_FALSE(Document().isComplete());
+    EXPECT_TRUE(Document().canUndo());
+    EXPECT_TRUE(page::getElementsByName(Document(), u"()*^^^%^*"_s).empty());
 }
 
 TEST_F(LoadingWindow, TheWindowClosesWhileABookIsBeingLoaded)

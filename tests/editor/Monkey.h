@@ -43,18 +43,7 @@ protected:
     /// Runs a random action and returns the expected result.
     using Action = std::function<Outcome(const test::Place&)>;
 
-    void SetUp() override
-    {
-        OpenBook(Book());
-        // With another book, too, the file is exactly the text of the page.
-        BinaryPart.clear();
-        OutputEncoding = QStringLiteral("utf-8");
-        NoteBook();
-        AddTyping();
-        AddMoves();
-        AddPastes();
-        AddCommands();
-    }
+    void SetUp() override;
 
     static std::string Book();
 
@@ -72,18 +61,30 @@ protected:
     /// Drags, and commands that save and load the book.
     void AddFiles();
 
+    /// Opens a book and adds the actions of all windows, for long runs.
+    void SetUpAllWindows(std::string openedBook);
+
     /// Runs and checks one action.
     void Step();
     void CheckPage();
     void CheckFile();
-    void CheckReload(std::string book);
+    void CheckReload(std::string savedBook);
+    /// What a save adds to the text, and how it does.
+    struct BookState
+    {
+        QString pictures;
+        bool keepsText = false;
+    };
+    static BookState StateOfBook();
+    /// The file contains the text of a page as a save writes it.
+    void CheckText(const QString& path, QString text, const BookState& state);
     /// The journal of the session recovers the page.
     void CheckJournal();
     void Undo();
     /// Undoes everything to the page that was loaded, and redoes it.
     void CheckUndoOfAll();
     /// Notes the page of a book that was loaded.
-    void NoteBook();
+    virtual void NoteBook();
     /// Keeps the page small, but not empty.
     void KeepSize();
 
@@ -138,16 +139,16 @@ protected:
     {
         return *std::next(std::begin(list), Below(qsizetype(std::size(list))));
     }
-    Position AnyPlace()
+    virtual Position AnyPlace()
     {
-        const int line = Below(Document().lineCount());
+        const int line = Below(Document().loadedLineCount());
         return {line, Below(LineText(line).size() + 1)};
     }
     /// A caret, part of a line, a few complete lines, or a random range.
     void SelectAnything()
     {
         const Position from = AnyPlace();
-        const int last = std::min(from.line + Below(4), Document().lineCount() - 1);
+        const int last = std::min(from.line + Below(4), Document().loadedLineCount() - 1);
         const Position inLine{from.line, Below(LineText(from.line).size() + 1)};
         const Position lineEnd{last, int(LineText(last).size())};
         const std::array<Selection, 6> choices{
@@ -160,13 +161,16 @@ protected:
     }
     QPoint AnyPoint() { return {Below(View().clientWidth()), Below(View().clientHeight())}; }
     bool IsBare() { return Document().line(0).block == NoTag; }
-    QString AllText() { return test::TextLines(Document()).join(test::LineBreak); }
+    /// The whole text of the page, also if only a part of the page is loaded.
+    virtual QString AllText() { return test::TextLines(Document()).join(test::LineBreak); }
+    virtual test::Place CurrentPlace() { return test::PlaceOf(Document()); }
     void NoteText() { NoteText(AllText()); }
     void NoteText(const QString& text)
     {
         if (knowsUndoTexts)
             seen.insert(qHash(text));
     }
+    /// The lines that are loaded.
     std::vector<LinePtr> AllLines();
     /// Part of a word of the book; empty if the drawn line has none.
     QString AnyLetters(int length, bool onlyOwn);
@@ -195,6 +199,7 @@ protected:
     /// One of so many selections may be a large one.
     int largeEvery = 1;
     std::vector<int> runs; ///< of each action
+    std::string book; ///< of `SetUpAllWindows`
 };
 
 } // namespace vmk

@@ -209,7 +209,7 @@ void Monkey::AddCommands()
         static constexpr std::array Fields{Command::InsertTextField, Command::InsertTagField,
                                            Command::InsertTagAttributeValueField};
         // The layout decides whether a selection of line breaks is visible.
-        if (!test::PlaceOf(Document()).lineBreaksOnly())
+        if (!CurrentPlace().lineBreaksOnly())
             RunInTwoSteps([this] { form->RunCommand(OneOf(Fields)); });
     });
     AddQuiet("position", 2,

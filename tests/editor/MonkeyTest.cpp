@@ -56,25 +56,7 @@ protected:
     void SetUp() override
     {
         dictionaries.makeUsual();
-        book = Book();
-        const bool hasPicture = book.find("<binary") != std::string::npos;
-        if (const size_t end = book.rfind("</FictionBook>"); end != std::string::npos && !hasPicture)
-            book.insert(end, Binary("a.png", SmallPng()));
-        boxAnswer = true;
-        workplace.Make(u"picture.png"_s, SmallPng());
-        picture = workplace.Path(u"picture.png"_s);
-        pageEvery = 100;
-        largeEvery = 10;
-        knowsUndoTexts = false;
-        mayBreakStart = true;
-        OpenBook(book);
-        OutputEncoding = u"utf-8"_s;
-        NoteBook();
-        AddTyping();
-        AddMoves();
-        AddPastes();
-        AddCommands();
-        AddTools();
+        SetUpAllWindows(Book());
         if (const QByteArray only = qgetenv("VMK_DAY_ONLY"); !only.isEmpty()) {
             for (size_t i = 0; i < names.size(); ++i)
                 weights[i] = only == names[i] ? 1 : 0;
@@ -97,7 +79,6 @@ protected:
     }
 
     const SmallDictionaries dictionaries;
-    std::string book;
 };
 
 TEST_F(MonkeyDay, WorkWithAllToolsKeepsTheDocument)

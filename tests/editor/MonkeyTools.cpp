@@ -108,7 +108,7 @@ void Monkey::AddFinding()
         Press(window.FindB);
         QString expected = test::Unchanged(place);
         if (window.ReplaceB->isEnabled()) {
-            expected = With(test::PlaceOf(Document()), u"Qq"_s);
+            expected = With(CurrentPlace(), u"Qq"_s);
             Press(window.ReplaceB);
         }
         Close(&window);
@@ -227,7 +227,7 @@ void Monkey::AddSpelling()
         QString expected = test::Unchanged(place);
         Press(window->StartB);
         for (int i = Below(4); i > 0 && SpellCheckF::Instance(); --i) {
-            const Place hit = test::PlaceOf(Document());
+            const Place hit = CurrentPlace();
             const QString word = window->txtWord->text();
             if (word.isEmpty())
                 break;

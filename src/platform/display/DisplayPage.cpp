@@ -43,6 +43,12 @@ DisplayElement item(DisplayDocument& document, int index)
 
 std::vector<DisplayElement> getElementsByName(DisplayDocument& document, const QString& name)
 {
+    static_cast<void>(document.lineCount()); // loads all lines
+    return getLoadedElementsByName(document, name);
+}
+
+std::vector<DisplayElement> getLoadedElementsByName(DisplayDocument& document, const QString& name)
+{
     std::vector<DisplayElement> found;
     if (name.isEmpty())
         return found;
@@ -53,7 +59,7 @@ std::vector<DisplayElement> getElementsByName(DisplayDocument& document, const Q
         isNamed[tag] = tags[tag].id == name || tags[tag].value(u"name") == name;
         any = any || isNamed[tag];
     }
-    for (int i = 0; any && i < document.lineCount(); ++i) {
+    for (int i = 0; any && i < document.loadedLineCount(); ++i) {
         const Line& line = document.line(i);
         if (isNamed[line.block])
             found.emplace_back(document, i);

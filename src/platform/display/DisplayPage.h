@@ -37,6 +37,9 @@ void empty(DisplayDocument& document);
 /// Returns all elements, lines and in-line elements, whose `id` or `name` is `name` (case-sensitive), in
 /// order.
 [[nodiscard]] std::vector<DisplayElement> getElementsByName(DisplayDocument& document, const QString& name);
+/// The same among the lines that are loaded, such as elements that were added since: loads nothing.
+[[nodiscard]] std::vector<DisplayElement> getLoadedElementsByName(DisplayDocument& document,
+                                                                  const QString& name);
 /// Returns the element at a client point: a line, or a non-existing element outside all lines. Requires a
 /// view.
 [[nodiscard]] DisplayElement elementFromPoint(DisplayDocument& document, int x, int y);

@@ -12,16 +12,27 @@ QStringList TextLines(const DisplayDocument& document)
     return lines;
 }
 
-Place PlaceOf(const DisplayDocument& document)
+Place PlaceIn(const QStringList& lines, const Selection& selection)
 {
-    Place place{TextLines(document), document.selection(), {}, {}, {}};
+    Place place{lines, selection, {}, {}, {}};
     const QString all = place.lines.join(LineBreak);
-    const auto from = qsizetype(document.characterIndex(place.start()));
-    const auto to = qsizetype(document.characterIndex(place.end()));
+    const auto index = [&lines](Position position) {
+        qsizetype before = position.offset;
+        for (int i = 0; i < position.line; ++i)
+            before += lines[i].size() + 1;
+        return before;
+    };
+    const qsizetype from = index(place.start());
+    const qsizetype to = index(place.end());
     place.left = all.left(from);
     place.selected = all.mid(from, to - from);
     place.right = all.mid(to);
     return place;
+}
+
+Place PlaceOf(const DisplayDocument& document)
+{
+    return PlaceIn(TextLines(document), document.selection());
 }
 
 QString Unchanged(const Place& place)

@@ -36,6 +36,7 @@ struct Place
 };
 
 [[nodiscard]] QStringList TextLines(const DisplayDocument& document);
+[[nodiscard]] Place PlaceIn(const QStringList& lines, const Selection& selection);
 [[nodiscard]] Place PlaceOf(const DisplayDocument& document);
 
 [[nodiscard]] QString Unchanged(const Place& place);
