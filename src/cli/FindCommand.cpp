@@ -88,7 +88,8 @@ bool ReadInto(DisplayDocument& document, const BookItem& book, bool json)
         PrintFailure(book.name, ReadFailureText(content), json);
         return false;
     }
-    std::optional<std::string> page = PageOfBook(book.name, std::move(content.bytes), BookReading::Kept);
+    std::optional<std::string> page
+        = PageOfBook(book.name, std::move(content.bytes), BookReading::KeptSilently);
     if (!page)
         return false;
     // Guards have no meaning for a book that is not saved, and would be between the characters to find.

@@ -34,13 +34,13 @@ bool WithRemarks(const QString& book, BookReading reading, Conversion convert)
 {
     const QString start = u"vmk: "_s + ShownName(book) + u": "_s;
     const SeamGuard losses(LossSeam(), [&start, reading](const BookLosses& found) {
-        const bool keep = reading == BookReading::Kept;
-        for (const QString& line : keep ? found.descriptionLines() : QStringList())
+        const bool report = reading == BookReading::Kept;
+        for (const QString& line : report ? found.descriptionLines() : QStringList())
             PrintErrorLine(start + u"kept: "_s + line);
         if (found.replacedBytes > 0)
             PrintErrorLine(start + u"lost: bytes that are no characters: "_s
                            + QString::number(found.replacedBytes));
-        return keep;
+        return reading != BookReading::AsEditor;
     });
     const SeamGuard box(BoxSeam(), [&start](BoxKind, const QString& text, const QString&) {
         PrintErrorLine(start + text);
@@ -53,7 +53,7 @@ bool WithRemarks(const QString& book, BookReading reading, Conversion convert)
 MissingAnswer ReportMissingCharacters(const QString& book, BookReading reading,
                                       const MissingCharacters& missing, const QString& encoding)
 {
-    const bool keep = reading == BookReading::Kept;
+    const bool keep = reading != BookReading::AsEditor;
     PrintErrorLine(u"vmk: "_s + ShownName(book) + (keep ? u": kept"_s : u": lost"_s) + u": characters that "_s
                    + encoding + u" lacks: "_s + QString::number(missing.count) + u" ("_s + missing.examples
                    + (keep ? u"); saved in utf-8"_s : u")"_s));

@@ -20,6 +20,7 @@ class DisplayDocument;
 enum class BookReading
 {
     Kept, ///< without losses; each avoided one is reported on standard error
+    KeptSilently, ///< the same without the report, for a command that writes no book
     AsEditor ///< the editor's own rules
 };
 

@@ -49,6 +49,16 @@ TEST_F(Find, EachMatchIsALineWithItsPlace)
     EXPECT_EQ(run.errors, "");
 }
 
+TEST_F(Find, SaysNothingOfLossesBecauseItWritesNoBook)
+{
+    // Saving by the editor's own rules would make a blank of the reference.
+    const std::string path = write("a.fb2", book("utf-8", "<p>one&#160;two</p>"));
+    const ProgramRun run = find({"\u00a0", path});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.output, path + ":5:7: <p>one\u00a0two</p>\n");
+    EXPECT_EQ(run.errors, "");
+}
+
 TEST_F(Find, TagsAreTextAsInTheEditor)
 {
     const std::string path = write("a.fb2", book("utf-8", "<p>x</p>"));
