@@ -526,8 +526,11 @@ void CleanUpF::CleanUpBookFragment()
     const HourglassScope hourglass;
     DisplayView& display = *context.display;
     const int top = display.scrollTop();
-    const CleanUpRun run = vmk::CleanUpBookFragment(display.document(), tableOnScreen(),
-                                                    TagPaint::Of(DisplayValuesOfSettings()), ShowStatus);
+    CleanUpRun run;
+    // The pages of the program cannot be changed.
+    if (display.designMode() == "On"_L1)
+        run = vmk::CleanUpBookFragment(display.document(), tableOnScreen(),
+                                       TagPaint::Of(DisplayValuesOfSettings()), ShowStatus);
     if (run.found) {
         display.scroll(0, top);
         model->ShowRun(run);

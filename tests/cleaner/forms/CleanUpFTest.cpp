@@ -187,6 +187,21 @@ TEST_F(BookCleaner, APageWithoutLinesIsReportedAsFailedAndAsDone)
     EXPECT_EQ(soundNames, QStringList({u"ParseError.wav"_s, u"NoParseError.wav"_s}));
 }
 
+TEST_F(BookCleaner, APageOfTheProgramIsReportedAsFailedAndKeepsItsText)
+{
+    OpenBook();
+    View().setDesignMode(u"Off"_s);
+    const QByteArray before = Document().savePage();
+    OpenCleaner();
+    AddRow(u"line"_s, u"x"_s);
+    soundNames.clear();
+    BookUnchanged = true;
+    QTest::mouseClick(CleanUpF::Instance()->ApplyB, Qt::LeftButton);
+    EXPECT_EQ(Document().savePage(), before);
+    EXPECT_TRUE(BookUnchanged);
+    EXPECT_EQ(soundNames, QStringList({u"ParseError.wav"_s, u"NoParseError.wav"_s}));
+}
+
 TEST_F(BookCleaner, OneClickOrTheSpaceBarTogglesACheckBox)
 {
     OpenBook();
