@@ -178,8 +178,8 @@ TEST_F(SpellCheckFTest, ATooSlowSearchForSuggestionsDoesNotDelayTheReplacement)
     spell->SuggestionWait = 0s;
     PutCaret(PlaceOf(u"one"_s));
     start();
-    const QString typed = u"mine"_s;
-    spell->txtReplaceWith->setText(typed);
+    spell->txtReplaceWith->selectAll();
+    QTest::keyClicks(spell->txtReplaceWith, u"mine"_s);
     press(spell->ReplaceB);
     EXPECT_GE(FindLine(u"one mine titlle"_s), 0);
     EXPECT_EQ(spell->txtWord->text(), u"titlle"_s);
