@@ -275,6 +275,16 @@ TEST_F(Images, AMissingIdIsReported)
     EXPECT_FALSE(Viewer().isVisible());
 }
 
+TEST_F(Images, ATagWithoutATargetRemovesNoPicture)
+{
+    OpenBook(BookWith("<image id=\"i1\" l:href=\"#\"/>", Binary("a.png", SmallPng())));
+    const std::string before = BinaryPart;
+    RightClick(u"i1"_s);
+    Trigger("Ed_RemoveImageResource");
+    EXPECT_EQ(BinaryPart, before);
+    EXPECT_EQ(boxTexts, QStringList(u"cannot find image resource"_s));
+}
+
 TEST_F(Images, ACyrillicIdOfAnAnsiBookIsFound)
 {
     std::string book = BookWith(ImageTag("обложка.png"), Binary("обложка.png", MakePng({9, 8})));

@@ -197,7 +197,9 @@ void AddImageResource()
 
 void RemoveImageResource()
 {
-    if (RemoveBinaryElement(BinaryPart, IdOfTag()))
+    // Without a target every id would match, and the first picture of the book would be removed.
+    const std::string id = IdOfTag();
+    if (!id.empty() && RemoveBinaryElement(BinaryPart, id))
         NoteBinaryPartChange();
     else
         StopBox(NotFound);
