@@ -6,6 +6,7 @@
 #include "CommLineInfoF.h"
 #include "Desktop.h"
 #include "DisplayView.h"
+#include "EditHtmlWbF.h"
 #include "EditorState.h"
 #include "FbFunctions.h"
 #include "FileOperations.h"
@@ -346,6 +347,8 @@ void Form1::HTMLread_DocumentComplete(const QString&)
         search->PageReplaced();
     if (SpellCheckF* spellCheck = SpellCheckF::Instance())
         spellCheck->PageReplaced();
+    if (EditHtmlWbF* fragmentEditor = ExistingForm<EditHtmlWbF>())
+        fragmentEditor->PageReplaced();
     // The design mode must not be set inside the display's own event.
     if (FileExists(DisplayFile))
         TimerDesignMode->start();

@@ -398,6 +398,21 @@ TEST_F(ToolWindows, AReturnFromADialogOrAnotherProgramKeepsTheText)
     EXPECT_EQ(FragmentText(tool.HtmlEditor->document()), u"words"_s);
 }
 
+TEST_F(ToolWindows, AFragmentOfAnotherBookIsNotWrittenToTheOneThatIsLoaded)
+{
+    OpenBook();
+    SelectText(u"words"_s);
+    auto& tool = OpenBy<EditHtmlWbF>("uHtmlFragmentEditor");
+    ASSERT_EQ(FragmentText(tool.HtmlEditor->document()), u"words"_s);
+    // A book that is dropped on the main window does not activate it.
+    OpenBook();
+    const QByteArray before = Document().savePage();
+    EXPECT_EQ(FragmentText(tool.HtmlEditor->document()), QString());
+    Click(tool.ApplyB);
+    EXPECT_EQ(Document().savePage(), before);
+    EXPECT_TRUE(BookUnchanged);
+}
+
 TEST_F(ToolWindows, AnEditedLineIsWrittenBackToTheBook)
 {
     OpenBook();

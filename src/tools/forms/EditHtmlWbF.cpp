@@ -179,6 +179,12 @@ void EditHtmlWbF::Refresh()
         ShowFragment(HtmlEditor->document(), fragment.source);
 }
 
+void EditHtmlWbF::PageReplaced()
+{
+    if (isVisible())
+        Refresh();
+}
+
 void EditHtmlWbF::ApplyFragment()
 {
     if (Display().designMode() == "On"_L1)

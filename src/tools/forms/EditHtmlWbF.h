@@ -27,6 +27,9 @@ public:
 
     /// Replaces the content of the editor by the display's selection.
     void Refresh();
+    /// Must be called when the display shows another page: a fragment of the previous one does not belong
+    /// there.
+    void PageReplaced();
     /// Writes the editor's text back into the book.
     void ApplyFragment();
     /// Colours the source.
