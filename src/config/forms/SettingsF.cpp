@@ -17,6 +17,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFrame>
+#include <QIconEngine>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -53,15 +54,39 @@ QColor ColorOf(const QString& text)
     return ParseColor(text).value_or(QColor());
 }
 
-QIcon Swatch(const QColor& color, const QSize& size, const QColor& border)
+/// A rectangle of a colour with a border, sharp at any scale. It is painted each time: the toolkit would keep
+/// a pixmap of every icon that a settings window has had.
+class Swatch final : public QIconEngine
 {
-    QPixmap pixmap(size);
-    pixmap.fill(color.isValid() ? color : Qt::transparent);
-    QPainter painter(&pixmap);
-    painter.setPen(border);
-    painter.drawRect(QRect(QPoint(), size).adjusted(0, 0, -1, -1));
-    return {pixmap};
-}
+public:
+    Swatch(const QColor& swatchColor, const QColor& borderColor)
+        : color(swatchColor)
+        , border(borderColor)
+    {
+    }
+
+    void paint(QPainter* painter, const QRect& area, QIcon::Mode mode, QIcon::State) override
+    {
+        if (mode == QIcon::Disabled)
+            painter->setOpacity(0.5);
+        painter->fillRect(area, color.isValid() ? color : Qt::transparent);
+        painter->setPen(border);
+        painter->drawRect(area.adjusted(0, 0, -1, -1));
+    }
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override
+    {
+        QPixmap picture(size);
+        picture.fill(Qt::transparent);
+        QPainter painter(&picture);
+        paint(&painter, picture.rect(), mode, state);
+        return picture;
+    }
+    [[nodiscard]] QIconEngine* clone() const override { return new Swatch(color, border); }
+
+private:
+    QColor color;
+    QColor border;
+};
 
 } // namespace
 
@@ -298,7 +323,7 @@ void SettingsF::showSwatches()
     const QColor border = palette().color(QPalette::WindowText);
     for (const ColorField& field : colorFields) {
         const QColor color = ColorOf(field.text->text());
-        field.button->setIcon(Swatch(color, field.button->iconSize(), border));
+        field.button->setIcon(QIcon(new Swatch(color, border)));
         QPalette panel = palette();
         panel.setColor(QPalette::Window, color.isValid() ? color : palette().color(QPalette::Window));
         field.panel->setPalette(panel);
