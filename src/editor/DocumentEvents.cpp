@@ -1,3 +1,4 @@
+#include "BinaryListF.h"
 #include "BookFileCheck.h"
 #include "BookSafety.h"
 #include "BookVariables.h"
@@ -349,6 +350,8 @@ void Form1::HTMLread_DocumentComplete(const QString&)
         spellCheck->PageReplaced();
     if (EditHtmlWbF* fragmentEditor = ExistingForm<EditHtmlWbF>())
         fragmentEditor->PageReplaced();
+    if (BinaryListF* binaryList = ExistingForm<BinaryListF>())
+        binaryList->PageReplaced();
     // The design mode must not be set inside the display's own event.
     if (FileExists(DisplayFile))
         TimerDesignMode->start();

@@ -300,6 +300,22 @@ TEST_F(Images, ACyrillicIdOfAnAnsiBookIsFound)
 
 // ---------------------------------------------------------------- the list
 
+TEST_F(Images, TheOpenBinaryListFollowsTheBookThatIsLoaded)
+{
+    OpenBook(BookWith("", Binary("a.png", SmallPng()) + Binary("b.jpg", SmallJpeg())));
+    OpenTools();
+    Trigger("uShowBinaryList");
+    ASSERT_EQ(List().TagListF->count(), 2);
+    OpenBook(BookWith("", Binary("c.png", MakePng({7, 8}))));
+    EXPECT_TRUE(Message().startsWith(u"document complete"_s)) << Message().toStdString();
+    ASSERT_EQ(List().TagListF->count(), 1);
+    ClickRow(0);
+    EXPECT_EQ(ViewerSize(), u"7x8"_s);
+    OpenBook();
+    EXPECT_EQ(List().TagListF->count(), 0);
+    EXPECT_TRUE(List().isVisible());
+}
+
 TEST_F(Images, TheBinaryListShowsPicturesOnAClickOrEnter)
 {
     OpenBook(BookWith("",

@@ -36,7 +36,7 @@ BinaryListF::BinaryListF()
     connect(TagListF, &QListWidget::itemClicked, this, &BinaryListF::TagListF_Click);
 }
 
-void BinaryListF::GetBinaryTags()
+void BinaryListF::fillList(const std::function<void(qsizetype)>& progress)
 {
     TagListF->clear();
     tags.clear();
@@ -44,8 +44,7 @@ void BinaryListF::GetBinaryTags()
     QStringList lines;
     size_t position = 0;
     for (int round = 0; round < MostBinaryElements && !BinaryPart.empty(); ++round) {
-        // The text is that of the extraction, by design.
-        ShowStatus(u"...extracting images..."_s + QString::number(lines.size() + 1));
+        progress(lines.size() + 1);
         const std::optional<BinaryTag> tag = NextBinaryTag(BinaryPart, position);
         if (!tag)
             break;
@@ -53,11 +52,23 @@ void BinaryListF::GetBinaryTags()
         lines += DecodeBytes(tag->tag, codePage);
         position = tag->end;
     }
-    if (lines.isEmpty())
-        return;
     TagListF->addItems(lines);
+}
+
+void BinaryListF::GetBinaryTags()
+{
+    // The text is that of the extraction, by design.
+    fillList([](qsizetype number) { ShowStatus(u"...extracting images..."_s + QString::number(number)); });
+    if (tags.empty())
+        return;
     ShowForm();
     TagListF->setFocus();
+}
+
+void BinaryListF::PageReplaced()
+{
+    if (isVisible())
+        fillList([](qsizetype) {});
 }
 
 void BinaryListF::TagListF_Click()

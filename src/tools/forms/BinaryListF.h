@@ -2,6 +2,7 @@
 
 #include "ToolForm.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,8 @@ public:
 
     /// Fills the list from `BinaryPart` and shows the form. Does nothing if the book has no element.
     void GetBinaryTags();
+    /// Must be called when the display shows another page: an open list shows the elements of the new book.
+    void PageReplaced();
     /// Shows the picture whose id begins with `id`; ignores other content.
     /// \param id  in the encoding of `BinaryPart`
     void ExtractAndShowImage(const std::string& id);
@@ -32,6 +35,10 @@ protected:
 
 private:
     void TagListF_Click();
+    /// Fills the list from `BinaryPart`.
+    /// \param progress  receives the number of each element before it is read, and the number after the last
+    /// one
+    void fillList(const std::function<void(qsizetype)>& progress);
 
     /// The bytes of the tags in `BinaryPart`, one for each line of the list.
     std::vector<std::string> tags;
