@@ -143,6 +143,7 @@ void JournalThread::setLines(std::vector<LinePtr> lines)
 {
     if (!thread.joinable()) {
         tasks.clear();
+        waitingBatches = 0;
         isDropping = false;
     }
     put(AllLines{std::move(lines)}, false);
@@ -184,6 +185,10 @@ bool JournalThread::start()
 void JournalThread::add(JournalBatch batch)
 {
     put(std::move(batch), false);
+    // The changes of a page whose text remains the same would take more and more memory.
+    constexpr int MostWaiting = 256;
+    if (!thread.joinable() && ++waitingBatches > MostWaiting)
+        static_cast<void>(start());
 }
 
 void JournalThread::end(End end)

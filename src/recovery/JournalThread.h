@@ -93,7 +93,8 @@ private:
     bool stopping = false;
     bool busy = false;
     std::atomic<bool> behind = false;
-    std::thread thread; ///< started with the first journal; until then, the tasks wait
+    std::thread thread; ///< started with the first journal, or after many edits; until then, the tasks wait
+    int waitingBatches = 0;
     bool isDropping = false; ///< no thread could be started: the tasks of this page are not kept
 };
 

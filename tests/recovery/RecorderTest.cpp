@@ -269,5 +269,35 @@ TEST_F(Recorder, AJournalOfUnknownLinesIsReportedAndNotWritten)
     EXPECT_EQ(QDir(place.Path(u"Recovery"_s)).entryList({u"*.journal"_s}, QDir::Files).size(), 1);
 }
 
+/// Changes of the marks alone do not begin a journal, however many they are.
+TEST_F(Recorder, ManyEditsBeforeAJournalBeginsDoNotKeepTheirLines)
+{
+    const Workplace place;
+    JournalThread journal(place.Path(u"Recovery"_s), {});
+    const QString early = u"early"_s.repeated(2); // shared with its line as long as that exists
+    journal.setLines({MakeLine({NoTag, early, {}})});
+    ASSERT_FALSE(early.isDetached());
+    for (int i = 0; i < 1000; ++i) {
+        JournalBatch batch;
+        batch.splices.push_back({0, 1, {MakeLine({NoTag, QString::number(i), {}})}});
+        journal.add(std::move(batch));
+    }
+    journal.waitUntilWritten();
+    EXPECT_TRUE(early.isDetached());
+
+    JournalBase base;
+    base.binary = std::make_shared<const std::string>();
+    base.facts.pageFront = "<HTML><BODY>";
+    journal.begin(base);
+    journal.waitUntilWritten();
+    const QDir folder(place.Path(u"Recovery"_s));
+    const QStringList files = folder.entryList({u"*.journal"_s}, QDir::Files);
+    ASSERT_EQ(files.size(), 1);
+    const auto session = ReadJournal(ReadContent(folder.filePath(files[0])).bytes);
+    ASSERT_TRUE(session);
+    EXPECT_EQ(session->state.lines.front()->text, u"999"_s);
+    journal.end(JournalThread::End::Remove);
+}
+
 } // namespace
 } // namespace vmk
