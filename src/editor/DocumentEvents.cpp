@@ -351,7 +351,7 @@ void Form1::HTMLread_DocumentComplete(const QString&)
     if (EditHtmlWbF* fragmentEditor = ExistingForm<EditHtmlWbF>())
         fragmentEditor->PageReplaced();
     if (BinaryListF* binaryList = ExistingForm<BinaryListF>())
-        binaryList->PageReplaced();
+        binaryList->BinaryPartChanged();
     // The design mode must not be set inside the display's own event.
     if (FileExists(DisplayFile))
         TimerDesignMode->start();

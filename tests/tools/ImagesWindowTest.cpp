@@ -316,6 +316,19 @@ TEST_F(Images, TheOpenBinaryListFollowsTheBookThatIsLoaded)
     EXPECT_TRUE(List().isVisible());
 }
 
+TEST_F(Images, TheOpenBinaryListFollowsTheRemovalOfAPicture)
+{
+    OpenBook(BookWith(ImageTag("a.png"), Binary("a.png", SmallPng()) + Binary("b.png", MakePng({7, 8}))));
+    OpenTools();
+    Trigger("uShowBinaryList");
+    ASSERT_EQ(List().TagListF->count(), 2);
+    RightClick(u"a.png"_s);
+    Trigger("Ed_RemoveImageResource");
+    ASSERT_EQ(List().TagListF->count(), 1);
+    ClickRow(0);
+    EXPECT_EQ(ViewerSize(), u"7x8"_s);
+}
+
 TEST_F(Images, TheBinaryListShowsPicturesOnAClickOrEnter)
 {
     OpenBook(BookWith("",

@@ -65,7 +65,7 @@ void BinaryListF::GetBinaryTags()
     TagListF->setFocus();
 }
 
-void BinaryListF::PageReplaced()
+void BinaryListF::BinaryPartChanged()
 {
     if (isVisible())
         fillList([](qsizetype) {});

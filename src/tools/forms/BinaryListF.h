@@ -21,8 +21,8 @@ public:
 
     /// Fills the list from `BinaryPart` and shows the form. Does nothing if the book has no element.
     void GetBinaryTags();
-    /// Must be called when the display shows another page: an open list shows the elements of the new book.
-    void PageReplaced();
+    /// Must be called when `BinaryPart` has changed: an open list shows its elements.
+    void BinaryPartChanged();
     /// Shows the picture whose id begins with `id`; ignores other content.
     /// \param id  in the encoding of `BinaryPart`
     void ExtractAndShowImage(const std::string& id);

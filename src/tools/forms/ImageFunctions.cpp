@@ -1,6 +1,7 @@
 #include "ImageFunctions.h"
 
 #include "BinaryElements.h"
+#include "BinaryListF.h"
 #include "BookVariables.h"
 #include "Boxes.h"
 #include "CodePages.h"
@@ -70,6 +71,13 @@ QString Refusal(const QString& extension, const QString& href)
     return {};
 }
 
+void ReportBinaryPartChange()
+{
+    NoteBinaryPartChange();
+    if (BinaryListF* list = ExistingForm<BinaryListF>())
+        list->BinaryPartChanged();
+}
+
 void AppendResource(const QString& file, const QString& extension)
 {
     const FileContent content = ReadContent(file);
@@ -78,7 +86,7 @@ void AppendResource(const QString& file, const QString& extension)
         return;
     }
     BinaryPart += CrLf + MakeBinaryElement(extension, IdOfTag(), content.bytes);
-    NoteBinaryPartChange();
+    ReportBinaryPartChange();
     if (!Decodes(content.bytes, extension))
         ShowStatus(u"image resource added, but the file is not a valid "_s
                    + FormatName(FormatOfType(extension)) + u" picture: "_s + FileOperation(NameMode, file));
@@ -200,7 +208,7 @@ void RemoveImageResource()
     // Without a target every id would match, and the first picture of the book would be removed.
     const std::string id = IdOfTag();
     if (!id.empty() && RemoveBinaryElement(BinaryPart, id))
-        NoteBinaryPartChange();
+        ReportBinaryPartChange();
     else
         StopBox(NotFound);
 }
