@@ -171,6 +171,27 @@ TEST_F(SpellCheckFTest, AWordWithoutSuggestionsSaysSo)
     EXPECT_TRUE(spell->txtReplaceWith->text().isEmpty());
 }
 
+TEST_F(SpellCheckFTest, ReplaceDoesNotDeleteAWordWhoseSuggestionsAreLate)
+{
+    openBook("one boook titlle");
+    openForm();
+    spell->SuggestionWait = 0s;
+    PutCaret(PlaceOf(u"one"_s));
+    start();
+    press(spell->ReplaceB);
+    EXPECT_GE(FindLine(u"one book titlle"_s), 0);
+    EXPECT_EQ(spell->txtWord->text(), u"titlle"_s);
+}
+
+TEST_F(SpellCheckFTest, ReplaceDeletesAWordWithoutSuggestions)
+{
+    startIn("one qqxxzz two");
+    ASSERT_TRUE(waitForSuggestions());
+    press(spell->ReplaceB);
+    EXPECT_EQ(FindLine(u"qqxxzz"_s), -1);
+    EXPECT_EQ(spell->Check().WordsReplaced, 1);
+}
+
 TEST_F(SpellCheckFTest, ATooSlowSearchForSuggestionsDoesNotDelayTheReplacement)
 {
     openBook("one boook titlle");

@@ -1,5 +1,6 @@
 #include "SpellCheckF.h"
 
+#include "Desktop.h"
 #include "DisplayPage.h"
 #include "DisplayView.h"
 #include "Form1.h"
@@ -373,6 +374,20 @@ void SpellCheckF::waitForSuggestions()
         showSuggestions(suggestions.wait(pendingWord, suggestionsDue).words);
 }
 
+/// Waits until the search for suggestions has ended. Returns false if it takes too long.
+bool SpellCheckF::findAllSuggestions()
+{
+    constexpr std::chrono::seconds Longest(10);
+    const QString word = txtWord->text();
+    if (word.isEmpty())
+        return true;
+    const HourglassScope hourglass;
+    const SuggestionWorker::Found found = suggestions.wait(word, std::chrono::steady_clock::now() + Longest);
+    if (found.complete)
+        showSuggestions(found.words);
+    return found.complete;
+}
+
 // ---------------------------------------------------------------- buttons
 
 void SpellCheckF::startCheck()
@@ -389,8 +404,10 @@ void SpellCheckF::expandSelection()
 
 void SpellCheckF::replaceWord()
 {
-    // An empty field would delete the word.
     waitForSuggestions();
+    // An empty field deletes the word, but not before the user can know that there are no suggestions.
+    if (!replacementEdited && txtReplaceWith->text().isEmpty() && !findAllSuggestions())
+        return ShowStatus(u"the suggestions are not complete yet"_s);
     if (form.HTMLread->designMode() == "On"_L1)
         check.Replace(txtReplaceWith->text());
 }

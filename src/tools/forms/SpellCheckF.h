@@ -98,6 +98,7 @@ private:
     void suggestionsFound(const QString& word);
     void showSuggestions(const QStringList& words);
     void waitForSuggestions();
+    [[nodiscard]] bool findAllSuggestions();
 
     // ---- buttons
     void startCheck();

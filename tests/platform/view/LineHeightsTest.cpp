@@ -48,7 +48,7 @@ struct PlainHeights
     }
     [[nodiscard]] int nextUnmeasured(int from) const
     {
-        for (size_t i = size_t(from); i < lines.size(); ++i) {
+        for (auto i = size_t(from); i < lines.size(); ++i) {
             if (!lines[i].measured)
                 return int(i);
         }
@@ -138,6 +138,7 @@ TEST(LineHeights, ManyLinesInsertedAnywhereAgreeWithAPlainList)
                     LineHeights heights;
                     heights.assign(plain.lines);
                     std::vector<LineExtent> lines;
+                    lines.reserve(size_t(inserted));
                     for (int i = 0; i < inserted; ++i)
                         lines.push_back(extent(unsigned(100 + i), 2, i % 3 == 0));
                     heights.replace(first, removed, lines);

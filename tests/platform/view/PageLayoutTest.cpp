@@ -51,7 +51,7 @@ TEST_F(PageLayoutTest, AJumpLaysOutOnlyWhatIsSeen)
     std::mt19937 random(3);
     for (int jump = 0; jump < 50; ++jump) {
         const int before = unmeasured();
-        const double top = double(random() % std::uint64_t(page.height()));
+        const auto top = double(random() % std::uint64_t(page.height()));
         page.prepare(top, top + WindowHeight);
         ASSERT_LE(before - unmeasured(), mostLinesSeen) << "to " << top;
     }
@@ -93,9 +93,8 @@ TEST_F(PageLayoutTest, ALineForWhichTheTimeWillNotDoWaitsForTheNextTurn)
         return std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now()
                                                                      - begin);
     };
-    std::vector<std::chrono::microseconds> times;
-    for (int i = 0; i < 20; ++i)
-        times.push_back(timeOf());
+    std::vector<std::chrono::microseconds> times(20);
+    std::ranges::generate(times, timeOf);
     std::sort(times.begin(), times.end());
     for (int i = 0; i < 20; ++i) {
         const int before = unmeasured();
