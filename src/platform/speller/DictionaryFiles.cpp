@@ -42,8 +42,10 @@ std::string_view ValueAfter(std::string_view line, std::string_view keyword)
 /// Dictionaries use some names of encodings that the system's converter does not know.
 std::string SystemName(std::string_view encoding)
 {
-    if (encoding.starts_with("microsoft-"))
-        encoding.remove_prefix(std::string_view("microsoft-").size());
+    constexpr std::string_view Prefix = "microsoft-";
+    // An empty name would mean the encoding of the system.
+    if (encoding.starts_with(Prefix) && encoding != Prefix)
+        encoding.remove_prefix(Prefix.size());
     return std::string(encoding);
 }
 

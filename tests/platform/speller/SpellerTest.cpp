@@ -106,9 +106,11 @@ TEST_F(SpellerTest, AFileWithoutAWordCountIsNoDictionary)
 
 TEST_F(SpellerTest, AnUnknownEncodingIsRefused)
 {
-    dictionaries.make("en_US", "one two", "SET NO-SUCH-ENCODING\n");
-    EXPECT_FALSE(load(u"en_US"_s));
-    EXPECT_FALSE(problem.isEmpty());
+    for (const char* name : {"NO-SUCH-ENCODING", "microsoft-"}) {
+        dictionaries.make("en_US", "one two", "SET " + std::string(name) + "\n");
+        EXPECT_FALSE(load(u"en_US"_s)) << name;
+        EXPECT_FALSE(problem.isEmpty());
+    }
 }
 
 TEST_F(SpellerTest, ADictionaryThatKnowsNoneOfItsWordsIsRefused)
